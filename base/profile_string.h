@@ -1,0 +1,46 @@
+#ifndef BASE_PROFILE_STRING_H_
+#define BASE_PROFILE_STRING_H_
+
+#include <string>
+#include <vector>
+
+namespace base {
+
+// The Windows profile functions on INI files, with Windows' behaviour.
+//
+// WritePrivateProfileStringW(section, key, value, file) loads the file,
+// changes it and saves it within the call, as a separate process would, so
+// that another process may read the file while we run:
+//  - a missing file is created (UTF-8, our stand-in for the ANSI code page:
+//    ASCII content is byte-identical); a file starting with the UTF-16LE
+//    byte-order mark stays UTF-16LE, one with the UTF-8 mark keeps it;
+//  - section and key are found case-insensitively, with blanks around the
+//    names ignored; the first section of that name is used;
+//  - an existing key gets the new value in place; a new key goes after the
+//    last line of its section; a missing section is added at the end;
+//  - an empty value writes "key=" and keeps the key; a null value deletes
+//    the key; a null key deletes the section;
+//  - writing the value a key already has leaves the file untouched;
+//  - lines the call writes end in CR LF; every other line stays as it was.
+// Returns false only when |section| is null or the file cannot be written.
+bool WritePrivateProfileStringW(const wchar_t* section,
+                                const wchar_t* key,
+                                const wchar_t* value,
+                                const wchar_t* file);
+
+// The matching reader: the value of |key| in |section| (trimmed, matching
+// quotes removed), or |default_value| without trailing blanks when absent.
+std::wstring GetPrivateProfileStringW(const std::wstring& section,
+                                      const std::wstring& key,
+                                      const std::wstring& default_value,
+                                      const std::wstring& file);
+
+// Names of the keys of |section| that have a value, in file order, and names
+// of all sections, as the reader with a null key or section gives them.
+std::vector<std::wstring> GetPrivateProfileKeys(const std::wstring& section,
+                                                const std::wstring& file);
+std::vector<std::wstring> GetPrivateProfileSections(const std::wstring& file);
+
+}  // namespace base
+
+#endif  // BASE_PROFILE_STRING_H_

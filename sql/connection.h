@@ -1,0 +1,131 @@
+#ifndef SQL_CONNECTION_H_
+#define SQL_CONNECTION_H_
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "base/file_path.h"
+#include "sql/statement_id.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace sql {
+
+class StatementRef;
+
+// One connection to an SQLite database file, over SQLCipher (page
+// encryption). Nothing here throws: operations answer false, an invalid
+// statement or a neutral value. A Connection is used by one thread at a time.
+//
+// Usage: set the page and cache size, then Open (plain file) or OpenWithKey
+// (encrypted file); prepare statements with GetUniqueStatement or
+// GetCachedStatement and run them through sql::Statement; Close, or let the
+// destructor close.
+class Connection {
+ public:
+  Connection();
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  // Settings applied by the next Open/OpenWithKey (0 keeps SQLite's default).
+  // The page size only matters for a new database file (or a VACUUM).
+  void set_page_size(int page_size) { page_size_ = page_size; }
+  void set_cache_size(int cache_size) { cache_size_ = cache_size; }
+
+  // Opens (creating when missing) the plain database file at |path|. The
+  // file is found case-insensitively when it exists. False when the file
+  // cannot be opened or is not a database; the connection is then closed.
+  bool Open(const base::FilePath& path);
+
+  // Opens an encrypted database with |key| as the SQLCipher passphrase,
+  // exactly as "PRAGMA key = '<key>'" gives it, with the library's default
+  // cipher settings. The key is checked by reading the schema: a wrong key,
+  // or a plain file, answers false and leaves the connection closed.
+  // |create_if_missing| false refuses a file that does not exist.
+  bool OpenWithKey(const base::FilePath& path, const std::wstring& key,
+                   bool create_if_missing = false);
+
+  // Finalises every statement and closes the database. Safe to call twice.
+  void Close();
+  bool is_open() const { return db_ != nullptr; }
+  const base::FilePath& path() const { return path_; }
+
+  // Runs one or more statements that return no rows. False on any error.
+  bool Execute(const char* sql);
+
+  bool DoesTableExist(const char* table_name) const;
+  bool DoesColumnExist(const char* table_name, const char* column_name) const;
+
+  // ATTACH DATABASE '<path>' AS <alias> (the attached file is plain; with a
+  // key on an encrypted main database, give it via AttachDatabaseWithKey).
+  bool AttachDatabase(const base::FilePath& path, const char* alias);
+  bool DetachDatabase(const char* alias);
+
+  // Transactions nest: only the outermost Begin and Commit reach SQLite.
+  // A rollback at any depth rolls back the whole transaction.
+  bool BeginTransaction();
+  bool CommitTransaction();
+  void RollbackTransaction();
+  int transaction_nesting() const { return transaction_nesting_; }
+
+  // Turns the open plain database into one encrypted with |key| in place and
+  // leaves the connection open on it: the content is exported into a sibling
+  // file "<path>.enc" (inside one transaction), the connection closed, the
+  // sibling renamed over the file and reopened with the key. The result opens
+  // with the stock sqlcipher tool and "PRAGMA key = '<key>'" alone (default
+  // cipher page size). False when the database is not open, the export or the
+  // rename fails; the original file is then unchanged (and stays open when
+  // it can be reopened).
+  bool DbEncrypt(const std::wstring& key);
+
+  // A new prepared statement, finalised when its last Statement goes.
+  std::shared_ptr<StatementRef> GetUniqueStatement(const char* sql);
+  // A statement kept for reuse under |id| and reset before it is handed out
+  // again. Its text must be the same at every use of |id|.
+  std::shared_ptr<StatementRef> GetCachedStatement(const StatementID& id, const char* sql);
+
+  // SQLite's result code and message of the last failed call.
+  int GetErrorCode() const;
+  const char* GetErrorMessage() const;
+
+  sqlite3* db() const { return db_; }
+
+ private:
+  bool OpenInternal(const base::FilePath& path, const std::string* key, bool create_if_missing);
+  bool ApplySettings();
+
+  sqlite3* db_ = nullptr;
+  base::FilePath path_;
+  int page_size_ = 0;
+  int cache_size_ = 0;
+  int transaction_nesting_ = 0;
+  bool needs_rollback_ = false;
+  std::map<StatementID, std::shared_ptr<StatementRef>> statement_cache_;
+};
+
+// A prepared statement shared by Statement objects; invalid when preparing
+// failed or its connection closed.
+class StatementRef {
+ public:
+  StatementRef(Connection* connection, sqlite3_stmt* stmt);
+  ~StatementRef();
+  StatementRef(const StatementRef&) = delete;
+  StatementRef& operator=(const StatementRef&) = delete;
+
+  bool is_valid() const { return stmt_ != nullptr; }
+  sqlite3_stmt* stmt() const { return stmt_; }
+  Connection* connection() const { return connection_; }
+  // Finalises the statement (the connection is closing).
+  void Close();
+
+ private:
+  Connection* connection_;
+  sqlite3_stmt* stmt_;
+};
+
+}  // namespace sql
+
+#endif  // SQL_CONNECTION_H_

@@ -1,0 +1,58 @@
+#ifndef SQL_STATEMENT_H_
+#define SQL_STATEMENT_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "sql/connection.h"
+
+namespace sql {
+
+// A prepared statement from Connection::GetUniqueStatement or
+// GetCachedStatement:
+//
+//   sql::Statement s(db.GetUniqueStatement("SELECT a FROM t"));
+//   while (s.Step()) use(s.ColumnInt(0));
+//
+// An invalid statement (bad SQL, closed connection) answers false to Step
+// and neutral values to every getter; nothing throws. Column getters read the
+// current row; a NULL reads as 0, 0.0 or empty.
+class Statement {
+ public:
+  Statement();
+  explicit Statement(std::shared_ptr<StatementRef> ref);
+  ~Statement();
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+
+  void Assign(std::shared_ptr<StatementRef> ref);
+  bool is_valid() const { return ref_ && ref_->is_valid(); }
+
+  // Runs the statement to its next row: true while a row is available.
+  // False at the end, on an error, or when invalid.
+  bool Step();
+  // Runs a statement that returns no row: true on success.
+  bool Run();
+  // Back to the start, ready to step again.
+  void Reset();
+
+  int ColumnCount() const;
+  // Column name as SQLite gives it (UTF-8); empty when out of range.
+  std::string GetColumnName(int col) const;
+
+  int ColumnInt(int col) const;
+  int64_t ColumnInt64(int col) const;
+  double ColumnDouble(int col) const;
+  std::string ColumnString(int col) const;     // UTF-8
+  std::wstring ColumnString16(int col) const;  // wide text
+
+ private:
+  bool CheckColumn(int col) const;
+
+  std::shared_ptr<StatementRef> ref_;
+};
+
+}  // namespace sql
+
+#endif  // SQL_STATEMENT_H_

@@ -1,0 +1,85 @@
+#include "testing/test_support.h"
+
+#include <stdlib.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace testing_support {
+
+ScopedTempDir::ScopedTempDir() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "vantu_test_XXXXXX").string();
+  char* made = mkdtemp(pattern.data());
+  path_ = base::FilePath::FromUTF8Unsafe(made ? made : pattern);
+}
+
+ScopedTempDir::~ScopedTempDir() {
+  std::error_code ec;
+  // Tests make files read-only on purpose; restore write access first.
+  for (auto it = std::filesystem::recursive_directory_iterator(path_.AsUTF8Unsafe(), ec);
+       !ec && it != std::filesystem::recursive_directory_iterator(); it.increment(ec)) {
+    std::filesystem::permissions(it->path(), std::filesystem::perms::owner_all,
+                                 std::filesystem::perm_options::add, ec);
+  }
+  std::filesystem::remove_all(path_.AsUTF8Unsafe(), ec);
+}
+
+ScopedEnv::~ScopedEnv() {
+  for (const auto& [name, value] : saved_) {
+    if (value)
+      setenv(name.c_str(), value->c_str(), 1);
+    else
+      unsetenv(name.c_str());
+  }
+}
+
+void ScopedEnv::Set(const std::string& name, const std::optional<std::string>& value) {
+  if (!saved_.count(name)) {
+    const char* old = getenv(name.c_str());
+    saved_[name] = old ? std::optional<std::string>(old) : std::nullopt;
+  }
+  if (value)
+    setenv(name.c_str(), value->c_str(), 1);
+  else
+    unsetenv(name.c_str());
+}
+
+int RunCommand(const std::string& command, const std::string& input, std::string* output) {
+  std::string in_file = (std::filesystem::temp_directory_path() /
+                         ("vantu_cmd_in_" + std::to_string(getpid()))).string();
+  {
+    std::ofstream in(in_file, std::ios::binary);
+    in << input;
+  }
+  std::string full = "(" + command + ") < '" + in_file + "' 2>&1";
+  FILE* pipe = popen(full.c_str(), "r");
+  if (!pipe)
+    return -1;
+  std::string out;
+  char buffer[4096];
+  size_t n;
+  while ((n = fread(buffer, 1, sizeof(buffer), pipe)) > 0)
+    out.append(buffer, n);
+  int status = pclose(pipe);
+  std::remove(in_file.c_str());
+  if (output)
+    *output = out;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string ReadBytes(const base::FilePath& path) {
+  std::ifstream in(path.AsUTF8Unsafe(), std::ios::binary);
+  std::ostringstream out;
+  out << in.rdbuf();
+  return out.str();
+}
+
+void WriteBytes(const base::FilePath& path, const std::string& bytes) {
+  std::ofstream out(path.AsUTF8Unsafe(), std::ios::binary | std::ios::trunc);
+  out << bytes;
+}
+
+}  // namespace testing_support

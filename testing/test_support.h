@@ -1,0 +1,52 @@
+#ifndef TESTING_TEST_SUPPORT_H_
+#define TESTING_TEST_SUPPORT_H_
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "base/file_path.h"
+
+namespace testing_support {
+
+// A fresh folder under the system's temporary folder, deleted with
+// everything in it when the object goes.
+class ScopedTempDir {
+ public:
+  ScopedTempDir();
+  ~ScopedTempDir();
+  ScopedTempDir(const ScopedTempDir&) = delete;
+  ScopedTempDir& operator=(const ScopedTempDir&) = delete;
+
+  const base::FilePath& path() const { return path_; }
+
+ private:
+  base::FilePath path_;
+};
+
+// Sets (or with std::nullopt unsets) environment variables for the life of
+// the object, restoring the earlier values afterwards.
+class ScopedEnv {
+ public:
+  ScopedEnv() = default;
+  ~ScopedEnv();
+  ScopedEnv(const ScopedEnv&) = delete;
+  ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+  void Set(const std::string& name, const std::optional<std::string>& value);
+
+ private:
+  std::map<std::string, std::optional<std::string>> saved_;
+};
+
+// Runs a shell command, feeding |input| on its standard input; returns its
+// exit status and stores its standard output in |*output| when given.
+int RunCommand(const std::string& command, const std::string& input, std::string* output);
+
+// Reads or writes a whole file as bytes (test fixtures).
+std::string ReadBytes(const base::FilePath& path);
+void WriteBytes(const base::FilePath& path, const std::string& bytes);
+
+}  // namespace testing_support
+
+#endif  // TESTING_TEST_SUPPORT_H_
