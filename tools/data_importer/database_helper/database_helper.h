@@ -1,0 +1,79 @@
+#ifndef TOOLS_DATA_IMPORTER_DATABASE_HELPER_DATABASE_HELPER_H_
+#define TOOLS_DATA_IMPORTER_DATABASE_HELPER_DATABASE_HELPER_H_
+
+#include <memory>
+#include <string>
+
+#include "base/file_path.h"
+#include "sql/connection.h"
+
+// The one way the importer opens a database file, source or target.
+//
+// A DatabaseHelper owns one sql::Connection (created with it, closed and
+// destroyed with it) and at most one attached database. No operation throws
+// or logs: each answers false or a neutral value and the caller logs with its
+// own tag.
+class DatabaseHelper {
+ public:
+  DatabaseHelper();
+  ~DatabaseHelper();
+  DatabaseHelper(const DatabaseHelper&) = delete;
+  DatabaseHelper& operator=(const DatabaseHelper&) = delete;
+
+  // Opens the plain database at |path| and makes sure it is sound:
+  //  1. clears the file's read-only attribute (a missing file is no error:
+  //     it will be created);
+  //  2. page size 4096, cache size 64 pages, Connection::Open — false if the
+  //     open fails;
+  //  3. CheckIntegrity — true if it passes;
+  //  4. otherwise exactly one "VACUUM" (its result ignored) and a second
+  //     CheckIntegrity — true if it passes now;
+  //  5. otherwise the connection is closed and the answer is false: the
+  //     file is corrupt and must not be read.
+  bool OpenAndCheck(const base::FilePath& path);
+
+  // Runs the cached "PRAGMA Integrity_Check" and passes only when its first
+  // row reads "ok" (any letter case). False for an invalid statement, no row,
+  // or a list of problems.
+  bool CheckIntegrity();
+
+  // Attaches the database at |path| under |alias|. Refused (false) when an
+  // alias is already stored — even if that earlier attach failed — or when
+  // |alias| is empty. The alias is stored before attaching and stays stored
+  // when the attach fails.
+  bool Attach(const base::FilePath& path, const std::string& alias);
+
+  // Copies table |table| of the attached database into the main one:
+  // "CREATE TABLE <t> AS SELECT * FROM <alias>.<t>" when the main database
+  // lacks the table (columns only: no keys, indexes or constraints come
+  // along), else "INSERT INTO <t> SELECT * FROM <alias>.<t>"; " where " +
+  // |where| appended when |where| is not empty. False when nothing is
+  // attached or the statement fails.
+  bool CopyTable(const std::string& where, const std::string& table);
+
+  void Close();
+
+  sql::Connection* connection() { return connection_.get(); }
+  const std::string& attached_alias() const { return attached_alias_; }
+
+ private:
+  std::unique_ptr<sql::Connection> connection_;
+  std::string attached_alias_;
+};
+
+// "Insert Into " + table + "(" + columns + ") values (" + values + ")": the
+// lists come joined and quoted by the caller.
+std::string BuildInsertStatement(const std::string& table, const std::string& columns,
+                                 const std::string& values);
+
+// SQL literal of a wide text: "'" + text with every "'" doubled + "'".
+// No other character is escaped.
+std::wstring EscapeSqlText(const std::wstring& text);
+
+// The largest value of |key_column| in |table|, by "Select IfNull(Max(%s),
+// %d) As MaxKeyID From %s" with the default 1. Answers 1 when the database is
+// not open, the statement is invalid (a missing table) or yields no row; an
+// empty table therefore also gives 1.
+int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column, const std::string& table);
+
+#endif  // TOOLS_DATA_IMPORTER_DATABASE_HELPER_DATABASE_HELPER_H_

@@ -1,0 +1,68 @@
+#ifndef TOOLS_DATA_IMPORTER_DATABASE_HELPER_DB_ROW_READER_H_
+#define TOOLS_DATA_IMPORTER_DATABASE_HELPER_DB_ROW_READER_H_
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "sql/statement.h"
+
+namespace sql {
+class Connection;
+}
+
+// The operations of a cursor over query results, columns looked up by name.
+class RowReaderInterface {
+ public:
+  virtual ~RowReaderInterface() = default;
+  virtual double GetDouble(const std::string& name) = 0;
+  virtual int GetInt(const std::string& name) = 0;
+  virtual int64_t GetInt64(const std::string& name) = 0;
+  virtual std::string GetString(const std::string& name) = 0;
+  virtual std::wstring GetString16(const std::string& name) = 0;
+  virtual bool IsValid() const = 0;
+  virtual bool Step() = 0;
+};
+
+// Cursor over one statement, prepared at construction with
+// Connection::GetUniqueStatement (never cached) and finalised with the
+// reader. The connection must outlive the reader.
+//
+//   DbRowReader reader(connection, "SELECT * FROM PlayLists");
+//   if (!reader.IsValid()) { log; give up; }
+//   while (reader.Step()) use(reader.GetInt("PlayListID"));
+//
+// Columns are found by name, case-insensitively (same length, bytes equal
+// after toupper of the default locale); of two names that differ only in
+// case the lower index wins. Every name asked for is cached, a missing one as
+// -1, so a missing column costs one scan of the column names per reader, not
+// one per row. A missing column, or any getter on an invalid statement,
+// answers the neutral value (0, 0.0, empty) and logs nothing; a NULL value
+// reads as the base library converts it (0 or empty). Invalid SQL does not
+// throw: IsValid answers false and Step answers false at once.
+class DbRowReader : public RowReaderInterface {
+ public:
+  DbRowReader(sql::Connection& connection, const std::string& sql);
+  ~DbRowReader() override;
+
+  double GetDouble(const std::string& name) override;
+  int GetInt(const std::string& name) override;
+  int64_t GetInt64(const std::string& name) override;
+  std::string GetString(const std::string& name) override;  // UTF-8
+  std::wstring GetString16(const std::string& name) override;
+  bool IsValid() const override;
+  bool Step() override;
+
+  // Index of the column called |name| (case-insensitive), or -1.
+  int GetColumnIndex(const std::string& name);
+
+  // Number of times the column names were scanned (for tests of the cache).
+  int column_scans() const { return column_scans_; }
+
+ private:
+  sql::Statement statement_;
+  std::map<std::string, int> column_index_;
+  int column_scans_ = 0;
+};
+
+#endif  // TOOLS_DATA_IMPORTER_DATABASE_HELPER_DB_ROW_READER_H_
