@@ -1,0 +1,28 @@
+#ifndef COMMON_EXCEPTION_REPORT_CRASH_HANDLER_H_
+#define COMMON_EXCEPTION_REPORT_CRASH_HANDLER_H_
+
+#include "base/file_path.h"
+
+namespace exception_report {
+
+// Installs the crash handler for the life of the object. The importer runs
+// inside someone else's process, so the handler is installed when the entry
+// point starts and the previous handlers are restored when it returns.
+//
+// On POSIX the fatal signals (SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT) write
+// a crash record (time, signal, backtrace of the faulting thread, the
+// executable's folder) into the folder "crash" under the current
+// generation's data folder, then the signal takes its course under the
+// previous disposition. Installing never fails the caller and does not change
+// the run's course; a record that cannot be written is skipped.
+class ScopedCrashHandler {
+ public:
+  explicit ScopedCrashHandler(const base::FilePath& exe_folder);
+  ~ScopedCrashHandler();
+  ScopedCrashHandler(const ScopedCrashHandler&) = delete;
+  ScopedCrashHandler& operator=(const ScopedCrashHandler&) = delete;
+};
+
+}  // namespace exception_report
+
+#endif  // COMMON_EXCEPTION_REPORT_CRASH_HANDLER_H_

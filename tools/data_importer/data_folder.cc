@@ -1,0 +1,33 @@
+#include "tools/data_importer/data_folder.h"
+
+#include "base/file_util.h"
+#include "base/path_service.h"
+#include "base/time.h"
+
+base::FilePath GetDataFolder() {
+  base::FilePath app_data;
+  if (!base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data))
+    return base::FilePath();
+  base::FilePath folder = base::ResolvePathCase(app_data.Append(L"VanTu8"));
+  if (!base::DirectoryExists(folder))
+    base::CreateDirectory(folder);
+  return folder;
+}
+
+base::FilePath GetDatedBackupFolder() {
+  base::FilePath data = GetDataFolder();
+  if (data.empty())
+    return data;
+  base::FilePath folder = base::ResolvePathCase(
+      data.Append(L"Backup").Append(base::Time::Now().ToLocalDateString()));
+  if (!base::DirectoryExists(folder))
+    base::CreateDirectory(folder);
+  return folder;
+}
+
+base::FilePath GetLyricFolder() {
+  base::FilePath data = GetDataFolder();
+  if (data.empty())
+    return data;
+  return base::ResolvePathCase(data.Append(L"Lyric"));
+}

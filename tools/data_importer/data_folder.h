@@ -1,0 +1,18 @@
+#ifndef TOOLS_DATA_IMPORTER_DATA_FOLDER_H_
+#define TOOLS_DATA_IMPORTER_DATA_FOLDER_H_
+
+#include "base/file_path.h"
+
+// The current generation's data folder: the per-user application-data
+// folder (path-service key 109) joined with "VanTu8", created when missing.
+// Empty when the application-data folder cannot be determined.
+base::FilePath GetDataFolder();
+
+// Where the importer keeps dated backups of the files it reads and where the
+// current generation looks for lyric files; both under the data folder:
+//   <data folder>/Backup/<YYYYMMDD>   (created when missing)
+//   <data folder>/Lyric               (created by the caller when needed)
+base::FilePath GetDatedBackupFolder();
+base::FilePath GetLyricFolder();
+
+#endif  // TOOLS_DATA_IMPORTER_DATA_FOLDER_H_

@@ -1,0 +1,98 @@
+#ifndef TOOLS_DATA_IMPORTER_PROGRESS_RECORD_H_
+#define TOOLS_DATA_IMPORTER_PROGRESS_RECORD_H_
+
+#include <cstdint>
+#include <string>
+
+// How far the run has got and how it ended, as the player reads it from
+// section "DBCheck" of "Vantu.ini" in the data folder. This record is the
+// one writer of that section: every key goes out through
+// WritePrivateProfileStringW as soon as its value changes, so the player sees
+// progress while it waits. A profile write that fails is ignored.
+//
+// One record exists per run. The entry point creates it and hands it by
+// reference to each step; exporters and the build sequence reach it through
+// the import model.
+class ProgressRecord {
+ public:
+  // Failure bits of "ImportState".
+  enum StateBits : uint32_t {
+    kStateNotStarted = 1,     // the source or the build's first stage failed
+    kStateListsFailed = 2,    // lists could not be read
+    kStateMusicFailed = 4,    // music items could not be read
+    kStateBuildFailed = 8,    // a later stage of the build failed
+    kStateTableFailed = 16,   // another source table could not be read
+  };
+
+  // Import kinds.
+  enum ImportKind : int {
+    kKindNone = 0,
+    kKind2008 = 1,
+    kKindGeneration6 = 2,
+    kKindGeneration7 = 3,
+    kKindCurrent = 4,
+  };
+
+  ProgressRecord() = default;
+  ProgressRecord(const ProgressRecord&) = delete;
+  ProgressRecord& operator=(const ProgressRecord&) = delete;
+
+  // Computes the settings-file path (creating the data folder) and resets
+  // the section: "ImportProgress", "ImportState", "UpdateProgress",
+  // "ImportPlayLists" and "ForceDeleteDb" empty, then "BeforceImportEmpty"
+  // = "-1".
+  void Initialise();
+
+  // Adds |delta| to the progress; a sum below |floor| becomes |floor|, one
+  // of 100 or more becomes 99 (only the entry point writes "100"). Writes
+  // "ImportProgress".
+  void Advance(int delta, int floor);
+
+  // Sets the progress outright and writes "ImportProgress" (the entry
+  // point's "10" and "100").
+  void SetProgress(int value);
+
+  // Sets the progress of the version-2 steps and writes "UpdateProgress".
+  void SetUpdateProgress(int value);
+
+  // Stores |text| and writes it as "ImportPlayLists".
+  void SetPlaylists(const std::wstring& text);
+
+  // Stores the empty-source flag and writes "BeforceImportEmpty" ("1"/"0").
+  void SetSourceEmpty(bool empty);
+
+  // Writes "ImportEnd" ("8" for an empty source, "4" without failure bits 1
+  // or 8, "5" otherwise) and returns the state.
+  uint32_t WriteEnd();
+
+  // Writes "ImportEnd" as it stands, then adds |bits| to the state and
+  // writes "ImportState".
+  void ReportFailure(uint32_t bits);
+
+  // Writes "ImportStart" = "1" (the import was skipped because a version-2
+  // music database already exists).
+  void WriteImportStart();
+
+  // Writes one key of the section (used by the steps above).
+  void WriteKey(const wchar_t* key, const std::wstring& value);
+
+  int progress() const { return progress_; }
+  int update_progress() const { return update_progress_; }
+  uint32_t state() const { return state_; }
+  const std::wstring& playlists() const { return playlists_; }
+  bool source_empty() const { return source_empty_; }
+  const std::wstring& ini_path() const { return ini_path_; }
+  int import_kind() const { return import_kind_; }
+  void set_import_kind(int kind) { import_kind_ = kind; }
+
+ private:
+  int32_t progress_ = 0;
+  int32_t update_progress_ = 0;
+  uint32_t state_ = 0;
+  std::wstring playlists_;
+  bool source_empty_ = false;
+  std::wstring ini_path_;
+  int32_t import_kind_ = kKindNone;
+};
+
+#endif  // TOOLS_DATA_IMPORTER_PROGRESS_RECORD_H_
