@@ -11,6 +11,10 @@ namespace base {
 // quote, joined by single spaces. Empty when it cannot be read.
 std::wstring GetCommandLineW();
 
+// |arg| quoted (when it holds a blank or a quote, or is empty) so that
+// CommandLine::FromString splits it back unchanged.
+std::wstring QuoteCommandLineArgument(const std::wstring& arg);
+
 // A parsed command line. Only switches are kept: an argument written
 // "--name=value" or "-name=value" gives switch "name" with that value; one
 // without "=" has an empty value. Names are case-sensitive; a later switch of
