@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/file_path.h"
 #include "sql/statement_id.h"
@@ -104,6 +105,8 @@ class Connection {
   int transaction_nesting_ = 0;
   bool needs_rollback_ = false;
   std::map<StatementID, std::shared_ptr<StatementRef>> statement_cache_;
+  // Every statement handed out, so that Close can finalise them first.
+  std::vector<std::weak_ptr<StatementRef>> open_statements_;
 };
 
 // A prepared statement shared by Statement objects; invalid when preparing

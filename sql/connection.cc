@@ -1,0 +1,279 @@
+#include "sql/connection.h"
+
+#include <sqlite3.h>
+
+#include <string>
+
+#include "base/file_util.h"
+#include "base/utf_string_conversions.h"
+#include "sql/statement.h"
+
+namespace sql {
+
+namespace {
+
+// A single-quoted SQL literal of |text| ("'" doubled).
+std::string Quote(const std::string& text) {
+  std::string out = "'";
+  for (char c : text) {
+    out.push_back(c);
+    if (c == '\'')
+      out.push_back('\'');
+  }
+  out.push_back('\'');
+  return out;
+}
+
+}  // namespace
+
+StatementRef::StatementRef(Connection* connection, sqlite3_stmt* stmt)
+    : connection_(connection), stmt_(stmt) {}
+
+StatementRef::~StatementRef() {
+  Close();
+}
+
+void StatementRef::Close() {
+  if (stmt_) {
+    sqlite3_finalize(stmt_);
+    stmt_ = nullptr;
+  }
+  connection_ = nullptr;
+}
+
+Connection::Connection() = default;
+
+Connection::~Connection() {
+  Close();
+}
+
+bool Connection::Open(const base::FilePath& path) {
+  return OpenInternal(path, nullptr, true);
+}
+
+bool Connection::OpenWithKey(const base::FilePath& path, const std::wstring& key,
+                             bool create_if_missing) {
+  std::string utf8_key = base::WideToUTF8(key);
+  return OpenInternal(path, &utf8_key, create_if_missing);
+}
+
+bool Connection::OpenInternal(const base::FilePath& path, const std::string* key,
+                              bool create_if_missing) {
+  Close();
+  base::FilePath resolved = base::ResolvePathCase(path);
+  if (!create_if_missing && !base::PathExists(resolved))
+    return false;
+  int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_FULLMUTEX;
+  if (create_if_missing)
+    flags |= SQLITE_OPEN_CREATE;
+  sqlite3* db = nullptr;
+  int rc = sqlite3_open_v2(resolved.AsUTF8Unsafe().c_str(), &db, flags, nullptr);
+  if (rc != SQLITE_OK) {
+    sqlite3_close(db);
+    return false;
+  }
+  db_ = db;
+  path_ = resolved;
+  if (key) {
+    // The passphrase exactly as "PRAGMA key = '<key>'" gives it.
+    if (!Execute(("PRAGMA key = " + Quote(*key)).c_str())) {
+      Close();
+      return false;
+    }
+  }
+  if (!ApplySettings()) {
+    Close();
+    return false;
+  }
+  // Reading the schema proves the file is a database and the key is right.
+  if (sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) !=
+      SQLITE_OK) {
+    Close();
+    return false;
+  }
+  return true;
+}
+
+bool Connection::ApplySettings() {
+  if (page_size_ > 0 &&
+      !Execute(("PRAGMA page_size=" + std::to_string(page_size_)).c_str()))
+    return false;
+  if (cache_size_ > 0 &&
+      !Execute(("PRAGMA cache_size=" + std::to_string(cache_size_)).c_str()))
+    return false;
+  return true;
+}
+
+void Connection::Close() {
+  for (auto& [id, ref] : statement_cache_)
+    ref->Close();
+  statement_cache_.clear();
+  transaction_nesting_ = 0;
+  needs_rollback_ = false;
+  if (db_) {
+    // Statements still held by callers are finalised here; their Statement
+    // objects turn invalid.
+    for (auto& weak : open_statements_) {
+      if (auto ref = weak.lock())
+        ref->Close();
+    }
+    open_statements_.clear();
+    sqlite3_close(db_);
+    db_ = nullptr;
+  }
+}
+
+bool Connection::Execute(const char* sql) {
+  if (!db_)
+    return false;
+  return sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+bool Connection::DoesTableExist(const char* table_name) const {
+  if (!db_)
+    return false;
+  sqlite3_stmt* stmt = nullptr;
+  if (sqlite3_prepare_v2(db_,
+                         "SELECT name FROM sqlite_master WHERE type='table' AND name=? "
+                         "COLLATE NOCASE",
+                         -1, &stmt, nullptr) != SQLITE_OK)
+    return false;
+  sqlite3_bind_text(stmt, 1, table_name, -1, SQLITE_TRANSIENT);
+  bool exists = sqlite3_step(stmt) == SQLITE_ROW;
+  sqlite3_finalize(stmt);
+  return exists;
+}
+
+bool Connection::DoesColumnExist(const char* table_name, const char* column_name) const {
+  if (!db_)
+    return false;
+  std::string sql = "PRAGMA TABLE_INFO(" + Quote(table_name) + ")";
+  sqlite3_stmt* stmt = nullptr;
+  if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &stmt, nullptr) != SQLITE_OK)
+    return false;
+  bool found = false;
+  while (!found && sqlite3_step(stmt) == SQLITE_ROW) {
+    const char* name = reinterpret_cast<const char*>(sqlite3_column_text(stmt, 1));
+    found = name && sqlite3_stricmp(name, column_name) == 0;
+  }
+  sqlite3_finalize(stmt);
+  return found;
+}
+
+bool Connection::AttachDatabase(const base::FilePath& path, const char* alias) {
+  std::string sql = "ATTACH DATABASE " +
+                    Quote(base::ResolvePathCase(path).AsUTF8Unsafe()) + " AS " + alias;
+  return Execute(sql.c_str());
+}
+
+bool Connection::DetachDatabase(const char* alias) {
+  return Execute((std::string("DETACH DATABASE ") + alias).c_str());
+}
+
+bool Connection::BeginTransaction() {
+  if (!db_)
+    return false;
+  if (transaction_nesting_ == 0) {
+    if (!Execute("BEGIN TRANSACTION"))
+      return false;
+    needs_rollback_ = false;
+  }
+  ++transaction_nesting_;
+  return true;
+}
+
+bool Connection::CommitTransaction() {
+  if (!db_ || transaction_nesting_ == 0)
+    return false;
+  if (--transaction_nesting_ > 0)
+    return !needs_rollback_;
+  if (needs_rollback_) {
+    Execute("ROLLBACK");
+    needs_rollback_ = false;
+    return false;
+  }
+  return Execute("COMMIT");
+}
+
+void Connection::RollbackTransaction() {
+  if (!db_ || transaction_nesting_ == 0)
+    return;
+  if (--transaction_nesting_ > 0) {
+    needs_rollback_ = true;
+    return;
+  }
+  Execute("ROLLBACK");
+  needs_rollback_ = false;
+}
+
+bool Connection::DbEncrypt(const std::wstring& key) {
+  if (!db_ || transaction_nesting_ > 0)
+    return false;
+  base::FilePath path = path_;
+  base::FilePath encrypted(path.value() + L".enc");
+  base::DeleteFile(encrypted);
+  std::string utf8_key = base::WideToUTF8(key);
+  std::string attach = "ATTACH DATABASE " + Quote(encrypted.AsUTF8Unsafe()) +
+                       " AS vantu_encrypted KEY " + Quote(utf8_key);
+  if (!Execute(attach.c_str())) {
+    base::DeleteFile(encrypted);
+    return false;
+  }
+  // One transaction around the export saves a commit per table.
+  bool exported = Execute("BEGIN") &&
+                  Execute("SELECT sqlcipher_export('vantu_encrypted')") && Execute("COMMIT");
+  if (!exported)
+    Execute("ROLLBACK");
+  Execute("DETACH DATABASE vantu_encrypted");
+  if (!exported) {
+    base::DeleteFile(encrypted);
+    return false;
+  }
+  Close();
+  if (!base::ReplaceFile(encrypted, path)) {
+    base::DeleteFile(encrypted);
+    Open(path);
+    return false;
+  }
+  return OpenWithKey(path, key, false);
+}
+
+std::shared_ptr<StatementRef> Connection::GetUniqueStatement(const char* sql) {
+  sqlite3_stmt* stmt = nullptr;
+  if (db_ && sqlite3_prepare_v2(db_, sql, -1, &stmt, nullptr) != SQLITE_OK) {
+    sqlite3_finalize(stmt);
+    stmt = nullptr;
+  }
+  auto ref = std::make_shared<StatementRef>(stmt ? this : nullptr, stmt);
+  if (stmt) {
+    if (open_statements_.size() >= 64) {
+      std::erase_if(open_statements_, [](const auto& weak) { return weak.expired(); });
+    }
+    open_statements_.push_back(ref);
+  }
+  return ref;
+}
+
+std::shared_ptr<StatementRef> Connection::GetCachedStatement(const StatementID& id,
+                                                             const char* sql) {
+  auto it = statement_cache_.find(id);
+  if (it != statement_cache_.end() && it->second->is_valid()) {
+    sqlite3_reset(it->second->stmt());
+    sqlite3_clear_bindings(it->second->stmt());
+    return it->second;
+  }
+  std::shared_ptr<StatementRef> ref = GetUniqueStatement(sql);
+  if (ref->is_valid())
+    statement_cache_[id] = ref;
+  return ref;
+}
+
+int Connection::GetErrorCode() const {
+  return db_ ? sqlite3_errcode(db_) : SQLITE_MISUSE;
+}
+
+const char* Connection::GetErrorMessage() const {
+  return db_ ? sqlite3_errmsg(db_) : "database is not open";
+}
+
+}  // namespace sql
