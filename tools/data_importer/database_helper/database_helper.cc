@@ -1,0 +1,116 @@
+#include "tools/data_importer/database_helper/database_helper.h"
+
+#include <locale>
+
+#include <boost/format.hpp>
+
+#include "base/file_util.h"
+#include "sql/statement.h"
+#include "tools/data_importer/database_helper/db_row_reader.h"
+
+DatabaseHelper::DatabaseHelper() : connection_(std::make_unique<sql::Connection>()) {}
+
+DatabaseHelper::~DatabaseHelper() {
+  attached_alias_.clear();
+  connection_.reset();
+}
+
+bool DatabaseHelper::OpenAndCheck(const base::FilePath& path) {
+  base::SetFileAttributesNormal(path);
+  connection_->set_page_size(4096);
+  connection_->set_cache_size(64);
+  if (!connection_->Open(path))
+    return false;
+  if (CheckIntegrity())
+    return true;
+  connection_->Execute("VACUUM");
+  if (CheckIntegrity())
+    return true;
+  connection_->Close();
+  return false;
+}
+
+bool DatabaseHelper::CheckIntegrity() {
+  sql::Statement check(connection_->GetCachedStatement(sql::StatementID("database_helper", 358),
+                                                       "PRAGMA Integrity_Check"));
+  if (!check.is_valid() || !check.Step())
+    return false;
+  std::wstring result = check.ColumnString16(0);
+  check.Reset();
+  static const wchar_t kOk[] = L"ok";
+  if (result.size() != 2)
+    return false;
+  std::locale locale;
+  const auto& ctype = std::use_facet<std::ctype<wchar_t>>(locale);
+  for (size_t i = 0; i < 2; ++i) {
+    if (ctype.toupper(result[i]) != ctype.toupper(kOk[i]))
+      return false;
+  }
+  return true;
+}
+
+bool DatabaseHelper::Attach(const base::FilePath& path, const std::string& alias) {
+  if (!connection_ || !attached_alias_.empty())
+    return false;
+  if (alias.empty())
+    return false;
+  attached_alias_ = alias;
+  return connection_->AttachDatabase(path, alias.c_str());
+}
+
+bool DatabaseHelper::CopyTable(const std::string& where, const std::string& table) {
+  if (!connection_ || attached_alias_.empty())
+    return false;
+  std::string sql;
+  if (!connection_->is_open() || !connection_->DoesTableExist(table.c_str()))
+    sql = "CREATE TABLE " + table + " AS SELECT * FROM " + attached_alias_ + "." + table;
+  else
+    sql = "INSERT INTO " + table + " SELECT * FROM " + attached_alias_ + "." + table;
+  if (!where.empty())
+    sql += " where " + where;
+  return connection_->Execute(sql.c_str());
+}
+
+void DatabaseHelper::Close() {
+  connection_->Close();
+}
+
+std::string BuildInsertStatement(const std::string& table, const std::string& columns,
+                                 const std::string& values) {
+  std::string sql;
+  sql.reserve(table.size() + columns.size() + values.size() + 24);
+  sql += "Insert Into ";
+  sql += table;
+  sql += "(";
+  sql += columns;
+  sql += ") values (";
+  sql += values;
+  sql += ")";
+  return sql;
+}
+
+std::wstring EscapeSqlText(const std::wstring& text) {
+  std::wstring literal;
+  literal.reserve(text.size() + 2);
+  literal.push_back(L'\'');
+  for (wchar_t c : text) {
+    literal.push_back(c);
+    if (c == L'\'')
+      literal.push_back(L'\'');
+  }
+  literal.push_back(L'\'');
+  return literal;
+}
+
+int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column, const std::string& table) {
+  sql::Connection* connection = helper ? helper->connection() : nullptr;
+  if (!connection || !connection->is_open())
+    return 1;
+  std::string query =
+      (boost::format("Select IfNull(Max(%s), %d) As MaxKeyID From %s") % key_column % 1 % table)
+          .str();
+  DbRowReader reader(*connection, query);
+  if (!reader.IsValid() || !reader.Step())
+    return 1;
+  return reader.GetInt("MaxKeyID");
+}

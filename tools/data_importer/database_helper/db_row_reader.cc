@@ -1,0 +1,71 @@
+#include "tools/data_importer/database_helper/db_row_reader.h"
+
+#include <locale>
+
+#include "sql/connection.h"
+
+DbRowReader::DbRowReader(sql::Connection& connection, const std::string& sql)
+    : statement_(connection.GetUniqueStatement(sql.c_str())) {}
+
+DbRowReader::~DbRowReader() = default;
+
+bool DbRowReader::IsValid() const {
+  return statement_.is_valid();
+}
+
+bool DbRowReader::Step() {
+  if (!statement_.is_valid())
+    return false;
+  return statement_.Step();
+}
+
+int DbRowReader::GetColumnIndex(const std::string& name) {
+  auto cached = column_index_.find(name);
+  if (cached != column_index_.end())
+    return cached->second;
+
+  ++column_scans_;
+  int index = -1;
+  int count = statement_.ColumnCount();
+  if (count >= 1) {
+    std::locale locale;
+    const auto& ctype = std::use_facet<std::ctype<char>>(locale);
+    for (int i = 0; i < count && index < 0; ++i) {
+      std::string column = statement_.GetColumnName(i);
+      if (column.size() != name.size())
+        continue;
+      bool same = true;
+      for (size_t c = 0; c < column.size() && same; ++c)
+        same = ctype.toupper(column[c]) == ctype.toupper(name[c]);
+      if (same)
+        index = i;
+    }
+  }
+  column_index_.emplace(name, index);
+  return index;
+}
+
+double DbRowReader::GetDouble(const std::string& name) {
+  int index = GetColumnIndex(name);
+  return index < 0 ? 0.0 : statement_.ColumnDouble(index);
+}
+
+int DbRowReader::GetInt(const std::string& name) {
+  int index = GetColumnIndex(name);
+  return index < 0 ? 0 : statement_.ColumnInt(index);
+}
+
+int64_t DbRowReader::GetInt64(const std::string& name) {
+  int index = GetColumnIndex(name);
+  return index < 0 ? 0 : statement_.ColumnInt64(index);
+}
+
+std::string DbRowReader::GetString(const std::string& name) {
+  int index = GetColumnIndex(name);
+  return index < 0 ? std::string() : statement_.ColumnString(index);
+}
+
+std::wstring DbRowReader::GetString16(const std::string& name) {
+  int index = GetColumnIndex(name);
+  return index < 0 ? std::wstring() : statement_.ColumnString16(index);
+}
