@@ -11,16 +11,20 @@ namespace exception_report {
 //
 // On POSIX the fatal signals (SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT) write
 // a crash record (time, signal, backtrace of the faulting thread, the
-// executable's folder) into the folder "crash" under the current
-// generation's data folder, then the signal takes its course under the
-// previous disposition. Installing never fails the caller and does not change
+// executable's folder) into |crash_folder| (created when the first record is
+// written), then the signal takes its course under the previous disposition.
+// Only one handler is active at a time: a second object while one exists
+// does nothing. Installing never fails the caller and does not change
 // the run's course; a record that cannot be written is skipped.
 class ScopedCrashHandler {
  public:
-  explicit ScopedCrashHandler(const base::FilePath& exe_folder);
+  ScopedCrashHandler(const base::FilePath& exe_folder, const base::FilePath& crash_folder);
   ~ScopedCrashHandler();
   ScopedCrashHandler(const ScopedCrashHandler&) = delete;
   ScopedCrashHandler& operator=(const ScopedCrashHandler&) = delete;
+
+ private:
+  bool installed_ = false;
 };
 
 }  // namespace exception_report

@@ -4,11 +4,21 @@
 #include "base/path_service.h"
 #include "base/time.h"
 
-base::FilePath GetDataFolder() {
+namespace {
+
+base::FilePath DataFolderPath() {
   base::FilePath app_data;
   if (!base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data))
     return base::FilePath();
-  base::FilePath folder = base::ResolvePathCase(app_data.Append(L"VanTu8"));
+  return base::ResolvePathCase(app_data.Append(L"VanTu8"));
+}
+
+}  // namespace
+
+base::FilePath GetDataFolder() {
+  base::FilePath folder = DataFolderPath();
+  if (folder.empty())
+    return folder;
   if (!base::DirectoryExists(folder))
     base::CreateDirectory(folder);
   return folder;
@@ -30,4 +40,9 @@ base::FilePath GetLyricFolder() {
   if (data.empty())
     return data;
   return base::ResolvePathCase(data.Append(L"Lyric"));
+}
+
+base::FilePath GetCrashFolder() {
+  base::FilePath folder = DataFolderPath();
+  return folder.empty() ? folder : folder.Append(L"crash");
 }

@@ -15,4 +15,8 @@ base::FilePath GetDataFolder();
 base::FilePath GetDatedBackupFolder();
 base::FilePath GetLyricFolder();
 
+// <data folder>/crash, where the crash handler writes its records. Nothing
+// is created: the handler makes the folder when it writes the first record.
+base::FilePath GetCrashFolder();
+
 #endif  // TOOLS_DATA_IMPORTER_DATA_FOLDER_H_

@@ -5,6 +5,7 @@
 #include <boost/format.hpp>
 
 #include "base/file_util.h"
+#include "base/utf_string_conversions.h"
 #include "sql/statement.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 
@@ -100,6 +101,22 @@ std::wstring EscapeSqlText(const std::wstring& text) {
   }
   literal.push_back(L'\'');
   return literal;
+}
+
+void AppendSqlTextLiteral(std::wstring_view text, std::string* out) {
+  out->push_back('\'');
+  size_t start = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    wchar_t c = text[i];
+    if (c != L'\'' && c != L'\0')
+      continue;
+    base::AppendWideAsUTF8(text.substr(start, i - start), out);
+    if (c == L'\'')
+      out->append("''");
+    start = i + 1;
+  }
+  base::AppendWideAsUTF8(text.substr(start), out);
+  out->push_back('\'');
 }
 
 int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column, const std::string& table) {

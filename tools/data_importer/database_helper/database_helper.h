@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "base/file_path.h"
 #include "sql/connection.h"
@@ -69,6 +70,11 @@ std::string BuildInsertStatement(const std::string& table, const std::string& co
 // SQL literal of a wide text: "'" + text with every "'" doubled + "'".
 // No other character is escaped.
 std::wstring EscapeSqlText(const std::wstring& text);
+
+// The same literal appended to |out| in UTF-8, the form statements are
+// executed in. A NUL character would end the statement text early, so it is
+// left out; code units that are not valid Unicode become U+FFFD.
+void AppendSqlTextLiteral(std::wstring_view text, std::string* out);
 
 // The largest value of |key_column| in |table|, by "Select IfNull(Max(%s),
 // %d) As MaxKeyID From %s" with the default 1. Answers 1 when the database is

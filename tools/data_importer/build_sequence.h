@@ -1,0 +1,25 @@
+#ifndef TOOLS_DATA_IMPORTER_BUILD_SEQUENCE_H_
+#define TOOLS_DATA_IMPORTER_BUILD_SEQUENCE_H_
+
+#include "base/file_path.h"
+
+class ImportModel;
+
+// The database key of every version-3 database (the SQLCipher passphrase).
+inline constexpr wchar_t kVersion3DatabaseKey[] = L"3C5A0F1E9D2B47A6B8E1C4D7F0A29B63";
+
+// Turns a filled import model into the two version-3 databases of
+// |data_folder| and moves them into place:
+//  1. prepares "VTMusicV2.db.tmp" and "playlist.db.tmp" (a stale ".tmp" is
+//     deleted; an existing "VTMusicV2.db" or "playlist.db" stops the build);
+//     on failure records state 1 and returns 1, leaving no ".tmp" behind;
+//  2. writes "BeforceImportEmpty";
+//  3. runs the table writers in their fixed order, moving "ImportProgress"
+//     from at least 50 towards 99 by fixed weights;
+//  4. runs the list-count report (state 8 when it fails);
+//  5. encrypts the playlist file, then the music file, with the version-3
+//     key, closes both and replaces "VTMusicV3.db" and "playlistV3.db".
+// Returns 0 once the files are built. Writers never fail the build.
+int BuildDatabases(ImportModel* model, const base::FilePath& data_folder);
+
+#endif  // TOOLS_DATA_IMPORTER_BUILD_SEQUENCE_H_

@@ -1,0 +1,74 @@
+#include "tools/data_importer/data_exporter.h"
+
+#include <boost/format.hpp>
+
+#include "base/file_util.h"
+#include "base/utf_string_conversions.h"
+#include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/import_model.h"
+
+DataExporter::DataExporter(ImportModel* model)
+    : m_model(model), m_db(std::make_unique<DatabaseHelper>()) {}
+
+DataExporter::~DataExporter() = default;
+
+void DataExporter::ReportState(uint32_t bits) {
+  if (m_model)
+    m_model->ReportState(bits);
+}
+
+void DataExporter::ResetDatabase() {
+  m_db.reset();
+  m_db = std::make_unique<DatabaseHelper>();
+}
+
+std::wstring DumpTableSummary(const base::FilePath& path, const DumpTableList& tables) {
+  if (!base::PathExists(path))
+    return L"{" + path.value() + L"} do not exists.";
+  DatabaseHelper helper;
+  if (!helper.OpenAndCheck(path)) {
+    helper.Close();
+    return L"Failed to open database file {" + path.value() + L"}.\n";
+  }
+  std::wstring summary = L"SUMMARY OF DB FILE {" + path.value() + L"}: \n";
+  sql::Connection* connection = helper.connection();
+  for (const auto& [table, column] : tables) {
+    if (!connection->DoesTableExist(table))
+      continue;
+    std::string query = (boost::format("SELECT COUNT( %s ) AS CNT FROM %s") % column % table).str();
+    DbRowReader reader(*connection, query);
+    int count = reader.Step() ? reader.GetInt("CNT") : 0;
+    summary += L"\t" + base::UTF8ToWide(table) + L": COUNT(" +
+               base::UTF8ToWide(column) + L") is {" +
+               std::to_wstring(count) + L"}.\n";
+  }
+  return summary;
+}
+
+const DumpTableList& Generation7DumpTables() {
+  static const DumpTableList tables = {
+      {"AppLists", "ID"},
+      {"BillData", "ID"},
+      {"DeleteFile", "ID"},
+      {"DownHistory", "ID"},
+      {"Downing", "ID"},
+      {"FavorListManage", "LMID"},
+      {"FileItems", "FileItemID"},
+      {"FolderItems", "ItemID"},
+      {"ForceDown", "ID"},
+      {"HttpStatistics", "ID"},
+      {"VtDbVer", "ver"},
+      {"Listen", "ID"},
+      {"PlayListItems", "ItemID"},
+      {"PlayLists", "PlayListID"},
+      {"RadioList", "ID"},
+      {"RadioListDislikeSongs", "ID"},
+      {"RadioListNJPlayedItems", "ID"},
+      {"RadioListSongs", "ID"},
+      {"RenamedItems", "ID"},
+      {"ShareFolders", "ShareFolderID"},
+      {"sqlite_sequence", "name"},
+      {"UserFeedback", "UserID"},
+  };
+  return tables;
+}

@@ -1,0 +1,62 @@
+#ifndef TOOLS_DATA_IMPORTER_DATA_EXPORTER_H_
+#define TOOLS_DATA_IMPORTER_DATA_EXPORTER_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/file_path.h"
+#include "tools/data_importer/database_helper/database_helper.h"
+
+class ImportModel;
+
+// The interface of every source reader (one per earlier generation). The
+// driver creates the exporter on the run's import model and calls, in this
+// order: GetDatabasePath, Dump with that path, ExportData; it builds the new
+// databases only when ExportData answers 0, then destroys the exporter.
+// Nothing here throws: source failures become state bits via ReportState.
+class DataExporter {
+ public:
+  explicit DataExporter(ImportModel* model);
+  virtual ~DataExporter();
+  DataExporter(const DataExporter&) = delete;
+  DataExporter& operator=(const DataExporter&) = delete;
+
+  // Reads every source of the generation into the model. 0: data was
+  // exported; 1: the source was not found or could not be copied, and
+  // nothing was imported.
+  virtual int32_t ExportData() = 0;
+
+  // Diagnostic summary of the source database at |path|.
+  virtual std::wstring Dump(const base::FilePath& path) = 0;
+
+  // Where the generation's main source database is expected.
+  virtual base::FilePath GetDatabasePath() = 0;
+
+  // ORs |bits| into the run's import state and writes it to section
+  // "DBCheck" at once. Does nothing without a model.
+  void ReportState(uint32_t bits);
+
+ protected:
+  // Replaces m_db with a fresh helper (the previous one closes first).
+  void ResetDatabase();
+
+  ImportModel* m_model;                  // not owned; outlives the exporter
+  std::unique_ptr<DatabaseHelper> m_db;  // the open source copy
+};
+
+// Pairs of (table, counted column) for DumpTableSummary.
+using DumpTableList = std::vector<std::pair<const char*, const char*>>;
+
+// The table summary of a source database: "{path} do not exists." when the
+// file is missing; "Failed to open database file {path}.\n" when it cannot
+// be opened soundly; otherwise "SUMMARY OF DB FILE {path}: \n" followed by
+// "\t<table>: COUNT(<column>) is {<n>}.\n" for each listed table that exists.
+std::wstring DumpTableSummary(const base::FilePath& path, const DumpTableList& tables);
+
+// The generation-7 tables, in summary order.
+const DumpTableList& Generation7DumpTables();
+
+#endif  // TOOLS_DATA_IMPORTER_DATA_EXPORTER_H_

@@ -1,0 +1,92 @@
+#include "tools/data_importer/data_importer_main.h"
+
+#include <gtest/gtest.h>
+
+#include "base/file_util.h"
+#include "base/json_file.h"
+#include "tools/data_importer/importer_test_util.h"
+
+namespace {
+
+class DataImporterMainTest : public ::testing::Test {
+ protected:
+  base::FilePath Data(const wchar_t* name) { return profile_.data_folder().Append(name); }
+
+  void WriteStorage(const std::string& text) {
+    testing_support::WriteBytes(Data(L"pls_storage"), text);
+  }
+
+  // Gives "playlistV3.db" a known modification time.
+  double TouchPlaylist() {
+    TestProfile::Touch(Data(L"playlistV3.db"));
+    base::FileInfo info;
+    EXPECT_TRUE(base::GetFileInfo(Data(L"playlistV3.db"), &info));
+    return info.last_modified;
+  }
+
+  TestProfile profile_;
+};
+
+TEST_F(DataImporterMainTest, NothingToDoLeavesTheStartValues) {
+  DataImporterMain();
+  EXPECT_TRUE(base::DirectoryExists(profile_.data_folder()));
+  EXPECT_EQ(L"", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"", profile_.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"-1", profile_.DBCheck(L"BeforceImportEmpty"));
+  EXPECT_EQ(L"#missing#", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"#missing#", profile_.DBCheck(L"ImportStart"));
+}
+
+TEST_F(DataImporterMainTest, SectionIsResetAtEveryRun) {
+  base::CreateDirectory(profile_.data_folder());
+  testing_support::WriteBytes(profile_.ini(),
+                              "[DBCheck]\r\nImportProgress=55\r\nImportState=9\r\n"
+                              "ForceDeleteDb=1\r\n[Player]\r\nVolume=80\r\n");
+  DataImporterMain();
+  EXPECT_EQ(L"", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"", profile_.DBCheck(L"ForceDeleteDb"));
+  EXPECT_EQ(L"-1", profile_.DBCheck(L"BeforceImportEmpty"));
+  // Other sections are left alone.
+  EXPECT_NE(std::string::npos,
+            testing_support::ReadBytes(profile_.ini()).find("[Player]\r\nVolume=80\r\n"));
+}
+
+TEST_F(DataImporterMainTest, UpgradeTaskLeavesPlaylistStorageAlone) {
+  base::CreateDirectory(profile_.data_folder());
+  TestProfile::Touch(Data(L"VTMusicV2.db"));
+  TouchPlaylist();
+  WriteStorage("{\"modify_time\":1.5}");
+  DataImporterMain();
+  EXPECT_EQ(L"100", profile_.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"-1", profile_.DBCheck(L"BeforceImportEmpty"));
+  EXPECT_EQ(L"", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ("{\"modify_time\":1.5}", testing_support::ReadBytes(Data(L"pls_storage")));
+}
+
+TEST_F(DataImporterMainTest, CopyTaskWithoutPlaylistDatabaseLeavesStorage) {
+  base::CreateDirectory(profile_.data_folder());
+  TestProfile::Touch(Data(L"VTMusicV2.db"));
+  WriteStorage("{\"lists\":[1,2],\"modify_time\":1.5}");
+  DataImporterMain();
+  EXPECT_EQ(L"100", profile_.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"-1", profile_.DBCheck(L"BeforceImportEmpty"));
+
+  // The copy made no "playlistV3.db" yet, so nothing was refreshed; with one
+  // in place the next copy run refreshes the dictionary, keeping its keys.
+  EXPECT_EQ("{\"lists\":[1,2],\"modify_time\":1.5}",
+            testing_support::ReadBytes(Data(L"pls_storage")));
+}
+
+TEST_F(DataImporterMainTest, ImportRunGoesFromTenToHundred) {
+  base::FilePath program2008 = profile_.root().Append(L"VanTa").Append(L"VanTa.exe");
+  TestProfile::Touch(program2008);
+  profile_.SetRegistryValue(L"Software\\VanTa", L"AppFileName", program2008.value());
+  DataImporterMain();
+  EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"", profile_.DBCheck(L"UpdateProgress"));
+  EXPECT_FALSE(base::PathExists(Data(L"VTMusicV3.db")));
+  EXPECT_FALSE(base::PathExists(Data(L"playlistV3.db")));
+}
+
+}  // namespace

@@ -1,0 +1,36 @@
+#include "tools/data_importer/exporter_factory.h"
+
+#include "logging/logging.h"
+#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/vt2008_data_exporter/vt2008_data_exporter.h"
+
+namespace {
+
+// Stands in for the reader of a generation that this library cannot read
+// yet: the source counts as not found.
+class UnavailableDataExporter : public DataExporter {
+ public:
+  UnavailableDataExporter(ImportModel* model, int kind) : DataExporter(model), kind_(kind) {}
+
+  int32_t ExportData() override {
+    VLOG_AT(logging::LOG_FAILURE) << L"No reader for import kind {" << kind_ << L"}.";
+    ReportState(ProgressRecord::kStateNotStarted);
+    return 1;
+  }
+  std::wstring Dump(const base::FilePath& path) override { return std::wstring(); }
+  base::FilePath GetDatabasePath() override { return base::FilePath(); }
+
+ private:
+  int kind_;
+};
+
+}  // namespace
+
+std::unique_ptr<DataExporter> CreateExporter(int import_kind, ImportModel* model) {
+  switch (import_kind) {
+    case ProgressRecord::kKind2008:
+      return std::make_unique<VT2008DataExporter>(model);
+    default:
+      return std::make_unique<UnavailableDataExporter>(model, import_kind);
+  }
+}

@@ -1,0 +1,106 @@
+#ifndef TOOLS_DATA_IMPORTER_IMPORT_MODEL_H_
+#define TOOLS_DATA_IMPORTER_IMPORT_MODEL_H_
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/data_importer/database_helper/database_helper.h"
+#include "tools/data_importer/import_records.h"
+
+class ProgressRecord;
+struct ImportedSettings;
+
+template <typename T>
+using RecordList = std::vector<std::shared_ptr<T>>;
+using SongList = RecordList<SongItem>;
+
+// Everything one import gathers, in memory: source readers append records
+// to the lists and maps; the build sequence then creates the two new
+// databases and lets one writer per table turn the records into rows.
+//
+// One model exists per run, owned by the import driver, used on one thread.
+// Readers fill the containers directly and never touch the two databases.
+// The writers only read the records; none of them reports an error (a
+// closed database makes a writer do nothing, a failing insert loses only
+// its row). ShareFileItems must be written first: it fills the id maps that
+// every later writer translates old file ids through.
+class ImportModel {
+ public:
+  // Second argument of WriteSongList.
+  enum SongListKind { kGeneralList = 0, kRadioChannel = 1 };
+
+  explicit ImportModel(ProgressRecord* progress = nullptr);
+  ~ImportModel();
+  ImportModel(const ImportModel&) = delete;
+  ImportModel& operator=(const ImportModel&) = delete;
+
+  // Reports |bits| as import state through the progress record, if any.
+  void ReportState(uint32_t bits);
+
+  // Writers of the music-library database (m_music_db).
+  void WriteShareFileItems();
+  void WriteShareFolders();
+  void WriteLocalFiles();
+  void WriteAppTools();
+  void WriteRecentlyPlayedItems();
+  void WriteRadioChannelTable();
+  void WriteDislikeRadioItems();
+  void WritePlayedRadioItems();
+  void WriteDownloadItems();
+  void WriteDownloadHistoryItems();
+  void WriteUserLoginHistory();
+  void WriteKeywordSearchHistory();
+
+  // Writers of the playlist database (m_playlist_db), except that radio
+  // channels' song tables go to the music-library database.
+  void WriteGeneralListTable();
+  // Writes the table "GeneralList_<id>" (kGeneralList, playlist database)
+  // or "RadioChannel_<id>" (kRadioChannel, music-library database), created
+  // even for no songs. General-list entries are translated to the new file
+  // ids and dropped when their audio file was not imported; radio entries
+  // are written as they are.
+  void WriteSongList(int id, const SongList& songs, SongListKind kind);
+
+  // Refills m_file_flag_map from m_share_files: the flag of an audio file's
+  // new id is 1 when the file has no local path (an entry the player cannot
+  // play from disk), else 0. The general-list writer stores the negation in
+  // MusicFilePlayable.
+  void FillFileFlagMap();
+
+  // Counts each list's entries in the playlist database and reports them as
+  // "ImportPlayLists": "<PlaylistID>:<entries>" per list in the lists'
+  // SortID order, joined by ",". Reports "0" and fails when the database is
+  // not open or has no GeneralListTable. Clears m_file_flag_map.
+  bool ReportListCounts();
+
+  RecordList<ShareFileItem> m_share_files;
+  RecordList<ShareFolderItem> m_share_folders;
+  RecordList<PlayListInfo> m_play_lists;
+  std::map<int32_t, SongList> m_list_songs;
+  RecordList<RadioChannelInfo> m_radio_channels;
+  SongList m_recent_songs;
+  RecordList<DislikeRadioRecord> m_dislike_radio;
+  RecordList<PlayedRadioRecord> m_played_radio;
+  RecordList<LocalFileInfo> m_local_files;
+  RecordList<DownloadRecord> m_downloads;
+  RecordList<LoginRecord> m_login_history;
+  RecordList<SearchKeywordRecord> m_search_keywords;
+  std::map<int32_t, SongList> m_radio_songs;
+  std::map<int32_t, uint8_t> m_file_flag_map;
+  RecordList<AppToolRecord> m_app_tools;
+  // Settings taken from an older generation, for the current generation's
+  // settings writer.
+  RecordList<ImportedSettings> m_imported_settings;
+  std::map<int, int> m_music_id_map;
+  std::map<int, int> m_mv_id_map;
+  std::map<int, int> m_folder_id_map;
+  std::map<std::wstring, int> m_hash_id_map;
+  std::unique_ptr<DatabaseHelper> m_music_db;
+  std::unique_ptr<DatabaseHelper> m_playlist_db;
+  ProgressRecord* m_progress = nullptr;
+};
+
+#endif  // TOOLS_DATA_IMPORTER_IMPORT_MODEL_H_

@@ -1,0 +1,251 @@
+#ifndef TOOLS_DATA_IMPORTER_IMPORT_RECORDS_H_
+#define TOOLS_DATA_IMPORTER_IMPORT_RECORDS_H_
+
+#include <cstdint>
+#include <string>
+
+// The plain records through which every source reader hands its data to the
+// database writers. Text fields are wide strings; numbers default to 0, texts
+// to empty. A field named like a column of the new databases is written to
+// that column; the lower-case fields are old ids that the writers translate.
+// Times are carried in the units of the source database.
+
+// One media file known to the player.
+struct ShareFileItem {
+  int old_id = 0;  // file id in the source database
+  int ShareFileType = 0;  // 2 = MV (video) file, anything else audio
+  std::wstring MD5;       // 32 hex characters or empty
+  std::wstring MpegMD5;
+  std::wstring FileName;
+  std::wstring FileNamePure;
+  std::wstring Artist;
+  std::wstring Album;
+  std::wstring LyricFile;
+  std::wstring FileSource;
+  int FileSize = 0;
+  int CDNFlag = 0;
+  int MpegOffset = 0;
+  int MpegSize = 0;
+  int Duration = 0;
+  int CalcuDurationTimes = 0;
+  int BitRate = 0;
+  int OwnerCount = 0;
+  double ReplayGain = 0.0;
+  bool IsShare = false;
+  bool IsListen = false;
+  bool IsUpdatedMD5 = false;
+  int64_t CreateTime = 0;
+  int64_t LastWriteTime = 0;
+  int64_t FileHashUpdateTime = 0;
+};
+
+// One folder the library watches.
+struct ShareFolderItem {
+  int old_id = 0;
+  std::wstring Path;
+  int64_t LastModifyTime = 0;
+  int AddType = 0;
+};
+
+// One user list; PlaylistID is also the key of its songs in the model.
+struct PlayListInfo {
+  int PlaylistID = 0;
+  std::wstring PlaylistName;
+  std::wstring DownloadPath;
+  int PlaylistType = 0;
+  int SortID = 0;
+};
+
+// One entry of a list, of the recently-played list or of a radio channel.
+struct SongItem {
+  int SongID = 0;
+  int music_file_id = 0;  // old id of the audio file
+  int mv_file_id = 0;     // old id of the MV file; 0 or less for none
+  int SortID = 0;
+  int PlayCount = 0;
+  int ServerFileID = 0;
+  int SongItemType = 0;
+  int NumOfTracks = 0;
+  int MVType = 0;
+  int TrackOrder = 0;
+  int FileSourceStatisticFlag = 0;
+  int MandatoryBitrate = 0;
+  int DownloadState = 0;
+  int NetworkFailure = 0;
+  std::wstring TitleName;
+  std::wstring ImageURL;
+  std::wstring LyricFileName;
+  std::wstring Singer;
+  std::wstring SongFileSource;
+  std::wstring Genre;
+  int64_t CreationTime = 0;
+  int64_t LastPlayTime = 0;
+  int64_t LastMatchMVTime = 0;
+  int64_t CueBeginTime = 0;
+  int64_t CueEndTime = 0;
+  int64_t LastGenreDownloadTime = 0;
+  // The music-file half.
+  std::wstring MusicFilePath;
+  std::wstring MusicFileHash;
+  std::wstring MusicFileSource;
+  std::wstring MusicFileArtist;
+  std::wstring MusicFileAlbum;
+  int MusicFileSize = 0;
+  int MusicFileCDNFlag = 0;
+  int MusicFileDuration = 0;
+  int MusicFileBitrate = 0;
+  int MusicFilePlayable = 0;
+  int64_t MusicFileLastModifyTime = 0;
+  // The MV half.
+  std::wstring MVFilePath;
+  std::wstring MVFileHash;
+  std::wstring MVFileSource;
+  int MVFileSize = 0;
+  int MVFileCDNFlag = 0;
+  int MVFileDuration = 0;
+  int MVFileBitrate = 0;
+  int64_t MVFileLastModifyTime = 0;
+};
+
+// One radio channel.
+struct RadioChannelInfo {
+  int ID = 0;
+  int FMType = 0;
+  int ClassID = 0;
+  int Heat = 0;
+  int SortID = 0;
+  int IsCloud = 0;
+  int LastPlayPos = 0;
+  int FMUserID = 0;
+  int FMListID = 0;
+  int FMListVersion = 0;
+  int FMStatus = 0;
+  std::wstring FMID;
+  std::wstring FMName;
+  std::wstring ClassName;
+  std::wstring Offset;
+  std::wstring ImageURL24;
+  std::wstring ImageURL32;
+  std::wstring Description;
+  std::wstring FMStat;  // kept, never written: the new table takes its default
+};
+
+struct DislikeRadioRecord {
+  int ChannelInformationID = 0;
+  int SongID = 0;
+  int DislikeType = 0;
+  int FileSize = 0;
+  int Duration = 0;
+  int Bitrate = 0;
+  int CDNFlag = 0;
+  std::wstring Hash;
+  std::wstring FileNameWithExtension;
+};
+
+struct PlayedRadioRecord {
+  int ChannelInformationID = 0;
+  int SongID = 0;
+  std::wstring Hash;
+};
+
+struct LocalFileInfo {
+  std::wstring FilePath;
+  std::wstring FolderPath;  // replaced on writing by the path of old_folder_id
+  std::wstring Artist;
+  std::wstring Album;
+  std::wstring SimpLetterByArtist;
+  std::wstring FullLetterByArtist;
+  std::wstring SimpLetterByTitle;
+  std::wstring FullLetterByTitle;
+  std::wstring SimpTitle;
+  int FileSize = 0;
+  int64_t AddTime = 0;
+  int64_t LastWriteTime = 0;
+  int old_file_id = 0;
+  int old_folder_id = 0;
+};
+
+// One download, finished or not. Percent 100 with DownType 0 or 20 is a
+// finished download and also goes to the history.
+struct DownloadRecord {
+  int file_id = 0;  // old id of the downloaded file
+  std::wstring MD5;
+  int FileID = 0;
+  int DownloadID = 0;
+  int SuggestFileSize = 0;
+  int FileSize = 0;
+  int DownType = 0;
+  int Method = 0;
+  int OrderPriority = 0;
+  int SpeedPriority = 0;
+  int Percent = 0;
+  int SortID = 0;
+  int PackageID = 0;
+  int DownMethod = 0;
+  int UserID = 0;
+  int VipType = 0;
+  int RelevanceMusicId = 0;
+  int MVType = 0;
+  int TrackOrder = 0;
+  int NumOfTracks = 0;
+  int RelevanceFileSize = 0;
+  int RelevanceBitRate = 0;
+  int RelevanceDuration = 0;
+  int BitRate = 0;
+  int Duration = 0;
+  int CDNFlag = 0;
+  int64_t StartTime = 0;
+  int64_t CompleteTime = 0;
+  int64_t UsedTime = 0;
+  int64_t AccessTime = 0;
+  bool DownFailed = false;
+  bool Suspended = false;
+  std::wstring FileName;
+  std::wstring DestFileName;
+  std::wstring DestFileNameSaveAs;
+  std::wstring TempFileName;
+  std::wstring RelevanceFileName;
+  std::wstring RelevanceFileHash;
+  std::wstring OriginalName;
+  std::wstring Artist;
+  std::wstring Album;
+  std::wstring FileSource;
+};
+
+// A saved login. EncodedPassword is carried exactly as the source stored it.
+struct LoginRecord {
+  int UserID = 0;
+  int Pattern = 0;
+  int FunctionBitmap = 0;
+  int Mark = 0;
+  int ListManageVersion = 0;
+  int ListManageCount = 0;
+  int MobileStatus = 0;
+  int ExtraUserID = 0;
+  std::wstring Username;
+  std::wstring EncodedPassword;
+  std::wstring HardwareInfo;
+  std::wstring ExtraOpenID;
+  std::wstring ExtraPassword;
+  std::wstring ExtraPartner;
+  std::wstring ExtraPicture;
+  int64_t RegisterStamp = 0;
+  bool AutoLogin = false;
+  bool RememberPassword = false;
+  bool LastAccess = false;
+};
+
+struct SearchKeywordRecord {
+  std::wstring Keyword;  // unique in the new table
+  int64_t TimeTick = 0;
+  int Type = 0;
+};
+
+struct AppToolRecord {
+  int ID = 0;
+  int SoftIndex = 0;
+  int64_t Version = 0;
+  std::wstring Path;
+};
+
+#endif  // TOOLS_DATA_IMPORTER_IMPORT_RECORDS_H_

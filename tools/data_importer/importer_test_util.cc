@@ -1,0 +1,36 @@
+#include "tools/data_importer/importer_test_util.h"
+
+#include "base/file_util.h"
+#include "base/profile_string.h"
+#include "base/utf_string_conversions.h"
+
+TestProfile::TestProfile() {
+  base::CreateDirectory(local());
+  base::CreateDirectory(roaming());
+  env_.Set("LOCALAPPDATA", local().AsUTF8Unsafe());
+  env_.Set("APPDATA", roaming().AsUTF8Unsafe());
+  env_.Set("VANTU_REGISTRY_FILE", root().Append(L"user.reg").AsUTF8Unsafe());
+  env_.Set("VANTU_LOG_STDERR", std::nullopt);
+}
+
+void TestProfile::SetRegistryValue(const std::wstring& key, const std::wstring& name,
+                                   const std::wstring& value) {
+  std::wstring escaped;
+  for (wchar_t c : value) {
+    if (c == L'\\' || c == L'"')
+      escaped.push_back(L'\\');
+    escaped.push_back(c);
+  }
+  registry_ += L"[HKEY_CURRENT_USER\\" + key + L"]\r\n\"" + name + L"\"=\"" + escaped + L"\"\r\n\r\n";
+  base::WriteFile(root().Append(L"user.reg"),
+                  "Windows Registry Editor Version 5.00\r\n\r\n" + base::WideToUTF8(registry_));
+}
+
+std::wstring TestProfile::DBCheck(const std::wstring& key) const {
+  return base::GetPrivateProfileStringW(L"DBCheck", key, L"#missing#", ini().value());
+}
+
+void TestProfile::Touch(const base::FilePath& path) {
+  base::CreateDirectory(path.DirName());
+  base::WriteFile(path, std::string());
+}

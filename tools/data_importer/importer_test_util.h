@@ -1,0 +1,39 @@
+#ifndef TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_
+#define TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_
+
+#include <string>
+
+#include "base/file_path.h"
+#include "testing/test_support.h"
+
+// A user profile of its own for one test: a temporary folder holding the
+// per-user ("local") and roaming application-data folders and a registry
+// file, with the environment pointing at them for the test's life.
+class TestProfile {
+ public:
+  TestProfile();
+
+  base::FilePath local() const { return root().Append(L"local"); }
+  base::FilePath roaming() const { return root().Append(L"roaming"); }
+  base::FilePath data_folder() const { return local().Append(L"VanTu8"); }
+  base::FilePath ini() const { return data_folder().Append(L"Vantu.ini"); }
+  const base::FilePath& root() const { return dir_.path(); }
+
+  // Writes the registry file with one string value under
+  // HKEY_CURRENT_USER\|key|.
+  void SetRegistryValue(const std::wstring& key, const std::wstring& name,
+                        const std::wstring& value);
+
+  // A value of section "DBCheck", "#missing#" when the key is absent.
+  std::wstring DBCheck(const std::wstring& key) const;
+
+  // Creates an empty file (and its folder).
+  static void Touch(const base::FilePath& path);
+
+ private:
+  testing_support::ScopedTempDir dir_;
+  testing_support::ScopedEnv env_;
+  std::wstring registry_;
+};
+
+#endif  // TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_

@@ -1,0 +1,165 @@
+// Writers of the library tables of the music-library database:
+// ShareFileItems, ShareFolders, LocalFiles and AppTools.
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/table_writer.h"
+
+namespace {
+
+const TableSpec kShareFileItems = {
+    "ShareFileItems",
+    "CREATE TABLE ShareFileItems(id integer PRIMARY KEY NOT NULL,FileName nvarchar(260) NOT "
+    "NULL DEFAULT '',FileNamePure nvarchar(260) NOT NULL DEFAULT '',FileSize integer NOT NULL "
+    "DEFAULT 0,MD5 char(32),MpegMD5 char(32),CDNFlag integer NOT NULL DEFAULT 0,ShareFileType "
+    "integer NOT NULL DEFAULT 0,Duration integer NOT NULL DEFAULT 0,CalcuDurationTimes integer "
+    "NOT NULL DEFAULT 0,BitRate integer NOT NULL DEFAULT 0,IsShare Boolean NOT NULL DEFAULT "
+    "0,LastWriteTime BigInt NOT NULL DEFAULT 0,FileHashUpdateTime BigInt NOT NULL DEFAULT "
+    "0,OwnerCount integer NOT NULL DEFAULT 0,MpegOffset integer NOT NULL DEFAULT 0,MpegSize "
+    "integer NOT NULL DEFAULT 0,LyricFile nvarchar(260) NOT NULL DEFAULT '',ReplayGain real "
+    "NOT NULL DEFAULT 0.0,FileSource nvarchar(260) NOT NULL DEFAULT '',Artist nvarchar(260) NOT "
+    "NULL DEFAULT '',Album nvarchar(260) NOT NULL DEFAULT '',CreateTime BigInt NOT NULL DEFAULT "
+    "0,IsListen Boolean NOT NULL DEFAULT 0,IsUpdatedMD5 Boolean NOT NULL DEFAULT 0)"};
+
+const TableSpec kShareFolders = {
+    "ShareFolders",
+    "CREATE TABLE ShareFolders(id integer PRIMARY KEY NOT NULL,Path nvarchar(260) NOT NULL "
+    "DEFAULT '',LastModifyTime BigInt NOT NULL DEFAULT 0,AddType integer NOT NULL DEFAULT 0)"};
+
+const TableSpec kLocalFiles = {
+    "LocalFiles",
+    "CREATE TABLE LocalFiles(FilePath nvarchar(260) PRIMARY KEY NOT NULL,FolderPath "
+    "nvarchar(260) NOT NULL DEFAULT '',FileSize integer NOT NULL DEFAULT 0,AddTime BigInt NOT "
+    "NULL DEFAULT 0,Artist nvarchar(256) NOT NULL DEFAULT '',Album nvarchar(256) NOT NULL "
+    "DEFAULT '',SimpLetterByArtist nvarchar(256) NOT NULL DEFAULT '',FullLetterByArtist "
+    "nvarchar(256) NOT NULL DEFAULT '',SimpLetterByTitle nvarchar(256) NOT NULL DEFAULT "
+    "'',FullLetterByTitle nvarchar(256) NOT NULL DEFAULT '',SimpTitle nvarchar(256) NOT NULL "
+    "DEFAULT '',LastWriteTime BigInt NOT NULL DEFAULT 0)"};
+
+const TableSpec kAppTools = {
+    "AppTools",
+    "CREATE TABLE AppTools(ID INTEGER PRIMARY KEY NOT NULL,Version BIGINT NOT NULL DEFAULT "
+    "0,SoftIndex INTEGER NOT NULL DEFAULT 0,Path VARCHAR(260) NULL)"};
+
+const std::wstring kAllZeroHash = L"00000000000000000000000000000000";
+
+void FillShareFileRow(const ShareFileItem& f, RowBuilder* row) {
+  row->Text("FileName", f.FileName);
+  row->Text("FileNamePure", f.FileNamePure);
+  row->Text("Artist", f.Artist);
+  row->Text("Album", f.Album);
+  row->Text("LyricFile", f.LyricFile);
+  row->Text("MD5", f.MD5);
+  row->Text("MpegMD5", f.MpegMD5);
+  row->Text("FileSource", f.FileSource);
+  row->Int("ShareFileType", f.ShareFileType);
+  row->Int("FileSize", f.FileSize);
+  row->Int("CDNFlag", f.CDNFlag);
+  row->Int("MPEGOffset", f.MpegOffset);
+  row->Int("MPEGSize", f.MpegSize);
+  row->Int("Duration", f.Duration);
+  row->Int("CalcuDurationTimes", f.CalcuDurationTimes);
+  row->Int("BitRate", f.BitRate);
+  row->Real("ReplayGain", f.ReplayGain);
+  row->Bool("IsShare", f.IsShare);
+  row->Int("OwnerCount", f.OwnerCount);
+  row->Int("CreateTime", f.CreateTime);
+  row->Int("LastWriteTime", f.LastWriteTime);
+  row->Int("FileHashUpdateTime", f.FileHashUpdateTime);
+  row->Bool("IsListen", f.IsListen);
+  row->Bool("IsUpdatedMD5", f.IsUpdatedMD5);
+}
+
+// Builds every record's insert text first; the rows then receive
+// consecutive ids (see InsertNumberedRows), answered in record order.
+template <typename Record, typename FillRow>
+std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableSpec& spec,
+                                    const RecordList<Record>& records, FillRow fill_row) {
+  std::vector<std::string> statements;
+  statements.reserve(records.size());
+  RowBuilder row;
+  for (const auto& record : records) {
+    fill_row(*record, &row);
+    statements.push_back(row.Statement(spec.name));
+    row.Clear();
+  }
+  return InsertNumberedRows(db, spec.name, "ID", statements);
+}
+
+}  // namespace
+
+void ImportModel::WriteShareFileItems() {
+  // Created even for an empty library: the player expects the table.
+  CreateTable(m_music_db.get(), kShareFileItems.create_sql);
+  if (m_share_files.empty())
+    return;
+  std::vector<int> ids =
+      WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files, FillShareFileRow);
+  for (size_t i = 0; i < m_share_files.size(); ++i) {
+    const ShareFileItem& file = *m_share_files[i];
+    if (!file.MD5.empty() && file.MD5 != kAllZeroHash)
+      m_hash_id_map[file.MD5] = ids[i];
+    if (file.ShareFileType == 2)
+      m_mv_id_map[file.old_id] = ids[i];
+    else
+      m_music_id_map[file.old_id] = ids[i];
+  }
+}
+
+void ImportModel::WriteShareFolders() {
+  if (m_share_folders.empty())
+    return;
+  CreateTable(m_music_db.get(), kShareFolders.create_sql);
+  std::vector<int> ids = WriteNumberedTable(
+      m_music_db.get(), kShareFolders, m_share_folders,
+      [](const ShareFolderItem& f, RowBuilder* row) {
+        row->Text("Path", f.Path);
+        row->Int("LastModifyTime", f.LastModifyTime);
+        row->Int("AddType", f.AddType);
+      });
+  for (size_t i = 0; i < m_share_folders.size(); ++i)
+    m_folder_id_map[m_share_folders[i]->old_id] = ids[i];
+}
+
+void ImportModel::WriteLocalFiles() {
+  if (m_local_files.empty())
+    return;
+  // Folder path by old folder id; the first folder with an id wins.
+  std::map<int, const std::wstring*> folder_paths;
+  for (const auto& folder : m_share_folders)
+    folder_paths.emplace(folder->old_id, &folder->Path);
+  const std::wstring no_folder;
+  // The old file id needs no translation here: the table is keyed by the
+  // file path and has no column for a file id.
+  WriteTable(m_music_db.get(), kLocalFiles, m_local_files, EmptyList::kSkipTable,
+             [&](const LocalFileInfo& f, RowBuilder* row) {
+               auto folder = folder_paths.find(f.old_folder_id);
+               row->Text("FilePath", f.FilePath);
+               row->Text("FolderPath", folder == folder_paths.end() ? no_folder : *folder->second);
+               row->Int("FileSize", f.FileSize);
+               row->Int("AddTime", f.AddTime);
+               row->Text("Artist", f.Artist);
+               row->Text("Album", f.Album);
+               row->Text("SimpLetterByArtist", f.SimpLetterByArtist);
+               row->Text("FullLetterByArtist", f.FullLetterByArtist);
+               row->Text("SimpLetterByTitle", f.SimpLetterByTitle);
+               row->Text("FullLetterByTitle", f.FullLetterByTitle);
+               row->Text("SimpTitle", f.SimpTitle);
+               row->Int("LastWriteTime", f.LastWriteTime);
+               return true;
+             });
+}
+
+void ImportModel::WriteAppTools() {
+  WriteTable(m_music_db.get(), kAppTools, m_app_tools, EmptyList::kSkipTable,
+             [](const AppToolRecord& t, RowBuilder* row) {
+               row->Int("ID", t.ID);
+               row->Int("Version", t.Version);
+               row->Int("SoftIndex", t.SoftIndex);
+               row->Text("Path", t.Path);
+               return true;
+             });
+}

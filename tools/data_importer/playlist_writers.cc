@@ -1,0 +1,113 @@
+// Writers of the playlist database (the list table and one table per list),
+// the song tables of radio channels and of the recently-played list, the
+// file-flag pass, and the list-count report.
+
+#include <string>
+
+#include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/song_table.h"
+#include "tools/data_importer/table_writer.h"
+
+namespace {
+
+const TableSpec kGeneralListTable = {
+    "GeneralListTable",
+    "CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY NOT NULL,PlaylistType integer "
+    "NOT NULL DEFAULT 0,PlaylistName nvarchar(20) NOT NULL DEFAULT '',SortID integer NOT NULL "
+    "DEFAULT 0,DownloadPath nvarchar(260) NOT NULL DEFAULT '')"};
+
+std::string SongListTableName(int id, ImportModel::SongListKind kind) {
+  return (kind == ImportModel::kGeneralList ? "GeneralList_" : "RadioChannel_") +
+         std::to_string(id);
+}
+
+int Lookup(const std::map<int, int>& map, int key) {
+  auto found = map.find(key);
+  return found == map.end() ? 0 : found->second;
+}
+
+}  // namespace
+
+void ImportModel::WriteGeneralListTable() {
+  WriteTable(m_playlist_db.get(), kGeneralListTable, m_play_lists, EmptyList::kSkipTable,
+             [](const PlayListInfo& list, RowBuilder* row) {
+               row->Int("PlaylistID", list.PlaylistID);
+               row->Text("PlaylistName", list.PlaylistName);
+               row->Text("DownloadPath", list.DownloadPath);
+               row->Int("PlaylistType", list.PlaylistType);
+               row->Int("SortID", list.SortID);
+               return true;
+             });
+}
+
+void ImportModel::WriteRecentlyPlayedItems() {
+  static const TableSpec kRecentlyPlayedItem = {"RecentlyPlayedItem",
+                                                SongTableSchema("RecentlyPlayedItem")};
+  // Created even when nothing was played; SQLite numbers the rows.
+  WriteTable(m_music_db.get(), kRecentlyPlayedItem, m_recent_songs, EmptyList::kCreateTable,
+             [](const SongItem& song, RowBuilder* row) {
+               AppendSongColumns(song, song.MusicFilePlayable, row);
+               return true;
+             });
+}
+
+void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind) {
+  const std::string name = SongListTableName(id, kind);
+  const TableSpec spec = {name, SongTableSchema(name)};
+  DatabaseHelper* db = kind == kGeneralList ? m_playlist_db.get() : m_music_db.get();
+  WriteTable(db, spec, songs, EmptyList::kCreateTable, [&](const SongItem& song, RowBuilder* row) {
+    int playable = song.MusicFilePlayable;
+    if (kind == kGeneralList) {
+      // The song tables keep a file by its path and hash, not by id: the
+      // new ids decide only whether the entry survives and how playable
+      // its file is. (The MV file is optional: an entry does not depend on
+      // its MV having been imported.)
+      int music_id = Lookup(m_music_id_map, song.music_file_id);
+      if (music_id == 0)
+        return false;
+      auto flag = m_file_flag_map.find(music_id);
+      if (flag != m_file_flag_map.end())
+        playable = !flag->second;
+    }
+    row->Int("SongID", song.SongID);
+    AppendSongColumns(song, playable, row);
+    return true;
+  });
+}
+
+void ImportModel::FillFileFlagMap() {
+  m_file_flag_map.clear();
+  for (const auto& file : m_share_files) {
+    if (file->ShareFileType == 2)
+      continue;
+    int new_id = Lookup(m_music_id_map, file->old_id);
+    if (new_id != 0)
+      m_file_flag_map[new_id] = file->FileName.empty() ? 1 : 0;
+  }
+}
+
+bool ImportModel::ReportListCounts() {
+  sql::Connection* connection = m_playlist_db ? m_playlist_db->connection() : nullptr;
+  if (!connection || !connection->is_open() || !connection->DoesTableExist("GeneralListTable")) {
+    if (m_progress)
+      m_progress->SetPlaylists(L"0");
+    return false;
+  }
+  std::wstring counts;
+  DbRowReader lists(*connection, "select * from GeneralListTable order by SortId");
+  while (lists.Step()) {
+    int id = lists.GetInt("PlayListID");
+    DbRowReader count(*connection, "select count(*) as itemCount from " +
+                                       SongListTableName(id, kGeneralList));
+    int entries = count.Step() ? count.GetInt("itemCount") : 0;
+    if (!counts.empty())
+      counts += L',';
+    counts += std::to_wstring(id) + L':' + std::to_wstring(entries);
+  }
+  if (m_progress)
+    m_progress->SetPlaylists(counts);
+  m_file_flag_map.clear();
+  return true;
+}

@@ -1,0 +1,108 @@
+#include "tools/data_importer/table_writer.h"
+
+#include <charconv>
+#include <cmath>
+
+#include "tools/data_importer/database_helper/database_helper.h"
+
+namespace {
+
+sql::Connection* OpenConnection(DatabaseHelper* db) {
+  if (!db || !db->connection() || !db->connection()->is_open())
+    return nullptr;
+  return db->connection();
+}
+
+}  // namespace
+
+void RowBuilder::AddColumn(std::string_view column) {
+  if (!columns_.empty()) {
+    columns_.push_back(',');
+    values_.push_back(',');
+  }
+  columns_.append(column);
+}
+
+void RowBuilder::Text(std::string_view column, std::wstring_view value) {
+  AddColumn(column);
+  AppendSqlTextLiteral(value, &values_);
+}
+
+void RowBuilder::Int(std::string_view column, int64_t value) {
+  AddColumn(column);
+  char buffer[24];
+  auto result = std::to_chars(buffer, buffer + sizeof(buffer), value);
+  values_.append(buffer, result.ptr);
+}
+
+void RowBuilder::Real(std::string_view column, double value) {
+  AddColumn(column);
+  if (!std::isfinite(value))
+    value = 0.0;
+  char buffer[32];
+  int length = std::snprintf(buffer, sizeof(buffer), "%.17g", value);
+  values_.append(buffer, length);
+}
+
+std::string RowBuilder::Statement(const std::string& table) const {
+  return BuildInsertStatement(table, columns_, values_);
+}
+
+void RowBuilder::Clear() {
+  columns_.clear();
+  values_.clear();
+}
+
+void CreateTable(DatabaseHelper* db, const std::string& create_sql) {
+  if (sql::Connection* connection = OpenConnection(db))
+    connection->Execute(create_sql.c_str());
+}
+
+TableTransaction::TableTransaction(DatabaseHelper* db, const TableSpec& spec)
+    : db_(db), spec_(spec) {
+  CreateTable(db_, spec_.create_sql);
+  if (sql::Connection* connection = OpenConnection(db_))
+    open_ = connection->BeginTransaction();
+}
+
+TableTransaction::~TableTransaction() {
+  sql::Connection* connection = OpenConnection(db_);
+  if (open_ && connection)
+    connection->CommitTransaction();
+}
+
+bool TableTransaction::Execute(const std::string& statement) {
+  sql::Connection* connection = OpenConnection(db_);
+  return connection && connection->Execute(statement.c_str());
+}
+
+bool TableTransaction::InsertRow() {
+  bool inserted = Execute(row_.Statement(spec_.name));
+  row_.Clear();
+  return inserted;
+}
+
+std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table,
+                                    const std::string& key_column,
+                                    const std::vector<std::string>& statements) {
+  std::vector<int> ids;
+  ids.reserve(statements.size());
+  sql::Connection* connection = OpenConnection(db);
+  bool in_transaction = false;
+  int id = -1;
+  for (size_t i = 0; i < statements.size(); ++i) {
+    if (connection)
+      connection->Execute(statements[i].c_str());
+    if (i == 0) {
+      id = GetMaxKeyId(db, key_column, table);
+      if (connection)
+        in_transaction = connection->BeginTransaction();
+    } else {
+      ++id;
+    }
+    ids.push_back(id);
+  }
+  if (in_transaction)
+    connection->CommitTransaction();
+  return ids;
+}

@@ -1,0 +1,31 @@
+#ifndef TOOLS_DATA_IMPORTER_TASK_DECISION_H_
+#define TOOLS_DATA_IMPORTER_TASK_DECISION_H_
+
+#include <string>
+
+#include "base/file_path.h"
+
+// Task names of a run.
+inline constexpr wchar_t kTaskUpdateVersion2[] = L"updatevantu8";
+inline constexpr wchar_t kTaskCopyVersion2[] = L"copyv8dbv2";
+inline constexpr wchar_t kTaskImportCurrent[] = L"importvantu8";
+inline constexpr wchar_t kTaskImportGeneration7[] = L"importvantu7";
+inline constexpr wchar_t kTaskImportGeneration6[] = L"importvantu6";
+inline constexpr wchar_t kTaskImport2008[] = L"importvantu2008";
+
+// Case-sensitive comparison of a task name: length first, then each
+// character.
+bool IsTask(const std::wstring& task, const wchar_t* name);
+
+// The import kind of an import task (1 2008 edition, 2 generation 6,
+// 3 generation 7, 4 current generation), 0 for any other name.
+int ImportKindOfTask(const std::wstring& task);
+
+// Decides the run's task from what lies in |data_folder|, the roaming
+// application-data folder, the registry and |source_folder| (the "i" switch;
+// may be empty). First match wins; may copy generation-6 database files from
+// |source_folder| into |data_folder| on the way. Answers an empty name when
+// there is nothing to do.
+std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath& source_folder);
+
+#endif  // TOOLS_DATA_IMPORTER_TASK_DECISION_H_
