@@ -1,0 +1,30 @@
+#ifndef TOOLS_VANTU_IMPORT_HOST_OPTIONS_H_
+#define TOOLS_VANTU_IMPORT_HOST_OPTIONS_H_
+
+#include <string>
+
+// Options of the host program. Every folder option only sets an environment
+// variable of the run; "--i=DIR" is left on the process command line, where
+// the importer reads it as the player's switch.
+struct HostOptions {
+  std::string local_appdata;    // --local-appdata DIR -> LOCALAPPDATA
+  std::string roaming_appdata;  // --roaming-appdata DIR -> APPDATA
+  std::string registry;         // --registry FILE -> VANTU_REGISTRY_FILE
+  std::string profile;          // --profile DIR: DIR/AppData/{Local,Roaming}
+  std::string source;           // --i=DIR (informational)
+  bool quiet = false;
+  bool help = false;
+  bool demo = false;
+};
+
+// Parses argv. Answers false and sets |error| for an unknown option or a
+// missing value. Options take their value as "--opt DIR" or "--opt=DIR".
+bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, std::string* error);
+
+// Sets the environment variables the options ask for: --profile first, then
+// the single-folder options, which win over it.
+void ApplyHostEnvironment(const HostOptions& options);
+
+extern const char kHostUsage[];
+
+#endif  // TOOLS_VANTU_IMPORT_HOST_OPTIONS_H_
