@@ -3,6 +3,8 @@
 #include "base/file_util.h"
 #include "base/profile_string.h"
 #include "base/utf_string_conversions.h"
+#include "sql/connection.h"
+#include "sql/statement.h"
 
 TestProfile::TestProfile() {
   base::CreateDirectory(local());
@@ -33,4 +35,22 @@ std::wstring TestProfile::DBCheck(const std::wstring& key) const {
 void TestProfile::Touch(const base::FilePath& path) {
   base::CreateDirectory(path.DirName());
   base::WriteFile(path, std::string());
+}
+
+std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query) {
+  std::vector<std::string> rows;
+  sql::Statement statement(db->GetUniqueStatement(query.c_str()));
+  while (statement.Step()) {
+    std::string row;
+    for (int i = 0; i < statement.ColumnCount(); ++i)
+      row += (i ? "|" : "") + statement.ColumnString(i);
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+std::string StoredSchema(sql::Connection* db, const std::string& table) {
+  std::vector<std::string> rows =
+      QueryRows(db, "SELECT sql FROM sqlite_master WHERE type='table' AND name='" + table + "'");
+  return rows.empty() ? std::string() : rows[0];
 }

@@ -2,6 +2,7 @@
 #define TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_
 
 #include <string>
+#include <vector>
 
 #include "base/file_path.h"
 #include "testing/test_support.h"
@@ -35,5 +36,16 @@ class TestProfile {
   testing_support::ScopedEnv env_;
   std::wstring registry_;
 };
+
+namespace sql {
+class Connection;
+}
+
+// Runs |query| and answers each row as its columns' text joined by "|"
+// (a NULL reads as empty).
+std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query);
+
+// The CREATE TABLE text SQLite stored for |table|, empty when absent.
+std::string StoredSchema(sql::Connection* db, const std::string& table);
 
 #endif  // TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_

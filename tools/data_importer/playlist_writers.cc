@@ -54,7 +54,7 @@ void ImportModel::WriteRecentlyPlayedItems() {
 }
 
 void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind) {
-  const std::string name = SongListTableName(id, kind);
+  const std::string name = SqlTableName(SongListTableName(id, kind));
   const TableSpec spec = {name, SongTableSchema(name)};
   DatabaseHelper* db = kind == kGeneralList ? m_playlist_db.get() : m_music_db.get();
   WriteTable(db, spec, songs, EmptyList::kCreateTable, [&](const SongItem& song, RowBuilder* row) {
@@ -100,7 +100,7 @@ bool ImportModel::ReportListCounts() {
   while (lists.Step()) {
     int id = lists.GetInt("PlayListID");
     DbRowReader count(*connection, "select count(*) as itemCount from " +
-                                       SongListTableName(id, kGeneralList));
+                                       SqlTableName(SongListTableName(id, kGeneralList)));
     int entries = count.Step() ? count.GetInt("itemCount") : 0;
     if (!counts.empty())
       counts += L',';

@@ -1,5 +1,6 @@
 #include "tools/data_importer/database_helper/database_helper.h"
 
+#include <cctype>
 #include <locale>
 
 #include <boost/format.hpp>
@@ -88,6 +89,23 @@ std::string BuildInsertStatement(const std::string& table, const std::string& co
   sql += values;
   sql += ")";
   return sql;
+}
+
+std::string SqlTableName(const std::string& name) {
+  bool plain = !name.empty();
+  for (char c : name) {
+    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_')
+      plain = false;
+  }
+  if (plain)
+    return name;
+  std::string quoted = "\"";
+  for (char c : name) {
+    quoted.push_back(c);
+    if (c == '"')
+      quoted.push_back('"');
+  }
+  return quoted + "\"";
 }
 
 std::wstring EscapeSqlText(const std::wstring& text) {

@@ -67,6 +67,11 @@ class DatabaseHelper {
 std::string BuildInsertStatement(const std::string& table, const std::string& columns,
                                  const std::string& values);
 
+// |name| as it can stand in a statement: unchanged when it is a plain
+// identifier (letters, digits, "_"), else in double quotes. A list's table
+// for a negative id, "GeneralList_-3", would otherwise read as a subtraction.
+std::string SqlTableName(const std::string& name);
+
 // SQL literal of a wide text: "'" + text with every "'" doubled + "'".
 // No other character is escaped.
 std::wstring EscapeSqlText(const std::wstring& text);

@@ -1,0 +1,224 @@
+#include "tools/data_importer/build_sequence.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+
+#include "base/file_util.h"
+#include "base/utf_string_conversions.h"
+#include "sql/connection.h"
+#include "testing/test_support.h"
+#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/import_model_test_util.h"
+#include "tools/data_importer/importer_test_util.h"
+#include "tools/data_importer/progress_record.h"
+
+namespace {
+
+class BuildSequenceTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    record_.Initialise();
+    model_.m_progress = &record_;
+  }
+
+  // A small but complete model: files, two lists, downloads, radio.
+  void FillModel() {
+    AddFile(&model_, 1, L"D:\\Music\\a.mp3", HashOf(1));
+    AddFile(&model_, 2, L"D:\\Music\\b'.mp3", HashOf(2));
+    AddFile(&model_, 3, L"D:\\Video\\c.mkv", HashOf(3), 2);
+    AddList(&model_, -3, L"Default", 0);
+    AddList(&model_, 5, L"Mine", 1);
+    AddSong(&model_, -3, 1, 1);
+    AddSong(&model_, -3, 2, 2);
+    AddSong(&model_, 5, 3, 2);
+    AddSong(&model_, 5, 4, 40);  // file not imported
+    AddDownload(&model_, 1, 1, L"", 100, 0);
+    AddDownload(&model_, 2, 9, HashOf(2), 50, 0);
+    auto radio_song = std::make_shared<SongItem>();
+    radio_song->music_file_id = 40;
+    model_.m_radio_songs[8].push_back(radio_song);
+  }
+
+  std::unique_ptr<sql::Connection> OpenFinal(const wchar_t* name) {
+    auto db = std::make_unique<sql::Connection>();
+    EXPECT_TRUE(db->OpenWithKey(profile_.data_folder().Append(name), kVersion3DatabaseKey))
+        << name;
+    return db;
+  }
+
+  std::vector<std::wstring> DataFolderFiles() {
+    std::vector<std::wstring> names;
+    base::FileEnumerator files(profile_.data_folder(), L"*.db*");
+    for (base::FilePath file = files.Next(); !file.empty(); file = files.Next())
+      names.push_back(file.BaseName().value());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  TestProfile profile_;
+  ProgressRecord record_;
+  ImportModel model_;
+};
+
+// A filled model becomes two encrypted databases in place of the old ones,
+// with consistent ids, the expected tables, and progress from 50 to 90.
+TEST_F(BuildSequenceTest, FilledModelBecomesTwoEncryptedDatabases) {
+  FillModel();
+  TestProfile::Touch(profile_.data_folder().Append(L"VTMusicV3.db"));  // replaced
+  base::WriteFile(profile_.data_folder().Append(L"VTMusicV2.db.tmp"), "stale, not a database");
+  record_.SetProgress(20);
+
+  ASSERT_EQ(0, BuildDatabases(&model_, profile_.data_folder()));
+
+  EXPECT_EQ((std::vector<std::wstring>{L"VTMusicV3.db", L"playlistV3.db"}), DataFolderFiles());
+  EXPECT_EQ(L"85", profile_.DBCheck(L"ImportProgress"));  // 20 -> 50 floor, +35
+  EXPECT_EQ(L"0", profile_.DBCheck(L"BeforceImportEmpty"));
+  EXPECT_EQ(L"-3:2,5:1", profile_.DBCheck(L"ImportPlayLists"));
+  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+  EXPECT_FALSE(model_.m_music_db);
+  EXPECT_FALSE(model_.m_playlist_db);
+
+  auto music = OpenFinal(L"VTMusicV3.db");
+  auto playlists = OpenFinal(L"playlistV3.db");
+  EXPECT_EQ((std::vector<std::string>{"1|D:\\Music\\a.mp3", "2|D:\\Music\\b'.mp3",
+                                      "3|D:\\Video\\c.mkv"}),
+            QueryRows(music.get(), "SELECT id, FileName FROM ShareFileItems ORDER BY id"));
+  EXPECT_EQ((std::vector<std::string>{"3|song 3"}),
+            QueryRows(playlists.get(), "SELECT SongID, TitleName FROM GeneralList_5"));
+  EXPECT_EQ((std::vector<std::string>{"1", "2"}),
+            QueryRows(music.get(), "SELECT DownloadID FROM DownloadItem ORDER BY ID"));
+  EXPECT_EQ((std::vector<std::string>{"1"}),
+            QueryRows(music.get(), "SELECT DownloadID FROM DownloadHistoryItem"));
+  EXPECT_TRUE(music->DoesTableExist("RadioChannel_8"));
+  EXPECT_TRUE(music->DoesTableExist("RecentlyPlayedItem"));
+  EXPECT_FALSE(music->DoesTableExist("LocalFiles"));
+  EXPECT_FALSE(playlists->DoesTableExist("ShareFileItems"));
+
+  // Unreadable without the key; readable by the sqlcipher tool with it.
+  for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"}) {
+    sql::Connection plain;
+    EXPECT_FALSE(plain.Open(profile_.data_folder().Append(name))) << name;
+  }
+  std::string output;
+  int status = testing_support::RunCommand(
+      "sqlcipher '" + profile_.data_folder().Append(L"playlistV3.db").AsUTF8Unsafe() + "'",
+      "PRAGMA key = '" + base::WideToUTF8(kVersion3DatabaseKey) +
+          "';\nSELECT PlaylistName FROM GeneralListTable ORDER BY SortID;\n",
+      &output);
+  EXPECT_EQ(0, status);
+  EXPECT_NE(std::string::npos, output.find("Default\nMine")) << output;
+}
+
+// Progress moves by the fixed weights from at least 50 and stops at 99.
+TEST_F(BuildSequenceTest, ProgressFloorAndCeiling) {
+  for (auto [start, end] : {std::pair{45, L"90"}, std::pair{95, L"99"}}) {
+    TestProfile profile;
+    ProgressRecord record;
+    record.Initialise();
+    record.SetProgress(start);
+    ImportModel model(&record);
+    AddList(&model, 1, L"list", 0);
+    ASSERT_EQ(0, BuildDatabases(&model, profile.data_folder()));
+    EXPECT_EQ(end, profile.DBCheck(L"ImportProgress")) << start;
+  }
+}
+
+// "BeforceImportEmpty": no list, or one list without entries, is empty.
+// Without a list table the count report fails: state 8, but the files are
+// still encrypted and moved into place.
+TEST_F(BuildSequenceTest, EmptySourcesAndFailingListReport) {
+  struct Case {
+    int lists;
+    int entries;
+    const wchar_t* empty;
+  };
+  for (const Case& c : {Case{0, 0, L"1"}, Case{1, 0, L"1"}, Case{1, 2, L"0"}, Case{2, 0, L"0"}}) {
+    TestProfile profile;
+    ProgressRecord record;
+    record.Initialise();
+    ImportModel model(&record);
+    AddFile(&model, 1, L"a.mp3", HashOf(1));
+    for (int list = 0; list < c.lists; ++list) {
+      model.m_list_songs[list];
+      for (int entry = 0; entry < c.entries; ++entry)
+        AddSong(&model, list, entry + 1, 1);
+    }
+    ASSERT_EQ(0, BuildDatabases(&model, profile.data_folder()));
+    EXPECT_EQ(c.empty, profile.DBCheck(L"BeforceImportEmpty")) << c.lists << "/" << c.entries;
+    // No list records: no GeneralListTable, so the report fails.
+    EXPECT_EQ(L"8", profile.DBCheck(L"ImportState"));
+    EXPECT_EQ(L"0", profile.DBCheck(L"ImportPlayLists"));
+    EXPECT_TRUE(base::PathExists(profile.data_folder().Append(L"VTMusicV3.db")));
+    EXPECT_TRUE(base::PathExists(profile.data_folder().Append(L"playlistV3.db")));
+    EXPECT_FALSE(base::PathExists(profile.data_folder().Append(L"playlist.db.tmp")));
+  }
+}
+
+// A version-2 database of an earlier release stops the build before
+// anything is written, and no temporary file is left behind.
+TEST_F(BuildSequenceTest, EarlierVersion2DatabaseStopsTheBuild) {
+  for (const wchar_t* blocking : {L"VTMusicV2.db", L"playlist.db"}) {
+    TestProfile profile;
+    ProgressRecord record;
+    record.Initialise();
+    ImportModel model(&record);
+    AddFile(&model, 1, L"a.mp3", HashOf(1));
+    TestProfile::Touch(profile.data_folder().Append(blocking));
+    EXPECT_EQ(1, BuildDatabases(&model, profile.data_folder()));
+    EXPECT_EQ(L"1", profile.DBCheck(L"ImportState"));
+    std::vector<std::wstring> left;
+    base::FileEnumerator files(profile.data_folder(), L"*.db*");
+    for (base::FilePath file = files.Next(); !file.empty(); file = files.Next())
+      left.push_back(file.BaseName().value());
+    EXPECT_EQ(std::vector<std::wstring>{blocking}, left);
+  }
+}
+
+// Every table is created with exactly the text the player expects.
+TEST_F(BuildSequenceTest, StoredSchemasAreTheExpectedTexts) {
+  FillModel();
+  model_.m_share_folders.push_back(std::make_shared<ShareFolderItem>());
+  model_.m_radio_channels.push_back(std::make_shared<RadioChannelInfo>());
+  model_.m_recent_songs.push_back(std::make_shared<SongItem>());
+  model_.m_dislike_radio.push_back(std::make_shared<DislikeRadioRecord>());
+  model_.m_played_radio.push_back(std::make_shared<PlayedRadioRecord>());
+  model_.m_local_files.push_back(std::make_shared<LocalFileInfo>());
+  model_.m_login_history.push_back(std::make_shared<LoginRecord>());
+  model_.m_search_keywords.push_back(std::make_shared<SearchKeywordRecord>());
+  model_.m_app_tools.push_back(std::make_shared<AppToolRecord>());
+  ASSERT_EQ(0, BuildDatabases(&model_, profile_.data_folder()));
+  auto music = OpenFinal(L"VTMusicV3.db");
+  auto playlists = OpenFinal(L"playlistV3.db");
+
+  std::string expected;
+  ASSERT_TRUE(base::ReadFileToString(
+      base::FilePath::FromUTF8Unsafe(VANTU_SOURCE_DIR "/testing/data/target_schemas.txt"),
+      &expected));
+  std::istringstream lines(expected);
+  int checked = 0;
+  for (std::string line; std::getline(lines, line);) {
+    size_t tab = line.find('\t');
+    if (line.empty() || line[0] == '#' || tab == std::string::npos)
+      continue;
+    std::string table = line.substr(0, tab);
+    std::string text = line.substr(tab + 1);
+    if (table == "%s") {
+      table = "GeneralList_5";
+      text.replace(text.find("%s"), 2, table);
+    }
+    sql::Connection* db =
+        table.rfind("General", 0) == 0 ? playlists.get() : music.get();
+    EXPECT_EQ(text, StoredSchema(db, table)) << table;
+    ++checked;
+  }
+  EXPECT_EQ(13, checked);
+  // The recently-played table has the song schema under its own name.
+  std::string recent = StoredSchema(music.get(), "RecentlyPlayedItem");
+  std::string list = StoredSchema(playlists.get(), "GeneralList_5");
+  EXPECT_EQ(list.substr(list.find('(')), recent.substr(recent.find('(')));
+}
+
+}  // namespace
