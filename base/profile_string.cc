@@ -4,6 +4,8 @@
 
 #include <optional>
 
+#include <utf8.h>
+
 #include "base/file_path.h"
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
@@ -12,22 +14,52 @@ namespace base {
 
 namespace {
 
-// An INI file held as its code units: bytes for an 8-bit file (UTF-8, our
-// stand-in for the ANSI code page) and UTF-16 units for a UTF-16LE file, each
-// unit in one wchar_t. Edits replace or insert whole lines; every unit of an
-// untouched line is written back as it was read, so no byte changes that the
-// call did not mean to change.
+// Code page 1252 for 0x80..0x9F; the five unassigned bytes map to the C1
+// control of the same value, as Windows reads them.
+constexpr char16_t kCp1252High[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+wchar_t FromCp1252(unsigned char byte) {
+  return byte >= 0x80 && byte < 0xA0 ? static_cast<wchar_t>(kCp1252High[byte - 0x80]) : byte;
+}
+
+unsigned char ToCp1252(wchar_t c) {
+  if (c < 0x80 || (c >= 0xA0 && c <= 0xFF))
+    return static_cast<unsigned char>(c);
+  for (int i = 0; i < 32; ++i) {
+    if (static_cast<wchar_t>(kCp1252High[i]) == c)
+      return static_cast<unsigned char>(0x80 + i);
+  }
+  return '?';
+}
+
+// An INI file held as its code units: bytes for an 8-bit file and UTF-16
+// units for a UTF-16LE file, each unit in one wchar_t. Edits replace or
+// insert whole lines; every unit of an untouched line is written back as it
+// was read, so no byte changes that the call did not mean to change.
+//
+// 8-bit files: Windows reads them in the ANSI code page. A portable build has
+// none, so an 8-bit file that is valid UTF-8 (every file this program writes,
+// and ASCII files) is read and extended as UTF-8, which keeps text in any
+// script; a file that is not valid UTF-8 is one written in a Western ANSI
+// code page and is read and extended as code page 1252, unmappable
+// characters becoming '?', as Windows does.
 struct IniText {
-  enum Encoding { kAnsi, kUtf8Bom, kUtf16 };
-  Encoding encoding = kAnsi;
+  enum Encoding { kUtf8, kCp1252, kUtf8Bom, kUtf16, kUtf16Be };
+  Encoding encoding = kUtf8;
   std::wstring units;
 
   // Caller text (wide) in the file's units.
   std::wstring ToUnits(std::wstring_view text) const {
     std::wstring out;
-    if (encoding == kUtf16) {
+    if (encoding == kUtf16 || encoding == kUtf16Be) {
       for (char16_t u : WideToUTF16(text))
         out.push_back(static_cast<wchar_t>(u));
+    } else if (encoding == kCp1252) {
+      for (char16_t u : WideToUTF16(text))
+        out.push_back(ToCp1252(u));
     } else {
       for (unsigned char b : WideToUTF8(text))
         out.push_back(static_cast<wchar_t>(b));
@@ -37,11 +69,17 @@ struct IniText {
 
   // File units back to wide text.
   std::wstring FromUnits(std::wstring_view units_text) const {
-    if (encoding == kUtf16) {
+    if (encoding == kUtf16 || encoding == kUtf16Be) {
       std::u16string utf16;
       for (wchar_t u : units_text)
         utf16.push_back(static_cast<char16_t>(u));
       return UTF16ToWide(utf16);
+    }
+    if (encoding == kCp1252) {
+      std::wstring wide;
+      for (wchar_t b : units_text)
+        wide.push_back(FromCp1252(static_cast<unsigned char>(b)));
+      return wide;
     }
     std::string bytes;
     for (wchar_t b : units_text)
@@ -54,12 +92,17 @@ bool Load(const FilePath& path, IniText* text) {
   std::string bytes;
   if (!ReadFileToString(path, &bytes))
     return false;
-  if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
-      static_cast<unsigned char>(bytes[1]) == 0xFE) {
-    text->encoding = IniText::kUtf16;
+  // A byte-order mark decides between UTF-16 little- and big-endian (the
+  // latter as Wine reads it; Windows documents only the former).
+  const unsigned char b0 = bytes.size() >= 2 ? static_cast<unsigned char>(bytes[0]) : 0;
+  const unsigned char b1 = bytes.size() >= 2 ? static_cast<unsigned char>(bytes[1]) : 0;
+  if ((b0 == 0xFF && b1 == 0xFE) || (b0 == 0xFE && b1 == 0xFF)) {
+    bool little = b0 == 0xFF;
+    text->encoding = little ? IniText::kUtf16 : IniText::kUtf16Be;
     for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
-      text->units.push_back(static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) |
-                                                 (static_cast<unsigned char>(bytes[i + 1]) << 8)));
+      unsigned lo = static_cast<unsigned char>(bytes[little ? i : i + 1]);
+      unsigned hi = static_cast<unsigned char>(bytes[little ? i + 1 : i]);
+      text->units.push_back(static_cast<wchar_t>(lo | (hi << 8)));
     }
     return true;
   }
@@ -70,6 +113,8 @@ bool Load(const FilePath& path, IniText* text) {
   }
   for (size_t i = start; i < bytes.size(); ++i)
     text->units.push_back(static_cast<wchar_t>(static_cast<unsigned char>(bytes[i])));
+  if (start == 0 && !utf8::is_valid(bytes.begin(), bytes.end()))
+    text->encoding = IniText::kCp1252;
   return true;
 }
 
@@ -77,11 +122,13 @@ bool Load(const FilePath& path, IniText* text) {
 // reader in another process sees the old or the new file, never half of one.
 bool Save(const FilePath& path, const IniText& text) {
   std::string bytes;
-  if (text.encoding == IniText::kUtf16) {
-    bytes = "\xFF\xFE";
+  if (text.encoding == IniText::kUtf16 || text.encoding == IniText::kUtf16Be) {
+    bool little = text.encoding == IniText::kUtf16;
+    bytes = little ? "\xFF\xFE" : "\xFE\xFF";
     for (wchar_t u : text.units) {
-      bytes.push_back(static_cast<char>(u & 0xFF));
-      bytes.push_back(static_cast<char>((u >> 8) & 0xFF));
+      char lo = static_cast<char>(u & 0xFF), hi = static_cast<char>((u >> 8) & 0xFF);
+      bytes.push_back(little ? lo : hi);
+      bytes.push_back(little ? hi : lo);
     }
   } else {
     if (text.encoding == IniText::kUtf8Bom)
@@ -237,38 +284,45 @@ bool WritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, cons
   }
 
   const std::wstring key_units = text.ToUnits(Trim(key));
+  std::wstring new_value;
+  if (value) {
+    new_value = text.ToUnits(value);
+    size_t lead = 0;
+    while (lead < new_value.size() && IsBlank(new_value[lead]))
+      ++lead;
+    new_value.erase(0, lead);
+  }
   if (span.found) {
     for (size_t i = span.header + 1; i < span.end; ++i) {
       std::wstring_view line(units.data() + lines[i].begin, lines[i].end - lines[i].begin);
       std::wstring_view name, old_value;
-      if (!SplitEntry(line, &name, &old_value) || !SameName(name, key_units))
+      if (!SplitEntry(line, &name, &old_value)) {
+        // A name without "=" is a key without a value: a write gives it
+        // one in place (a deletion does not see it).
+        std::wstring_view bare = Trim(line);
+        if (!value || bare.empty() || bare[0] == L';' || !SameName(bare, key_units))
+          continue;
+        units.replace(lines[i].begin, lines[i].next - lines[i].begin,
+                      std::wstring(bare) + L"=" + new_value + kCrLf);
+        return Save(path, text);
+      }
+      if (!SameName(name, key_units))
         continue;
       if (!value) {
         units.erase(lines[i].begin, lines[i].next - lines[i].begin);
         return Save(path, text);
       }
-      std::wstring new_value = text.ToUnits(value);
-      size_t lead = 0;
-      while (lead < new_value.size() && IsBlank(new_value[lead]))
-        ++lead;
-      new_value.erase(0, lead);
       if (old_value == new_value)
         return true;  // unchanged: the file is not touched
-      std::wstring replacement = std::wstring(name) + L"=" + new_value + kCrLf;
-      units.replace(lines[i].begin, lines[i].next - lines[i].begin, replacement);
+      units.replace(lines[i].begin, lines[i].next - lines[i].begin,
+                    std::wstring(name) + L"=" + new_value + kCrLf);
       return Save(path, text);
     }
-    if (!value)
-      return true;
   }
   if (!value)
     return true;
 
-  std::wstring new_value = text.ToUnits(value);
-  size_t lead = 0;
-  while (lead < new_value.size() && IsBlank(new_value[lead]))
-    ++lead;
-  std::wstring entry = key_units + L"=" + new_value.substr(lead) + kCrLf;
+  std::wstring entry = key_units + L"=" + new_value + kCrLf;
 
   if (span.found) {
     // After the last non-blank line of the section.
@@ -300,12 +354,12 @@ struct Entry {
 };
 
 // The entries of the first section called |section| (all names when null).
-bool ReadSection(const std::wstring& file, const std::wstring& section, std::vector<Entry>* out) {
+bool ReadSection(const std::wstring& file, std::wstring_view section, std::vector<Entry>* out) {
   IniText text;
   if (!Load(ResolvePathCase(FilePath(file)), &text))
     return false;
   std::vector<Line> lines = SplitLines(text.units);
-  SectionSpan span = FindSection(text.units, lines, text.ToUnits(Trim(section)));
+  SectionSpan span = FindSection(text.units, lines, text.ToUnits(section));
   if (!span.found)
     return false;
   for (size_t i = span.header + 1; i < span.end; ++i) {
@@ -323,7 +377,7 @@ std::wstring GetPrivateProfileStringW(const std::wstring& section, const std::ws
                                       const std::wstring& default_value,
                                       const std::wstring& file) {
   std::vector<Entry> entries;
-  ReadSection(file, section, &entries);
+  ReadSection(file, Trim(section), &entries);
   std::wstring wanted(Trim(key));
   for (const Entry& entry : entries) {
     if (!SameName(entry.name, wanted))
@@ -342,9 +396,13 @@ std::wstring GetPrivateProfileStringW(const std::wstring& section, const std::ws
 
 std::vector<std::wstring> GetPrivateProfileKeys(const std::wstring& section,
                                                 const std::wstring& file) {
+  // Unlike a value read, the key list does not trim the section name. A
+  // list whose first name is empty counts as no list, as for Windows.
   std::vector<Entry> entries;
   ReadSection(file, section, &entries);
   std::vector<std::wstring> keys;
+  if (!entries.empty() && entries.front().name.empty())
+    return keys;
   for (const Entry& entry : entries)
     keys.push_back(entry.name);
   return keys;
