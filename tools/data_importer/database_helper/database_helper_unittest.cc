@@ -1,0 +1,155 @@
+#include "tools/data_importer/database_helper/database_helper.h"
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/file_util.h"
+#include "sql/statement.h"
+#include "testing/test_support.h"
+#include "tools/data_importer/database_helper/db_row_reader.h"
+
+namespace {
+
+using testing_support::ScopedTempDir;
+
+// A database with a table of 3000 rows and an index on its text column.
+void MakeDatabase(const base::FilePath& path) {
+  sql::Connection db;
+  db.set_page_size(4096);
+  ASSERT_TRUE(db.Open(path));
+  ASSERT_TRUE(db.Execute("CREATE TABLE Songs(id integer PRIMARY KEY, name text)"));
+  ASSERT_TRUE(db.Execute("CREATE INDEX SongNames ON Songs(name)"));
+  db.BeginTransaction();
+  for (int i = 1; i <= 3000; ++i) {
+    db.Execute(("INSERT INTO Songs(name) VALUES ('a fairly long song title number " +
+                std::to_string(i) + "')")
+                   .c_str());
+  }
+  db.CommitTransaction();
+}
+
+int RootPage(const base::FilePath& path, const std::string& name) {
+  sql::Connection db;
+  db.Open(path);
+  sql::Statement s(db.GetUniqueStatement(
+      ("SELECT rootpage FROM sqlite_master WHERE name='" + name + "'").c_str()));
+  return s.Step() ? s.ColumnInt(0) : 0;
+}
+
+// Overwrites |length| bytes at |offset| of page |page| (4096-byte pages).
+void DamagePage(const base::FilePath& path, int page, size_t offset, size_t length) {
+  std::string bytes = testing_support::ReadBytes(path);
+  size_t at = static_cast<size_t>(page - 1) * 4096 + offset;
+  ASSERT_LT(at + length, bytes.size());
+  for (size_t i = 0; i < length; ++i)
+    bytes[at + i] = static_cast<char>(0xA5 ^ i);
+  testing_support::WriteBytes(path, bytes);
+}
+
+TEST(DatabaseHelperTest, HealthyAndReadOnlyFilesOpen) {
+  ScopedTempDir dir;
+  base::FilePath path = dir.path().Append(L"healthy.db");
+  MakeDatabase(path);
+  chmod(path.AsUTF8Unsafe().c_str(), 0444);
+
+  DatabaseHelper helper;
+  ASSERT_TRUE(helper.OpenAndCheck(path));
+  // The read-only attribute was cleared, so the file takes writes.
+  EXPECT_TRUE(helper.connection()->Execute("INSERT INTO Songs(name) VALUES ('new')"));
+  EXPECT_TRUE(helper.CheckIntegrity());
+  EXPECT_EQ(3001, GetMaxKeyId(&helper, "id", "Songs"));
+}
+
+// Lost free pages are fixed by the one VACUUM; a damaged table is beyond
+// repair: the file is reported as not opened and the connection is closed.
+TEST(DatabaseHelperTest, RepairsWhatVacuumCanAndClosesTheRest) {
+  ScopedTempDir dir;
+  base::FilePath lost_pages = dir.path().Append(L"freelist.db");
+  MakeDatabase(lost_pages);
+  {
+    sql::Connection raw;
+    ASSERT_TRUE(raw.Open(lost_pages));
+    ASSERT_TRUE(raw.Execute("DELETE FROM Songs WHERE id > 2000"));
+  }
+  // Forget the free-page list in the file header: its pages are now
+  // never used, which the integrity check reports.
+  std::string bytes = testing_support::ReadBytes(lost_pages);
+  bytes.replace(32, 8, std::string(8, '\0'));
+  testing_support::WriteBytes(lost_pages, bytes);
+  {
+    sql::Connection raw;
+    ASSERT_TRUE(raw.Open(lost_pages));
+    sql::Statement check(raw.GetUniqueStatement("PRAGMA integrity_check"));
+    ASSERT_TRUE(check.Step());
+    ASSERT_NE("ok", check.ColumnString(0));  // the damage is real
+  }
+  DatabaseHelper repaired;
+  EXPECT_TRUE(repaired.OpenAndCheck(lost_pages));
+  DbRowReader count(*repaired.connection(), "SELECT count(*) AS n FROM Songs");
+  ASSERT_TRUE(count.Step());
+  EXPECT_EQ(2000, count.GetInt("n"));
+
+  base::FilePath table_damaged = dir.path().Append(L"table.db");
+  MakeDatabase(table_damaged);
+  DamagePage(table_damaged, RootPage(table_damaged, "Songs"), 0, 64);
+  DatabaseHelper broken;
+  EXPECT_FALSE(broken.OpenAndCheck(table_damaged));
+  EXPECT_FALSE(broken.connection()->is_open());
+
+  base::FilePath not_a_database = dir.path().Append(L"text.db");
+  base::WriteFile(not_a_database, std::string(8192, 'x'));
+  DatabaseHelper garbage;
+  EXPECT_FALSE(garbage.OpenAndCheck(not_a_database));
+  EXPECT_FALSE(garbage.connection()->is_open());
+}
+
+TEST(DatabaseHelperTest, AttachOnceAndCopyTables) {
+  ScopedTempDir dir;
+  base::FilePath source = dir.path().Append(L"source.db");
+  MakeDatabase(source);
+  DatabaseHelper helper;
+  ASSERT_TRUE(helper.OpenAndCheck(dir.path().Append(L"target.db")));
+  EXPECT_FALSE(helper.CopyTable("", "Songs"));  // nothing attached
+
+  ASSERT_TRUE(helper.Attach(source, "src"));
+  EXPECT_FALSE(helper.Attach(source, "other"));
+  EXPECT_TRUE(helper.CopyTable("id <= 10", "Songs"));  // creates the table
+  EXPECT_TRUE(helper.CopyTable("id > 2990", "Songs"));  // appends
+  DbRowReader rows(*helper.connection(), "SELECT count(*) AS n, max(id) AS top FROM Songs");
+  ASSERT_TRUE(rows.Step());
+  EXPECT_EQ(20, rows.GetInt("n"));
+  EXPECT_EQ(3000, rows.GetInt("top"));
+  EXPECT_FALSE(helper.CopyTable("", "NoSuchTable"));
+
+  // An attach that failed still blocks a second one.
+  DatabaseHelper other;
+  ASSERT_TRUE(other.OpenAndCheck(dir.path().Append(L"other.db")));
+  EXPECT_FALSE(other.Attach(dir.path().Append(L"missing").Append(L"x.db"), "bad"));
+  EXPECT_FALSE(other.Attach(source, "src"));
+}
+
+TEST(DatabaseHelperTest, StatementBuilders) {
+  EXPECT_EQ(L"'it''s a ''''quoted'''' \"text\"'", EscapeSqlText(L"it's a ''quoted'' \"text\""));
+  EXPECT_EQ(L"''", EscapeSqlText(L""));
+  std::string literal;
+  AppendSqlTextLiteral(std::wstring(L"a'\0b\u00e9", 5), &literal);
+  EXPECT_EQ("'a''b\xC3\xA9'", literal);
+  EXPECT_EQ("Insert Into T(a,b) values ('x',1)", BuildInsertStatement("T", "a,b", "'x',1"));
+  EXPECT_EQ("GeneralList_5", SqlTableName("GeneralList_5"));
+  EXPECT_EQ("\"GeneralList_-3\"", SqlTableName("GeneralList_-3"));
+
+  ScopedTempDir dir;
+  DatabaseHelper helper;
+  EXPECT_EQ(1, GetMaxKeyId(&helper, "ID", "T"));  // not open
+  ASSERT_TRUE(helper.OpenAndCheck(dir.path().Append(L"keys.db")));
+  EXPECT_EQ(1, GetMaxKeyId(&helper, "ID", "T"));  // missing table
+  helper.connection()->Execute("CREATE TABLE T(ID integer PRIMARY KEY)");
+  EXPECT_EQ(1, GetMaxKeyId(&helper, "ID", "T"));  // empty table
+  helper.connection()->Execute("INSERT INTO T(ID) VALUES (41)");
+  EXPECT_EQ(41, GetMaxKeyId(&helper, "ID", "T"));
+}
+
+}  // namespace
