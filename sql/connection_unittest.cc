@@ -1,0 +1,92 @@
+#include "sql/connection.h"
+
+#include <gtest/gtest.h>
+
+#include "sql/statement.h"
+#include "testing/test_support.h"
+
+namespace sql {
+namespace {
+
+constexpr wchar_t kKey[] = L"3C5A0F1E9D2B47A6B8E1C4D7F0A29B63";
+
+std::string SqlcipherQuery(const base::FilePath& path, const std::string& key_line,
+                           const std::string& query, int* status) {
+  std::string output;
+  *status = testing_support::RunCommand("sqlcipher '" + path.AsUTF8Unsafe() + "' 2>&1",
+                                        key_line + query + "\n", &output);
+  return output;
+}
+
+// A plain database becomes an encrypted one in place: the connection stays
+// usable, the file no longer reads as plain, and the stock tool reads it
+// with the key alone.
+TEST(ConnectionTest, DbEncryptEndToEnd) {
+  testing_support::ScopedTempDir dir;
+  base::FilePath path = dir.path().Append(L"music.db");
+  Connection db;
+  EXPECT_FALSE(db.DbEncrypt(kKey));  // not open
+  ASSERT_TRUE(db.Open(path));
+  ASSERT_TRUE(db.Execute("CREATE TABLE T(id integer PRIMARY KEY, name text)"));
+  db.BeginTransaction();
+  for (int i = 0; i < 500; ++i)
+    db.Execute("INSERT INTO T(name) VALUES ('it''s \xE4\xB8\xAD')");
+  db.CommitTransaction();
+
+  ASSERT_TRUE(db.DbEncrypt(kKey));
+  EXPECT_TRUE(db.is_open());
+  {
+    Statement count(db.GetUniqueStatement("SELECT count(*), max(name) FROM T"));
+    ASSERT_TRUE(count.Step());
+    EXPECT_EQ(500, count.ColumnInt(0));
+    EXPECT_EQ(L"it's \u4e2d", count.ColumnString16(1));
+  }
+  db.Close();
+  EXPECT_NE(0, testing_support::ReadBytes(path).compare(0, 15, "SQLite format 3"));
+  EXPECT_TRUE(testing_support::ReadBytes(base::FilePath(path.value() + L".enc")).empty());
+
+  Connection plain;
+  EXPECT_FALSE(plain.Open(path));
+  Connection wrong;
+  EXPECT_FALSE(wrong.OpenWithKey(path, L"0000"));
+  Connection keyed;
+  ASSERT_TRUE(keyed.OpenWithKey(path, kKey));
+  EXPECT_TRUE(keyed.DoesTableExist("t"));
+  EXPECT_FALSE(Connection().OpenWithKey(dir.path().Append(L"absent.db"), kKey));
+
+  int status = 0;
+  std::string output =
+      SqlcipherQuery(path, "PRAGMA key = 'wrong';\n", "SELECT count(*) FROM T;", &status);
+  EXPECT_EQ(std::string::npos, output.find("500")) << output;
+  output = SqlcipherQuery(path, "", "SELECT count(*) FROM T;", &status);
+  EXPECT_EQ(std::string::npos, output.find("500")) << output;
+  output = SqlcipherQuery(path, "PRAGMA key = '3C5A0F1E9D2B47A6B8E1C4D7F0A29B63';\n",
+                          "SELECT count(*) FROM T;", &status);
+  EXPECT_EQ(0, status);
+  EXPECT_NE(std::string::npos, output.find("500")) << output;
+}
+
+TEST(ConnectionTest, NestedTransactionsCommitOnceAndRollBackWhole) {
+  testing_support::ScopedTempDir dir;
+  Connection db;
+  ASSERT_TRUE(db.Open(dir.path().Append(L"t.db")));
+  db.Execute("CREATE TABLE T(x)");
+  ASSERT_TRUE(db.BeginTransaction());
+  ASSERT_TRUE(db.BeginTransaction());
+  db.Execute("INSERT INTO T VALUES (1)");
+  EXPECT_TRUE(db.CommitTransaction());
+  EXPECT_EQ(1, db.transaction_nesting());
+  EXPECT_TRUE(db.CommitTransaction());
+
+  db.BeginTransaction();
+  db.BeginTransaction();
+  db.Execute("INSERT INTO T VALUES (2)");
+  db.RollbackTransaction();
+  EXPECT_FALSE(db.CommitTransaction());
+  Statement count(db.GetUniqueStatement("SELECT count(*) FROM T"));
+  ASSERT_TRUE(count.Step());
+  EXPECT_EQ(1, count.ColumnInt(0));
+}
+
+}  // namespace
+}  // namespace sql
