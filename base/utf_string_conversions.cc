@@ -14,51 +14,59 @@ bool IsValidCodePoint(char32_t c) {
   return c < 0xD800 || (c > 0xDFFF && c <= 0x10FFFF);
 }
 
-// Appends the UTF-8 bytes of one valid code point.
-inline void AppendCodePoint(char32_t c, std::string* out) {
-  if (c < 0x80) {
-    out->push_back(static_cast<char>(c));
-  } else if (c < 0x800) {
-    out->push_back(static_cast<char>(0xC0 | (c >> 6)));
-    out->push_back(static_cast<char>(0x80 | (c & 0x3F)));
-  } else if (c < 0x10000) {
-    out->push_back(static_cast<char>(0xE0 | (c >> 12)));
-    out->push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
-    out->push_back(static_cast<char>(0x80 | (c & 0x3F)));
-  } else {
-    out->push_back(static_cast<char>(0xF0 | (c >> 18)));
-    out->push_back(static_cast<char>(0x80 | ((c >> 12) & 0x3F)));
-    out->push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
-    out->push_back(static_cast<char>(0x80 | (c & 0x3F)));
-  }
-}
-
 }  // namespace
 
+// Writes the UTF-8 bytes of one valid code point at |p|; answers the end.
+inline char* WriteCodePoint(char32_t c, char* p) {
+  if (c < 0x80) {
+    *p++ = static_cast<char>(c);
+  } else if (c < 0x800) {
+    *p++ = static_cast<char>(0xC0 | (c >> 6));
+    *p++ = static_cast<char>(0x80 | (c & 0x3F));
+  } else if (c < 0x10000) {
+    *p++ = static_cast<char>(0xE0 | (c >> 12));
+    *p++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    *p++ = static_cast<char>(0x80 | (c & 0x3F));
+  } else {
+    *p++ = static_cast<char>(0xF0 | (c >> 18));
+    *p++ = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    *p++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    *p++ = static_cast<char>(0x80 | (c & 0x3F));
+  }
+  return p;
+}
+
 void AppendWideAsUTF8(std::wstring_view wide, std::string* out) {
-  out->reserve(out->size() + wide.size());
+  // Room for the longest encoding first (four bytes per unit at most), then
+  // cut to the bytes written: one size check instead of one per byte.
+  size_t start = out->size();
+  out->resize(start + wide.size() * 4);
+  char* begin = out->data() + start;
+  char* p = begin;
   for (size_t i = 0; i < wide.size(); ++i) {
     char32_t c = static_cast<char32_t>(wide[i]);
     if (c < 0x80) {
-      out->push_back(static_cast<char>(c));
+      *p++ = static_cast<char>(c);
       continue;
     }
     if constexpr (sizeof(wchar_t) == 2) {
       if (c >= 0xD800 && c <= 0xDBFF && i + 1 < wide.size()) {
         char32_t low = static_cast<char32_t>(wide[i + 1]);
         if (low >= 0xDC00 && low <= 0xDFFF) {
-          AppendCodePoint(0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00), out);
+          p = WriteCodePoint(0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00), p);
           ++i;
           continue;
         }
       }
     }
-    AppendCodePoint(IsValidCodePoint(c) ? c : kReplacement, out);
+    p = WriteCodePoint(IsValidCodePoint(c) ? c : kReplacement, p);
   }
+  out->resize(start + static_cast<size_t>(p - begin));
 }
 
 std::string WideToUTF8(std::wstring_view wide) {
   std::string out;
+  out.reserve(wide.size());
   AppendWideAsUTF8(wide, &out);
   return out;
 }

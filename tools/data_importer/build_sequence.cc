@@ -79,66 +79,83 @@ void ReleaseDatabase(std::unique_ptr<DatabaseHelper>* helper) {
   }
 }
 
+struct WriterStep {
+  const char* name;
+  void (*write)(ImportModel* model);
+  int weight;  // progress added after the step
+};
+
+// The writers after ShareFileItems, in their fixed order.
+constexpr WriterStep kWriterSteps[] = {
+    {"ShareFolders", [](ImportModel* m) { m->WriteShareFolders(); }, 2},
+    {"GeneralListTable", [](ImportModel* m) { m->WriteGeneralListTable(); }, 2},
+    {"RecentlyPlayedItem", [](ImportModel* m) { m->WriteRecentlyPlayedItems(); }, 2},
+    {"GeneralList",
+     [](ImportModel* m) {
+       m->FillFileFlagMap();
+       for (const auto& [id, songs] : m->m_list_songs)
+         m->WriteSongList(id, songs, ImportModel::kGeneralList);
+     },
+     4},
+    {"RadioChannelTable", [](ImportModel* m) { m->WriteRadioChannelTable(); }, 4},
+    {"DislikeRadioItem", [](ImportModel* m) { m->WriteDislikeRadioItems(); }, 2},
+    {"RadioChannel",
+     [](ImportModel* m) {
+       for (const auto& [id, songs] : m->m_radio_songs)
+         m->WriteSongList(id, songs, ImportModel::kRadioChannel);
+     },
+     2},
+    {"PlayedNJRadioItem", [](ImportModel* m) { m->WritePlayedRadioItems(); }, 2},
+    {"LocalFiles", [](ImportModel* m) { m->WriteLocalFiles(); }, 2},
+    {"DownloadItem", [](ImportModel* m) { m->WriteDownloadItems(); }, 2},
+    {"DownloadHistoryItem", [](ImportModel* m) { m->WriteDownloadHistoryItems(); }, 4},
+    {"UserLoginHistory", [](ImportModel* m) { m->WriteUserLoginHistory(); }, 2},
+    {"KeywordSearchHistory", [](ImportModel* m) { m->WriteKeywordSearchHistory(); }, 2},
+    // The settings and the skin carry-over belong to the current
+    // generation's settings writer, which writes nothing into these
+    // databases; each keeps its progress step.
+    {"Settings", [](ImportModel*) {}, 1},
+    {"Skin", [](ImportModel*) {}, 1},
+    {"AppTools", [](ImportModel* m) { m->WriteAppTools(); }, 1},
+};
+
 }  // namespace
 
-int BuildDatabases(ImportModel* model, const base::FilePath& data_folder) {
+int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
+                   const BuildStageCallback& stage_done) {
+  auto done = [&](const char* stage) {
+    if (stage_done)
+      stage_done(stage);
+  };
   if (!PrepareFiles(model, data_folder)) {
     model->ReportState(ProgressRecord::kStateNotStarted);
     return 1;
   }
-
   if (model->m_progress)
     model->m_progress->SetSourceEmpty(IsSourceEmpty(*model));
+  done("Prepare");
 
   model->WriteShareFileItems();
   Step(model, 10);
-
-  model->WriteShareFolders();
-  Step(model, 2);
-  model->WriteGeneralListTable();
-  Step(model, 2);
-  model->WriteRecentlyPlayedItems();
-  Step(model, 2);
-  model->FillFileFlagMap();
-  for (const auto& [id, songs] : model->m_list_songs)
-    model->WriteSongList(id, songs, ImportModel::kGeneralList);
-  Step(model, 4);
-  model->WriteRadioChannelTable();
-  Step(model, 4);
-  model->WriteDislikeRadioItems();
-  Step(model, 2);
-  for (const auto& [id, songs] : model->m_radio_songs)
-    model->WriteSongList(id, songs, ImportModel::kRadioChannel);
-  Step(model, 2);
-  model->WritePlayedRadioItems();
-  Step(model, 2);
-  model->WriteLocalFiles();
-  Step(model, 2);
-  model->WriteDownloadItems();
-  Step(model, 2);
-  model->WriteDownloadHistoryItems();
-  Step(model, 4);
-  model->WriteUserLoginHistory();
-  Step(model, 2);
-  model->WriteKeywordSearchHistory();
-  Step(model, 2);
-  // The settings and the skin carry-over belong to the current generation's
-  // settings writer, which writes nothing into these databases; each keeps
-  // its progress step.
-  Step(model, 1);
-  Step(model, 1);
-  model->WriteAppTools();
-  Step(model, 1);
+  done("ShareFileItems");
+  for (const WriterStep& step : kWriterSteps) {
+    step.write(model);
+    Step(model, step.weight);
+    done(step.name);
+  }
 
   if (!model->ReportListCounts())
     model->ReportState(ProgressRecord::kStateBuildFailed);
+  done("ListCountReport");
 
   model->m_playlist_db->connection()->DbEncrypt(kVersion3DatabaseKey);
   model->m_music_db->connection()->DbEncrypt(kVersion3DatabaseKey);
   ReleaseDatabase(&model->m_playlist_db);
   ReleaseDatabase(&model->m_music_db);
+  done("Encrypt");
 
   base::ReplaceFile(data_folder.Append(L"VTMusicV2.db.tmp"), data_folder.Append(L"VTMusicV3.db"));
   base::ReplaceFile(data_folder.Append(L"playlist.db.tmp"), data_folder.Append(L"playlistV3.db"));
+  done("Replace");
   return 0;
 }

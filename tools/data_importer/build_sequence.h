@@ -1,6 +1,8 @@
 #ifndef TOOLS_DATA_IMPORTER_BUILD_SEQUENCE_H_
 #define TOOLS_DATA_IMPORTER_BUILD_SEQUENCE_H_
 
+#include <functional>
+
 #include "base/file_path.h"
 
 class ImportModel;
@@ -20,6 +22,11 @@ inline constexpr wchar_t kVersion3DatabaseKey[] = L"3C5A0F1E9D2B47A6B8E1C4D7F0A2
 //  5. encrypts the playlist file, then the music file, with the version-3
 //     key, closes both and replaces "VTMusicV3.db" and "playlistV3.db".
 // Returns 0 once the files are built. Writers never fail the build.
-int BuildDatabases(ImportModel* model, const base::FilePath& data_folder);
+// |stage_done|, when given, is told the name of each stage as it ends
+// ("Prepare", each writer's table, "ListCountReport", "Encrypt",
+// "Replace"), for measurements.
+using BuildStageCallback = std::function<void(const char* stage)>;
+int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
+                   const BuildStageCallback& stage_done = nullptr);
 
 #endif  // TOOLS_DATA_IMPORTER_BUILD_SEQUENCE_H_

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "tools/data_importer/database_helper/database_helper.h"
@@ -97,7 +98,8 @@ class ImportModel {
   std::map<int, int> m_music_id_map;
   std::map<int, int> m_mv_id_map;
   std::map<int, int> m_folder_id_map;
-  std::map<std::wstring, int> m_hash_id_map;
+  // Looked up by hash only, never walked in order.
+  std::unordered_map<std::wstring, int> m_hash_id_map;
   std::unique_ptr<DatabaseHelper> m_music_db;
   std::unique_ptr<DatabaseHelper> m_playlist_db;
   ProgressRecord* m_progress = nullptr;

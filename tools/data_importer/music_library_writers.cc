@@ -98,6 +98,7 @@ void ImportModel::WriteShareFileItems() {
     return;
   std::vector<int> ids =
       WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files, FillShareFileRow);
+  m_hash_id_map.reserve(m_hash_id_map.size() + m_share_files.size());
   for (size_t i = 0; i < m_share_files.size(); ++i) {
     const ShareFileItem& file = *m_share_files[i];
     if (!file.MD5.empty() && file.MD5 != kAllZeroHash)

@@ -45,7 +45,8 @@ TEST_F(MusicLibraryWritersTest, ShareFileIdsAndMaps) {
             QueryRows(music(), "SELECT id, FileName FROM ShareFileItems ORDER BY id"));
   EXPECT_EQ((std::map<int, int>{{5, 42}, {6, 44}, {7, 45}, {8, 46}}), model_.m_music_id_map);
   EXPECT_EQ((std::map<int, int>{{5, 43}}), model_.m_mv_id_map);
-  EXPECT_EQ((std::map<std::wstring, int>{{HashOf(1), 45}, {HashOf(2), 43}}), model_.m_hash_id_map);
+  EXPECT_EQ((std::unordered_map<std::wstring, int>{{HashOf(1), 45}, {HashOf(2), 43}}),
+            model_.m_hash_id_map);
 }
 
 // Apostrophes and text outside ASCII are stored as they were, and ReplayGain

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 
 #include "tools/data_importer/database_helper/database_helper.h"
 

@@ -32,8 +32,10 @@ class RowBuilder {
   void Int(std::string_view column, int64_t value);
   void Bool(std::string_view column, bool value) { Int(column, value ? 1 : 0); }
   // Written with 17 significant digits ("%.17g"), which SQLite reads back as
-  // the same double. NaN and infinities have no SQL literal and are written
-  // as 0, the column default, so the row is not lost over them.
+  // the same double. (The shortest round-trip text is not enough: SQLite's
+  // own decimal parser is not correctly rounded for every such text.) NaN
+  // and infinities have no SQL literal and are written as 0, the column
+  // default, so the row is not lost over them.
   void Real(std::string_view column, double value);
 
   // The insert statement of the row built so far.

@@ -1,0 +1,16 @@
+#ifndef BENCHMARKS_SAMPLE_LIBRARY_H_
+#define BENCHMARKS_SAMPLE_LIBRARY_H_
+
+#include "tools/data_importer/import_model.h"
+
+// Fills |model| with a realistic library: |files| files (names of about 60
+// characters, many outside ASCII, some with apostrophes; 32-hex hashes; one
+// file in 50 an MV, one in 200 with the all-zero hash), |lists| lists
+// holding |entries| entries in all (sizes falling off from the first list
+// to the last), and |downloads| downloads, a third of them unfinished.
+void FillSampleLibrary(ImportModel* model, int files, int lists, int entries, int downloads);
+
+// Peak resident memory of this process so far, in megabytes.
+double PeakMemoryMegabytes();
+
+#endif  // BENCHMARKS_SAMPLE_LIBRARY_H_
