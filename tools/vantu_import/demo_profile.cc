@@ -1,6 +1,14 @@
 #include "tools/vantu_import/demo_profile.h"
 
 #include "base/file_util.h"
+#include "testing/fixtures/generation6_fixture.h"
+
+namespace {
+
+// A generation-6 "V1" installation with a few hundred songs.
+constexpr int kDemoSongs = 300;
+
+}  // namespace
 
 base::FilePath BuildDemoProfile(const base::FilePath& root, std::string* error) {
   base::FilePath local = root.Append(L"AppData").Append(L"Local");
@@ -9,8 +17,13 @@ base::FilePath BuildDemoProfile(const base::FilePath& root, std::string* error) 
     *error = "cannot create the profile folders";
     return base::FilePath();
   }
+  base::FilePath program = root.Append(L"Program Files").Append(L"VanTa6");
+  if (!base::CreateDirectory(program) || !WriteSampleV6Installation(program, kDemoSongs)) {
+    *error = "cannot write the sample generation-6 installation";
+    return base::FilePath();
+  }
   base::FilePath registry = root.Append(L"registry.reg");
-  if (!base::WriteFile(registry, "Windows Registry Editor Version 5.00\r\n\r\n")) {
+  if (!base::WriteFile(registry, V6RegistryText(program))) {
     *error = "cannot write the registry file";
     return base::FilePath();
   }

@@ -46,6 +46,16 @@ std::string TaskInWords(const std::wstring& task) {
   return base::WideToUTF8(task);
 }
 
+std::string DescribeImportEnd(const std::wstring& end) {
+  if (end == L"4")
+    return "4 (import finished)";
+  if (end == L"5")
+    return "5 (import finished with failures)";
+  if (end == L"8")
+    return "8 (the source held nothing to import)";
+  return end.empty() ? "- (no import ran)" : base::WideToUTF8(end);
+}
+
 std::string OrDash(const std::wstring& value) {
   return value.empty() ? std::string("-") : base::WideToUTF8(value);
 }
@@ -93,7 +103,7 @@ RunOutcome ReadRunOutcome(const base::FilePath& data_folder, size_t log_offset) 
 
 std::string DescribeImportState(const std::wstring& state) {
   if (state.empty())
-    return "- (no import ran)";
+    return "- (no failure reported)";
   int bits = base::WToI(state);
   if (bits == 0)
     return "0 (no failure)";
@@ -111,7 +121,7 @@ std::string DescribeImportState(const std::wstring& state) {
 std::string DescribeOutcome(const RunOutcome& o) {
   std::ostringstream out;
   out << "Task:               " << TaskInWords(o.task) << "\n";
-  out << "ImportEnd:          " << OrDash(o.import_end) << "\n";
+  out << "ImportEnd:          " << DescribeImportEnd(o.import_end) << "\n";
   out << "ImportState:        " << DescribeImportState(o.import_state) << "\n";
   out << "ImportProgress:     " << OrDash(o.import_progress) << "\n";
   out << "UpdateProgress:     " << OrDash(o.update_progress) << "\n";

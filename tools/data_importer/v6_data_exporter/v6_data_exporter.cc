@@ -1,0 +1,251 @@
+#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
+
+#include <cwchar>
+#include <exception>
+
+#include "base/file_util.h"
+#include "base/reg_key.h"
+#include "logging/debug_output.h"
+#include "logging/logging.h"
+#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/progress_record.h"
+
+#define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
+
+namespace {
+
+constexpr wchar_t kV1Database[] = L"VTData.db";
+constexpr wchar_t kV1Copy[] = L"VT6Data.db";
+constexpr wchar_t kIntermediateCopy[] = L"DataImporter.db";
+constexpr wchar_t kLibraryPattern[] = L"VTLibrary*.db";
+
+std::vector<base::FilePath> ListFiles(const base::FilePath& folder, const wchar_t* pattern) {
+  std::vector<base::FilePath> files;
+  base::FileEnumerator enumerator(folder, pattern);
+  for (base::FilePath file = enumerator.Next(); !file.empty(); file = enumerator.Next())
+    files.push_back(file);
+  return files;
+}
+
+}  // namespace
+
+V6DataExporter::V6DataExporter(ImportModel* model) : DataExporter(model) {}
+
+V6DataExporter::~V6DataExporter() = default;
+
+std::wstring V6DataExporter::Dump(const base::FilePath& path) {
+  return std::wstring();
+}
+
+base::FilePath V6DataExporter::LocateInstallation() {
+  base::RegKey key;
+  std::wstring program;
+  if (!key.Open(L"Software\\VanTa6") || !key.ReadValue(L"AppFileName", &program) ||
+      program.empty())
+    return base::FilePath();
+  // The registry holds a Windows path; either separator may occur.
+  size_t slash = program.find_last_of(L"\\/");
+  return base::FilePath(slash == std::wstring::npos ? std::wstring() : program.substr(0, slash));
+}
+
+base::FilePath V6DataExporter::GetDatabasePath() {
+  base::FilePath folder = LocateInstallation();
+  if (folder.empty())
+    return folder;
+  m_source_db = folder.Append(kV1Database);
+  return m_source_db;
+}
+
+void V6DataExporter::ClearLookups() {
+  m_list_ids.clear();
+  m_music_items.clear();
+  m_mv_items.clear();
+  m_v2_music_items.clear();
+}
+
+int32_t V6DataExporter::ExportData() {
+  ClearLookups();
+  CopyLyrics();
+
+  bool v1 = CopyV1Database();
+  bool v2 = !v1 && CopyV2Databases();
+  if (!v1 && !v2) {
+    logging::OutputDebugStringW(L"CopyV6DB Failed!!!");
+    ReportState(ProgressRecord::kStateNotStarted);
+    return 1;
+  }
+  V6LOG(logging::LOG_PROGRESS) << L"V6 DB version is {" << (v1 ? L"V1" : L"V2") << L"}.";
+  int32_t result = v1 ? ReadV1Layout() : ReadV2Layout();
+
+  ClearLookups();
+  V6LOG(logging::LOG_PROGRESS) << L"V6DataExporter::ExportData DONE!";
+  return result;
+}
+
+bool V6DataExporter::CopyWithLog(const base::FilePath& from, const base::FilePath& to) {
+  if (base::CopyFile(from, to))
+    return true;
+  V6LOG(logging::LOG_FAILURE) << L"Copy file {" << from.value() << L"} to {" << to.value()
+                              << L"} FAILED, error code {" << base::GetLastSystemError() << L"}.";
+  return false;
+}
+
+void V6DataExporter::CopyLyrics() {
+  base::FilePath program = LocateInstallation();
+  if (program.empty())
+    return;
+  std::vector<base::FilePath> lyrics = ListFiles(program.Append(L"Lyric"), L"*.krc");
+  if (lyrics.empty())
+    return;
+  base::FilePath target = GetLyricFolder();
+  if (!base::DirectoryExists(target))
+    base::CreateDirectory(target);
+  for (const base::FilePath& lyric : lyrics)
+    base::CopyFile(lyric, target.Append(lyric.BaseName().value()));
+}
+
+bool V6DataExporter::CopyV1Database() {
+  base::FilePath work = GetDataFolder();
+  m_work_db = work.Append(kV1Copy);
+  if (base::PathExists(m_work_db)) {
+    logging::OutputDebugStringW(L"v6bak DB exist!!!");
+    CopyWithLog(m_work_db, GetDatedBackupFolder().Append(kV1Copy));
+    CopyWithLog(m_work_db, work.Append(kIntermediateCopy));
+    return true;
+  }
+  V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not found.";
+  GetDatabasePath();
+  if (m_source_db.empty() || !base::PathExists(m_source_db)) {
+    V6LOG(logging::LOG_FAILURE) << L"File {" << m_source_db.value() << L"} do not found.";
+    logging::OutputDebugStringW(L"v6 DB is not exist!!!");
+    return false;
+  }
+  CopyWithLog(m_source_db, GetDatedBackupFolder().Append(kV1Copy));
+  CopyWithLog(m_source_db, m_work_db);
+  CopyWithLog(m_work_db, work.Append(kIntermediateCopy));
+  return true;
+}
+
+bool V6DataExporter::CopyV2Databases() {
+  try {
+    return CopyV2DatabasesUnguarded();
+  } catch (...) {
+    V6LOG(logging::LOG_FAILURE) << L"V6DataExporter::CopyV6DBV2: UNKNOWN EXCEPTION.";
+    logging::OutputDebugStringW(L"CopyV6DBv2 exception!!!");
+    return false;
+  }
+}
+
+bool V6DataExporter::CopyV2DatabasesUnguarded() {
+  base::FilePath work = GetDataFolder();
+  V6LOG(logging::LOG_PROGRESS) << L"Search folder {" << work.value() << L"} with pattern {"
+                               << kLibraryPattern << L"}.";
+  std::vector<base::FilePath> copies = ListFiles(work, kLibraryPattern);
+  if (!copies.empty()) {
+    V6LOG(logging::LOG_PROGRESS) << L"V6BakDB files exists, backup file count {"
+                                 << copies.size() << L"}.";
+    logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
+    base::FilePath backup = GetDatedBackupFolder();
+    for (const base::FilePath& copy : copies)
+      CopyWithLog(copy, backup.Append(copy.BaseName().value()));
+    return true;
+  }
+  base::FilePath program = LocateInstallation();
+  std::vector<base::FilePath> sources;
+  if (!program.empty())
+    sources = ListFiles(program, kLibraryPattern);
+  if (sources.empty()) {
+    V6LOG(logging::LOG_FAILURE) << L"V6DB files do not exists.";
+    logging::OutputDebugStringW(L"v6 DBv2 is not exist!!!");
+    return false;
+  }
+  base::FilePath backup = GetDatedBackupFolder();
+  for (const base::FilePath& source : sources) {
+    std::wstring name = source.BaseName().value();
+    CopyWithLog(source, work.Append(name));
+    CopyWithLog(source, backup.Append(name));
+  }
+  return true;
+}
+
+bool V6DataExporter::OpenSource(const base::FilePath& path) {
+  ResetDatabase();
+  return m_db->OpenAndCheck(path);
+}
+
+int32_t V6DataExporter::ReadV1Layout() {
+  if (!base::PathExists(m_work_db)) {
+    V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
+    ReportState(ProgressRecord::kStateNotStarted);
+  } else if (OpenSource(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
+    if (!ReadMusicVideos())
+      ReportState(ProgressRecord::kStateTableFailed);
+    if (!ReadMusicItems())
+      ReportState(ProgressRecord::kStateMusicFailed);
+    if (!ReadPlayLists(false, 0))
+      ReportState(ProgressRecord::kStateListsFailed);
+    if (!ReadUnfinishedDownloads())
+      ReportState(ProgressRecord::kStateTableFailed);
+    if (!ReadFinishedDownloads())
+      ReportState(ProgressRecord::kStateTableFailed);
+  } else {
+    V6LOG(logging::LOG_FAILURE) << L"Table {MusicItems} do not exists.";
+    ReportState(ProgressRecord::kStateNotStarted);
+  }
+  if (m_read_extras) {
+    ReadSettings();
+    ReadLoginHistory();
+  }
+  return 0;
+}
+
+int32_t V6DataExporter::ReadV2Layout() {
+  base::FilePath work = GetDataFolder();
+  std::vector<base::FilePath> libraries = ListFiles(work, kLibraryPattern);
+  if (libraries.empty()) {
+    V6LOG(logging::LOG_FAILURE) << L"Files of V6 DB V2 not found.";
+    ReportState(ProgressRecord::kStateNotStarted);
+    return 1;
+  }
+
+  // The downloads live in the first library file only.
+  for (const base::FilePath& library : libraries) {
+    if (library.BaseName().value() != L"VTLibrary.db")
+      continue;
+    V6LOG(logging::LOG_PROGRESS) << L"Loading {VTLibrary.db}.";
+    if (base::PathExists(library)) {
+      if (OpenSource(library)) {
+        if (!ReadUnfinishedDownloads())
+          ReportState(ProgressRecord::kStateTableFailed);
+        if (!ReadFinishedDownloads())
+          ReportState(ProgressRecord::kStateTableFailed);
+      }
+    } else {
+      V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
+    }
+  }
+
+  for (const base::FilePath& library : libraries) {
+    int number = 0;
+    std::swscanf(library.BaseName().value().c_str(), L"VTLibrary%d.db", &number);
+    if (!base::PathExists(library)) {
+      V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
+      ReportState(ProgressRecord::kStateNotStarted);
+      continue;
+    }
+    OpenSource(library);
+    if (!ReadMusicItemsV2(number))
+      ReportState(ProgressRecord::kStateMusicFailed);
+    if (!ReadPlayLists(true, number))
+      ReportState(ProgressRecord::kStateListsFailed);
+  }
+  if (m_read_extras) {
+    ReadSettings();
+    ReadLoginHistory();
+  }
+  return 0;
+}
+
+void V6DataExporter::ReadSettings() {}
+
+void V6DataExporter::ReadLoginHistory() {}

@@ -1,0 +1,316 @@
+// The table readers of the generation-6 exporter. Each runs one query and
+// turns every row into one model record; a column the row lacks reads as 0
+// or empty. Times are carried in the source's units.
+
+#include <boost/format.hpp>
+
+#include "logging/logging.h"
+#include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
+
+#define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
+
+namespace {
+
+const std::wstring kZeroHash = L"00000000000000000000000000000000";
+constexpr wchar_t kDefaultListName[] = L"默认列表";
+
+// A hash the row does not supply becomes the all-zero hash.
+std::wstring HashOrZero(const std::wstring& hash) {
+  return hash.empty() ? kZeroHash : hash;
+}
+
+// The file name of a stored path, which may use either separator.
+std::wstring BaseName(const std::wstring& path) {
+  size_t slash = path.find_last_of(L"\\/");
+  return slash == std::wstring::npos ? path : path.substr(slash + 1);
+}
+
+std::wstring BaseNameWithoutExtension(const std::wstring& path) {
+  std::wstring name = BaseName(path);
+  size_t dot = name.rfind(L'.');
+  return dot == std::wstring::npos || dot == 0 ? name : name.substr(0, dot);
+}
+
+void LogSize(const wchar_t* name, size_t count) {
+  V6LOG(logging::LOG_PROGRESS) << L"Size of " << name << L" is {" << count << L"}.";
+}
+
+}  // namespace
+
+// "MVItems": the MV files. "Channel" (audio channels) has no column in
+// the new library and is not carried.
+bool V6DataExporter::ReadMusicVideos() {
+  if (!m_db->connection()->DoesTableExist("MVItems")) {
+    V6LOG(logging::LOG_FAILURE) << L"Table {MVItems} do not exists.";
+    return true;
+  }
+  DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MVItems").str());
+  if (!row.IsValid())
+    return false;
+  size_t count = 0;
+  while (row.Step()) {
+    auto file = std::make_shared<ShareFileItem>();
+    file->old_id = row.GetInt("ID");  // the id music items refer to as MvItemID
+    file->ShareFileType = 2;
+    file->FileName = row.GetString16("FileName");
+    file->FileNamePure = BaseNameWithoutExtension(file->FileName);
+    file->MD5 = HashOrZero(row.GetString16("FileHash"));
+    file->FileSize = row.GetInt("FileSize");
+    file->Duration = row.GetInt("Duration");
+    file->BitRate = row.GetInt("BitRate");
+    file->FileHashUpdateTime = row.GetInt64("HashUpdateTime");
+    file->OwnerCount = row.GetInt("OwnerCount");
+    file->LastWriteTime = row.GetInt64("LastWriteTime");
+    m_mv_items[file->old_id] = file;
+    m_model->m_share_files.push_back(file);
+    ++count;
+  }
+  LogSize(L"MVItems", count);
+  return true;
+}
+
+// "MusicItems" of the "V1" layout. "MusicType" (the audio format) has no
+// column in the new library; "StartTime" (a track's start inside a larger
+// file) goes to the list entries as their cue start.
+bool V6DataExporter::ReadMusicItems() {
+  DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MusicItems").str());
+  if (!row.IsValid())
+    return false;
+  size_t count = 0;
+  while (row.Step()) {
+    auto file = std::make_shared<ShareFileItem>();
+    file->old_id = row.GetInt("ID");
+    file->FileName = row.GetString16("FileName");
+    file->FileNamePure = row.GetString16("Title");
+    if (file->FileNamePure.empty())
+      file->FileNamePure = BaseNameWithoutExtension(file->FileName);
+    file->FileSize = row.GetInt("FileSize");
+    file->LastWriteTime = row.GetInt64("LastWriteTime");
+    file->Duration = row.GetInt("Duration");
+    file->BitRate = row.GetInt("BitRate");
+    file->FileHashUpdateTime = row.GetInt64("HashUpdateTime");
+    file->OwnerCount = row.GetInt("OwnerCount");
+    file->MpegOffset = row.GetInt("MPEGOffset");
+    file->MpegSize = row.GetInt("MPEGSize");
+    file->ReplayGain = row.GetDouble("ReplayGain");
+    file->MD5 = HashOrZero(row.GetString16("FileHash"));
+    // The hash the online catalogue knows the file by.
+    file->MpegMD5 = HashOrZero(row.GetString16("InetHash"));
+    MusicEntry& entry = m_music_items[file->old_id];
+    entry.file = file;
+    entry.mv_id = row.GetInt("MvItemID");
+    entry.start_time = row.GetInt64("StartTime");
+    m_model->m_share_files.push_back(file);
+    ++count;
+  }
+  LogSize(L"FileItems", count);
+  return true;
+}
+
+// "PlayListItems" of one "V2" library file: every row is a music item,
+// remembered under "<ItemID>_<N>" for the list reader.
+bool V6DataExporter::ReadMusicItemsV2(int library_number) {
+  DbRowReader row(*m_db->connection(),
+                  (boost::format("SELECT * FROM %s") % "PlayListItems").str());
+  if (!row.IsValid())
+    return false;
+  size_t count = 0;
+  while (row.Step()) {
+    auto file = std::make_shared<ShareFileItem>();
+    file->old_id = m_next_v2_file_id++;
+    std::wstring folder = row.GetString16("Path");
+    std::wstring name = row.GetString16("FileName");
+    if (!folder.empty() && folder.back() != L'\\' && folder.back() != L'/')
+      folder += L'\\';
+    file->FileName = folder + name;
+    file->FileNamePure = BaseNameWithoutExtension(name);
+    file->FileSize = row.GetInt("FileSize");
+    file->Duration = row.GetInt("Duration");
+    file->BitRate = row.GetInt("BitRate");
+    file->MD5 = HashOrZero(row.GetString16("Hash"));
+    file->ReplayGain = row.GetDouble("ReplayGain");
+    std::wstring key = std::to_wstring(row.GetInt("ItemID")) + L"_" + std::to_wstring(library_number);
+    m_v2_music_items[key].file = file;
+    m_model->m_share_files.push_back(file);
+    ++count;
+  }
+  LogSize(L"FileItemsV2", count);
+  return true;
+}
+
+bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
+  sql::Connection& db = *m_db->connection();
+  const char* query = db.DoesColumnExist("PlayLists", "SortID")
+                          ? "SELECT * FROM PlayLists Order By SortID ASC"
+                          : "SELECT * FROM PlayLists";
+  DbRowReader row(db, query);
+  if (!row.IsValid())
+    return false;
+  std::vector<ListRef> default_lists, normal_lists;
+  while (row.Step()) {
+    int type = row.GetInt("PlayListType");
+    bool is_default = type == 3;
+    if (!is_default && type != 0 && type != 6 && type != 10)
+      continue;
+    int id = row.GetInt("PlayListID");
+    if (!is_default) {
+      std::string count_query =
+          v2 ? (boost::format("SELECT COUNT(*) AS ListItemCount FROM %s WHERE PlayListID = %d") %
+                "PlayListItems" % id)
+                   .str()
+             : (boost::format("SELECT COUNT(*) AS ListItemCount FROM %s WHERE PlayListID = %d "
+                              "and MusicItemID in (Select ID From MusicItems)") %
+                "PlayListItems" % id)
+                   .str();
+      DbRowReader count(db, count_query);
+      if (!count.Step() || count.GetInt("ListItemCount") < 1) {
+        V6LOG(logging::LOG_PROGRESS) << L"There is no items under {TABLE: PlayListItems, PlayListID: "
+                                     << id << L"}.";
+        continue;
+      }
+    }
+    auto list = std::make_shared<PlayListInfo>();
+    list->PlaylistID = id;
+    int owner = row.GetInt("UserID");
+    list->PlaylistName = row.GetString16("PlayListName");
+    if (owner != 0)
+      list->PlaylistName += L"-" + std::to_wstring(owner);
+    if (is_default) {
+      list->PlaylistType = 0;
+      list->SortID = 0;
+      list->PlaylistName = kDefaultListName;
+      default_lists.push_back({id, true});
+    } else {
+      list->PlaylistType = 2;
+      list->SortID = m_next_list_sort++;
+      normal_lists.push_back({id, false});
+    }
+    m_list_ids.insert(id);
+    m_model->m_play_lists.push_back(list);
+    m_model->m_list_songs[id];  // the list has its table even without entries
+  }
+  const wchar_t* prefix = v2 ? L"PlayListsV2" : L"PlayLists";
+  V6LOG(logging::LOG_PROGRESS) << L"Size of " << prefix << L"::defaultListItems is {"
+                               << default_lists.size() << L"}.";
+  V6LOG(logging::LOG_PROGRESS) << L"Size of " << prefix << L"::normalListItems is {"
+                               << normal_lists.size() << L"}.";
+  for (const ListRef& list : default_lists)
+    ReadListItems(list, v2, library_number);
+  for (const ListRef& list : normal_lists)
+    ReadListItems(list, v2, library_number);
+  return true;
+}
+
+void V6DataExporter::FillFromMusic(const MusicEntry& music, SongItem* song) {
+  const ShareFileItem& file = *music.file;
+  song->music_file_id = file.old_id;
+  song->mv_file_id = music.mv_id;
+  song->TitleName = file.FileNamePure;
+  song->Singer = file.Artist;
+  song->MusicFilePath = file.FileName;
+  song->MusicFileHash = file.MD5;
+  song->MusicFileSize = file.FileSize;
+  song->MusicFileDuration = file.Duration;
+  song->MusicFileBitrate = file.BitRate;
+  song->MusicFileLastModifyTime = file.LastWriteTime;
+  song->CueBeginTime = music.start_time;
+}
+
+void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_number) {
+  std::string query =
+      v2 ? (boost::format("SELECT * FROM %s Where PlayListID=%d") % "PlayListItems" % list.id).str()
+         : (boost::format("SELECT * FROM %s WHERE PlayListID = %d ORDER BY SortId") %
+            "PlayListItems" % list.id)
+               .str();
+  DbRowReader row(*m_db->connection(), query);
+  SongList& songs = m_model->m_list_songs[list.id];
+  size_t total = 0, loaded = 0;
+  while (row.Step()) {
+    ++total;
+    const MusicEntry* music = nullptr;
+    if (v2) {
+      auto found = m_v2_music_items.find(std::to_wstring(row.GetInt("ItemID")) + L"_" +
+                                         std::to_wstring(library_number));
+      music = found == m_v2_music_items.end() ? nullptr : &found->second;
+    } else {
+      auto found = m_music_items.find(row.GetInt("MusicItemID"));
+      music = found == m_music_items.end() ? nullptr : &found->second;
+    }
+    if (!music)
+      continue;
+    auto song = std::make_shared<SongItem>();
+    FillFromMusic(*music, song.get());
+    song->SongID = row.GetInt("ItemID");
+    song->PlayCount = row.GetInt("PlayCount");
+    song->SortID = row.GetInt("SortID");
+    song->CreationTime = row.GetInt64("CreationTime");
+    song->LastPlayTime = row.GetInt64("LastPlayTime");
+    if (v2) {
+      std::wstring title = row.GetString16("Title");
+      song->TitleName = title.empty() ? row.GetString16("FileName") : title;
+      song->MusicFileHash = HashOrZero(row.GetString16("Hash"));
+      song->SongItemType = row.GetInt("MediaFileType");
+      song->CueBeginTime = row.GetInt64("StartTime");
+      song->CueEndTime = row.GetInt64("EndTime");
+    }
+    songs.push_back(song);
+    ++loaded;
+  }
+  if (v2) {
+    V6LOG(logging::LOG_PROGRESS) << L" Size of PlayListItemsV2{userID: << " << library_number
+                                 << L", ID=" << list.id << L"} is {TOTAL:" << total
+                                 << L", LOADED:" << loaded << L"}.";
+  } else {
+    V6LOG(logging::LOG_PROGRESS) << L" Size of PlayListItems(ID=" << list.id << L") is {TOTAL:"
+                                 << total << L", LOADED:" << loaded << L"}.";
+  }
+}
+
+// "Downing": downloads not finished yet.
+bool V6DataExporter::ReadUnfinishedDownloads() {
+  DbRowReader row(*m_db->connection(), "Select * From Downing");
+  if (!row.IsValid())
+    return false;
+  size_t count = 0;
+  while (row.Step()) {
+    auto download = std::make_shared<DownloadRecord>();
+    download->file_id = row.GetInt("MusicID");
+    download->FileID = download->file_id;
+    download->MD5 = HashOrZero(row.GetString16("FileHash"));
+    download->DestFileName = row.GetString16("DestFileName");
+    download->TempFileName = row.GetString16("TempFileName");
+    download->FileSize = row.GetInt("FileSize");
+    download->DownType = row.GetInt("DownType");
+    download->FileName = BaseNameWithoutExtension(download->DestFileName);
+    m_model->m_downloads.push_back(download);
+    ++count;
+  }
+  LogSize(L"DownFile", count);
+  return true;
+}
+
+// "DownHistory": finished downloads, found again by their hash.
+bool V6DataExporter::ReadFinishedDownloads() {
+  DbRowReader row(*m_db->connection(), "Select * From DownHistory");
+  if (!row.IsValid())
+    return false;
+  size_t count = 0;
+  while (row.Step()) {
+    auto download = std::make_shared<DownloadRecord>();
+    download->DestFileName = row.GetString16("FileName");
+    download->FileName = BaseNameWithoutExtension(download->DestFileName);
+    download->FileSize = row.GetInt("FileSize");
+    download->Method = row.GetInt("Method");
+    download->StartTime = row.GetInt64("StartTime");
+    download->CompleteTime = row.GetInt64("CompleteTime");
+    download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
+    download->MD5 = HashOrZero(row.GetString16("FileHash"));
+    download->Percent = 100;
+    m_model->m_downloads.push_back(download);
+    ++count;
+  }
+  LogSize(L"DownHistroy", count);
+  return true;
+}
