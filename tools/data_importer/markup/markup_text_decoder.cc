@@ -1,0 +1,74 @@
+#include "tools/data_importer/markup/markup_text_decoder.h"
+
+#include <climits>
+#include <cstdio>
+#include <vector>
+
+#include "base/file_util.h"
+#include "base/text_encoding.h"
+#include "base/utf_string_conversions.h"
+
+namespace markup {
+
+namespace {
+
+// Bytes after the data, so that the text is NUL-terminated in either width.
+constexpr size_t kPadding = 4;
+
+std::wstring UnitsToText(const unsigned char* bytes, size_t size, bool big_endian) {
+  std::u16string units;
+  units.reserve(size / 2);
+  for (size_t i = 0; i + 1 < size; i += 2) {
+    const char16_t unit = big_endian ? static_cast<char16_t>((bytes[i] << 8) | bytes[i + 1])
+                                     : static_cast<char16_t>(bytes[i] | (bytes[i + 1] << 8));
+    if (unit == 0)
+      break;
+    units.push_back(unit);
+  }
+  return base::UTF16ToWide(units);
+}
+
+std::wstring UTF8ToText(const char* bytes) {
+  std::wstring text = base::UTF16ToWide(base::DecodeUTF8AsWindows(bytes, -1));
+  const size_t nul = text.find(L'\0');
+  if (nul != std::wstring::npos)
+    text.resize(nul);
+  return text;
+}
+
+}  // namespace
+
+std::wstring DecodeMarkupBytes(const std::string& bytes) {
+  const size_t size = bytes.size();
+  if (size == 0)
+    return std::wstring();
+  std::vector<unsigned char> buffer(bytes.begin(), bytes.end());
+  buffer.resize(size + kPadding, 0);
+  const unsigned char* data = buffer.data();
+
+  // The detection sees the real data only: the zero padding would make it
+  // refuse every short UTF-16 text.
+  const int detect_length = size > INT_MAX ? INT_MAX : static_cast<int>(size);
+  if (base::IsTextUnicode(data, detect_length, nullptr)) {
+    const size_t skip = (data[0] == 0xFF && data[1] == 0xFE) ? 2 : 0;
+    return UnitsToText(data + skip, size - skip, false);
+  }
+  if (data[0] == 0xEF) {
+    const size_t skip = (data[1] == 0xBB && data[2] == 0xBF) ? 3 : 0;
+    return UTF8ToText(reinterpret_cast<const char*>(data + skip));
+  }
+  if (data[0] == 0xFE && data[1] == 0xFF)
+    return UnitsToText(data + 2, size - 2 + (size & 1), true);
+  return UTF8ToText(reinterpret_cast<const char*>(data));
+}
+
+bool ReadMarkupFile(const base::FilePath& path, std::wstring* text) {
+  text->clear();
+  std::string bytes;
+  if (!base::ReadFileToString(path, &bytes) || bytes.empty())
+    return false;
+  *text = DecodeMarkupBytes(bytes);
+  return true;
+}
+
+}  // namespace markup
