@@ -1,0 +1,271 @@
+#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/file_util.h"
+#include "base/md5.h"
+#include "base/utf_string_conversions.h"
+#include "sql/connection.h"
+#include "testing/fixtures/generation6_fixture.h"
+#include "tools/data_importer/build_sequence.h"
+#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/data_importer_main.h"
+#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/import_run.h"
+#include "tools/data_importer/importer_test_util.h"
+#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/task_decision.h"
+
+namespace {
+
+std::wstring Hash(int n) {
+  std::wstring hash = std::to_wstring(n);
+  return std::wstring(32 - hash.size(), L'A') + hash;
+}
+
+V6Music Music(int id, const std::wstring& title, int mv_id = 0) {
+  V6Music m;
+  m.id = id;
+  m.title = title;
+  m.file_name = L"D:\\Music\\" + title + L".mp3";
+  m.hash = Hash(id);
+  m.mv_id = mv_id;
+  return m;
+}
+
+// A "V1" database with every case the reader distinguishes.
+V6V1Database SampleV1() {
+  V6V1Database db;
+  db.videos = {{7, L"D:\\MV\\clip.mkv", L"", Hash(700)}};
+  db.music = {Music(1, L"\u7a3b\u9999"), Music(2, L"Don't Cry", 7), Music(3, L"Halo"),
+              Music(4, L"Hopp\u00edpolla")};
+  db.music[3].hash.clear();  // no hash: the all-zero hash
+  db.lists = {{10, 3, L"Stored default name", 0, 5},  // default list, empty
+              {11, 0, L"Road", 1234, 1},
+              {12, 6, L"Mine", 0, 2},
+              {13, 10, L"Gone", 0, 3},  // every item's music is missing
+              {14, 1, L"Cloud", 0, 4},  {15, 2, L"Radio", 0, 6},
+              {16, 4, L"Four", 0, 7},   {17, 11, L"Eleven", 0, 8}};
+  db.items = {{1, 11, 1, 0, 5}, {2, 11, 2, 1, 0}, {3, 11, 99, 2, 0},  // 99: music gone
+              {4, 12, 3, 0, 0}, {5, 12, 4, 1, 0}, {6, 13, 98, 0, 0},
+              {7, 14, 1, 0, 0}, {8, 15, 1, 0, 0}};
+  db.downloads = {{3, Hash(3), L"D:\\Down\\Halo.mp3", false},      // by id
+                  {0, Hash(2), L"D:\\Down\\Don't Cry.mp3", true},  // by hash
+                  {0, L"", L"D:\\Down\\Unknown.mp3", true},        // no hash: dropped
+                  {50, Hash(50), L"D:\\Down\\Other.mp3", false}};  // not imported
+  return db;
+}
+
+class V6DataExporterTest : public testing::Test {
+ protected:
+  base::FilePath program() const { return profile_.root().Append(L"Program Files").Append(L"VanTa6"); }
+
+  void Register() {
+    base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program()));
+    TestProfile::Touch(program().Append(L"VanTa6.exe"));
+  }
+
+  std::string Fingerprint(const base::FilePath& folder) {
+    std::string all;
+    base::FileEnumerator files(folder, L"*");
+    for (base::FilePath file = files.Next(); !file.empty(); file = files.Next()) {
+      std::string bytes;
+      base::ReadFileToString(file, &bytes);
+      all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
+    }
+    return all;
+  }
+
+  std::unique_ptr<sql::Connection> OpenFinal(const wchar_t* name) {
+    auto db = std::make_unique<sql::Connection>();
+    EXPECT_TRUE(db->OpenWithKey(profile_.data_folder().Append(name), kVersion3DatabaseKey));
+    return db;
+  }
+
+  std::string Log() {
+    std::string log;
+    base::ReadFileToString(profile_.data_folder().Append(L"DataImporter.log"), &log);
+    return log;
+  }
+
+  TestProfile profile_;
+};
+
+// The whole run through the registry: libraries, lists, list entries and
+// downloads arrive in the new databases, lyrics and backups are copied, and
+// the installation is left byte for byte as it was.
+TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
+  ASSERT_TRUE(SampleV1().Write(program().Append(L"VTData.db")));
+  base::CreateDirectory(program().Append(L"Lyric"));
+  base::WriteFile(program().Append(L"Lyric").Append(L"\u7a3b\u9999.krc"), "krc");
+  base::WriteFile(program().Append(L"Lyric").Append(L"notes.txt"), "x");
+  Register();
+  std::string before = Fingerprint(program());
+
+  DataImporterMain();
+
+  EXPECT_EQ(before, Fingerprint(program()));
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"10:0,11:2,12:2", profile_.DBCheck(L"ImportPlayLists"));
+  EXPECT_TRUE(base::PathExists(profile_.data_folder().Append(L"Lyric").Append(L"\u7a3b\u9999.krc")));
+  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"Lyric").Append(L"notes.txt")));
+  EXPECT_TRUE(base::PathExists(profile_.data_folder().Append(L"VT6Data.db")));
+  EXPECT_TRUE(base::PathExists(profile_.data_folder().Append(L"DataImporter.db")));
+  EXPECT_TRUE(base::PathExists(GetDatedBackupFolder().Append(L"VT6Data.db")));
+
+  auto music = OpenFinal(L"VTMusicV3.db");
+  auto playlists = OpenFinal(L"playlistV3.db");
+  EXPECT_EQ((std::vector<std::string>{
+                "D:\\MV\\clip.mkv|2|AAAAAAAAAAAAAAAAAAAAAAAAAAAAA700",
+                "D:\\Music\\\xE7\xA8\xBB\xE9\xA6\x99.mp3|0|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA1",
+                "D:\\Music\\Don't Cry.mp3|0|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA2",
+                "D:\\Music\\Halo.mp3|0|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA3",
+                "D:\\Music\\Hopp\xC3\xADpolla.mp3|0|00000000000000000000000000000000"}),
+            QueryRows(music.get(), "SELECT FileName, ShareFileType, MD5 FROM ShareFileItems ORDER BY id"));
+  EXPECT_EQ((std::vector<std::string>{"10|\xE9\xBB\x98\xE8\xAE\xA4\xE5\x88\x97\xE8\xA1\xA8|0|0",
+                                      "11|Road-1234|2|1", "12|Mine|2|2"}),
+            QueryRows(playlists.get(), "SELECT PlayListID, PlaylistName, PlaylistType, SortID "
+                                       "FROM GeneralListTable ORDER BY SortID"));
+  EXPECT_EQ((std::vector<std::string>{"1|\xE7\xA8\xBB\xE9\xA6\x99|5", "2|Don't Cry|0"}),
+            QueryRows(playlists.get(),
+                      "SELECT SongID, TitleName, PlayCount FROM GeneralList_11 ORDER BY SortID"));
+  EXPECT_TRUE(playlists->DoesTableExist("GeneralList_10"));
+  EXPECT_FALSE(playlists->DoesTableExist("GeneralList_13"));
+  EXPECT_FALSE(playlists->DoesTableExist("GeneralList_14"));
+  EXPECT_EQ((std::vector<std::string>{"Halo|0", "Don't Cry|100"}),
+            QueryRows(music.get(), "SELECT FileName, Percent FROM DownloadItem ORDER BY ID"));
+  EXPECT_EQ((std::vector<std::string>{"Don't Cry"}),
+            QueryRows(music.get(), "SELECT FileName FROM DownloadHistoryItem"));
+
+  std::string log = Log();
+  EXPECT_NE(std::string::npos, log.find("[V6数据导入] V6 DB version is {V1}."));
+  EXPECT_NE(std::string::npos,
+            log.find("[V6数据导入] There is no items under {TABLE: PlayListItems, PlayListID: 13}."));
+  EXPECT_NE(std::string::npos,
+            log.find("[V6数据导入]  Size of PlayListItems(ID=11) is {TOTAL:3, LOADED:2}."));
+  EXPECT_NE(std::string::npos, log.find("[V6数据导入] Size of FileItems is {4}."));
+}
+
+// "V1" wins over library files; a second export finds the work copy of the
+// first and needs neither registry nor installation.
+TEST_F(V6DataExporterTest, V1WinsAndTheWorkCopyIsReused) {
+  ASSERT_TRUE(SampleV1().Write(program().Append(L"VTData.db")));
+  V6V2Library library;
+  library.lists = {{1, 3, L"x", 0, 0}};
+  library.items = {{1, 1, L"E:\\", L"v2.mp3", L"v2", Hash(1)}};
+  ASSERT_TRUE(library.Write(program().Append(L"VTLibrary.db")));
+  Register();
+  for (int run = 0; run < 2; ++run) {
+    ProgressRecord record;
+    record.Initialise();
+    ImportModel model(&record);
+    V6DataExporter exporter(&model);
+    ASSERT_EQ(0, exporter.ExportData()) << run;
+    EXPECT_EQ(5u, model.m_share_files.size()) << run;
+    EXPECT_EQ(3u, model.m_play_lists.size()) << run;
+    EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+    // Second run: no registry, no installation.
+    base::DeleteFile(profile_.root().Append(L"user.reg"));
+    base::DeleteFile(program(), true);
+  }
+  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"VTLibrary.db")));
+  EXPECT_NE(std::string::npos, Log().find("V6 DB version is {V1}."));
+}
+
+// The "V2" layout through the source folder of the command line: every
+// library file's lists, entries found by "<ItemID>_<N>", and the downloads
+// of the first file.
+TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
+  base::FilePath source = profile_.root().Append(L"Old Player");
+  V6V2Library first;
+  // List 3 has no entries: skipped. (The default list would be kept.)
+  first.lists = {{1, 3, L"", 0, 0}, {2, 0, L"Road", 77, 1}, {3, 0, L"Empty", 0, 2}};
+  first.items = {{1, 1, L"E:\\Music", L"a.mp3", L"A", Hash(1)},
+                 {2, 2, L"E:\\Music\\", L"b.mp3", L"", L""}};
+  first.downloads = {{0, Hash(1), L"E:\\Music\\a.mp3", true}};
+  ASSERT_TRUE(first.Write(source.Append(L"VTLibrary.db")));
+  V6V2Library second;
+  second.lists = {{5, 10, L"Second", 0, 0}};
+  second.items = {{1, 5, L"F:\\", L"c.mp3", L"C", Hash(3)}};
+  ASSERT_TRUE(second.Write(source.Append(L"VTLibrary2.db")));
+  std::string before = Fingerprint(source);
+
+  std::wstring task = DecideTask(GetDataFolder(), source);
+  ASSERT_EQ(L"importvantu6", task);
+  ProgressRecord record;
+  record.Initialise();
+  record.set_import_kind(ImportKindOfTask(task));
+  RunImport(&record);
+
+  EXPECT_EQ(before, Fingerprint(source));
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  auto music = OpenFinal(L"VTMusicV3.db");
+  auto playlists = OpenFinal(L"playlistV3.db");
+  EXPECT_EQ((std::vector<std::string>{"E:\\Music\\a.mp3|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA1",
+                                      "E:\\Music\\b.mp3|00000000000000000000000000000000",
+                                      "F:\\c.mp3|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA3"}),
+            QueryRows(music.get(), "SELECT FileName, MD5 FROM ShareFileItems ORDER BY FileName"));
+  EXPECT_EQ((std::vector<std::string>{"1|\xE9\xBB\x98\xE8\xAE\xA4\xE5\x88\x97\xE8\xA1\xA8",
+                                      "2|Road-77", "5|Second"}),
+            QueryRows(playlists.get(), "SELECT PlayListID, PlaylistName FROM GeneralListTable "
+                                       "ORDER BY PlayListID"));
+  EXPECT_EQ((std::vector<std::string>{"b.mp3"}),
+            QueryRows(playlists.get(), "SELECT TitleName FROM GeneralList_2"));
+  EXPECT_EQ((std::vector<std::string>{"C"}),
+            QueryRows(playlists.get(), "SELECT TitleName FROM GeneralList_5"));
+  EXPECT_EQ((std::vector<std::string>{"a"}),
+            QueryRows(music.get(), "SELECT FileName FROM DownloadHistoryItem"));
+  EXPECT_NE(std::string::npos, Log().find("V6 DB version is {V2}."));
+}
+
+// Missing tables cost their own records and bits only; a database without
+// music items, or no source at all, is reported as state 1.
+TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
+  V6V1Database db = SampleV1();
+  db.omit_tables = {"MVItems", "Downing"};
+  ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
+  Register();
+  {
+    ProgressRecord record;
+    record.Initialise();
+    ImportModel model(&record);
+    V6DataExporter exporter(&model);
+    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(4u, model.m_share_files.size());
+    EXPECT_EQ(3u, model.m_play_lists.size());
+    EXPECT_TRUE(model.m_downloads.empty());
+    EXPECT_EQ(L"16", profile_.DBCheck(L"ImportState"));
+    EXPECT_NE(std::string::npos, Log().find("Table {MVItems} do not exists."));
+  }
+
+  base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db"));
+  db.omit_tables = {"MusicItems"};
+  ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
+  {
+    ProgressRecord record;
+    record.Initialise();
+    ImportModel model(&record);
+    V6DataExporter exporter(&model);
+    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_TRUE(model.m_share_files.empty());
+    EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
+    EXPECT_NE(std::string::npos, Log().find("Table {MusicItems} do not exists."));
+  }
+
+  base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db"));
+  base::DeleteFile(program(), true);
+  ProgressRecord record;
+  record.Initialise();
+  record.set_import_kind(ProgressRecord::kKindGeneration6);
+  RunImport(&record);
+  EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"VTMusicV3.db")));
+  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"playlistV3.db")));
+}
+
+}  // namespace
