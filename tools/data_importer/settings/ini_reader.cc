@@ -1,0 +1,168 @@
+#include "tools/data_importer/settings/ini_reader.h"
+
+#include <cwchar>
+#include <utility>
+
+#include <utf8.h>
+
+#include "base/file_util.h"
+#include "base/string_number_conversions.h"
+#include "base/utf_string_conversions.h"
+#include "logging/debug_output.h"
+
+namespace {
+
+// Code page 1252 for 0x80..0x9F (the unassigned bytes keep their value).
+constexpr wchar_t kCp1252High[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+std::wstring DecodeUTF16(const std::string& bytes, size_t start, bool big_endian) {
+  std::u16string units;
+  units.reserve(bytes.size() / 2);
+  for (size_t i = start; i + 1 < bytes.size(); i += 2) {
+    const unsigned first = static_cast<unsigned char>(bytes[i]);
+    const unsigned second = static_cast<unsigned char>(bytes[i + 1]);
+    units.push_back(static_cast<char16_t>(big_endian ? (first << 8) | second
+                                                     : first | (second << 8)));
+  }
+  return base::UTF16ToWide(units);
+}
+
+std::wstring DecodeFile(const std::string& bytes) {
+  if (bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE')
+    return DecodeUTF16(bytes, 2, false);
+  if (bytes.size() >= 2 && bytes[0] == '\xFE' && bytes[1] == '\xFF')
+    return DecodeUTF16(bytes, 2, true);
+  if (bytes.compare(0, 3, "\xEF\xBB\xBF") == 0)
+    return base::UTF8ToWide(std::string_view(bytes).substr(3));
+  if (utf8::is_valid(bytes.begin(), bytes.end()))
+    return base::UTF8ToWide(bytes);
+  std::wstring text;
+  text.reserve(bytes.size());
+  for (unsigned char byte : bytes)
+    text.push_back(byte >= 0x80 && byte < 0xA0 ? kCp1252High[byte - 0x80] : byte);
+  return text;
+}
+
+bool IsBlank(wchar_t c) {
+  return c == L' ' || c == L'\t' || c == L'\r';
+}
+
+std::wstring_view Trim(std::wstring_view text) {
+  while (!text.empty() && IsBlank(text.front()))
+    text.remove_prefix(1);
+  while (!text.empty() && IsBlank(text.back()))
+    text.remove_suffix(1);
+  return text;
+}
+
+void ReportBadLine(size_t position) {
+  wchar_t line[64];
+  swprintf(line, sizeof(line) / sizeof(line[0]), L"Failing on char %d\n",
+           static_cast<int>(position));
+  logging::OutputDebugStringW(line);
+}
+
+}  // namespace
+
+void IniReader::SetFiles(std::vector<base::FilePath> paths) {
+  m_paths = std::move(paths);
+}
+
+bool IniReader::Parse(bool fold_case) {
+  m_fold_case = fold_case;
+  m_sections.clear();
+  bool read_any = false;
+  for (const base::FilePath& path : m_paths) {
+    std::string bytes;
+    if (path.empty() || !base::ReadFileToString(path, &bytes))
+      continue;
+    read_any = true;
+    std::map<std::wstring, Section> file;
+    ParseText(DecodeFile(bytes), &file);
+    for (auto& [name, keys] : file) {
+      Section& merged = m_sections[name];
+      for (auto& [key, value] : keys)
+        merged[key] = std::move(value);
+    }
+  }
+  return read_any;
+}
+
+void IniReader::ParseText(std::wstring_view text, std::map<std::wstring, Section>* file) const {
+  Section* section = &(*file)[std::wstring()];
+  size_t pos = 0;
+  while (pos < text.size()) {
+    size_t end = text.find_first_of(L"\r\n", pos);
+    if (end == std::wstring_view::npos)
+      end = text.size();
+    const std::wstring_view raw = text.substr(pos, end - pos);
+    const size_t start = pos;
+    pos = end + 1;
+    const std::wstring_view line = Trim(raw);
+    if (line.empty() || line.front() == L';' || line.front() == L'#')
+      continue;
+    const size_t line_position = start + (line.data() - raw.data());
+    if (line.front() == L'[') {
+      const size_t close = line.find(L']');
+      if (close == std::wstring_view::npos) {
+        ReportBadLine(line_position);
+        continue;
+      }
+      section = &(*file)[Name(Trim(line.substr(1, close - 1)))];
+      continue;
+    }
+    const size_t equals = line.find(L'=');
+    const std::wstring_view key =
+        equals == std::wstring_view::npos ? std::wstring_view() : Trim(line.substr(0, equals));
+    if (key.empty()) {
+      ReportBadLine(line_position);
+      continue;
+    }
+    section->emplace(Name(key), std::wstring(Trim(line.substr(equals + 1))));
+  }
+}
+
+std::wstring IniReader::Name(std::wstring_view name) const {
+  std::wstring result(name);
+  if (m_fold_case) {
+    for (wchar_t& c : result) {
+      if (c >= L'A' && c <= L'Z')
+        c = static_cast<wchar_t>(c - L'A' + L'a');
+    }
+  }
+  return result;
+}
+
+const std::wstring* IniReader::Find(std::wstring_view section, std::wstring_view key) const {
+  const auto found_section = m_sections.find(Name(Trim(section)));
+  if (found_section == m_sections.end())
+    return nullptr;
+  const auto found_key = found_section->second.find(Name(Trim(key)));
+  if (found_key == found_section->second.end())
+    return nullptr;
+  return &found_key->second;
+}
+
+bool IniReader::KeyExists(std::wstring_view section, std::wstring_view key) const {
+  return Find(section, key) != nullptr;
+}
+
+std::wstring IniReader::ReadString(std::wstring_view section, std::wstring_view key,
+                                   std::wstring_view default_value) const {
+  const std::wstring* value = Find(section, key);
+  return value ? *value : std::wstring(default_value);
+}
+
+int IniReader::ReadInt(std::wstring_view section, std::wstring_view key, int default_value) const {
+  wchar_t text[16];
+  swprintf(text, sizeof(text) / sizeof(text[0]), L"%d", default_value);
+  return base::WToI(ReadString(section, key, text));
+}
+
+bool IniReader::ReadBool(std::wstring_view section, std::wstring_view key,
+                         bool default_value) const {
+  return ReadInt(section, key, default_value ? 1 : 0) != 0;
+}
