@@ -80,15 +80,25 @@ bool IniReader::Parse(bool fold_case) {
     if (path.empty() || !base::ReadFileToString(path, &bytes))
       continue;
     read_any = true;
-    std::map<std::wstring, Section> file;
-    ParseText(DecodeFile(bytes), &file);
-    for (auto& [name, keys] : file) {
-      Section& merged = m_sections[name];
-      for (auto& [key, value] : keys)
-        merged[key] = std::move(value);
-    }
+    AddFile(bytes);
   }
   return read_any;
+}
+
+void IniReader::ParseData(const std::string& bytes, bool fold_case) {
+  m_fold_case = fold_case;
+  m_sections.clear();
+  AddFile(bytes);
+}
+
+void IniReader::AddFile(const std::string& bytes) {
+  std::map<std::wstring, Section> file;
+  ParseText(DecodeFile(bytes), &file);
+  for (auto& [name, keys] : file) {
+    Section& merged = m_sections[name];
+    for (auto& [key, value] : keys)
+      merged[key] = std::move(value);
+  }
 }
 
 void IniReader::ParseText(std::wstring_view text, std::map<std::wstring, Section>* file) const {

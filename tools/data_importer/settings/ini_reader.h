@@ -45,6 +45,9 @@ class IniReader {
   // must match exactly. True when at least one file was read.
   bool Parse(bool fold_case);
 
+  // Reads one file's bytes held in memory, in place of the file list.
+  void ParseData(const std::string& bytes, bool fold_case);
+
   // True when |section| holds |key|.
   bool KeyExists(std::wstring_view section, std::wstring_view key) const;
 
@@ -63,6 +66,8 @@ class IniReader {
  private:
   using Section = std::map<std::wstring, std::wstring>;
 
+  // Adds the keys of one file's bytes over those read so far.
+  void AddFile(const std::string& bytes);
   void ParseText(std::wstring_view text, std::map<std::wstring, Section>* file) const;
   std::wstring Name(std::wstring_view name) const;
   const std::wstring* Find(std::wstring_view section, std::wstring_view key) const;

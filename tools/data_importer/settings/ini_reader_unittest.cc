@@ -35,6 +35,10 @@ class IniReaderTest : public testing::Test {
   }
 
   testing_support::ScopedTempDir temp_;
+  // Debug lines go to the log in the data folder: keep it in the test folder.
+  testing_support::ScopedEnv env_;
+
+  void SetUp() override { env_.Set("LOCALAPPDATA", temp_.path().AsUTF8Unsafe()); }
 };
 
 TEST_F(IniReaderTest, ReadsSectionsKeysAndComments) {
@@ -125,13 +129,16 @@ TEST_F(IniReaderTest, FileListAndMissingFiles) {
   ASSERT_TRUE(reader.Parse(true));
   EXPECT_EQ(1, reader.ReadInt(L"A", L"x", 0));
   EXPECT_EQ(3, reader.ReadInt(L"A", L"y", 0));
+
+  // Bytes in memory replace what the files gave.
+  reader.ParseData("[B]\nz=5\n", false);
+  EXPECT_EQ(5, reader.ReadInt(L"B", L"z", 0));
+  EXPECT_FALSE(reader.KeyExists(L"A", L"x"));
 }
 
 TEST_F(IniReaderTest, BadLinesAreReportedAndSkipped) {
-  testing_support::ScopedEnv env;
-  env.Set("LOCALAPPDATA", temp_.path().AsUTF8Unsafe());
-  env.Set("VANTU_LOG_LEVEL", "0");
-  env.Set("VANTU_LOG_STDERR", "1");
+  env_.Set("VANTU_LOG_LEVEL", "0");
+  env_.Set("VANTU_LOG_STDERR", "1");
   IniReader reader;
   reader.SetFiles({Write(L"bad.ini", "[A]\nok=1\n  [Broken\nnoequals\n=value\nlast=2\n")});
   testing::internal::CaptureStderr();

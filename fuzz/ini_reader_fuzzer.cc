@@ -1,0 +1,27 @@
+// Feeds arbitrary bytes to the INI reader as a file's contents and reads a
+// few keys, with and without case folding.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "tools/data_importer/settings/ini_reader.h"
+
+// Bad lines are reported through the log; a level above every message keeps
+// the fuzzer from writing a log file into the user's data folder.
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+  setenv("VANTU_LOG_LEVEL", "5", 1);
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const std::string bytes(reinterpret_cast<const char*>(data), size);
+  IniReader reader;
+  reader.ParseData(bytes, size % 2 == 0);
+  reader.KeyExists(L"", L"");
+  reader.ReadString(L"MainPlayList", L"PlayMode", L"3");
+  reader.ReadInt(L"a", L"b", -1);
+  reader.ReadBool(L"A", L"B", true);
+  return 0;
+}
