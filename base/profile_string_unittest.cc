@@ -46,8 +46,9 @@ TEST(ProfileStringTest, ReplaysRecordedScenarios) {
       continue;
     testing_support::ScopedTempDir temp;
     FilePath ini = temp.path().Append(L"test.ini");
-    if (PathExists(folder.Append(L"input.bin")))
+    if (PathExists(folder.Append(L"input.bin"))) {
       ASSERT_TRUE(CopyFile(folder.Append(L"input.bin"), ini));
+    }
     std::string text;
     ASSERT_TRUE(ReadFileToString(folder.Append(L"calls.json"), &text));
     nlohmann::json calls = nlohmann::json::parse(text);

@@ -39,6 +39,9 @@ TEST(CrashHandlerTest, FaultWritesRecordAndKeepsItsCourse) {
   pid_t child = fork();
   ASSERT_GE(child, 0);
   if (child == 0) {
+    // The default disposition is the course the signal takes afterwards
+    // (a sanitizer would otherwise have its own handler installed).
+    signal(SIGSEGV, SIG_DFL);
     ScopedCrashHandler handler(base::FilePath(L"/opt/player"), crash_folder);
     raise(SIGSEGV);
     _exit(0);

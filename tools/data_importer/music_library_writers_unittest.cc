@@ -60,7 +60,8 @@ TEST_F(MusicLibraryWritersTest, TextAndNumbersSurviveTheStatementText) {
   int old_id = 0;
   for (const auto& name : names) {
     for (double gain : gains) {
-      auto file = AddFile(&model_, ++old_id, name, HashOf(old_id));
+      ++old_id;
+      auto file = AddFile(&model_, old_id, name, HashOf(old_id));
       file->ReplayGain = gain;
       file->Artist = name;
       file->CreateTime = int64_t{1} << 40;
