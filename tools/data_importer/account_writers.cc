@@ -6,7 +6,7 @@
 
 namespace {
 
-const TableSpec kUserLoginHistory = {
+const TableDef kUserLoginHistory = {
     "UserLoginHistory",
     "CREATE TABLE UserLoginHistory(ID integer PRIMARY KEY NOT NULL,UserID integer NOT NULL "
     "DEFAULT 0,Username nvarchar(260) NOT NULL DEFAULT '',EncodedPassword nvarchar(80) NOT NULL "
@@ -20,7 +20,7 @@ const TableSpec kUserLoginHistory = {
     "'',ExtraPartner nvarchar(80) NOT NULL DEFAULT '',ExtraPicture nvarchar(260) NOT NULL "
     "DEFAULT '')"};
 
-const TableSpec kKeywordSearchHistory = {
+const TableDef kKeywordSearchHistory = {
     "KeywordSearchHistory",
     "CREATE TABLE KeywordSearchHistory(Keyword nvarchar(260) PRIMARY KEY NOT NULL,TimeTick "
     "BigInt NOT NULL DEFAULT 0,Type integer NOT NULL DEFAULT 0)"};

@@ -7,7 +7,7 @@
 
 namespace {
 
-const TableSpec kDownloadItem = {
+const TableDef kDownloadItem = {
     "DownloadItem",
     "CREATE TABLE DownloadItem(ID integer PRIMARY KEY NOT NULL,FileID integer NOT "
     "NULL,DownloadID integer NOT NULL,FileName nvarchar(260) NOT NULL DEFAULT '',DestFileName "
@@ -30,7 +30,7 @@ const TableSpec kDownloadItem = {
     "integer NOT NULL DEFAULT 0,CDNFlag integer NOT NULL DEFAULT 0,FileSource nvarchar(260) NOT "
     "NULL DEFAULT '')"};
 
-const TableSpec kDownloadHistoryItem = {
+const TableDef kDownloadHistoryItem = {
     "DownloadHistoryItem",
     "CREATE TABLE DownloadHistoryItem(ID integer PRIMARY KEY NOT NULL,DownloadID integer NOT "
     "NULL DEFAULT 0,FileName nvarchar(260) NOT NULL DEFAULT '',DestFileName nvarchar(260) NOT "
@@ -59,6 +59,26 @@ int ResolveDownloadFile(const ImportModel& model, const DownloadRecord& d) {
     return by_id->second;
   auto by_hash = model.m_hash_id_map.find(d.MD5);
   return by_hash == model.m_hash_id_map.end() ? 0 : by_hash->second;
+}
+
+// The columns both download tables share, in their common order from
+// "RelevanceMusicId" to "CDNFlag".
+void AppendTrackColumns(const DownloadRecord& d, RowBuilder* row) {
+  row->Int("RelevanceMusicId", d.RelevanceMusicId);
+  row->Int("MVType", d.MVType);
+  row->Int("TrackOrder", d.TrackOrder);
+  row->Int("NumOfTracks", d.NumOfTracks);
+  row->Text("RelevanceFileName", d.RelevanceFileName);
+  row->Text("RelevanceFileHash", d.RelevanceFileHash);
+  row->Int("RelevanceFileSize", d.RelevanceFileSize);
+  row->Int("RelevanceBitRate", d.RelevanceBitRate);
+  row->Int("RelevanceDuration", d.RelevanceDuration);
+  row->Text("OriginalName", d.OriginalName);
+  row->Text("Artist", d.Artist);
+  row->Text("Album", d.Album);
+  row->Int("BitRate", d.BitRate);
+  row->Int("Duration", d.Duration);
+  row->Int("CDNFlag", d.CDNFlag);
 }
 
 }  // namespace
@@ -93,21 +113,7 @@ void ImportModel::WriteDownloadItems() {
                row->Int("DownMethod", d.DownMethod);
                row->Int("UserID", d.UserID);
                row->Int("VipType", d.VipType);
-               row->Int("RelevanceMusicId", d.RelevanceMusicId);
-               row->Int("MVType", d.MVType);
-               row->Int("TrackOrder", d.TrackOrder);
-               row->Int("NumOfTracks", d.NumOfTracks);
-               row->Text("RelevanceFileName", d.RelevanceFileName);
-               row->Text("RelevanceFileHash", d.RelevanceFileHash);
-               row->Int("RelevanceFileSize", d.RelevanceFileSize);
-               row->Int("RelevanceBitRate", d.RelevanceBitRate);
-               row->Int("RelevanceDuration", d.RelevanceDuration);
-               row->Text("OriginalName", d.OriginalName);
-               row->Text("Artist", d.Artist);
-               row->Text("Album", d.Album);
-               row->Int("BitRate", d.BitRate);
-               row->Int("Duration", d.Duration);
-               row->Int("CDNFlag", d.CDNFlag);
+               AppendTrackColumns(d, row);
                row->Text("FileSource", d.FileSource);
                return true;
              });
@@ -129,21 +135,7 @@ void ImportModel::WriteDownloadHistoryItems() {
                row->Int("UsedTime", d.UsedTime);
                row->Int("AccessTime", d.AccessTime);
                row->Int("SortID", d.SortID);
-               row->Int("RelevanceMusicId", d.RelevanceMusicId);
-               row->Int("MVType", d.MVType);
-               row->Int("TrackOrder", d.TrackOrder);
-               row->Int("NumOfTracks", d.NumOfTracks);
-               row->Text("RelevanceFileName", d.RelevanceFileName);
-               row->Text("RelevanceFileHash", d.RelevanceFileHash);
-               row->Int("RelevanceFileSize", d.RelevanceFileSize);
-               row->Int("RelevanceBitRate", d.RelevanceBitRate);
-               row->Int("RelevanceDuration", d.RelevanceDuration);
-               row->Text("OriginalName", d.OriginalName);
-               row->Text("Artist", d.Artist);
-               row->Text("Album", d.Album);
-               row->Int("BitRate", d.BitRate);
-               row->Int("Duration", d.Duration);
-               row->Int("CDNFlag", d.CDNFlag);
+               AppendTrackColumns(d, row);
                row->Int("UserID", d.UserID);
                row->Int("VipType", d.VipType);
                row->Text("FileSource", d.FileSource);

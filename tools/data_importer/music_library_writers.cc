@@ -10,7 +10,7 @@
 
 namespace {
 
-const TableSpec kShareFileItems = {
+const TableDef kShareFileItems = {
     "ShareFileItems",
     "CREATE TABLE ShareFileItems(id integer PRIMARY KEY NOT NULL,FileName nvarchar(260) NOT "
     "NULL DEFAULT '',FileNamePure nvarchar(260) NOT NULL DEFAULT '',FileSize integer NOT NULL "
@@ -24,12 +24,12 @@ const TableSpec kShareFileItems = {
     "NULL DEFAULT '',Album nvarchar(260) NOT NULL DEFAULT '',CreateTime BigInt NOT NULL DEFAULT "
     "0,IsListen Boolean NOT NULL DEFAULT 0,IsUpdatedMD5 Boolean NOT NULL DEFAULT 0)"};
 
-const TableSpec kShareFolders = {
+const TableDef kShareFolders = {
     "ShareFolders",
     "CREATE TABLE ShareFolders(id integer PRIMARY KEY NOT NULL,Path nvarchar(260) NOT NULL "
     "DEFAULT '',LastModifyTime BigInt NOT NULL DEFAULT 0,AddType integer NOT NULL DEFAULT 0)"};
 
-const TableSpec kLocalFiles = {
+const TableDef kLocalFiles = {
     "LocalFiles",
     "CREATE TABLE LocalFiles(FilePath nvarchar(260) PRIMARY KEY NOT NULL,FolderPath "
     "nvarchar(260) NOT NULL DEFAULT '',FileSize integer NOT NULL DEFAULT 0,AddTime BigInt NOT "
@@ -39,7 +39,7 @@ const TableSpec kLocalFiles = {
     "'',FullLetterByTitle nvarchar(256) NOT NULL DEFAULT '',SimpTitle nvarchar(256) NOT NULL "
     "DEFAULT '',LastWriteTime BigInt NOT NULL DEFAULT 0)"};
 
-const TableSpec kAppTools = {
+const TableDef kAppTools = {
     "AppTools",
     "CREATE TABLE AppTools(ID INTEGER PRIMARY KEY NOT NULL,Version BIGINT NOT NULL DEFAULT "
     "0,SoftIndex INTEGER NOT NULL DEFAULT 0,Path VARCHAR(260) NULL)"};
@@ -76,17 +76,17 @@ void FillShareFileRow(const ShareFileItem& f, RowBuilder* row) {
 // Builds every record's insert text first; the rows then receive
 // consecutive ids (see InsertNumberedRows), answered in record order.
 template <typename Record, typename FillRow>
-std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableSpec& spec,
+std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableDef& definition,
                                     const RecordList<Record>& records, FillRow fill_row) {
   std::vector<std::string> statements;
   statements.reserve(records.size());
   RowBuilder row;
   for (const auto& record : records) {
     fill_row(*record, &row);
-    statements.push_back(row.Statement(spec.name));
+    statements.push_back(row.Statement(definition.name));
     row.Clear();
   }
-  return InsertNumberedRows(db, spec.name, "ID", statements);
+  return InsertNumberedRows(db, definition.name, "ID", statements);
 }
 
 }  // namespace

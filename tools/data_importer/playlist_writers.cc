@@ -12,7 +12,7 @@
 
 namespace {
 
-const TableSpec kGeneralListTable = {
+const TableDef kGeneralListTable = {
     "GeneralListTable",
     "CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY NOT NULL,PlaylistType integer "
     "NOT NULL DEFAULT 0,PlaylistName nvarchar(20) NOT NULL DEFAULT '',SortID integer NOT NULL "
@@ -43,7 +43,7 @@ void ImportModel::WriteGeneralListTable() {
 }
 
 void ImportModel::WriteRecentlyPlayedItems() {
-  static const TableSpec kRecentlyPlayedItem = {"RecentlyPlayedItem",
+  static const TableDef kRecentlyPlayedItem = {"RecentlyPlayedItem",
                                                 SongTableSchema("RecentlyPlayedItem")};
   // Created even when nothing was played; SQLite numbers the rows.
   WriteTable(m_music_db.get(), kRecentlyPlayedItem, m_recent_songs, EmptyList::kCreateTable,
@@ -55,9 +55,9 @@ void ImportModel::WriteRecentlyPlayedItems() {
 
 void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind) {
   const std::string name = SqlTableName(SongListTableName(id, kind));
-  const TableSpec spec = {name, SongTableSchema(name)};
+  const TableDef definition = {name, SongTableSchema(name)};
   DatabaseHelper* db = kind == kGeneralList ? m_playlist_db.get() : m_music_db.get();
-  WriteTable(db, spec, songs, EmptyList::kCreateTable, [&](const SongItem& song, RowBuilder* row) {
+  WriteTable(db, definition, songs, EmptyList::kCreateTable, [&](const SongItem& song, RowBuilder* row) {
     int playable = song.MusicFilePlayable;
     if (kind == kGeneralList) {
       // The song tables keep a file by its path and hash, not by id: the

@@ -6,7 +6,7 @@
 
 namespace {
 
-const TableSpec kRadioChannelTable = {
+const TableDef kRadioChannelTable = {
     "RadioChannelTable",
     "CREATE TABLE RadioChannelTable(ID integer PRIMARY KEY NOT NULL,FMID nvarchar(260) NOT NULL "
     "DEFAULT '',FMName nvarchar(260) NOT NULL DEFAULT '',FMType integer NOT NULL DEFAULT "
@@ -19,7 +19,7 @@ const TableSpec kRadioChannelTable = {
     "integer NOT NULL DEFAULT 0,FMStat nvarchar(255) NOT NULL DEFAULT '')"};
 
 // The spelling "ingeger" belongs to the format the player reads.
-const TableSpec kDislikeRadioItem = {
+const TableDef kDislikeRadioItem = {
     "DislikeRadioItem",
     "CREATE TABLE DislikeRadioItem(ID integer PRIMARY KEY NOT NULL,ChannelInformationID "
     "integer NOT NULL DEFAULT 0,SongID integer NOT NULL DEFAULT 0,Hash char(32),DislikeType "
@@ -27,7 +27,7 @@ const TableSpec kDislikeRadioItem = {
     "integer NOT NULL DEFAULT 0,Duration integer NOT NULL DEFAULT 0,Bitrate integer NOT NULL "
     "DEFAULT 0,CDNFlag integer NOT NULL DEFAULT 0)"};
 
-const TableSpec kPlayedNJRadioItem = {
+const TableDef kPlayedNJRadioItem = {
     "PlayedNJRadioItem",
     "CREATE TABLE PlayedNJRadioItem(ID integer PRIMARY KEY NOT NULL,ChannelInformationID "
     "integer NOT NULL DEFAULT 0,SongID integer NOT NULL DEFAULT 0,Hash char(32))"};

@@ -59,9 +59,9 @@ void CreateTable(DatabaseHelper* db, const std::string& create_sql) {
     connection->Execute(create_sql.c_str());
 }
 
-TableTransaction::TableTransaction(DatabaseHelper* db, const TableSpec& spec)
-    : db_(db), spec_(spec) {
-  CreateTable(db_, spec_.create_sql);
+TableTransaction::TableTransaction(DatabaseHelper* db, const TableDef& definition)
+    : db_(db), definition_(definition) {
+  CreateTable(db_, definition_.create_sql);
   if (sql::Connection* connection = OpenConnection(db_))
     open_ = connection->BeginTransaction();
 }
@@ -78,7 +78,7 @@ bool TableTransaction::Execute(const std::string& statement) {
 }
 
 bool TableTransaction::InsertRow() {
-  bool inserted = Execute(row_.Statement(spec_.name));
+  bool inserted = Execute(row_.Statement(definition_.name));
   row_.Clear();
   return inserted;
 }

@@ -49,7 +49,7 @@ class RowBuilder {
   std::string values_;
 };
 
-struct TableSpec {
+struct TableDef {
   std::string name;
   std::string create_sql;
 };
@@ -64,7 +64,7 @@ enum class EmptyList {
 // every operation does nothing.
 class TableTransaction {
  public:
-  TableTransaction(DatabaseHelper* db, const TableSpec& spec);
+  TableTransaction(DatabaseHelper* db, const TableDef& definition);
   ~TableTransaction();
   TableTransaction(const TableTransaction&) = delete;
   TableTransaction& operator=(const TableTransaction&) = delete;
@@ -77,17 +77,17 @@ class TableTransaction {
 
  private:
   DatabaseHelper* db_;
-  const TableSpec& spec_;
+  const TableDef& definition_;
   RowBuilder row_;
   bool open_ = false;
 };
 
 template <typename List, typename FillRow>
-void WriteTable(DatabaseHelper* db, const TableSpec& spec, const List& records, EmptyList empty,
+void WriteTable(DatabaseHelper* db, const TableDef& definition, const List& records, EmptyList empty,
                 FillRow fill_row) {
   if (empty == EmptyList::kSkipTable && records.empty())
     return;
-  TableTransaction table(db, spec);
+  TableTransaction table(db, definition);
   for (const auto& record : records) {
     if (fill_row(*record, table.row()))
       table.InsertRow();
