@@ -1,5 +1,7 @@
 #include "tools/data_importer/data_importer_main.h"
 
+#include <signal.h>
+
 #include <gtest/gtest.h>
 
 #include "base/file_util.h"
@@ -87,6 +89,20 @@ TEST_F(DataImporterMainTest, ImportRunGoesFromTenToHundred) {
   EXPECT_EQ(L"", profile_.DBCheck(L"UpdateProgress"));
   EXPECT_FALSE(base::PathExists(Data(L"VTMusicV3.db")));
   EXPECT_FALSE(base::PathExists(Data(L"playlistV3.db")));
+}
+
+void HostHandler(int) {}
+
+// The library runs inside the player's process: after a run the player's
+// own signal handlers are back in place.
+TEST_F(DataImporterMainTest, HostSignalHandlersAreRestored) {
+  struct sigaction host = {}, before = {}, after = {};
+  host.sa_handler = HostHandler;
+  sigemptyset(&host.sa_mask);
+  sigaction(SIGSEGV, &host, &before);
+  DataImporterMain();
+  sigaction(SIGSEGV, &before, &after);
+  EXPECT_EQ(reinterpret_cast<void*>(HostHandler), reinterpret_cast<void*>(after.sa_handler));
 }
 
 }  // namespace
