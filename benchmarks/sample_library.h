@@ -10,7 +10,9 @@
 // to the last), and |downloads| downloads, a third of them unfinished.
 void FillSampleLibrary(ImportModel* model, int files, int lists, int entries, int downloads);
 
-// Peak resident memory of this process so far, in megabytes.
+// Peak resident memory of this process so far, in megabytes. The figure is
+// the whole process's high-water mark: run one benchmark at a time
+// (--benchmark_filter) for a figure of its own.
 double PeakMemoryMegabytes();
 
 #endif  // BENCHMARKS_SAMPLE_LIBRARY_H_
