@@ -6,6 +6,7 @@
 
 #include <utf8.h>
 
+#include "base/code_page_1252.h"
 #include "base/file_path.h"
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
@@ -13,27 +14,6 @@
 namespace base {
 
 namespace {
-
-// Code page 1252 for 0x80..0x9F; the five unassigned bytes map to the C1
-// control of the same value, as Windows reads them.
-constexpr char16_t kCp1252High[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-wchar_t FromCp1252(unsigned char byte) {
-  return byte >= 0x80 && byte < 0xA0 ? static_cast<wchar_t>(kCp1252High[byte - 0x80]) : byte;
-}
-
-unsigned char ToCp1252(wchar_t c) {
-  if (c < 0x80 || (c >= 0xA0 && c <= 0xFF))
-    return static_cast<unsigned char>(c);
-  for (int i = 0; i < 32; ++i) {
-    if (static_cast<wchar_t>(kCp1252High[i]) == c)
-      return static_cast<unsigned char>(0x80 + i);
-  }
-  return '?';
-}
 
 // An INI file held as its code units: bytes for an 8-bit file and UTF-16
 // units for a UTF-16LE file, each unit in one wchar_t. Edits replace or
@@ -59,7 +39,7 @@ struct IniText {
         out.push_back(static_cast<wchar_t>(u));
     } else if (encoding == kCp1252) {
       for (char16_t u : WideToUTF16(text))
-        out.push_back(ToCp1252(u));
+        out.push_back(WideToCp1252(u));
     } else {
       for (unsigned char b : WideToUTF8(text))
         out.push_back(static_cast<wchar_t>(b));
@@ -78,7 +58,7 @@ struct IniText {
     if (encoding == kCp1252) {
       std::wstring wide;
       for (wchar_t b : units_text)
-        wide.push_back(FromCp1252(static_cast<unsigned char>(b)));
+        wide.push_back(Cp1252ToWide(static_cast<unsigned char>(b)));
       return wide;
     }
     std::string bytes;

@@ -5,18 +5,13 @@
 
 #include <utf8.h>
 
+#include "base/code_page_1252.h"
 #include "base/file_util.h"
 #include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
 #include "logging/debug_output.h"
 
 namespace {
-
-// Code page 1252 for 0x80..0x9F (the unassigned bytes keep their value).
-constexpr wchar_t kCp1252High[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 std::wstring DecodeUTF16(const std::string& bytes, size_t start, bool big_endian) {
   std::u16string units;
@@ -39,11 +34,7 @@ std::wstring DecodeFile(const std::string& bytes) {
     return base::UTF8ToWide(std::string_view(bytes).substr(3));
   if (utf8::is_valid(bytes.begin(), bytes.end()))
     return base::UTF8ToWide(bytes);
-  std::wstring text;
-  text.reserve(bytes.size());
-  for (unsigned char byte : bytes)
-    text.push_back(byte >= 0x80 && byte < 0xA0 ? kCp1252High[byte - 0x80] : byte);
-  return text;
+  return base::Cp1252ToWide(bytes);
 }
 
 bool IsBlank(wchar_t c) {
