@@ -19,9 +19,9 @@
 #include "testing/fixtures/generation6_fixture.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "testing/test_support.h"
-#include "tools/data_importer/build_sequence.h"
+#include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/database_helper/database_helper.h"
-#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #ifndef BENCHMARKS_SAMPLE_LIBRARY_H_
 #define BENCHMARKS_SAMPLE_LIBRARY_H_
 
-#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 // Fills |model| with a realistic library: |files| files (names of about 60
 // characters, many outside ASCII, some with apostrophes; 32-hex hashes; one

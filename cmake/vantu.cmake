@@ -38,11 +38,11 @@ function(vantu_library)
 endfunction()
 
 # vantu_tests(NAME name DEPS libs...): one test program from the folder's
-# *_unittest.cc and *_test_util.cc files.
+# *_unittest.cc files. Test helpers (*_test_util.cc) are libraries of their
+# own, declared where they live.
 function(vantu_tests)
   cmake_parse_arguments(A "" "NAME" "DEPS" ${ARGN})
-  file(GLOB tests CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*_unittest.cc"
-                                    "${CMAKE_CURRENT_SOURCE_DIR}/*_test_util.cc")
+  file(GLOB tests CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*_unittest.cc")
   if(NOT tests)
     return()
   endif()

@@ -5,7 +5,7 @@
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
-#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 DataExporter::DataExporter(ImportModel* model)
     : m_model(model), m_db(std::make_unique<DatabaseHelper>()) {}

@@ -3,10 +3,10 @@
 #include <memory>
 
 #include "logging/logging.h"
-#include "tools/data_importer/build_sequence.h"
+#include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/data_exporter.h"
 #include "tools/data_importer/data_folder.h"
-#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/exporter_factory.h"
 

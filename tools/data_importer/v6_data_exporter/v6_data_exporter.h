@@ -10,7 +10,7 @@
 
 #include "base/file_path.h"
 #include "tools/data_importer/data_exporter.h"
-#include "tools/data_importer/import_records.h"
+#include "tools/data_importer/target_store/import_records.h"
 
 class RowReaderInterface;
 

@@ -1,12 +1,12 @@
-// Writers of the library tables of the music-library database:
-// ShareFileItems, ShareFolders, LocalFiles and AppTools.
+// Tables of the music-library database (VTMusicV3.db) written here:
+//   ShareFileItems, ShareFolders, LocalFiles, AppTools
 
 #include <map>
 #include <string>
 #include <vector>
 
-#include "tools/data_importer/import_model.h"
-#include "tools/data_importer/table_writer.h"
+#include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/data_importer/import_model_test_util.h"
+#include "tools/data_importer/target_store/import_model_test_util.h"
 
 #include <cwchar>
 

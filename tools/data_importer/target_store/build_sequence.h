@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_BUILD_SEQUENCE_H_
-#define TOOLS_DATA_IMPORTER_BUILD_SEQUENCE_H_
+#ifndef TOOLS_DATA_IMPORTER_TARGET_STORE_BUILD_SEQUENCE_H_
+#define TOOLS_DATA_IMPORTER_TARGET_STORE_BUILD_SEQUENCE_H_
 
 #include <functional>
 
@@ -29,4 +29,4 @@ using BuildStageCallback = std::function<void(const char* stage)>;
 int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
                    const BuildStageCallback& stage_done = nullptr);
 
-#endif  // TOOLS_DATA_IMPORTER_BUILD_SEQUENCE_H_
+#endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_BUILD_SEQUENCE_H_

@@ -1,11 +1,11 @@
-#ifndef TOOLS_DATA_IMPORTER_IMPORT_MODEL_TEST_UTIL_H_
-#define TOOLS_DATA_IMPORTER_IMPORT_MODEL_TEST_UTIL_H_
+#ifndef TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_TEST_UTIL_H_
+#define TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_TEST_UTIL_H_
 
 #include <memory>
 #include <string>
 
 #include "base/file_path.h"
-#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 // Builders of model records for the writer tests.
 std::shared_ptr<ShareFileItem> AddFile(ImportModel* model, int old_id, const std::wstring& name,
@@ -24,4 +24,4 @@ void OpenTargets(ImportModel* model, const base::FilePath& folder);
 // A 32-hex-digit hash made from |n|.
 std::wstring HashOf(int n);
 
-#endif  // TOOLS_DATA_IMPORTER_IMPORT_MODEL_TEST_UTIL_H_
+#endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_TEST_UTIL_H_

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_IMPORT_MODEL_H_
-#define TOOLS_DATA_IMPORTER_IMPORT_MODEL_H_
+#ifndef TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_H_
+#define TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_H_
 
 #include <cstdint>
 #include <map>
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tools/data_importer/database_helper/database_helper.h"
-#include "tools/data_importer/import_records.h"
+#include "tools/data_importer/target_store/import_records.h"
 
 class ProgressRecord;
 struct ImportedSettings;
@@ -105,4 +105,4 @@ class ImportModel {
   ProgressRecord* m_progress = nullptr;
 };
 
-#endif  // TOOLS_DATA_IMPORTER_IMPORT_MODEL_H_
+#endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_H_

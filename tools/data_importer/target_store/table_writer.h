@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_TABLE_WRITER_H_
-#define TOOLS_DATA_IMPORTER_TABLE_WRITER_H_
+#ifndef TOOLS_DATA_IMPORTER_TARGET_STORE_TABLE_WRITER_H_
+#define TOOLS_DATA_IMPORTER_TARGET_STORE_TABLE_WRITER_H_
 
 #include <cstdint>
 #include <string>
@@ -109,4 +109,4 @@ std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table
 // Executes |create_sql| on |db| when it is open; failures are ignored.
 void CreateTable(DatabaseHelper* db, const std::string& create_sql);
 
-#endif  // TOOLS_DATA_IMPORTER_TABLE_WRITER_H_
+#endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_TABLE_WRITER_H_

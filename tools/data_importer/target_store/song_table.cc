@@ -1,8 +1,8 @@
-#include "tools/data_importer/song_table.h"
+#include "tools/data_importer/target_store/song_table.h"
 
 #include <boost/format.hpp>
 
-#include "tools/data_importer/table_writer.h"
+#include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
 

@@ -1,8 +1,10 @@
-// Writers of the radio tables of the music-library database. The channels'
-// song tables are written by WriteSongList.
+// Tables of the music-library database (VTMusicV3.db) written here:
+//   RadioChannelTable, PlayedNJRadioItem, DislikeRadioItem
+// (the channels' own song tables, RadioChannel_<id>, are in
+// playlist_tables.cc).
 
-#include "tools/data_importer/import_model.h"
-#include "tools/data_importer/table_writer.h"
+#include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-#ifndef TOOLS_DATA_IMPORTER_SONG_TABLE_H_
-#define TOOLS_DATA_IMPORTER_SONG_TABLE_H_
+#ifndef TOOLS_DATA_IMPORTER_TARGET_STORE_SONG_TABLE_H_
+#define TOOLS_DATA_IMPORTER_TARGET_STORE_SONG_TABLE_H_
 
 #include <string>
 
-#include "tools/data_importer/import_records.h"
+#include "tools/data_importer/target_store/import_records.h"
 
 class RowBuilder;
 
@@ -16,4 +16,4 @@ std::string SongTableSchema(const std::string& table);
 // |music_file_playable|, which the general lists derive from the library.
 void AppendSongColumns(const SongItem& song, int music_file_playable, RowBuilder* row);
 
-#endif  // TOOLS_DATA_IMPORTER_SONG_TABLE_H_
+#endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_SONG_TABLE_H_

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "testing/test_support.h"
-#include "tools/data_importer/import_model.h"
-#include "tools/data_importer/import_model_test_util.h"
+#include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/import_model_test_util.h"
 #include "tools/data_importer/importer_test_util.h"
 #include "tools/data_importer/progress_record.h"
 

@@ -1,11 +1,11 @@
-#include "tools/data_importer/build_sequence.h"
+#include "tools/data_importer/target_store/build_sequence.h"
 
 #include <memory>
 
 #include "base/file_util.h"
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/database_helper.h"
-#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/progress_record.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/data_importer/build_sequence.h"
+#include "tools/data_importer/target_store/build_sequence.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
 #include "testing/test_support.h"
-#include "tools/data_importer/import_model.h"
-#include "tools/data_importer/import_model_test_util.h"
+#include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/import_model_test_util.h"
 #include "tools/data_importer/importer_test_util.h"
 #include "tools/data_importer/progress_record.h"
 

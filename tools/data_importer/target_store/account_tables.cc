@@ -1,8 +1,9 @@
-// Writers of the user's saved logins and search history, in the
-// music-library database.
+// Tables of the music-library database (VTMusicV3.db) written here:
+//   UserLoginHistory, KeywordSearchHistory
+// (the user's saved logins and search history).
 
-#include "tools/data_importer/import_model.h"
-#include "tools/data_importer/table_writer.h"
+#include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
 

@@ -1,9 +1,10 @@
-// Writers of the download tables of the music-library database. A download
-// is kept only when its file was imported: found by its old file id, or
-// else by its hash.
+// Tables of the music-library database (VTMusicV3.db) written here:
+//   DownloadItem, DownloadHistoryItem
+// A download is kept only when its file was imported: found by its old file
+// id, or else by its hash.
 
-#include "tools/data_importer/import_model.h"
-#include "tools/data_importer/table_writer.h"
+#include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
 

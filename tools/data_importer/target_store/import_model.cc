@@ -1,4 +1,4 @@
-#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 #include "tools/data_importer/progress_record.h"
 

@@ -9,8 +9,8 @@
 #include "base/utf_string_conversions.h"
 #include "sql/statement.h"
 #include "testing/test_support.h"
-#include "tools/data_importer/import_model.h"
-#include "tools/data_importer/import_model_test_util.h"
+#include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/import_model_test_util.h"
 #include "tools/data_importer/importer_test_util.h"
 
 namespace {

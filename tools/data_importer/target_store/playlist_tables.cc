@@ -1,14 +1,17 @@
-// Writers of the playlist database (the list table and one table per list),
-// the song tables of radio channels and of the recently-played list, the
-// file-flag pass, and the list-count report.
+// Tables written here:
+//   playlist database (playlistV3.db): GeneralListTable, GeneralList_<id>
+//   music-library database (VTMusicV3.db): RadioChannel_<id>,
+//     RecentlyPlayedItem
+// and the file-flag pass and the list-count report. Every song table has the
+// one schema of song_table.h.
 
 #include <string>
 
 #include "tools/data_importer/database_helper/db_row_reader.h"
-#include "tools/data_importer/import_model.h"
+#include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/progress_record.h"
-#include "tools/data_importer/song_table.h"
-#include "tools/data_importer/table_writer.h"
+#include "tools/data_importer/target_store/song_table.h"
+#include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
 

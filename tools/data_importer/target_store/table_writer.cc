@@ -1,4 +1,4 @@
-#include "tools/data_importer/table_writer.h"
+#include "tools/data_importer/target_store/table_writer.h"
 
 #include <charconv>
 #include <cmath>
