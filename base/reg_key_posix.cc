@@ -6,6 +6,7 @@
 
 #include "base/file_path.h"
 #include "base/file_util.h"
+#include "base/string_util.h"
 #include "base/utf_string_conversions.h"
 
 namespace base {
@@ -18,12 +19,8 @@ namespace {
 
 constexpr wchar_t kHive[] = L"hkey_current_user\\";
 
-std::wstring Fold(std::wstring text) {
-  for (wchar_t& c : text) {
-    if (c >= L'A' && c <= L'Z')
-      c = static_cast<wchar_t>(c + 32);
-  }
-  return text;
+std::wstring Fold(const std::wstring& text) {
+  return ToLowerASCII(text);
 }
 
 std::wstring Trim(const std::wstring& text) {
@@ -42,12 +39,7 @@ std::wstring ReadRegistryText(const FilePath& file) {
     return std::wstring();
   if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
       static_cast<unsigned char>(bytes[1]) == 0xFE) {
-    std::u16string units;
-    for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
-      units.push_back(static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                            (static_cast<unsigned char>(bytes[i + 1]) << 8)));
-    }
-    return UTF16ToWide(units);
+    return UTF16ToWide(UTF16UnitsFromBytes(std::string_view(bytes).substr(2), false));
   }
   if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0)
     bytes.erase(0, 3);
