@@ -11,6 +11,7 @@
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/import_run.h"
+#include "tools/data_importer/importer_names.h"
 #include "tools/data_importer/installation_lookup.h"
 #include "tools/data_importer/playlist_storage.h"
 #include "tools/data_importer/progress_record.h"
@@ -27,7 +28,7 @@ void RunTask(const std::wstring& task, const base::FilePath& data_folder,
   }
   if (IsTask(task, kTaskCopyVersion2)) {
     RunVersion2Copy(record);
-  } else if (base::PathExists(data_folder.Append(L"VTMusicV2.db"))) {
+  } else if (base::PathExists(data_folder.Append(importer_names::kMusicDatabaseV2))) {
     // Already imported by an earlier release.
     record->WriteImportStart();
     return;
@@ -57,7 +58,7 @@ void Run() {
 
   base::FilePath data_folder = GetDataFolder();
   std::wstring task = DecideTask(data_folder, source_folder);
-  VLOG_AT(logging::LOG_PROGRESS) << L"DataImporterMain: task {" << task << L"}, source folder {"
+  VLOG_AT(logging::LOG_PROGRESS) << importer_names::kTaskLogMarker << task << L"}, source folder {"
                                  << source_folder.value() << L"}.";
 
   ProgressRecord record;
