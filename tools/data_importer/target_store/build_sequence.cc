@@ -7,6 +7,7 @@
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/progress_record.h"
 
@@ -249,8 +250,14 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
     return 1;
   }
 
-  base::ReplaceFile(data_folder.Append(L"VTMusicV2.db.tmp"), data_folder.Append(L"VTMusicV3.db"));
-  base::ReplaceFile(data_folder.Append(L"playlist.db.tmp"), data_folder.Append(L"playlistV3.db"));
+  // Unlike a plain pair of renames, the commit either puts both files in
+  // place or leaves a record that the next run completes; its failure is
+  // recorded rather than passed over.
+  bool replaced = CommitReplacement(data_folder, done);
   done("Replace");
+  if (!replaced) {
+    model->ReportState(ProgressRecord::kStateBuildFailed);
+    return 1;
+  }
   return 0;
 }
