@@ -136,8 +136,13 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   EXPECT_TRUE(playlists->DoesTableExist("GeneralList_10"));
   EXPECT_FALSE(playlists->DoesTableExist("GeneralList_13"));
   EXPECT_FALSE(playlists->DoesTableExist("GeneralList_14"));
-  EXPECT_EQ((std::vector<std::string>{"Halo|0", "Don't Cry|100"}),
-            QueryRows(music.get(), "SELECT FileName, Percent FROM DownloadItem ORDER BY ID"));
+  // FileID names the download's file in the new library (the MV took id 1,
+  // so old and new ids differ); the priorities are the table's defaults.
+  EXPECT_EQ((std::vector<std::string>{"Halo|0|D:\\Music\\Halo.mp3|2|1",
+                                      "Don't Cry|100|D:\\Music\\Don't Cry.mp3|2|1"}),
+            QueryRows(music.get(), "SELECT d.FileName, Percent, s.FileName, OrderPriority, "
+                                   "SpeedPriority FROM DownloadItem d JOIN ShareFileItems s "
+                                   "ON s.id = d.FileID ORDER BY d.ID"));
   EXPECT_EQ((std::vector<std::string>{"Don't Cry"}),
             QueryRows(music.get(), "SELECT FileName FROM DownloadHistoryItem"));
 
