@@ -6,6 +6,7 @@
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
 
@@ -22,6 +23,31 @@ void DataExporter::ReportState(uint32_t bits) {
 void DataExporter::ResetDatabase() {
   m_db.reset();
   m_db = std::make_unique<DatabaseHelper>();
+}
+
+void DataExporter::AdvanceReadProgress(int delta) {
+  constexpr int kReadProgressCeiling = 49;
+  if (!m_model || !m_model->m_progress || delta <= 0)
+    return;
+  ProgressRecord* progress = m_model->m_progress;
+  int room = kReadProgressCeiling - progress->progress();
+  if (room <= 0)
+    return;
+  progress->Advance(delta < room ? delta : room, 0);
+}
+
+ReadProgressTicker::ReadProgressTicker(std::function<void(int)> advance, int64_t total)
+    : advance_(std::move(advance)), total_(total) {}
+
+void ReadProgressTicker::Tick() {
+  if (total_ <= 0 || rows_ >= total_)
+    return;
+  ++rows_;
+  int64_t tenths = rows_ * 10 / total_;
+  if (tenths > tenths_) {
+    advance_(static_cast<int>(tenths - tenths_));
+    tenths_ = tenths;
+  }
 }
 
 const wchar_t* DataExporter::LogTag() const {

@@ -55,6 +55,11 @@ class DataExporter {
   // Replaces m_db with a fresh helper (the previous one closes first).
   void ResetDatabase();
 
+  // Advances the run's progress by |delta| while sources are read, never
+  // past 49 (the build takes over from 50). Nothing without a model or a
+  // progress record.
+  void AdvanceReadProgress(int delta);
+
   // Copies |from| to |to|. A failure is logged at level 3 as
   // "Copy file {from} to {to} FAILED, error code {n}." and answered false.
   [[nodiscard]] bool CopyWithLog(const base::FilePath& from, const base::FilePath& to);
@@ -79,6 +84,22 @@ class DataExporter {
 
   ImportModel* m_model;                  // not owned; outlives the exporter
   std::unique_ptr<DatabaseHelper> m_db;  // the open source copy
+};
+
+// Spreads ten steps of read progress over the rows of one table: Tick() once
+// per row advances the progress by one at every tenth of |total| rows (by
+// several at once when a row crosses several tenths, so a table of fewer
+// than ten rows still gives ten). Rows beyond |total| advance nothing.
+class ReadProgressTicker {
+ public:
+  ReadProgressTicker(std::function<void(int)> advance, int64_t total);
+  void Tick();
+
+ private:
+  std::function<void(int)> advance_;
+  int64_t total_;
+  int64_t rows_ = 0;
+  int64_t tenths_ = 0;
 };
 
 // Pairs of (table, counted column) for DumpTableSummary.

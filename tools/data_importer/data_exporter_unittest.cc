@@ -7,6 +7,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/importer_test_util.h"
+#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 namespace {
 
@@ -65,6 +67,41 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   EXPECT_EQ(ProbeExporter::WorkCopy::kCopyFailed,
             exporter.ObtainWorkCopy(unreachable, find, L"Backup.db"));
   EXPECT_FALSE(base::PathExists(intermediate));
+}
+
+TEST(DataExporterTest, ReadProgressStepsByTenthsAndStopsAt49) {
+  std::vector<int> steps;
+  ReadProgressTicker few([&](int delta) { steps.push_back(delta); }, 3);
+  for (int i = 0; i < 5; ++i)
+    few.Tick();  // rows beyond the total add nothing
+  EXPECT_EQ((std::vector<int>{3, 3, 4}), steps);
+
+  steps.clear();
+  ReadProgressTicker many([&](int delta) { steps.push_back(delta); }, 25);
+  for (int i = 0; i < 25; ++i)
+    many.Tick();
+  EXPECT_EQ(10u, steps.size());
+  ReadProgressTicker none([&](int delta) { steps.push_back(delta); }, 0);
+  none.Tick();
+  EXPECT_EQ(10u, steps.size());
+
+  TestProfile profile;
+  ProgressRecord record;
+  record.Initialise();
+  record.SetProgress(40);
+  ImportModel model(&record);
+  class Reader : public ProbeExporter {
+   public:
+    explicit Reader(ImportModel* model) { m_model = model; }
+    using DataExporter::AdvanceReadProgress;
+  } reader(&model);
+  reader.AdvanceReadProgress(5);
+  EXPECT_EQ(45, record.progress());
+  reader.AdvanceReadProgress(7);
+  EXPECT_EQ(49, record.progress());
+  reader.AdvanceReadProgress(1);
+  EXPECT_EQ(49, record.progress());
+  EXPECT_EQ(L"49", profile.DBCheck(L"ImportProgress"));
 }
 
 TEST(DataExporterTest, OpenSourceWithRepairRefusesGarbage) {
