@@ -55,11 +55,6 @@ class DataExporter {
   // Replaces m_db with a fresh helper (the previous one closes first).
   void ResetDatabase();
 
-  // Advances the run's progress by |delta| while sources are read, never
-  // past 49 (the build takes over from 50). Nothing without a model or a
-  // progress record.
-  void AdvanceReadProgress(int delta);
-
   // Copies |from| to |to|. A failure is logged at level 3 as
   // "Copy file {from} to {to} FAILED, error code {n}." and answered false.
   [[nodiscard]] bool CopyWithLog(const base::FilePath& from, const base::FilePath& to);
@@ -74,32 +69,54 @@ class DataExporter {
   // "DataImporter.db" of the data folder; failures of these two copies are
   // logged and do not change the answer.
   [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
-                          const std::function<base::FilePath()>& find_source,
-                          const std::wstring& backup_name);
+                                        const std::function<base::FilePath()>& find_source,
+                                        const std::wstring& backup_name);
 
   // Opens |path| into a fresh m_db with the integrity check and one repair
   // (DatabaseHelper::OpenAndCheck). False when the file stays unsound; m_db
   // is closed then.
   [[nodiscard]] bool OpenSourceWithRepair(const base::FilePath& path);
 
+  // The highest progress a reader may report: the build sequence starts at
+  // 50, so reading stops one short of it.
+  static constexpr int kReadProgressCeiling = 49;
+
+  // Advances the run's import progress by |delta| (floor 0), but never past
+  // kReadProgressCeiling; a delta that would cross it advances only up to
+  // it. Does nothing without a model or a progress record, or for a delta
+  // of 0 or less.
+  void AdvanceReadProgress(int delta);
+
+  friend class ReadProgressTicker;
+
   ImportModel* m_model;                  // not owned; outlives the exporter
   std::unique_ptr<DatabaseHelper> m_db;  // the open source copy
 };
 
-// Spreads ten steps of read progress over the rows of one table: Tick() once
-// per row advances the progress by one at every tenth of |total| rows (by
-// several at once when a row crosses several tenths, so a table of fewer
-// than ten rows still gives ten). Rows beyond |total| advance nothing.
+// Moves the read progress along while one long reader walks its rows: Tick()
+// once per row advances by 1 each time another tenth of |total_rows| has
+// been read, so a reader that reaches its total has advanced by exactly 10.
+// Rows beyond the total advance nothing more; a total of 0 or less never
+// advances. The advance itself goes through the callback (normally an
+// exporter's AdvanceReadProgress, which keeps it below the build's share).
 class ReadProgressTicker {
  public:
-  ReadProgressTicker(std::function<void(int)> advance, int64_t total);
+  using AdvanceCallback = std::function<void(int delta)>;
+
+  ReadProgressTicker(AdvanceCallback advance, int64_t total_rows);
+  // Ticks advance |exporter|'s read progress.
+  ReadProgressTicker(DataExporter* exporter, int64_t total_rows);
+
   void Tick();
 
+  // Tenths advanced so far (0 to 10).
+  int tenths() const { return tenths_; }
+
  private:
-  std::function<void(int)> advance_;
-  int64_t total_;
+  AdvanceCallback advance_;
+  int64_t total_rows_;
   int64_t rows_ = 0;
-  int64_t tenths_ = 0;
+  int tenths_ = 0;
 };
 
 // Pairs of (table, counted column) for DumpTableSummary.

@@ -4,7 +4,7 @@
 #include <exception>
 
 #include "base/file_util.h"
-#include "base/reg_key.h"
+#include "tools/data_importer/installation_lookup.h"
 #include "logging/debug_output.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
@@ -37,14 +37,8 @@ std::wstring V6DataExporter::Dump(const base::FilePath& path) {
 }
 
 base::FilePath V6DataExporter::LocateInstallation() {
-  base::RegKey key;
-  std::wstring program;
-  if (!key.Open(L"Software\\VanTa6") || !key.ReadValue(L"AppFileName", &program) ||
-      program.empty())
-    return base::FilePath();
-  // The registry holds a Windows path; either separator may occur.
-  size_t slash = program.find_last_of(L"\\/");
-  return base::FilePath(slash == std::wstring::npos ? std::wstring() : program.substr(0, slash));
+  base::FilePath program = GetGeneration6ProgramPath();
+  return program.empty() ? program : program.DirName();
 }
 
 base::FilePath V6DataExporter::GetDatabasePath() {

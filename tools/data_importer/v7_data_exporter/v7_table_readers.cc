@@ -73,8 +73,7 @@ bool V7DataExporter::ReadMusicItems() {
   DbRowReader row(db, "select * from FileItems");
   if (!row.IsValid())
     return false;
-  ReadProgressTicker ticker([this](int delta) { AdvanceReadProgress(delta); },
-                            CountRows(db, "FileItems"));
+  ReadProgressTicker ticker(this, CountRows(db, "FileItems"));
   size_t count = 0;
   while (row.Step()) {
     auto file = std::make_shared<ShareFileItem>();
@@ -171,8 +170,7 @@ bool V7DataExporter::ReadPlayLists() {
   if (!db.Execute("CREATE INDEX IF NOT EXISTS ImportListEntries ON PlayListItems(PlayListID)"))
     V7LOG(logging::LOG_FAILURE) << L"No index on {PlayListItems}; reading the lists without.";
 
-  ReadProgressTicker ticker([this](int delta) { AdvanceReadProgress(delta); },
-                            static_cast<int64_t>(list_ids.size()));
+  ReadProgressTicker ticker(this, static_cast<int64_t>(list_ids.size()));
   for (int id : list_ids) {
     ReadListItems(id);
     ticker.Tick();
