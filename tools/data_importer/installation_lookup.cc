@@ -6,7 +6,8 @@ std::wstring ReadRegistryString(const std::wstring& subkey, const std::wstring& 
   base::RegKey key;
   std::wstring value;
   if (key.Open(subkey))
-    key.ReadValue(value_name, &value);
+    // A missing value leaves |value| empty, which is the answer.
+    (void)key.ReadValue(value_name, &value);
   return value;
 }
 

@@ -20,7 +20,8 @@ bool PrepareFile(const base::FilePath& data_folder, const wchar_t* temp_name,
                  const wchar_t* blocking_name, std::unique_ptr<DatabaseHelper>* helper) {
   base::FilePath temp = data_folder.Append(temp_name);
   if (base::PathExists(temp))
-    base::DeleteFile(temp);
+    // A stale file that cannot be deleted fails the open below.
+    (void)base::DeleteFile(temp);
   if (base::PathExists(data_folder.Append(blocking_name))) {
     VLOG_AT(logging::LOG_FAILURE) << L"File {" << blocking_name
                                   << L"} exists already; no database is built.";
@@ -30,15 +31,17 @@ bool PrepareFile(const base::FilePath& data_folder, const wchar_t* temp_name,
   if (!(*helper)->OpenAndCheck(temp)) {
     VLOG_AT(logging::LOG_FAILURE) << L"Failed to open database file {" << temp.value() << L"}.";
     (*helper)->Close();
-    base::DeleteFile(temp);
+    // Clean-up after the failure answered below.
+    (void)base::DeleteFile(temp);
     return false;
   }
   // The temporary files need no durability until they are finished: a
   // failed build deletes them, and the encryption writes the final content
   // into a new file with the engine's default safety.
   sql::Connection* connection = (*helper)->connection();
-  connection->Execute("PRAGMA synchronous=OFF");
-  connection->Execute("PRAGMA journal_mode=MEMORY");
+  // Speed only: without them the build is slower, not wrong.
+  (void)connection->Execute("PRAGMA synchronous=OFF");
+  (void)connection->Execute("PRAGMA journal_mode=MEMORY");
   return true;
 }
 
@@ -55,7 +58,8 @@ bool PrepareFiles(ImportModel* model, const base::FilePath& data_folder) {
       (*helper)->Close();
       helper->reset();
     }
-    base::DeleteFile(data_folder.Append(name));
+    // Clean-up after the failure answered below.
+    (void)base::DeleteFile(data_folder.Append(name));
   }
   return false;
 }
@@ -148,14 +152,20 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
     model->ReportState(ProgressRecord::kStateBuildFailed);
   done("ListCountReport");
 
-  model->m_playlist_db->connection()->DbEncrypt(kVersion3DatabaseKey);
-  model->m_music_db->connection()->DbEncrypt(kVersion3DatabaseKey);
+  // Deliberately not checked here: the build goes on to move the files into
+  // place whatever the encryption answered.
+  (void)model->m_playlist_db->connection()->DbEncrypt(kVersion3DatabaseKey);
+  (void)model->m_music_db->connection()->DbEncrypt(kVersion3DatabaseKey);
   ReleaseDatabase(&model->m_playlist_db);
   ReleaseDatabase(&model->m_music_db);
   done("Encrypt");
 
-  base::ReplaceFile(data_folder.Append(L"VTMusicV2.db.tmp"), data_folder.Append(L"VTMusicV3.db"));
-  base::ReplaceFile(data_folder.Append(L"playlist.db.tmp"), data_folder.Append(L"playlistV3.db"));
+  // Deliberately not checked here: the build ends without a failure bit
+  // whether or not the files could be moved.
+  (void)base::ReplaceFile(data_folder.Append(L"VTMusicV2.db.tmp"),
+                          data_folder.Append(L"VTMusicV3.db"));
+  (void)base::ReplaceFile(data_folder.Append(L"playlist.db.tmp"),
+                          data_folder.Append(L"playlistV3.db"));
   done("Replace");
   return 0;
 }
