@@ -55,12 +55,13 @@ void StopRecording(DatabaseHelper* helper) {
     sqlite3_trace_v2(helper->connection()->db(), 0, nullptr, nullptr);
 }
 
-// A plain target database set up as the build sets up its temporary files.
+// A plain target database set up as the build sets up its temporary files;
+// null when it cannot be opened.
 std::unique_ptr<DatabaseHelper> OpenTarget(const base::FilePath& path) {
   auto helper = std::make_unique<DatabaseHelper>();
-  helper->OpenAndCheck(path);
-  helper->connection()->Execute("PRAGMA synchronous=OFF");
-  helper->connection()->Execute("PRAGMA journal_mode=MEMORY");
+  if (!helper->OpenAndCheck(path) || !helper->connection()->Execute("PRAGMA synchronous=OFF") ||
+      !helper->connection()->Execute("PRAGMA journal_mode=MEMORY"))
+    return nullptr;
   return helper;
 }
 
@@ -88,6 +89,10 @@ void BM_ShareFileItems(benchmark::State& state) {
     model.m_mv_id_map.clear();
     model.m_hash_id_map.clear();
     model.m_music_db = OpenTarget(dir.path().Append(L"music.db"));
+    if (!model.m_music_db) {
+      state.SkipWithError("the target database cannot be opened");
+      break;
+    }
     Recording recording;
     StartRecording(model.m_music_db.get(), &recording);
     state.ResumeTiming();
@@ -98,6 +103,10 @@ void BM_ShareFileItems(benchmark::State& state) {
     StopRecording(model.m_music_db.get());
     model.m_music_db.reset();
     auto baseline_db = OpenTarget(dir.path().Append(L"baseline.db"));
+    if (!baseline_db) {
+      state.SkipWithError("the baseline database cannot be opened");
+      break;
+    }
     auto start = Clock::now();
     Replay(baseline_db.get(), recording);
     state.counters["baseline_rows_per_s"] = kFiles / Seconds(start);
@@ -174,12 +183,19 @@ void BM_WholeBuild(benchmark::State& state) {
     auto baseline_start = Clock::now();
     auto music = OpenTarget(baseline_dir.path().Append(L"music.db"));
     auto playlists = OpenTarget(baseline_dir.path().Append(L"playlist.db"));
+    if (!music || !playlists) {
+      state.SkipWithError("the target databases cannot be opened");
+      break;
+    }
     Replay(music.get(), music_statements);
     Replay(playlists.get(), playlist_statements);
     double statements = Seconds(baseline_start);
     auto export_start = Clock::now();
-    playlists->connection()->DbEncrypt(kVersion3DatabaseKey);
-    music->connection()->DbEncrypt(kVersion3DatabaseKey);
+    if (!playlists->connection()->DbEncrypt(kVersion3DatabaseKey) ||
+        !music->connection()->DbEncrypt(kVersion3DatabaseKey)) {
+      state.SkipWithError("the encryption failed");
+      break;
+    }
     double exports = Seconds(export_start);
     state.ResumeTiming();
 
@@ -217,9 +233,12 @@ void BM_Generation6Import(benchmark::State& state) {
     source.lists.push_back({l, l == 1 ? 3 : 0, L"List " + std::to_wstring(l), 0, l});
   for (int item = 1; item <= 300000; ++item)
     source.items.push_back({item, 1 + item % kLists, 1 + item * 7 % kFiles, item, item % 5});
-  source.Write(program.Append(L"VTData.db"));
-  base::WriteFile(program.Append(L"VanTa6.exe"), "");
-  base::WriteFile(profile.path().Append(L"user.reg"), V6RegistryText(program));
+  if (!source.Write(program.Append(L"VTData.db")) ||
+      !base::WriteFile(program.Append(L"VanTa6.exe"), "") ||
+      !base::WriteFile(profile.path().Append(L"user.reg"), V6RegistryText(program))) {
+    state.SkipWithError("the source installation cannot be written");
+    return;
+  }
   testing_support::ScopedEnv env;
   env.Set("VANTU_REGISTRY_FILE", profile.path().Append(L"user.reg").AsUTF8Unsafe());
   env.Set("APPDATA", profile.path().Append(L"roaming").AsUTF8Unsafe());
@@ -228,7 +247,10 @@ void BM_Generation6Import(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     base::FilePath local = profile.path().Append(L"local" + std::to_wstring(run++));
-    base::CreateDirectory(local);
+    if (!base::CreateDirectory(local)) {
+      state.SkipWithError("the data folder cannot be created");
+      break;
+    }
     env.Set("LOCALAPPDATA", local.AsUTF8Unsafe());
     state.ResumeTiming();
     DataImporterMain();

@@ -39,15 +39,15 @@ class Connection {
   // Opens (creating when missing) the plain database file at |path|. The
   // file is found case-insensitively when it exists. False when the file
   // cannot be opened or is not a database; the connection is then closed.
-  bool Open(const base::FilePath& path);
+  [[nodiscard]] bool Open(const base::FilePath& path);
 
   // Opens an encrypted database with |key| as the SQLCipher passphrase,
   // exactly as "PRAGMA key = '<key>'" gives it, with the library's default
   // cipher settings. The key is checked by reading the schema: a wrong key,
   // or a plain file, answers false and leaves the connection closed.
   // |create_if_missing| false refuses a file that does not exist.
-  bool OpenWithKey(const base::FilePath& path, const std::wstring& key,
-                   bool create_if_missing = false);
+  [[nodiscard]] bool OpenWithKey(const base::FilePath& path, const std::wstring& key,
+                                 bool create_if_missing = false);
 
   // Finalises every statement and closes the database. Safe to call twice.
   void Close();
@@ -55,20 +55,20 @@ class Connection {
   const base::FilePath& path() const { return path_; }
 
   // Runs one or more statements that return no rows. False on any error.
-  bool Execute(const char* sql);
+  [[nodiscard]] bool Execute(const char* sql);
 
-  bool DoesTableExist(const char* table_name) const;
-  bool DoesColumnExist(const char* table_name, const char* column_name) const;
+  [[nodiscard]] bool DoesTableExist(const char* table_name) const;
+  [[nodiscard]] bool DoesColumnExist(const char* table_name, const char* column_name) const;
 
   // ATTACH DATABASE '<path>' AS <alias> (the attached file is plain; with a
   // key on an encrypted main database, give it via AttachDatabaseWithKey).
-  bool AttachDatabase(const base::FilePath& path, const char* alias);
-  bool DetachDatabase(const char* alias);
+  [[nodiscard]] bool AttachDatabase(const base::FilePath& path, const char* alias);
+  [[nodiscard]] bool DetachDatabase(const char* alias);
 
   // Transactions nest: only the outermost Begin and Commit reach SQLite.
   // A rollback at any depth rolls back the whole transaction.
-  bool BeginTransaction();
-  bool CommitTransaction();
+  [[nodiscard]] bool BeginTransaction();
+  [[nodiscard]] bool CommitTransaction();
   void RollbackTransaction();
   int transaction_nesting() const { return transaction_nesting_; }
 
@@ -80,7 +80,7 @@ class Connection {
   // cipher page size). False when the database is not open, the export or the
   // rename fails; the original file is then unchanged (and stays open when
   // it can be reopened).
-  bool DbEncrypt(const std::wstring& key);
+  [[nodiscard]] bool DbEncrypt(const std::wstring& key);
 
   // A new prepared statement, finalised when its last Statement goes.
   std::shared_ptr<StatementRef> GetUniqueStatement(const char* sql);
@@ -89,14 +89,15 @@ class Connection {
   std::shared_ptr<StatementRef> GetCachedStatement(const StatementID& id, const char* sql);
 
   // SQLite's result code and message of the last failed call.
-  int GetErrorCode() const;
+  [[nodiscard]] int GetErrorCode() const;
   const char* GetErrorMessage() const;
 
   sqlite3* db() const { return db_; }
 
  private:
-  bool OpenInternal(const base::FilePath& path, const std::string* key, bool create_if_missing);
-  bool ApplySettings();
+  [[nodiscard]] bool OpenInternal(const base::FilePath& path, const std::string* key,
+                                  bool create_if_missing);
+  [[nodiscard]] bool ApplySettings();
 
   sqlite3* db_ = nullptr;
   base::FilePath path_;
