@@ -10,6 +10,7 @@
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/settings/settings_writer.h"
 
 namespace {
 
@@ -82,9 +83,17 @@ void ReleaseDatabase(std::unique_ptr<DatabaseHelper>* helper) {
   }
 }
 
+// Carries the imported settings records into section "Settings" of the
+// data folder's "Vantu.ini". A failure is logged and never fails the build.
+void WriteSettings(const ImportModel& model, const base::FilePath& data_folder) {
+  if (!WriteImportedSettings(model.m_settings, data_folder.Append(L"Vantu.ini")))
+    VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {"
+                                  << data_folder.Append(L"Vantu.ini").value() << L"} failed.";
+}
+
 struct WriterStep {
   const char* name;
-  void (*write)(ImportModel* model);
+  void (*write)(ImportModel* model);  // null: the settings writer
   int weight;  // progress added after the step
 };
 
@@ -114,10 +123,11 @@ constexpr WriterStep kWriterSteps[] = {
     {"DownloadHistoryItem", [](ImportModel* m) { m->WriteDownloadHistoryItems(); }, 4},
     {"UserLoginHistory", [](ImportModel* m) { m->WriteUserLoginHistory(); }, 2},
     {"KeywordSearchHistory", [](ImportModel* m) { m->WriteKeywordSearchHistory(); }, 2},
-    // The settings and the skin carry-over belong to the current
-    // generation's settings writer, which writes nothing into these
-    // databases; each keeps its progress step.
-    {"Settings", [](ImportModel*) {}, 1},
+    // The settings and the skin carry-over write into the data folder's
+    // "Vantu.ini", not into these databases (see BuildDatabases).
+    {"Settings", nullptr, 1},
+    // Skins and the window layout of older generations are not carried over
+    // (their files' meaning is not known); the step keeps its weight.
     {"Skin", [](ImportModel*) {}, 1},
     {"AppTools", [](ImportModel* m) { m->WriteAppTools(); }, 1},
 };
@@ -235,7 +245,10 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
   Step(model, 10);
   done("ShareFileItems");
   for (const WriterStep& step : kWriterSteps) {
-    step.write(model);
+    if (step.write)
+      step.write(model);
+    else
+      WriteSettings(*model, data_folder);
     Step(model, step.weight);
     done(step.name);
   }

@@ -17,7 +17,9 @@ inline constexpr wchar_t kVersion3DatabaseKey[] = L"3C5A0F1E9D2B47A6B8E1C4D7F0A2
 //     on failure records state 1 and returns 1, leaving no ".tmp" behind;
 //  2. writes "BeforceImportEmpty";
 //  3. runs the table writers in their fixed order, moving "ImportProgress"
-//     from at least 50 towards 99 by fixed weights;
+//     from at least 50 towards 99 by fixed weights; among them the settings
+//     writer, which puts the model's imported settings into section
+//     "Settings" of the data folder's "Vantu.ini";
 //  4. runs the list-count report (state 8 when it fails);
 //  5. encrypts the playlist file, then the music file, with the version-3
 //     key and closes both;
