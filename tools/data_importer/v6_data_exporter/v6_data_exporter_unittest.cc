@@ -389,4 +389,42 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"playlistV3.db")));
 }
 
+// A library file that exists but cannot be read is not passed over: a folder
+// under a library file's name, or a copy that does not open, is logged and
+// reported with the bits of the readers it would have fed; the good file is
+// still imported.
+TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
+  V6V2Library good;
+  good.lists = {{1, 3, L"", 0, 0}};
+  good.items = {{1, 1, L"E:\\", L"a.mp3", L"A", Hash(1)}};
+  good.downloads = {{1, Hash(1), L"D:\\Down\\a.mp3", true}};
+  ASSERT_TRUE(good.Write(program().Append(L"VTLibrary.db")));
+  ASSERT_TRUE(base::CreateDirectory(program().Append(L"VTLibrary2.db")));
+  Register();
+  {
+    ProgressRecord record;
+    record.Initialise();
+    ImportModel model(&record);
+    V6DataExporter exporter(&model);
+    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(1u, model.m_share_files.size());
+    EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));  // music items 4 + lists 2
+    EXPECT_NE(std::string::npos, Log().find("VTLibrary2.db} is not a readable file."));
+  }
+
+  // A first library file whose copy is no database: its downloads, music
+  // items and lists are all reported.
+  for (const wchar_t* name : {L"VTLibrary.db", L"VTLibrary2.db"})
+    ASSERT_TRUE(base::DeleteFile(profile_.data_folder().Append(name), true));
+  ASSERT_TRUE(base::DeleteFile(program().Append(L"VTLibrary2.db"), true));
+  base::WriteFile(program().Append(L"VTLibrary.db"), std::string(3000, 'x'));
+  ProgressRecord record;
+  record.Initialise();
+  ImportModel model(&record);
+  V6DataExporter exporter(&model);
+  EXPECT_EQ(0, exporter.ExportData());
+  EXPECT_EQ(L"22", profile_.DBCheck(L"ImportState"));  // 16 + 4 + 2
+  EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));
+}
+
 }  // namespace
