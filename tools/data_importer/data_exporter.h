@@ -55,18 +55,6 @@ class DataExporter {
   // Replaces m_db with a fresh helper (the previous one closes first).
   void ResetDatabase();
 
-  // The highest progress a reader may report: the build sequence starts at
-  // 50, so reading stops one short of it.
-  static constexpr int kReadProgressCeiling = 49;
-
-  // Advances the run's import progress by |delta| (floor 0), but never past
-  // kReadProgressCeiling; a delta that would cross it advances only up to
-  // it. Does nothing without a model or a progress record, or for a delta
-  // of 0 or less.
-  void AdvanceReadProgress(int delta);
-
-  friend class ReadProgressTicker;
-
   // Copies |from| to |to|. A failure is logged at level 3 as
   // "Copy file {from} to {to} FAILED, error code {n}." and answered false.
   [[nodiscard]] bool CopyWithLog(const base::FilePath& from, const base::FilePath& to);
@@ -81,13 +69,25 @@ class DataExporter {
   // "DataImporter.db" of the data folder; failures of these two copies are
   // logged and do not change the answer.
   [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
-                          const std::function<base::FilePath()>& find_source,
-                          const std::wstring& backup_name);
+                                        const std::function<base::FilePath()>& find_source,
+                                        const std::wstring& backup_name);
 
   // Opens |path| into a fresh m_db with the integrity check and one repair
   // (DatabaseHelper::OpenAndCheck). False when the file stays unsound; m_db
   // is closed then.
   [[nodiscard]] bool OpenSourceWithRepair(const base::FilePath& path);
+
+  // The highest progress a reader may report: the build sequence starts at
+  // 50, so reading stops one short of it.
+  static constexpr int kReadProgressCeiling = 49;
+
+  // Advances the run's import progress by |delta| (floor 0), but never past
+  // kReadProgressCeiling; a delta that would cross it advances only up to
+  // it. Does nothing without a model or a progress record, or for a delta
+  // of 0 or less.
+  void AdvanceReadProgress(int delta);
+
+  friend class ReadProgressTicker;
 
   ImportModel* m_model;                  // not owned; outlives the exporter
   std::unique_ptr<DatabaseHelper> m_db;  // the open source copy

@@ -9,6 +9,8 @@
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/settings/v6_settings_reader.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 #define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
 
@@ -242,6 +244,18 @@ int32_t V6DataExporter::ReadV2Layout() {
   return 0;
 }
 
-void V6DataExporter::ReadSettings() {}
+void V6DataExporter::ReadSettings() {
+  const base::FilePath program = LocateInstallation();
+  if (program.empty())
+    return;
+  // Read in place: the markup reader only opens the file for reading.
+  std::optional<ImportedSettings> settings = ReadV6Settings(program);
+  if (!settings) {
+    V6LOG(logging::LOG_FAILURE) << L"No settings read from {"
+                                << program.Append(L"VanTa.xml").value() << L"}.";
+    return;
+  }
+  m_model->AddSettings(*settings);
+}
 
 void V6DataExporter::ReadLoginHistory() {}

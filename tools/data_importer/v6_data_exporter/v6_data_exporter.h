@@ -67,10 +67,11 @@ class V6DataExporter : public DataExporter {
   // Layouts.
   int32_t ReadV1Layout();
   int32_t ReadV2Layout();
-  // The generation-6 settings ("VanTa.xml") and saved logins
-  // ("LoginSave.bin") are carried over by the settings migration, which this
-  // library does not include yet: both answer without reading anything.
+  // Adds the settings of the installation's "VanTa.xml" to the model; a
+  // missing or unusable file adds nothing and the export goes on.
   void ReadSettings();
+  // The saved logins ("LoginSave.bin") are not carried over: the file's
+  // format is not known. Reads nothing.
   void ReadLoginHistory();
 
   // Table readers; false when the query cannot be prepared.

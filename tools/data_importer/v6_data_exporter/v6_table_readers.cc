@@ -10,32 +10,13 @@
 
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/source_reader_util.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
 
 #define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
 
 namespace {
-
-const std::wstring kZeroHash = L"00000000000000000000000000000000";
-constexpr wchar_t kDefaultListName[] = L"默认列表";
-
-// A hash the row does not supply becomes the all-zero hash.
-std::wstring HashOrZero(const std::wstring& hash) {
-  return hash.empty() ? kZeroHash : hash;
-}
-
-// The file name of a stored path, which may use either separator.
-std::wstring BaseName(const std::wstring& path) {
-  size_t slash = path.find_last_of(L"\\/");
-  return slash == std::wstring::npos ? path : path.substr(slash + 1);
-}
-
-std::wstring BaseNameWithoutExtension(const std::wstring& path) {
-  std::wstring name = BaseName(path);
-  size_t dot = name.rfind(L'.');
-  return dot == std::wstring::npos || dot == 0 ? name : name.substr(0, dot);
-}
 
 void LogSize(const wchar_t* name, size_t count) {
   V6LOG(logging::LOG_PROGRESS) << L"Size of " << name << L" is {" << count << L"}.";
@@ -265,17 +246,8 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
 }
 
 void V6DataExporter::FillFromMusic(const MusicEntry& music, SongItem* song) const {
-  const ShareFileItem& file = *music.file;
-  song->music_file_id = file.old_id;
+  FillSongFromFile(*music.file, song);
   song->mv_file_id = music.mv_id;
-  song->TitleName = file.FileNamePure;
-  song->Singer = file.Artist;
-  song->MusicFilePath = file.FileName;
-  song->MusicFileHash = file.MD5;
-  song->MusicFileSize = file.FileSize;
-  song->MusicFileDuration = file.Duration;
-  song->MusicFileBitrate = file.BitRate;
-  song->MusicFileLastModifyTime = file.LastWriteTime;
   song->CueBeginTime = music.start_time;
   auto mv = music.mv_id > 0 ? m_mv_items.find(music.mv_id) : m_mv_items.end();
   if (mv == m_mv_items.end())
