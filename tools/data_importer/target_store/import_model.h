@@ -11,6 +11,7 @@
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/settings/imported_settings.h"
 #include "tools/data_importer/target_store/import_records.h"
+#include "tools/data_importer/target_store/verify_database.h"
 
 class ProgressRecord;
 
@@ -107,6 +108,11 @@ class ImportModel {
   std::unique_ptr<DatabaseHelper> m_music_db;
   std::unique_ptr<DatabaseHelper> m_playlist_db;
   ProgressRecord* m_progress = nullptr;
+  // What the build read back from each finished encrypted file (schema and
+  // rows per table), for the import report; ok = false with the reason when
+  // the file failed and was not moved into place.
+  VerifiedDatabase m_verified_music;
+  VerifiedDatabase m_verified_playlist;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_H_

@@ -165,14 +165,20 @@ int32_t V6DataExporter::ReadV1Layout() {
   } else if (OpenSourceWithRepair(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
     if (!ReadMusicVideos())
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
     if (!ReadMusicItems())
       ReportState(ProgressRecord::kStateMusicFailed);
+    TableRead();
+    IndexListEntries();
     if (!ReadPlayLists(false, 0))
       ReportState(ProgressRecord::kStateListsFailed);
-    if (!ReadUnfinishedDownloads())
+    TableRead();
+    if (!ReadUnfinishedDownloads(false))
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
     if (!ReadFinishedDownloads())
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
   } else {
     V6LOG(logging::LOG_FAILURE) << L"Table {MusicItems} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
@@ -200,10 +206,12 @@ int32_t V6DataExporter::ReadV2Layout() {
     V6LOG(logging::LOG_PROGRESS) << L"Loading {VTLibrary.db}.";
     if (base::PathExists(library)) {
       if (OpenSourceWithRepair(library)) {
-        if (!ReadUnfinishedDownloads())
+        if (!ReadUnfinishedDownloads(true))
           ReportState(ProgressRecord::kStateTableFailed);
+        TableRead();
         if (!ReadFinishedDownloads())
           ReportState(ProgressRecord::kStateTableFailed);
+        TableRead();
       }
     } else {
       V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
@@ -223,8 +231,11 @@ int32_t V6DataExporter::ReadV2Layout() {
     (void)OpenSourceWithRepair(library);
     if (!ReadMusicItemsV2(number))
       ReportState(ProgressRecord::kStateMusicFailed);
+    TableRead();
+    IndexListEntries();
     if (!ReadPlayLists(true, number))
       ReportState(ProgressRecord::kStateListsFailed);
+    TableRead();
   }
   if (m_read_extras) {
     ReadSettings();
