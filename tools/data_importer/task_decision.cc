@@ -19,14 +19,14 @@ bool IsTask(const std::wstring& task, const wchar_t* name) {
 
 int ImportKindOfTask(const std::wstring& task) {
   if (IsTask(task, kTaskImport2008))
-    return 1;
+    return importer_names::kKind2008;
   if (IsTask(task, kTaskImportGeneration6))
-    return 2;
+    return importer_names::kKindGeneration6;
   if (IsTask(task, kTaskImportGeneration7))
-    return 3;
+    return importer_names::kKindGeneration7;
   if (IsTask(task, kTaskImportCurrent))
-    return 4;
-  return 0;
+    return importer_names::kKindCurrent;
+  return importer_names::kKindNone;
 }
 
 namespace {
@@ -39,15 +39,18 @@ bool ExistsIn(const base::FilePath& folder, const wchar_t* name) {
 void CopyLibraryFiles(const base::FilePath& source, const base::FilePath& target) {
   base::FileEnumerator files(source, L"VTLibrary*.db");
   for (base::FilePath file = files.Next(); !file.empty(); file = files.Next())
-    base::CopyFile(file, target.Append(file.BaseName()));
+    // A file that cannot be copied is missing from the import; the task
+    // stays the same.
+    (void)base::CopyFile(file, target.Append(file.BaseName()));
 }
 
 }  // namespace
 
 std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath& source_folder) {
-  if (ExistsIn(data_folder, L"VTMusicV3.db") || ExistsIn(data_folder, L"playlistV3.db"))
+  if (ExistsIn(data_folder, importer_names::kMusicDatabaseV3) ||
+      ExistsIn(data_folder, importer_names::kPlaylistDatabaseV3))
     return kTaskUpdateVersion2;
-  if (ExistsIn(data_folder, L"VTMusicV2.db"))
+  if (ExistsIn(data_folder, importer_names::kMusicDatabaseV2))
     return kTaskCopyVersion2;
   if (ExistsIn(data_folder, L"VTMusic.db") || ExistsIn(data_folder, L"vantu.db"))
     return kTaskImportCurrent;
@@ -61,7 +64,9 @@ std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath&
     return kTaskImportGeneration6;
 
   if (ExistsIn(source_folder, L"VTData.db")) {
-    base::CopyFile(source_folder.Append(L"VTData.db"), data_folder.Append(L"VT6Data.db"));
+    // A file that cannot be copied is missing from the import; the task
+    // stays the same.
+    (void)base::CopyFile(source_folder.Append(L"VTData.db"), data_folder.Append(L"VT6Data.db"));
     return kTaskImportGeneration6;
   }
   if (ExistsIn(source_folder, L"VTLibrary.db")) {

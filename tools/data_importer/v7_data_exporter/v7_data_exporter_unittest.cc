@@ -92,7 +92,7 @@ class V7DataExporterTest : public testing::Test {
 
   std::string Log() {
     std::string log;
-    base::ReadFileToString(data(L"DataImporter.log"), &log);
+    EXPECT_TRUE(base::ReadFileToString(data(L"DataImporter.log"), &log));
     return log;
   }
 
@@ -205,7 +205,7 @@ TEST_F(V7DataExporterTest, MissingTables) {
     EXPECT_LE(record.progress(), 49);
   }
 
-  base::DeleteFile(data(L"VT7Data.db"));
+  EXPECT_TRUE(base::DeleteFile(data(L"VT7Data.db")));
   db.omit_tables = {"FileItems"};
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
   ProgressRecord record;
@@ -300,7 +300,7 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
     EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
   }
 
-  base::DeleteFile(data(L"VT7Data.db"));
+  EXPECT_TRUE(base::DeleteFile(data(L"VT7Data.db")));
   ASSERT_TRUE(Sample().Write(source));
   {
     sql::Connection db;
