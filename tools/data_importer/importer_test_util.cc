@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/file_util.h"
+#include "base/md5.h"
 #include "base/profile_string.h"
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
@@ -56,4 +57,15 @@ std::string StoredSchema(sql::Connection* db, const std::string& table) {
   std::vector<std::string> rows =
       QueryRows(db, "SELECT sql FROM sqlite_master WHERE type='table' AND name='" + table + "'");
   return rows.empty() ? std::string() : rows[0];
+}
+
+std::string FolderFingerprint(const base::FilePath& folder) {
+  std::string all;
+  base::FileEnumerator files(folder, L"*");
+  for (base::FilePath file = files.Next(); !file.empty(); file = files.Next()) {
+    std::string bytes;
+    base::ReadFileToString(file, &bytes);
+    all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
+  }
+  return all;
 }

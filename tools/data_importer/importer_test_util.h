@@ -45,6 +45,10 @@ class Connection;
 // (a NULL reads as empty).
 std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query);
 
+// One line per file directly in |folder|: its name and the MD5 of its bytes,
+// to tell whether a folder was left exactly as it was.
+std::string FolderFingerprint(const base::FilePath& folder);
+
 // The CREATE TABLE text SQLite stored for |table|, empty when absent.
 std::string StoredSchema(sql::Connection* db, const std::string& table);
 
