@@ -32,6 +32,10 @@ std::wstring TestProfile::DBCheck(const std::wstring& key) const {
   return base::GetPrivateProfileStringW(L"DBCheck", key, L"#missing#", ini().value());
 }
 
+std::wstring TestProfile::Setting(const std::wstring& key) const {
+  return base::GetPrivateProfileStringW(L"Settings", key, L"#missing#", ini().value());
+}
+
 void TestProfile::Touch(const base::FilePath& path) {
   base::CreateDirectory(path.DirName());
   base::WriteFile(path, std::string());
