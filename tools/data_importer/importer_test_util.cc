@@ -36,6 +36,10 @@ std::wstring TestProfile::DBCheck(const std::wstring& key) const {
   return base::GetPrivateProfileStringW(L"DBCheck", key, L"#missing#", ini().value());
 }
 
+std::wstring TestProfile::Setting(const std::wstring& key) const {
+  return base::GetPrivateProfileStringW(L"Settings", key, L"#missing#", ini().value());
+}
+
 void TestProfile::Touch(const base::FilePath& path) {
   EXPECT_TRUE(base::CreateDirectory(path.DirName()));
   EXPECT_TRUE(base::WriteFile(path, std::string()));

@@ -27,6 +27,8 @@ class TestProfile {
 
   // A value of section "DBCheck", "#missing#" when the key is absent.
   std::wstring DBCheck(const std::wstring& key) const;
+  // A value of section "Settings", "#missing#" when the key is absent.
+  std::wstring Setting(const std::wstring& key) const;
 
   // Creates an empty file (and its folder).
   static void Touch(const base::FilePath& path);
