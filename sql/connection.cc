@@ -220,7 +220,8 @@ bool Connection::CommitTransaction() {
   if (--transaction_nesting_ > 0)
     return !needs_rollback_;
   if (needs_rollback_) {
-    Execute("ROLLBACK");
+    // The commit fails either way; a failed rollback adds nothing to report.
+    (void)Execute("ROLLBACK");
     needs_rollback_ = false;
     return false;
   }
@@ -234,7 +235,8 @@ void Connection::RollbackTransaction() {
     needs_rollback_ = true;
     return;
   }
-  Execute("ROLLBACK");
+  // Rolling back answers nothing: there is no one to tell of a failure.
+  (void)Execute("ROLLBACK");
   needs_rollback_ = false;
 }
 
@@ -243,12 +245,14 @@ bool Connection::DbEncrypt(const std::wstring& key) {
     return false;
   base::FilePath path = path_;
   base::FilePath encrypted(path.value() + L".enc");
-  base::DeleteFile(encrypted);
+  // A leftover of an earlier attempt, if any; a missing file is fine.
+  (void)base::DeleteFile(encrypted);
   std::string utf8_key = base::WideToUTF8(key);
   std::string attach = "ATTACH DATABASE " + Quote(encrypted.AsUTF8Unsafe()) +
                        " AS vantu_encrypted KEY " + Quote(utf8_key);
   if (!Execute(attach.c_str())) {
-    base::DeleteFile(encrypted);
+    // Clean-up after the failure answered below.
+    (void)base::DeleteFile(encrypted);
     return false;
   }
   if (!PinCipherFormat("vantu_encrypted")) {
@@ -260,16 +264,22 @@ bool Connection::DbEncrypt(const std::wstring& key) {
   bool exported = Execute("BEGIN") &&
                   Execute("SELECT sqlcipher_export('vantu_encrypted')") && Execute("COMMIT");
   if (!exported)
-    Execute("ROLLBACK");
-  Execute("DETACH DATABASE vantu_encrypted");
+    // The failed export is answered below; the rollback is clean-up.
+    (void)Execute("ROLLBACK");
+  // Clean-up: the export's result alone decides the answer.
+  (void)Execute("DETACH DATABASE vantu_encrypted");
   if (!exported) {
-    base::DeleteFile(encrypted);
+    // Clean-up after the failure answered below.
+    (void)base::DeleteFile(encrypted);
     return false;
   }
   Close();
   if (!base::ReplaceFile(encrypted, path)) {
-    base::DeleteFile(encrypted);
-    Open(path);
+    // Clean-up after the failure answered below.
+    (void)base::DeleteFile(encrypted);
+    // Reopened so the caller keeps a usable connection if it can; the
+    // encryption's failure is the answer.
+    (void)Open(path);
     return false;
   }
   return OpenWithKey(path, key, false);

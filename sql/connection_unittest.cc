@@ -28,10 +28,10 @@ TEST(ConnectionTest, DbEncryptEndToEnd) {
   EXPECT_FALSE(db.DbEncrypt(kKey));  // not open
   ASSERT_TRUE(db.Open(path));
   ASSERT_TRUE(db.Execute("CREATE TABLE T(id integer PRIMARY KEY, name text)"));
-  db.BeginTransaction();
+  EXPECT_TRUE(db.BeginTransaction());
   for (int i = 0; i < 500; ++i)
-    db.Execute("INSERT INTO T(name) VALUES ('it''s \xE4\xB8\xAD')");
-  db.CommitTransaction();
+    EXPECT_TRUE(db.Execute("INSERT INTO T(name) VALUES ('it''s \xE4\xB8\xAD')"));
+  EXPECT_TRUE(db.CommitTransaction());
 
   ASSERT_TRUE(db.DbEncrypt(kKey));
   EXPECT_TRUE(db.is_open());
@@ -104,17 +104,17 @@ TEST(ConnectionTest, NestedTransactionsCommitOnceAndRollBackWhole) {
   testing_support::ScopedTempDir dir;
   Connection db;
   ASSERT_TRUE(db.Open(dir.path().Append(L"t.db")));
-  db.Execute("CREATE TABLE T(x)");
+  EXPECT_TRUE(db.Execute("CREATE TABLE T(x)"));
   ASSERT_TRUE(db.BeginTransaction());
   ASSERT_TRUE(db.BeginTransaction());
-  db.Execute("INSERT INTO T VALUES (1)");
+  EXPECT_TRUE(db.Execute("INSERT INTO T VALUES (1)"));
   EXPECT_TRUE(db.CommitTransaction());
   EXPECT_EQ(1, db.transaction_nesting());
   EXPECT_TRUE(db.CommitTransaction());
 
-  db.BeginTransaction();
-  db.BeginTransaction();
-  db.Execute("INSERT INTO T VALUES (2)");
+  EXPECT_TRUE(db.BeginTransaction());
+  EXPECT_TRUE(db.BeginTransaction());
+  EXPECT_TRUE(db.Execute("INSERT INTO T VALUES (2)"));
   db.RollbackTransaction();
   EXPECT_FALSE(db.CommitTransaction());
   Statement count(db.GetUniqueStatement("SELECT count(*) FROM T"));

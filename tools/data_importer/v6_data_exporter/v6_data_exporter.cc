@@ -119,9 +119,11 @@ void V6DataExporter::CopyLyrics() {
     return;
   base::FilePath target = GetLyricFolder();
   if (!base::DirectoryExists(target))
-    base::CreateDirectory(target);
+    // A folder that cannot be made makes every copy below fail.
+    (void)base::CreateDirectory(target);
   for (const base::FilePath& lyric : lyrics)
-    base::CopyFile(lyric, target.Append(lyric.BaseName().value()));
+    // A lyric file that cannot be copied is skipped.
+    (void)base::CopyFile(lyric, target.Append(lyric.BaseName().value()));
 }
 
 bool V6DataExporter::CopyV1Database() {

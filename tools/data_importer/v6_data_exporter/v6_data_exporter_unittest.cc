@@ -64,7 +64,7 @@ class V6DataExporterTest : public testing::Test {
   base::FilePath program() const { return profile_.root().Append(L"Program Files").Append(L"VanTa6"); }
 
   void Register() {
-    base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program()));
+    EXPECT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
     TestProfile::Touch(program().Append(L"VanTa6.exe"));
   }
 
@@ -73,7 +73,7 @@ class V6DataExporterTest : public testing::Test {
     base::FileEnumerator files(folder, L"*");
     for (base::FilePath file = files.Next(); !file.empty(); file = files.Next()) {
       std::string bytes;
-      base::ReadFileToString(file, &bytes);
+      EXPECT_TRUE(base::ReadFileToString(file, &bytes));
       all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
     }
     return all;
@@ -87,7 +87,7 @@ class V6DataExporterTest : public testing::Test {
 
   std::string Log() {
     std::string log;
-    base::ReadFileToString(profile_.data_folder().Append(L"DataImporter.log"), &log);
+    EXPECT_TRUE(base::ReadFileToString(profile_.data_folder().Append(L"DataImporter.log"), &log));
     return log;
   }
 
@@ -99,9 +99,9 @@ class V6DataExporterTest : public testing::Test {
 // the installation is left byte for byte as it was.
 TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   ASSERT_TRUE(SampleV1().Write(program().Append(L"VTData.db")));
-  base::CreateDirectory(program().Append(L"Lyric"));
-  base::WriteFile(program().Append(L"Lyric").Append(L"\u7a3b\u9999.krc"), "krc");
-  base::WriteFile(program().Append(L"Lyric").Append(L"notes.txt"), "x");
+  EXPECT_TRUE(base::CreateDirectory(program().Append(L"Lyric")));
+  EXPECT_TRUE(base::WriteFile(program().Append(L"Lyric").Append(L"\u7a3b\u9999.krc"), "krc"));
+  EXPECT_TRUE(base::WriteFile(program().Append(L"Lyric").Append(L"notes.txt"), "x"));
   Register();
   std::string before = Fingerprint(program());
 
@@ -193,8 +193,8 @@ TEST_F(V6DataExporterTest, V1WinsAndTheWorkCopyIsReused) {
     EXPECT_EQ(3u, model.m_play_lists.size()) << run;
     EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
     // Second run: no registry, no installation.
-    base::DeleteFile(profile_.root().Append(L"user.reg"));
-    base::DeleteFile(program(), true);
+    EXPECT_TRUE(base::DeleteFile(profile_.root().Append(L"user.reg")));
+    EXPECT_TRUE(base::DeleteFile(program(), true));
   }
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"VTLibrary.db")));
   EXPECT_NE(std::string::npos, Log().find("V6 DB version is {V1}."));
@@ -363,7 +363,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     EXPECT_NE(std::string::npos, Log().find("Table {MVItems} do not exists."));
   }
 
-  base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db"));
+  EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
   db.omit_tables = {"MusicItems"};
   ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
   {
@@ -377,8 +377,8 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     EXPECT_NE(std::string::npos, Log().find("Table {MusicItems} do not exists."));
   }
 
-  base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db"));
-  base::DeleteFile(program(), true);
+  EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
+  EXPECT_TRUE(base::DeleteFile(program(), true));
   ProgressRecord record;
   record.Initialise();
   record.set_import_kind(ProgressRecord::kKindGeneration6);
