@@ -32,11 +32,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       base::GetPrivateProfileStringW(section, key, L"#", file);
   }
   base::GetPrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", file);
-  base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", L"50", path);
-  base::WritePrivateProfileStringW(L" DBCheck ", L"ImportState", L"", path);
-  base::WritePrivateProfileStringW(L"New", L"key", L"\u7a3b\u9999 value", path);
-  base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", nullptr, path);
-  base::WritePrivateProfileStringW(L"New", nullptr, nullptr, path);
+  // The writes may fail on a hostile file; the read-back below only follows
+  // a write that nothing can stop.
+  (void)base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", L"50", path);
+  (void)base::WritePrivateProfileStringW(L" DBCheck ", L"ImportState", L"", path);
+  (void)base::WritePrivateProfileStringW(L"New", L"key", L"\u7a3b\u9999 value", path);
+  (void)base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", nullptr, path);
+  (void)base::WritePrivateProfileStringW(L"New", nullptr, nullptr, path);
   if (base::GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"#", file) != L"")
     __builtin_trap();  // a value just written must read back
   return 0;

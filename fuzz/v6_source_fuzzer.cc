@@ -30,8 +30,8 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  base::DeleteFile(g_data_folder, true);
-  base::CreateDirectory(g_data_folder);
+  if (!base::DeleteFile(g_data_folder, true) || !base::CreateDirectory(g_data_folder))
+    return 0;
   base::FilePath work = g_data_folder.Append(L"VT6Data.db");
   if (!base::WriteFile(work, std::string(reinterpret_cast<const char*>(data), size)))
     return 0;

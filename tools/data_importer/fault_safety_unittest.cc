@@ -37,7 +37,7 @@ class FaultSafetyTest : public testing::Test {
 
   void InstallSource() {
     ASSERT_TRUE(WriteSampleV6Installation(program(), 12));
-    base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program()));
+    ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
     TestProfile::Touch(program().Append(L"VanTa6.exe"));
   }
 
