@@ -405,7 +405,7 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   for (const wchar_t* name : {L"VTLibrary.db", L"VTLibrary2.db"})
     ASSERT_TRUE(base::DeleteFile(profile_.data_folder().Append(name), true));
   ASSERT_TRUE(base::DeleteFile(program().Append(L"VTLibrary2.db"), true));
-  EXPECT_TRUE(base::WriteFile(program().Append(L"VTLibrary.db"), std::string(3000, 'x')));
+  ASSERT_TRUE(base::WriteFile(program().Append(L"VTLibrary.db"), std::string(3000, 'x')));
   ProgressRecord record;
   record.Initialise();
   ImportModel model(&record);
