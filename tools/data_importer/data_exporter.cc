@@ -1,10 +1,13 @@
 #include "tools/data_importer/data_exporter.h"
 
+#include <algorithm>
+
 #include <boost/format.hpp>
 
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
 DataExporter::DataExporter(ImportModel* model)
@@ -20,6 +23,35 @@ void DataExporter::ReportState(uint32_t bits) {
 void DataExporter::ResetDatabase() {
   m_db.reset();
   m_db = std::make_unique<DatabaseHelper>();
+}
+
+void DataExporter::AdvanceReadProgress(int delta) {
+  if (!m_model || !m_model->m_progress || delta <= 0)
+    return;
+  ProgressRecord* record = m_model->m_progress;
+  int allowed = std::min(delta, kReadProgressCeiling - record->progress());
+  if (allowed > 0)
+    record->Advance(allowed, 0);
+}
+
+ReadProgressTicker::ReadProgressTicker(AdvanceCallback advance, int64_t total_rows)
+    : advance_(std::move(advance)), total_rows_(total_rows) {}
+
+ReadProgressTicker::ReadProgressTicker(DataExporter* exporter, int64_t total_rows)
+    : ReadProgressTicker([exporter](int delta) { exporter->AdvanceReadProgress(delta); },
+                         total_rows) {}
+
+void ReadProgressTicker::Tick() {
+  if (total_rows_ <= 0 || rows_ >= total_rows_)
+    return;
+  ++rows_;
+  int reached = static_cast<int>(rows_ * 10 / total_rows_);
+  if (reached > tenths_) {
+    int delta = reached - tenths_;
+    tenths_ = reached;
+    if (advance_)
+      advance_(delta);
+  }
 }
 
 std::wstring DumpTableSummary(const base::FilePath& path, const DumpTableList& tables) {

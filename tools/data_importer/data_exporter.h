@@ -2,6 +2,7 @@
 #define TOOLS_DATA_IMPORTER_DATA_EXPORTER_H_
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -43,8 +44,46 @@ class DataExporter {
   // Replaces m_db with a fresh helper (the previous one closes first).
   void ResetDatabase();
 
+  // The highest progress a reader may report: the build sequence starts at
+  // 50, so reading stops one short of it.
+  static constexpr int kReadProgressCeiling = 49;
+
+  // Advances the run's import progress by |delta| (floor 0), but never past
+  // kReadProgressCeiling; a delta that would cross it advances only up to
+  // it. Does nothing without a model or a progress record, or for a delta
+  // of 0 or less.
+  void AdvanceReadProgress(int delta);
+
+  friend class ReadProgressTicker;
+
   ImportModel* m_model;                  // not owned; outlives the exporter
   std::unique_ptr<DatabaseHelper> m_db;  // the open source copy
+};
+
+// Moves the read progress along while one long reader walks its rows: Tick()
+// once per row advances by 1 each time another tenth of |total_rows| has
+// been read, so a reader that reaches its total has advanced by exactly 10.
+// Rows beyond the total advance nothing more; a total of 0 or less never
+// advances. The advance itself goes through the callback (normally an
+// exporter's AdvanceReadProgress, which keeps it below the build's share).
+class ReadProgressTicker {
+ public:
+  using AdvanceCallback = std::function<void(int delta)>;
+
+  ReadProgressTicker(AdvanceCallback advance, int64_t total_rows);
+  // Ticks advance |exporter|'s read progress.
+  ReadProgressTicker(DataExporter* exporter, int64_t total_rows);
+
+  void Tick();
+
+  // Tenths advanced so far (0 to 10).
+  int tenths() const { return tenths_; }
+
+ private:
+  AdvanceCallback advance_;
+  int64_t total_rows_;
+  int64_t rows_ = 0;
+  int tenths_ = 0;
 };
 
 // Pairs of (table, counted column) for DumpTableSummary.
