@@ -6,6 +6,8 @@
 
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
+#include "logging/logging.h"
+#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -23,6 +25,43 @@ void DataExporter::ReportState(uint32_t bits) {
 void DataExporter::ResetDatabase() {
   m_db.reset();
   m_db = std::make_unique<DatabaseHelper>();
+}
+
+const wchar_t* DataExporter::LogTag() const {
+  return L"";
+}
+
+bool DataExporter::CopyWithLog(const base::FilePath& from, const base::FilePath& to) {
+  if (base::CopyFile(from, to))
+    return true;
+  VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Copy file {" << from.value() << L"} to {"
+                                << to.value() << L"} FAILED, error code {"
+                                << base::GetLastSystemError() << L"}.";
+  return false;
+}
+
+DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
+    const base::FilePath& work_copy, const std::function<base::FilePath()>& find_source,
+    const std::wstring& backup_name) {
+  WorkCopy result = WorkCopy::kReused;
+  if (!base::PathExists(work_copy)) {
+    base::FilePath source = find_source();
+    if (source.empty() || !base::PathExists(source))
+      return WorkCopy::kNoSource;
+    if (!CopyWithLog(source, work_copy))
+      return WorkCopy::kCopyFailed;
+    result = WorkCopy::kCopied;
+  }
+  // Both copies are only for safekeeping and inspection: the export goes on
+  // without them, CopyWithLog has logged the failure.
+  (void)CopyWithLog(work_copy, GetDatedBackupFolder().Append(backup_name));
+  (void)CopyWithLog(work_copy, GetDataFolder().Append(L"DataImporter.db"));
+  return result;
+}
+
+bool DataExporter::OpenSourceWithRepair(const base::FilePath& path) {
+  ResetDatabase();
+  return m_db->OpenAndCheck(path);
 }
 
 void DataExporter::AdvanceReadProgress(int delta) {

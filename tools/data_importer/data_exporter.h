@@ -41,8 +41,41 @@ class DataExporter {
   void ReportState(uint32_t bits);
 
  protected:
+  // How ObtainWorkCopy ended.
+  enum class WorkCopy {
+    kReused,      // a copy left by an earlier run was used as it is
+    kCopied,      // the source was copied afresh
+    kNoSource,    // no earlier copy and no source file
+    kCopyFailed,  // the source exists but could not be copied
+  };
+
+  // The tag that starts this exporter's log lines, e.g. L"[V6数据导入] ".
+  virtual const wchar_t* LogTag() const;
+
   // Replaces m_db with a fresh helper (the previous one closes first).
   void ResetDatabase();
+
+  // Copies |from| to |to|. A failure is logged at level 3 as
+  // "Copy file {from} to {to} FAILED, error code {n}." and answered false.
+  [[nodiscard]] bool CopyWithLog(const base::FilePath& from, const base::FilePath& to);
+
+  // Makes |work_copy| the file the exporter reads. When it exists already
+  // (an earlier run left it) it is used as it is and |find_source| is not
+  // called, so the old installation is not even looked at. Otherwise the
+  // source |find_source| names is copied to it; an empty or missing source
+  // ends with kNoSource, a failed copy with kCopyFailed (nothing more is
+  // copied then). In the two good cases the work copy is then copied into
+  // the dated backup folder as |backup_name| and to the intermediate copy
+  // "DataImporter.db" of the data folder; failures of these two copies are
+  // logged and do not change the answer.
+  [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
+                          const std::function<base::FilePath()>& find_source,
+                          const std::wstring& backup_name);
+
+  // Opens |path| into a fresh m_db with the integrity check and one repair
+  // (DatabaseHelper::OpenAndCheck). False when the file stays unsound; m_db
+  // is closed then.
+  [[nodiscard]] bool OpenSourceWithRepair(const base::FilePath& path);
 
   // The highest progress a reader may report: the build sequence starts at
   // 50, so reading stops one short of it.
