@@ -1,0 +1,371 @@
+// The table readers of the current-generation re-import. Each reads its
+// table in row order through the column lists the writers fill the same
+// table with, so a row comes back as the record it was written from.
+
+#include <charconv>
+#include <climits>
+#include <set>
+#include <vector>
+
+#include "logging/logging.h"
+#include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/target_store/table_columns.h"
+#include "tools/data_importer/v8_data_exporter/v8_data_exporter.h"
+
+#define V8LOG(level) VLOG_AT(level) << L"[V8数据导入] "
+
+namespace {
+
+void LogSize(const char* table, size_t count) {
+  V8LOG(logging::LOG_PROGRESS) << L"Size of " << table << L" is {" << count << L"}.";
+}
+
+// The id of a table named |prefix| + decimal id, as the writers name them
+// ("GeneralList_-3"); false for any other name, a name with leading zeros
+// or a "+" included, since that table would come back under another name.
+bool ParseTableId(const std::string& name, const char* prefix, int32_t* id) {
+  std::string_view rest(name);
+  size_t length = std::char_traits<char>::length(prefix);
+  if (rest.size() <= length)
+    return false;
+  for (size_t i = 0; i < length; ++i) {
+    if (std::tolower(static_cast<unsigned char>(rest[i])) !=
+        std::tolower(static_cast<unsigned char>(prefix[i])))
+      return false;
+  }
+  rest.remove_prefix(length);
+  auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), *id);
+  return error == std::errc() && end == rest.data() + rest.size() &&
+         std::to_string(*id) == rest;
+}
+
+// Reads every row of |row| into a new record of |list|; |finish| completes
+// each record from the columns the list does not cover.
+template <typename Record, typename Finish>
+size_t ReadRecords(DbRowReader* row, const ColumnList<Record>& columns, RecordList<Record>* list,
+                   Finish finish) {
+  size_t count = 0;
+  while (row->Step()) {
+    auto record = std::make_shared<Record>();
+    ReadColumns(row, columns, record.get());
+    finish(row, record.get());
+    list->push_back(record);
+    ++count;
+  }
+  return count;
+}
+
+template <typename Record>
+size_t ReadRecords(DbRowReader* row, const ColumnList<Record>& columns, RecordList<Record>* list) {
+  return ReadRecords(row, columns, list, [](DbRowReader*, Record*) {});
+}
+
+// A file's key for the path and hash lookups; the first file with a key
+// keeps it.
+void Remember(std::unordered_map<std::wstring, int>* map, const std::wstring& key, int id) {
+  if (!key.empty())
+    map->emplace(key, id);
+}
+
+// The key of a file by its path and hash together; no path holds the
+// separator, a control character.
+std::wstring PathAndHash(const std::wstring& path, const std::wstring& hash) {
+  return path + L'\x01' + hash;
+}
+
+}  // namespace
+
+int V8DataExporter::Find(const std::unordered_map<std::wstring, int>& map,
+                         const std::wstring& key) {
+  auto found = map.find(key);
+  return found == map.end() ? 0 : found->second;
+}
+
+int V8DataExporter::FindFile(const FileLookup& files, const std::wstring& path,
+                             const std::wstring& hash) {
+  if (int id = Find(files.by_path_and_hash, PathAndHash(path, hash)))
+    return id;
+  if (int id = Find(files.by_path, path))
+    return id;
+  return Find(files.by_hash, hash);
+}
+
+std::unique_ptr<DbRowReader> V8DataExporter::OpenTable(const std::string& table) {
+  sql::Connection* db = m_db->connection();
+  if (!db->DoesTableExist(table.c_str())) {
+    V8LOG(logging::LOG_FAILURE) << L"Table {" << table.c_str() << L"} do not exists.";
+    return nullptr;
+  }
+  // Row order is the order the rows were written in, so rows whose ids the
+  // new database assigns get the same ones again. A table without row ids
+  // is read in its key order.
+  std::string select = "SELECT * FROM " + SqlTableName(table);
+  auto reader = std::make_unique<DbRowReader>(*db, select + " ORDER BY rowid");
+  if (!reader->IsValid())
+    reader = std::make_unique<DbRowReader>(*db, select);
+  return reader;
+}
+
+// Files keep their old id ("id") for the id maps; a table without the column
+// numbers its rows from 1. The path and hash lookups let the entries of lists
+// and downloads find their files again.
+bool V8DataExporter::ReadShareFileItems() {
+  std::unique_ptr<DbRowReader> row = OpenTable("ShareFileItems");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  DbRowReader counter(*m_db->connection(), "SELECT COUNT(*) AS n FROM ShareFileItems");
+  ReadProgressTicker ticker(this, counter.Step() ? counter.GetInt64("n") : 0);
+  bool has_id = row->GetColumnIndex("id") >= 0;
+  int next_id = 1;
+  size_t count = ReadRecords(row.get(), ShareFileColumns(), &m_model->m_share_files,
+                             [&](DbRowReader* r, ShareFileItem* file) {
+                               file->old_id = has_id ? r->GetInt("id") : next_id++;
+                               FileLookup& files =
+                                   file->ShareFileType == 2 ? m_video_files : m_audio_files;
+                               files.ids.insert(file->old_id);
+                               files.by_path_and_hash.emplace(
+                                   PathAndHash(file->FileName, file->MD5), file->old_id);
+                               Remember(&files.by_path, file->FileName, file->old_id);
+                               if (file->MD5 != kNoFileHash)
+                                 Remember(&files.by_hash, file->MD5, file->old_id);
+                               ticker.Tick();
+                             });
+  LogSize("ShareFileItems", count);
+  return true;
+}
+
+bool V8DataExporter::ReadShareFolders() {
+  std::unique_ptr<DbRowReader> row = OpenTable("ShareFolders");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  bool has_id = row->GetColumnIndex("id") >= 0;
+  int next_id = 1;
+  std::set<int> ids;
+  size_t count = ReadRecords(row.get(), ShareFolderColumns(), &m_model->m_share_folders,
+                             [&](DbRowReader* r, ShareFolderItem* folder) {
+                               folder->old_id = has_id ? r->GetInt("id") : next_id++;
+                               Remember(&m_folder_by_path, folder->Path, folder->old_id);
+                               ids.insert(folder->old_id);
+                             });
+  // An id below every folder's stands for "no folder" (0 unless taken).
+  m_no_folder_id = ids.empty() || *ids.begin() > 0 ? 0 : *ids.begin() - 1;
+  LogSize("ShareFolders", count);
+  return true;
+}
+
+// A local file's folder is the library folder with its folder path; its file
+// the audio file with its path. A folder path the library does not know is
+// not kept: the new table takes the path from the folder.
+bool V8DataExporter::ReadLocalFiles() {
+  std::unique_ptr<DbRowReader> row = OpenTable("LocalFiles");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  size_t count = ReadRecords(row.get(), LocalFileColumns(), &m_model->m_local_files,
+                             [&](DbRowReader*, LocalFileInfo* file) {
+                               auto folder = m_folder_by_path.find(file->FolderPath);
+                               file->old_folder_id = folder == m_folder_by_path.end()
+                                                         ? m_no_folder_id
+                                                         : folder->second;
+                               file->old_file_id = Find(m_audio_files.by_path, file->FilePath);
+                             });
+  LogSize("LocalFiles", count);
+  return true;
+}
+
+bool V8DataExporter::ReadAppTools() {
+  std::unique_ptr<DbRowReader> row = OpenTable("AppTools");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  LogSize("AppTools", ReadRecords(row.get(), AppToolColumns(), &m_model->m_app_tools));
+  return true;
+}
+
+bool V8DataExporter::ReadRadioChannels() {
+  std::unique_ptr<DbRowReader> row = OpenTable("RadioChannelTable");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  size_t count = ReadRecords(row.get(), RadioChannelColumns(), &m_model->m_radio_channels,
+                             [](DbRowReader* r, RadioChannelInfo* channel) {
+                               channel->FMStat = r->GetString16("FMStat");
+                             });
+  LogSize("RadioChannelTable", count);
+  return true;
+}
+
+bool V8DataExporter::ReadDislikeRadio() {
+  std::unique_ptr<DbRowReader> row = OpenTable("DislikeRadioItem");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  LogSize("DislikeRadioItem",
+          ReadRecords(row.get(), DislikeRadioColumns(), &m_model->m_dislike_radio));
+  return true;
+}
+
+bool V8DataExporter::ReadPlayedRadio() {
+  std::unique_ptr<DbRowReader> row = OpenTable("PlayedNJRadioItem");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  LogSize("PlayedNJRadioItem",
+          ReadRecords(row.get(), PlayedRadioColumns(), &m_model->m_played_radio));
+  return true;
+}
+
+std::shared_ptr<SongItem> V8DataExporter::ReadSong(DbRowReader* row) const {
+  auto song = std::make_shared<SongItem>();
+  song->SongID = row->GetInt("SongID");
+  ReadColumns(row, SongColumns(), song.get());
+  song->music_file_id = FindFile(m_audio_files, song->MusicFilePath, song->MusicFileHash);
+  song->mv_file_id = FindFile(m_video_files, song->MVFilePath, song->MVFileHash);
+  return song;
+}
+
+bool V8DataExporter::ReadRecentlyPlayed() {
+  std::unique_ptr<DbRowReader> row = OpenTable("RecentlyPlayedItem");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  while (row->Step())
+    m_model->m_recent_songs.push_back(ReadSong(row.get()));
+  LogSize("RecentlyPlayedItem", m_model->m_recent_songs.size());
+  return true;
+}
+
+// A download's file is the audio file at its destination path, else the
+// file its FileID names; when neither is in the library the writer still
+// looks for it by hash.
+//
+// Finished downloads are in both tables, and the model keeps one record for
+// both: a history row that repeats a finished "DownloadItem" row (every
+// history column equal) is that download again; any other history row is a
+// finished download of its own.
+bool V8DataExporter::ReadDownloads() {
+  auto resolve = [this](DbRowReader*, DownloadRecord* download) {
+    download->file_id = Find(m_audio_files.by_path, download->DestFileName);
+    if (download->file_id == 0 && m_audio_files.ids.count(download->FileID))
+      download->file_id = download->FileID;
+  };
+  bool ok = true;
+  RecordList<DownloadRecord> items;
+  if (std::unique_ptr<DbRowReader> row = OpenTable("DownloadItem")) {
+    ok = row->IsValid();
+    ReadRecords(row.get(), DownloadItemColumns(), &items, resolve);
+  }
+  RecordList<DownloadRecord> history;
+  if (std::unique_ptr<DbRowReader> row = OpenTable("DownloadHistoryItem")) {
+    ok = row->IsValid() && ok;
+    ReadRecords(row.get(), DownloadHistoryColumns(), &history,
+                [&](DbRowReader* r, DownloadRecord* download) {
+                  download->Percent = 100;
+                  resolve(r, download);
+                });
+  }
+  auto history_key = [](const DownloadRecord& download) {
+    RowBuilder key;
+    AppendColumns(download, DownloadHistoryColumns(), &key);
+    return key.Statement(std::string());
+  };
+  std::multiset<std::string> finished;
+  for (const auto& item : items) {
+    if (item->Percent == 100 && (item->DownType == 0 || item->DownType == 20))
+      finished.insert(history_key(*item));
+  }
+  size_t history_only = 0;
+  for (auto& entry : history) {
+    auto same = finished.find(history_key(*entry));
+    if (same != finished.end()) {
+      finished.erase(same);
+      continue;
+    }
+    items.push_back(entry);
+    ++history_only;
+  }
+  LogSize("DownloadItem", items.size() - history_only);
+  LogSize("DownloadHistoryItem", history.size());
+  m_model->m_downloads.insert(m_model->m_downloads.end(), items.begin(), items.end());
+  return ok;
+}
+
+bool V8DataExporter::ReadLoginHistory() {
+  std::unique_ptr<DbRowReader> row = OpenTable("UserLoginHistory");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  LogSize("UserLoginHistory",
+          ReadRecords(row.get(), LoginColumns(), &m_model->m_login_history));
+  return true;
+}
+
+bool V8DataExporter::ReadSearchKeywords() {
+  std::unique_ptr<DbRowReader> row = OpenTable("KeywordSearchHistory");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  LogSize("KeywordSearchHistory",
+          ReadRecords(row.get(), SearchKeywordColumns(), &m_model->m_search_keywords));
+  return true;
+}
+
+bool V8DataExporter::ReadGeneralListTable() {
+  std::unique_ptr<DbRowReader> row = OpenTable("GeneralListTable");
+  if (!row)
+    return true;
+  if (!row->IsValid())
+    return false;
+  LogSize("GeneralListTable",
+          ReadRecords(row.get(), GeneralListColumns(), &m_model->m_play_lists));
+  return true;
+}
+
+// The song tables are found by name, so every one comes back, also one
+// without its list record and one without rows.
+bool V8DataExporter::ReadSongTables(const char* prefix, std::map<int32_t, SongList>* lists) {
+  sql::Connection* db = m_db->connection();
+  std::vector<std::pair<int32_t, std::string>> tables;
+  DbRowReader names(*db, "SELECT name FROM sqlite_master WHERE type='table' ORDER BY name");
+  while (names.Step()) {
+    std::string name = names.GetString("name");
+    int32_t id = 0;
+    if (ParseTableId(name, prefix, &id))
+      tables.emplace_back(id, name);
+  }
+  int64_t total = 0;
+  for (const auto& [id, name] : tables) {
+    DbRowReader count(*db, "SELECT COUNT(*) AS n FROM " + SqlTableName(name));
+    total += count.Step() ? count.GetInt64("n") : 0;
+  }
+  ReadProgressTicker ticker(this, total);
+  bool ok = true;
+  for (const auto& [id, name] : tables) {
+    std::unique_ptr<DbRowReader> row = OpenTable(name);
+    if (!row || !row->IsValid()) {
+      V8LOG(logging::LOG_FAILURE) << L"Table {" << name.c_str() << L"} cannot be read.";
+      ok = false;
+      continue;
+    }
+    SongList& songs = (*lists)[id];
+    size_t before = songs.size();
+    while (row->Step()) {
+      songs.push_back(ReadSong(row.get()));
+      ticker.Tick();
+    }
+    LogSize(name.c_str(), songs.size() - before);
+  }
+  return ok;
+}
