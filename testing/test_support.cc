@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/utf_string_conversions.h"
+
 namespace testing_support {
 
 ScopedTempDir::ScopedTempDir() {
@@ -98,6 +100,16 @@ void ForgetFreePages(const base::FilePath& path) {
   ASSERT_GE(bytes.size(), 40u);
   bytes.replace(32, 8, std::string(8, '\0'));
   WriteBytes(path, bytes);
+}
+
+std::string UTF16Bytes(std::wstring_view text, bool big_endian) {
+  std::string bytes;
+  for (char16_t unit : base::WideToUTF16(text)) {
+    const char low = static_cast<char>(unit & 0xFF);
+    const char high = static_cast<char>(unit >> 8);
+    bytes += big_endian ? std::string{high, low} : std::string{low, high};
+  }
+  return bytes;
 }
 
 }  // namespace testing_support

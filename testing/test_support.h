@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/file_path.h"
 
@@ -53,6 +54,9 @@ void DamageDatabasePage(const base::FilePath& path, int page, size_t offset, siz
 // Forgets the list of free pages in the file header: those pages are then
 // never used, which the integrity check reports and one VACUUM repairs.
 void ForgetFreePages(const base::FilePath& path);
+// |text| as UTF-16 code units in little- or big-endian byte order, without a
+// byte-order mark.
+std::string UTF16Bytes(std::wstring_view text, bool big_endian);
 
 }  // namespace testing_support
 

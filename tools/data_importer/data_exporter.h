@@ -69,8 +69,8 @@ class DataExporter {
   // "DataImporter.db" of the data folder; failures of these two copies are
   // logged and do not change the answer.
   [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
-                          const std::function<base::FilePath()>& find_source,
-                          const std::wstring& backup_name);
+                                        const std::function<base::FilePath()>& find_source,
+                                        const std::wstring& backup_name);
 
   // Opens |path| into a fresh m_db with the integrity check and one repair
   // (DatabaseHelper::OpenAndCheck). False when the file stays unsound; m_db

@@ -5,11 +5,87 @@
 #include "base/file_util.h"
 #include "sql/connection.h"
 #include "testing/test_support.h"
+#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/importer_test_util.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
 namespace {
+
+// Opens the protected mechanisms of the base to the tests.
+class ProbeExporter : public DataExporter {
+ public:
+  explicit ProbeExporter(ImportModel* model = nullptr) : DataExporter(model) {}
+  int32_t ExportData() override { return 0; }
+  std::wstring Dump(const base::FilePath&) override { return std::wstring(); }
+  base::FilePath GetDatabasePath() override { return base::FilePath(); }
+
+  using DataExporter::AdvanceReadProgress;
+  using DataExporter::ObtainWorkCopy;
+  using DataExporter::OpenSourceWithRepair;
+  using DataExporter::WorkCopy;
+  DatabaseHelper* db() { return m_db.get(); }
+};
+
+TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
+  TestProfile profile;
+  ProbeExporter exporter;
+  base::FilePath folder = GetDataFolder();
+  base::FilePath work = folder.Append(L"Work.db");
+  base::FilePath source = profile.root().Append(L"Source.db");
+  base::FilePath backup = GetDatedBackupFolder().Append(L"Backup.db");
+  base::FilePath intermediate = folder.Append(L"DataImporter.db");
+  int lookups = 0;
+  auto find = [&] {
+    ++lookups;
+    return source;
+  };
+
+  // No earlier copy, no source: nothing is created.
+  EXPECT_EQ(ProbeExporter::WorkCopy::kNoSource, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_FALSE(base::PathExists(work));
+  EXPECT_FALSE(base::PathExists(intermediate));
+
+  testing_support::WriteBytes(source, "first");
+  EXPECT_EQ(ProbeExporter::WorkCopy::kCopied, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ("first", testing_support::ReadBytes(work));
+  EXPECT_EQ("first", testing_support::ReadBytes(backup));
+  EXPECT_EQ("first", testing_support::ReadBytes(intermediate));
+
+  // A second run keeps its work copy and never asks for the source.
+  testing_support::WriteBytes(source, "second");
+  testing_support::WriteBytes(intermediate, "stale");
+  lookups = 0;
+  EXPECT_EQ(ProbeExporter::WorkCopy::kReused, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ(0, lookups);
+  EXPECT_EQ("first", testing_support::ReadBytes(work));
+  EXPECT_EQ("first", testing_support::ReadBytes(intermediate));
+
+  // A source that cannot be copied (here: a folder in the work copy's way
+  // is missing) ends before any other copy.
+  base::FilePath unreachable = folder.Append(L"no such folder").Append(L"Work.db");
+  base::DeleteFile(intermediate);
+  EXPECT_EQ(ProbeExporter::WorkCopy::kCopyFailed,
+            exporter.ObtainWorkCopy(unreachable, find, L"Backup.db"));
+  EXPECT_FALSE(base::PathExists(intermediate));
+}
+
+TEST(DataExporterTest, OpenSourceWithRepairRefusesGarbage) {
+  testing_support::ScopedTempDir dir;
+  ProbeExporter exporter;
+  base::FilePath good = dir.path().Append(L"good.db");
+  {
+    sql::Connection db;
+    ASSERT_TRUE(db.Open(good));
+    ASSERT_TRUE(db.Execute("CREATE TABLE T(x)"));
+  }
+  base::FilePath garbage = dir.path().Append(L"garbage.db");
+  testing_support::WriteBytes(garbage, std::string(4096, 'g'));
+  EXPECT_TRUE(exporter.OpenSourceWithRepair(good));
+  EXPECT_TRUE(exporter.db()->connection()->DoesTableExist("T"));
+  EXPECT_FALSE(exporter.OpenSourceWithRepair(garbage));
+  EXPECT_FALSE(exporter.db()->connection()->DoesTableExist("T"));  // the old helper is gone
+}
 
 TEST(DataExporterTest, DumpSummaries) {
   testing_support::ScopedTempDir dir;
@@ -46,23 +122,13 @@ TEST(DataExporterTest, DumpSummaries) {
             DumpTableSummary(garbage, Generation7DumpTables()));
 }
 
-// The least exporter that lets a test reach the read-progress advance.
-class ProgressOnlyExporter : public DataExporter {
- public:
-  using DataExporter::AdvanceReadProgress;
-  using DataExporter::DataExporter;
-  int32_t ExportData() override { return 1; }
-  std::wstring Dump(const base::FilePath&) override { return L""; }
-  base::FilePath GetDatabasePath() override { return base::FilePath(); }
-};
-
 TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
   TestProfile profile;
   ProgressRecord record;
   record.Initialise();
   record.SetProgress(10);
   ImportModel model(&record);
-  ProgressOnlyExporter exporter(&model);
+  ProbeExporter exporter(&model);
 
   exporter.AdvanceReadProgress(5);
   EXPECT_EQ(L"15", profile.DBCheck(L"ImportProgress"));
@@ -81,7 +147,7 @@ TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
 
   // Without a progress record the advance is a no-op.
   ImportModel bare;
-  ProgressOnlyExporter detached(&bare);
+  ProbeExporter detached(&bare);
   detached.AdvanceReadProgress(5);
 
   // A ticker made on the exporter advances the record itself.

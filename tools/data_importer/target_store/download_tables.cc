@@ -1,7 +1,10 @@
 // Tables of the music-library database (VTMusicV3.db) written here:
 //   DownloadItem, DownloadHistoryItem
 // A download is kept only when its file was imported: found by its old file
-// id, or else by its hash.
+// id, or else by its hash. Its FileID column holds that file's new id; a
+// RelevanceMusicId naming an imported file is translated the same way, one
+// naming no imported file is written as 0 (no related file), since its old
+// number would name an unrelated row of the new library.
 
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/table_columns.h"
@@ -63,6 +66,14 @@ int ResolveDownloadFile(const ImportModel& model, const DownloadRecord& d) {
   return by_hash == model.m_hash_id_map.end() ? 0 : by_hash->second;
 }
 
+// The new id of the related file named by |old_id|; 0 for none.
+int ResolveRelevanceFile(const ImportModel& model, int old_id) {
+  if (old_id == 0)
+    return 0;
+  auto found = model.m_music_id_map.find(old_id);
+  return found == model.m_music_id_map.end() ? 0 : found->second;
+}
+
 // The columns both download tables share, in their common order from
 // "RelevanceMusicId" to "CDNFlag".
 ColumnList<DownloadRecord> TrackColumns() {
@@ -86,15 +97,20 @@ ColumnList<DownloadRecord> TrackColumns() {
   };
 }
 
-
 }  // namespace
 
 void ImportModel::WriteDownloadItems() {
   WriteTable(m_music_db.get(), kDownloadItem, m_downloads, EmptyList::kSkipTable,
              [this](const DownloadRecord& d, RowBuilder* row) {
-               if (ResolveDownloadFile(*this, d) == 0)
+               int file_id = ResolveDownloadFile(*this, d);
+               if (file_id == 0)
                  return false;
-               AppendColumns(d, DownloadItemColumns(), row);
+               AppendColumnsReplacing<DownloadRecord, int>(
+                   d, DownloadItemColumns(),
+                   {{&DownloadRecord::FileID, file_id},
+                    {&DownloadRecord::RelevanceMusicId,
+                     ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
+                   row);
                return true;
              });
 }
@@ -104,7 +120,11 @@ void ImportModel::WriteDownloadHistoryItems() {
              [this](const DownloadRecord& d, RowBuilder* row) {
                if (ResolveDownloadFile(*this, d) == 0 || !IsFinished(d))
                  return false;
-               AppendColumns(d, DownloadHistoryColumns(), row);
+               AppendColumnsReplacing<DownloadRecord, int>(
+                   d, DownloadHistoryColumns(),
+                   {{&DownloadRecord::RelevanceMusicId,
+                     ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
+                   row);
                return true;
              });
 }

@@ -110,9 +110,11 @@ void ImportModel::WriteLocalFiles() {
   WriteTable(m_music_db.get(), kLocalFiles, m_local_files, EmptyList::kSkipTable,
              [&](const LocalFileInfo& f, RowBuilder* row) {
                auto folder = folder_paths.find(f.old_folder_id);
-               AppendColumnsReplacing(f, LocalFileColumns(), &LocalFileInfo::FolderPath,
-                                      folder == folder_paths.end() ? no_folder : *folder->second,
-                                      row);
+               AppendColumnsReplacing<LocalFileInfo, std::wstring>(
+                   f, LocalFileColumns(),
+                   {{&LocalFileInfo::FolderPath,
+                     folder == folder_paths.end() ? no_folder : *folder->second}},
+                   row);
                return true;
              });
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -68,15 +69,23 @@ void AppendColumns(const Record& record, const ColumnList<Record>& columns, RowB
   }
 }
 
-// The same, except that the column bound to |replaced| takes |value|: a
-// column whose written value the writer derives rather than copies.
+// The same, except that each column bound to a field of |replaced| takes
+// the value paired with it: columns whose written value the writer derives
+// rather than copies.
 template <typename Record, typename Value>
 void AppendColumnsReplacing(const Record& record, const ColumnList<Record>& columns,
-                            Value Record::*replaced, const Value& value, RowBuilder* row) {
+                            std::initializer_list<std::pair<Value Record::*, Value>> replaced,
+                            RowBuilder* row) {
   for (const RecordColumn<Record>& column : columns) {
-    auto* bound = std::get_if<Value Record::*>(&column.field);
-    if (bound && *bound == replaced) {
-      record_columns_internal::Append(row, column.name, value);
+    const Value* replacement = nullptr;
+    if (auto* bound = std::get_if<Value Record::*>(&column.field)) {
+      for (const auto& [field, value] : replaced) {
+        if (field == *bound)
+          replacement = &value;
+      }
+    }
+    if (replacement) {
+      record_columns_internal::Append(row, column.name, *replacement);
       continue;
     }
     std::visit(

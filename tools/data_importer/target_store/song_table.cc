@@ -39,7 +39,8 @@ std::string SongTableSchema(const std::string& table) {
 }
 
 void AppendSongColumns(const SongItem& s, int music_file_playable, RowBuilder* row) {
-  AppendColumnsReplacing(s, SongColumns(), &SongItem::MusicFilePlayable, music_file_playable, row);
+  AppendColumnsReplacing<SongItem, int>(
+      s, SongColumns(), {{&SongItem::MusicFilePlayable, music_file_playable}}, row);
 }
 
 const ColumnList<SongItem>& SongColumns() {

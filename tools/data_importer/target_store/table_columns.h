@@ -9,8 +9,8 @@
 // format read rows back through the same lists. Ids a writer derives rather
 // than copies (the row ids of "ShareFileItems" and "ShareFolders", the
 // "SongID" of the song tables, the folder path of "LocalFiles", the
-// playability of general-list entries) are handled by the writer itself and
-// are noted at each list.
+// playability of general-list entries, the file ids of downloads) are
+// handled by the writer itself and are noted at each list.
 
 // "ShareFileItems": every column but "id".
 const ColumnList<ShareFileItem>& ShareFileColumns();
@@ -28,7 +28,10 @@ const ColumnList<SongItem>& SongColumns();
 const ColumnList<RadioChannelInfo>& RadioChannelColumns();
 const ColumnList<DislikeRadioRecord>& DislikeRadioColumns();
 const ColumnList<PlayedRadioRecord>& PlayedRadioColumns();
+// "DownloadItem": "FileID" and "RelevanceMusicId" are bound to the record's
+// fields but written as the new ids of the files they name.
 const ColumnList<DownloadRecord>& DownloadItemColumns();
+// "DownloadHistoryItem": "RelevanceMusicId" as in "DownloadItem".
 const ColumnList<DownloadRecord>& DownloadHistoryColumns();
 const ColumnList<LoginRecord>& LoginColumns();
 const ColumnList<SearchKeywordRecord>& SearchKeywordColumns();

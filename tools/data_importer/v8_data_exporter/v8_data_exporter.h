@@ -39,8 +39,8 @@ class DbRowReader;
 // databases assign are tied up again the way the writers read them: a list,
 // recently-played or radio entry finds its files by path and hash together,
 // else by path, else by hash; a
-// local file its folder by path; a download its file by destination path,
-// else by its FileID, else (in the writer) by hash.
+// local file its folder by path; a download its file by its FileID, else by
+// destination path, else (in the writer) by hash.
 class V8DataExporter : public DataExporter {
  public:
   explicit V8DataExporter(ImportModel* model);

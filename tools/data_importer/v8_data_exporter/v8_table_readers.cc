@@ -245,9 +245,11 @@ bool V8DataExporter::ReadRecentlyPlayed() {
   return true;
 }
 
-// A download's file is the audio file at its destination path, else the
-// file its FileID names; when neither is in the library the writer still
-// looks for it by hash.
+// A download's file is the library file its FileID names. An older file
+// may hold another number there: when FileID names no file of the library,
+// the audio file at the destination path is taken. When FileID names a
+// video, or neither finds a file, the writer looks for it by hash (as it
+// found it when it wrote the row).
 //
 // Finished downloads are in both tables, and the model keeps one record for
 // both: a history row that repeats a finished "DownloadItem" row (every
@@ -255,9 +257,10 @@ bool V8DataExporter::ReadRecentlyPlayed() {
 // finished download of its own.
 bool V8DataExporter::ReadDownloads() {
   auto resolve = [this](DbRowReader*, DownloadRecord* download) {
-    download->file_id = Find(m_audio_files.by_path, download->DestFileName);
-    if (download->file_id == 0 && m_audio_files.ids.count(download->FileID))
+    if (m_audio_files.ids.count(download->FileID))
       download->file_id = download->FileID;
+    else if (!m_video_files.ids.count(download->FileID))
+      download->file_id = Find(m_audio_files.by_path, download->DestFileName);
   };
   bool ok = true;
   RecordList<DownloadRecord> items;
