@@ -248,16 +248,18 @@ void FillGeneratedModel(ImportModel* model, uint32_t seed) {
     model->m_played_radio.push_back(Generate(&values, PlayedRadioColumns()));
   }
 
-  // Downloads: finished (both tables) and not, found by path or by hash,
-  // one of a file that was not imported, one finished download twice.
+  // Downloads: finished (both tables) and not, found by their old file id
+  // alone or also by path or by hash, one of a file that was not imported,
+  // one finished download twice; related files imported or not.
   for (int i = 0; i < 14; ++i) {
     auto download = Generate(&values, DownloadItemColumns());
     const ShareFileItem& file = *audio[10 + values.Below(audio.size() - 10)];
     download->file_id = file.old_id;
-    if (i % 2)
+    download->RelevanceMusicId = i % 5 ? 0 : audio[values.Below(audio.size())]->old_id;
+    if (i % 4 == 1)
       download->DestFileName = file.FileName;
-    else
-      download->MD5 = file.MD5;
+    else if (i % 4 == 3)
+      download->MD5 = file.MD5;  // else found by its old id alone
     if (i % 3 == 0) {
       download->Percent = 100;
       download->DownType = i % 2 ? 0 : 20;

@@ -30,8 +30,8 @@ void OpenTargets(ImportModel* model, const base::FilePath& folder);
 // NaN). The records hang together as a reader would make them: list,
 // recently-played and radio entries carry the path and hash of a file of
 // the model (some the path only, some the hash only, one a file that was
-// not imported), downloads the path or the hash of theirs, local files the
-// id of one of the folders (one of none). Some ids and keys repeat, as
+// not imported), downloads the old id of theirs (some also its path or
+// hash), local files the id of one of the folders (one of none). Some ids and keys repeat, as
 // sources can have them: two files with one hash, two local files with one
 // path, two tools with one ID, two keywords, lists with negative and
 // extreme ids, a list without entries, entries without a list.
