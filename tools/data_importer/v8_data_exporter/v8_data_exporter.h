@@ -10,6 +10,7 @@
 #include "base/file_path.h"
 #include "tools/data_importer/data_exporter.h"
 #include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/record_columns.h"
 
 class DbRowReader;
 
@@ -74,19 +75,24 @@ class V8DataExporter : public DataExporter {
   void ReadMusicDatabase();
   void ReadListDatabase();
 
-  // Table readers; false when the table exists but cannot be read.
+  // Table readers; false when the table exists but cannot be read (an
+  // absent table reads nothing and is no failure).
+  //
+  // Every row of |table|, in row order, into a new record of |list| through
+  // |columns|; |finish| completes each record from the row.
+  template <typename Record, typename Finish>
+  bool ReadTable(const std::string& table, const ColumnList<Record>& columns,
+                 RecordList<Record>* list, Finish finish);
+  template <typename Record>
+  bool ReadTable(const std::string& table, const ColumnList<Record>& columns,
+                 RecordList<Record>* list);
   bool ReadShareFileItems();
   bool ReadShareFolders();
   bool ReadLocalFiles();
-  bool ReadAppTools();
-  bool ReadRadioChannels();
-  bool ReadDislikeRadio();
-  bool ReadPlayedRadio();
-  bool ReadRecentlyPlayed();
   bool ReadDownloads();
-  bool ReadLoginHistory();
-  bool ReadSearchKeywords();
-  bool ReadGeneralListTable();
+  // A song table, its entries' files found in the library read before;
+  // |ticker| (may be null) ticks once per entry.
+  bool ReadSongTable(const std::string& table, SongList* songs, ReadProgressTicker* ticker);
   // Every "<prefix><id>" table into |lists|[id]; false when one of them
   // cannot be read (the others are still read).
   bool ReadSongTables(const char* prefix, std::map<int32_t, SongList>* lists);
@@ -94,8 +100,6 @@ class V8DataExporter : public DataExporter {
   // A reader of every row of |table| in row order; nullptr when the table
   // does not exist (logged).
   std::unique_ptr<DbRowReader> OpenTable(const std::string& table);
-  // Reads one song-table row, its files found in the library read before.
-  std::shared_ptr<SongItem> ReadSong(DbRowReader* row) const;
   static int Find(const std::unordered_map<std::wstring, int>& map, const std::wstring& key);
   static int FindFile(const FileLookup& files, const std::wstring& path, const std::wstring& hash);
 

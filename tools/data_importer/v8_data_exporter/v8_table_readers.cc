@@ -4,10 +4,12 @@
 
 #include <charconv>
 #include <climits>
+#include <iterator>
 #include <set>
 #include <vector>
 
 #include "logging/logging.h"
+#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/v8_data_exporter/v8_data_exporter.h"
@@ -37,27 +39,6 @@ bool ParseTableId(const std::string& name, const char* prefix, int32_t* id) {
   auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), *id);
   return error == std::errc() && end == rest.data() + rest.size() &&
          std::to_string(*id) == rest;
-}
-
-// Reads every row of |row| into a new record of |list|; |finish| completes
-// each record from the columns the list does not cover.
-template <typename Record, typename Finish>
-size_t ReadRecords(DbRowReader* row, const ColumnList<Record>& columns, RecordList<Record>* list,
-                   Finish finish) {
-  size_t count = 0;
-  while (row->Step()) {
-    auto record = std::make_shared<Record>();
-    ReadColumns(row, columns, record.get());
-    finish(row, record.get());
-    list->push_back(record);
-    ++count;
-  }
-  return count;
-}
-
-template <typename Record>
-size_t ReadRecords(DbRowReader* row, const ColumnList<Record>& columns, RecordList<Record>* list) {
-  return ReadRecords(row, columns, list, [](DbRowReader*, Record*) {});
 }
 
 // A file's key for the path and hash lookups; the first file with a key
@@ -106,143 +87,140 @@ std::unique_ptr<DbRowReader> V8DataExporter::OpenTable(const std::string& table)
   return reader;
 }
 
+template <typename Record, typename Finish>
+bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record>& columns,
+                               RecordList<Record>* list, Finish finish) {
+  std::unique_ptr<DbRowReader> row = OpenTable(table);
+  if (!row)
+    return true;  // an absent table is no failure
+  if (!row->IsValid()) {
+    V8LOG(logging::LOG_FAILURE) << L"Table {" << table.c_str() << L"} cannot be read.";
+    return false;
+  }
+  size_t count = 0;
+  while (row->Step()) {
+    auto record = std::make_shared<Record>();
+    ReadColumns(row.get(), columns, record.get());
+    finish(row.get(), record.get());
+    list->push_back(record);
+    ++count;
+  }
+  LogSize(table.c_str(), count);
+  return true;
+}
+
+template <typename Record>
+bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record>& columns,
+                               RecordList<Record>* list) {
+  return ReadTable(table, columns, list, [](DbRowReader*, Record*) {});
+}
+
+void V8DataExporter::ReadMusicDatabase() {
+  if (!OpenSourceWithRepair(m_music_copy)) {
+    V8LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_music_copy.value()
+                                << L"}.";
+    ReportState(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed);
+    return;
+  }
+  if (!ReadShareFileItems())
+    ReportState(ProgressRecord::kStateMusicFailed);
+  // Each of the other tables reports the shared bit; every reader runs.
+  ImportModel& model = *m_model;
+  const bool read[] = {
+      ReadShareFolders(),
+      ReadLocalFiles(),
+      ReadTable("AppTools", AppToolColumns(), &model.m_app_tools),
+      ReadTable("RadioChannelTable", RadioChannelColumns(), &model.m_radio_channels,
+                [](DbRowReader* row, RadioChannelInfo* channel) {
+                  channel->FMStat = row->GetString16("FMStat");
+                }),
+      ReadTable("DislikeRadioItem", DislikeRadioColumns(), &model.m_dislike_radio),
+      ReadTable("PlayedNJRadioItem", PlayedRadioColumns(), &model.m_played_radio),
+      ReadSongTable("RecentlyPlayedItem", &model.m_recent_songs, nullptr),
+      ReadDownloads(),
+      ReadTable("UserLoginHistory", LoginColumns(), &model.m_login_history),
+      ReadTable("KeywordSearchHistory", SearchKeywordColumns(), &model.m_search_keywords),
+      ReadSongTables("RadioChannel_", &model.m_radio_songs),
+  };
+  for (bool ok : read) {
+    if (!ok)
+      ReportState(ProgressRecord::kStateTableFailed);
+  }
+  AdvanceReadProgress(static_cast<int>(std::size(read)));
+}
+
+void V8DataExporter::ReadListDatabase() {
+  if (!OpenSourceWithRepair(m_list_copy)) {
+    V8LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_list_copy.value()
+                                << L"}.";
+    ReportState(ProgressRecord::kStateListsFailed);
+    return;
+  }
+  if (!ReadTable("GeneralListTable", GeneralListColumns(), &m_model->m_play_lists))
+    ReportState(ProgressRecord::kStateListsFailed);
+  if (!ReadSongTables("GeneralList_", &m_model->m_list_songs))
+    ReportState(ProgressRecord::kStateListsFailed);
+}
+
 // Files keep their old id ("id") for the id maps; a table without the column
 // numbers its rows from 1. The path and hash lookups let the entries of lists
 // and downloads find their files again.
 bool V8DataExporter::ReadShareFileItems() {
-  std::unique_ptr<DbRowReader> row = OpenTable("ShareFileItems");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
   DbRowReader counter(*m_db->connection(), "SELECT COUNT(*) AS n FROM ShareFileItems");
   ReadProgressTicker ticker(this, counter.Step() ? counter.GetInt64("n") : 0);
-  bool has_id = row->GetColumnIndex("id") >= 0;
   int next_id = 1;
-  size_t count = ReadRecords(row.get(), ShareFileColumns(), &m_model->m_share_files,
-                             [&](DbRowReader* r, ShareFileItem* file) {
-                               file->old_id = has_id ? r->GetInt("id") : next_id++;
-                               FileLookup& files =
-                                   file->ShareFileType == 2 ? m_video_files : m_audio_files;
-                               files.ids.insert(file->old_id);
-                               files.by_path_and_hash.emplace(
-                                   PathAndHash(file->FileName, file->MD5), file->old_id);
-                               Remember(&files.by_path, file->FileName, file->old_id);
-                               if (file->MD5 != kNoFileHash)
-                                 Remember(&files.by_hash, file->MD5, file->old_id);
-                               ticker.Tick();
-                             });
-  LogSize("ShareFileItems", count);
-  return true;
+  return ReadTable("ShareFileItems", ShareFileColumns(), &m_model->m_share_files,
+                   [&](DbRowReader* row, ShareFileItem* file) {
+                     file->old_id = row->GetColumnIndex("id") >= 0 ? row->GetInt("id") : next_id++;
+                     FileLookup& files = file->ShareFileType == 2 ? m_video_files : m_audio_files;
+                     files.ids.insert(file->old_id);
+                     files.by_path_and_hash.emplace(PathAndHash(file->FileName, file->MD5),
+                                                    file->old_id);
+                     Remember(&files.by_path, file->FileName, file->old_id);
+                     if (file->MD5 != kNoFileHash)
+                       Remember(&files.by_hash, file->MD5, file->old_id);
+                     ticker.Tick();
+                   });
 }
 
 bool V8DataExporter::ReadShareFolders() {
-  std::unique_ptr<DbRowReader> row = OpenTable("ShareFolders");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  bool has_id = row->GetColumnIndex("id") >= 0;
   int next_id = 1;
   std::set<int> ids;
-  size_t count = ReadRecords(row.get(), ShareFolderColumns(), &m_model->m_share_folders,
-                             [&](DbRowReader* r, ShareFolderItem* folder) {
-                               folder->old_id = has_id ? r->GetInt("id") : next_id++;
-                               Remember(&m_folder_by_path, folder->Path, folder->old_id);
-                               ids.insert(folder->old_id);
-                             });
+  bool ok = ReadTable("ShareFolders", ShareFolderColumns(), &m_model->m_share_folders,
+                      [&](DbRowReader* row, ShareFolderItem* folder) {
+                        folder->old_id =
+                            row->GetColumnIndex("id") >= 0 ? row->GetInt("id") : next_id++;
+                        Remember(&m_folder_by_path, folder->Path, folder->old_id);
+                        ids.insert(folder->old_id);
+                      });
   // An id below every folder's stands for "no folder" (0 unless taken).
   m_no_folder_id = ids.empty() || *ids.begin() > 0 ? 0 : *ids.begin() - 1;
-  LogSize("ShareFolders", count);
-  return true;
+  return ok;
 }
 
 // A local file's folder is the library folder with its folder path; its file
 // the audio file with its path. A folder path the library does not know is
 // not kept: the new table takes the path from the folder.
 bool V8DataExporter::ReadLocalFiles() {
-  std::unique_ptr<DbRowReader> row = OpenTable("LocalFiles");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  size_t count = ReadRecords(row.get(), LocalFileColumns(), &m_model->m_local_files,
-                             [&](DbRowReader*, LocalFileInfo* file) {
-                               auto folder = m_folder_by_path.find(file->FolderPath);
-                               file->old_folder_id = folder == m_folder_by_path.end()
-                                                         ? m_no_folder_id
-                                                         : folder->second;
-                               file->old_file_id = Find(m_audio_files.by_path, file->FilePath);
-                             });
-  LogSize("LocalFiles", count);
-  return true;
+  return ReadTable("LocalFiles", LocalFileColumns(), &m_model->m_local_files,
+                   [&](DbRowReader*, LocalFileInfo* file) {
+                     auto folder = m_folder_by_path.find(file->FolderPath);
+                     file->old_folder_id =
+                         folder == m_folder_by_path.end() ? m_no_folder_id : folder->second;
+                     file->old_file_id = Find(m_audio_files.by_path, file->FilePath);
+                   });
 }
 
-bool V8DataExporter::ReadAppTools() {
-  std::unique_ptr<DbRowReader> row = OpenTable("AppTools");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  LogSize("AppTools", ReadRecords(row.get(), AppToolColumns(), &m_model->m_app_tools));
-  return true;
-}
-
-bool V8DataExporter::ReadRadioChannels() {
-  std::unique_ptr<DbRowReader> row = OpenTable("RadioChannelTable");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  size_t count = ReadRecords(row.get(), RadioChannelColumns(), &m_model->m_radio_channels,
-                             [](DbRowReader* r, RadioChannelInfo* channel) {
-                               channel->FMStat = r->GetString16("FMStat");
-                             });
-  LogSize("RadioChannelTable", count);
-  return true;
-}
-
-bool V8DataExporter::ReadDislikeRadio() {
-  std::unique_ptr<DbRowReader> row = OpenTable("DislikeRadioItem");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  LogSize("DislikeRadioItem",
-          ReadRecords(row.get(), DislikeRadioColumns(), &m_model->m_dislike_radio));
-  return true;
-}
-
-bool V8DataExporter::ReadPlayedRadio() {
-  std::unique_ptr<DbRowReader> row = OpenTable("PlayedNJRadioItem");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  LogSize("PlayedNJRadioItem",
-          ReadRecords(row.get(), PlayedRadioColumns(), &m_model->m_played_radio));
-  return true;
-}
-
-std::shared_ptr<SongItem> V8DataExporter::ReadSong(DbRowReader* row) const {
-  auto song = std::make_shared<SongItem>();
-  song->SongID = row->GetInt("SongID");
-  ReadColumns(row, SongColumns(), song.get());
-  song->music_file_id = FindFile(m_audio_files, song->MusicFilePath, song->MusicFileHash);
-  song->mv_file_id = FindFile(m_video_files, song->MVFilePath, song->MVFileHash);
-  return song;
-}
-
-bool V8DataExporter::ReadRecentlyPlayed() {
-  std::unique_ptr<DbRowReader> row = OpenTable("RecentlyPlayedItem");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  while (row->Step())
-    m_model->m_recent_songs.push_back(ReadSong(row.get()));
-  LogSize("RecentlyPlayedItem", m_model->m_recent_songs.size());
-  return true;
+// A song-table row's files are found in the library read before.
+bool V8DataExporter::ReadSongTable(const std::string& table, SongList* songs,
+                                   ReadProgressTicker* ticker) {
+  return ReadTable(table, SongColumns(), songs, [&](DbRowReader* row, SongItem* song) {
+    song->SongID = row->GetInt("SongID");
+    song->music_file_id = FindFile(m_audio_files, song->MusicFilePath, song->MusicFileHash);
+    song->mv_file_id = FindFile(m_video_files, song->MVFilePath, song->MVFileHash);
+    if (ticker)
+      ticker->Tick();
+  });
 }
 
 // A download's file is the library file its FileID names. An older file
@@ -262,21 +240,15 @@ bool V8DataExporter::ReadDownloads() {
     else if (!m_video_files.ids.count(download->FileID))
       download->file_id = Find(m_audio_files.by_path, download->DestFileName);
   };
-  bool ok = true;
   RecordList<DownloadRecord> items;
-  if (std::unique_ptr<DbRowReader> row = OpenTable("DownloadItem")) {
-    ok = row->IsValid();
-    ReadRecords(row.get(), DownloadItemColumns(), &items, resolve);
-  }
+  bool ok = ReadTable("DownloadItem", DownloadItemColumns(), &items, resolve);
   RecordList<DownloadRecord> history;
-  if (std::unique_ptr<DbRowReader> row = OpenTable("DownloadHistoryItem")) {
-    ok = row->IsValid() && ok;
-    ReadRecords(row.get(), DownloadHistoryColumns(), &history,
-                [&](DbRowReader* r, DownloadRecord* download) {
-                  download->Percent = 100;
-                  resolve(r, download);
-                });
-  }
+  ok = ReadTable("DownloadHistoryItem", DownloadHistoryColumns(), &history,
+                 [&](DbRowReader* row, DownloadRecord* download) {
+                   download->Percent = 100;
+                   resolve(row, download);
+                 }) &&
+       ok;
   auto history_key = [](const DownloadRecord& download) {
     RowBuilder key;
     AppendColumns(download, DownloadHistoryColumns(), &key);
@@ -297,43 +269,10 @@ bool V8DataExporter::ReadDownloads() {
     items.push_back(entry);
     ++history_only;
   }
-  LogSize("DownloadItem", items.size() - history_only);
-  LogSize("DownloadHistoryItem", history.size());
+  V8LOG(logging::LOG_PROGRESS) << L"History rows of no other download: {" << history_only
+                               << L"}.";
   m_model->m_downloads.insert(m_model->m_downloads.end(), items.begin(), items.end());
   return ok;
-}
-
-bool V8DataExporter::ReadLoginHistory() {
-  std::unique_ptr<DbRowReader> row = OpenTable("UserLoginHistory");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  LogSize("UserLoginHistory",
-          ReadRecords(row.get(), LoginColumns(), &m_model->m_login_history));
-  return true;
-}
-
-bool V8DataExporter::ReadSearchKeywords() {
-  std::unique_ptr<DbRowReader> row = OpenTable("KeywordSearchHistory");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  LogSize("KeywordSearchHistory",
-          ReadRecords(row.get(), SearchKeywordColumns(), &m_model->m_search_keywords));
-  return true;
-}
-
-bool V8DataExporter::ReadGeneralListTable() {
-  std::unique_ptr<DbRowReader> row = OpenTable("GeneralListTable");
-  if (!row)
-    return true;
-  if (!row->IsValid())
-    return false;
-  LogSize("GeneralListTable",
-          ReadRecords(row.get(), GeneralListColumns(), &m_model->m_play_lists));
-  return true;
 }
 
 // The song tables are found by name, so every one comes back, also one
@@ -355,20 +294,7 @@ bool V8DataExporter::ReadSongTables(const char* prefix, std::map<int32_t, SongLi
   }
   ReadProgressTicker ticker(this, total);
   bool ok = true;
-  for (const auto& [id, name] : tables) {
-    std::unique_ptr<DbRowReader> row = OpenTable(name);
-    if (!row || !row->IsValid()) {
-      V8LOG(logging::LOG_FAILURE) << L"Table {" << name.c_str() << L"} cannot be read.";
-      ok = false;
-      continue;
-    }
-    SongList& songs = (*lists)[id];
-    size_t before = songs.size();
-    while (row->Step()) {
-      songs.push_back(ReadSong(row.get()));
-      ticker.Tick();
-    }
-    LogSize(name.c_str(), songs.size() - before);
-  }
+  for (const auto& [id, name] : tables)
+    ok = ReadSongTable(name, &(*lists)[id], &ticker) && ok;
   return ok;
 }
