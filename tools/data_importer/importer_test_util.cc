@@ -1,5 +1,6 @@
 #include "tools/data_importer/importer_test_util.h"
 
+#include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <cstdio>
@@ -11,8 +12,8 @@
 #include "sql/statement.h"
 
 TestProfile::TestProfile() {
-  base::CreateDirectory(local());
-  base::CreateDirectory(roaming());
+  EXPECT_TRUE(base::CreateDirectory(local()));
+  EXPECT_TRUE(base::CreateDirectory(roaming()));
   env_.Set("LOCALAPPDATA", local().AsUTF8Unsafe());
   env_.Set("APPDATA", roaming().AsUTF8Unsafe());
   env_.Set("VANTU_REGISTRY_FILE", root().Append(L"user.reg").AsUTF8Unsafe());
@@ -28,8 +29,9 @@ void TestProfile::SetRegistryValue(const std::wstring& key, const std::wstring& 
     escaped.push_back(c);
   }
   registry_ += L"[HKEY_CURRENT_USER\\" + key + L"]\r\n\"" + name + L"\"=\"" + escaped + L"\"\r\n\r\n";
-  base::WriteFile(root().Append(L"user.reg"),
-                  "Windows Registry Editor Version 5.00\r\n\r\n" + base::WideToUTF8(registry_));
+  EXPECT_TRUE(base::WriteFile(
+      root().Append(L"user.reg"),
+      "Windows Registry Editor Version 5.00\r\n\r\n" + base::WideToUTF8(registry_)));
 }
 
 std::wstring TestProfile::DBCheck(const std::wstring& key) const {
@@ -37,8 +39,8 @@ std::wstring TestProfile::DBCheck(const std::wstring& key) const {
 }
 
 void TestProfile::Touch(const base::FilePath& path) {
-  base::CreateDirectory(path.DirName());
-  base::WriteFile(path, std::string());
+  EXPECT_TRUE(base::CreateDirectory(path.DirName()));
+  EXPECT_TRUE(base::WriteFile(path, std::string()));
 }
 
 std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query) {
@@ -110,7 +112,8 @@ bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& ke
     return false;
   // An empty file is an empty database; the connection, opened without the
   // right to create files, could not attach a missing one.
-  base::WriteFile(plain, std::string());
+  if (!base::WriteFile(plain, std::string()))
+    return false;
   std::string attach = "ATTACH DATABASE '" + plain.AsUTF8Unsafe() + "' AS plain KEY ''";
   return db.Execute(attach.c_str()) && db.Execute("SELECT sqlcipher_export('plain')") &&
          db.Execute("DETACH DATABASE plain");
