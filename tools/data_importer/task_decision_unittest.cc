@@ -41,7 +41,7 @@ TEST_F(TaskDecisionTest, CurrentGenerationFilesInAnyLetterCase) {
     TestProfile::Touch(Data(name));
     EXPECT_EQ(L"importvantu8", Decide()) << name;
     EXPECT_EQ(4, ImportKindOfTask(Decide()));
-    base::DeleteFile(Data(name));
+    EXPECT_TRUE(base::DeleteFile(Data(name)));
   }
   TestProfile::Touch(Data(L"vantu.db.old"));
   EXPECT_EQ(L"", Decide());

@@ -36,14 +36,14 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
     model->m_progress = &record;
     ASSERT_EQ(0, BuildDatabases(model, profile_.data_folder()));
     model->m_progress = nullptr;
-    base::CreateDirectory(First(L""));
+    ASSERT_TRUE(base::CreateDirectory(First(L"")));
     for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"})
       ASSERT_TRUE(base::ReplaceFile(Data(name), First(name)));
     ASSERT_TRUE(ExportPlainDatabase(First(L"VTMusicV3.db"), kVersion3DatabaseKey,
                                     Data(L"VTMusic.db")));
     ASSERT_TRUE(ExportPlainDatabase(First(L"playlistV3.db"), kVersion3DatabaseKey,
                                     Data(L"vantu.db")));
-    base::DeleteFile(profile_.ini());
+    ASSERT_TRUE(base::DeleteFile(profile_.ini()));
   }
 
   // Every table of the two databases of |name|, schema and rows.

@@ -30,7 +30,7 @@ class V8DataExporterTest : public testing::Test {
 
   // A plain database made by |statements|, 4096-byte pages.
   static void MakeDatabase(const base::FilePath& path, const std::vector<std::string>& statements) {
-    base::CreateDirectory(path.DirName());
+    ASSERT_TRUE(base::CreateDirectory(path.DirName()));
     sql::Connection db;
     db.set_page_size(4096);
     ASSERT_TRUE(db.Open(path));
@@ -49,7 +49,7 @@ class V8DataExporterTest : public testing::Test {
 };
 
 TEST_F(V8DataExporterTest, NeitherFileImportsNothing) {
-  base::CreateDirectory(profile_.data_folder());
+  ASSERT_TRUE(base::CreateDirectory(profile_.data_folder()));
   TestProfile::Touch(Data(L"VTMusic.db.bak"));
   EXPECT_EQ(1, Export());
   EXPECT_EQ(1u, record_.state());

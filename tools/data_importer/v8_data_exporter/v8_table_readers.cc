@@ -166,8 +166,7 @@ void V8DataExporter::ReadListDatabase() {
 // numbers its rows from 1. The path and hash lookups let the entries of lists
 // and downloads find their files again.
 bool V8DataExporter::ReadShareFileItems() {
-  DbRowReader counter(*m_db->connection(), "SELECT COUNT(*) AS n FROM ShareFileItems");
-  ReadProgressTicker ticker(this, counter.Step() ? counter.GetInt64("n") : 0);
+  ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "ShareFileItems"));
   int next_id = 1;
   return ReadTable("ShareFileItems", ShareFileColumns(), &m_model->m_share_files,
                    [&](DbRowReader* row, ShareFileItem* file) {
@@ -288,10 +287,8 @@ bool V8DataExporter::ReadSongTables(const char* prefix, std::map<int32_t, SongLi
       tables.emplace_back(id, name);
   }
   int64_t total = 0;
-  for (const auto& [id, name] : tables) {
-    DbRowReader count(*db, "SELECT COUNT(*) AS n FROM " + SqlTableName(name));
-    total += count.Step() ? count.GetInt64("n") : 0;
-  }
+  for (const auto& [id, name] : tables)
+    total += CountRows(*db, SqlTableName(name).c_str());
   ReadProgressTicker ticker(this, total);
   bool ok = true;
   for (const auto& [id, name] : tables)
