@@ -16,7 +16,7 @@ class V6SettingsImportTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(WriteSampleV6Installation(program(), 5));
-    EXPECT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
+    ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
     TestProfile::Touch(program().Append(L"VanTa6.exe"));
   }
 
@@ -28,9 +28,10 @@ class V6SettingsImportTest : public testing::Test {
 };
 
 TEST_F(V6SettingsImportTest, SettingsArriveInTheNewIni) {
-  EXPECT_TRUE(base::WriteFile(program().Append(L"VanTa.xml"),
-                  "<VanTa><Player Volume=\"64\"><AutoPlay>1</AutoPlay></Player>"
-                  "<PlayBack SFadeOutTime=\"700\"/><Network><ProxyType>2</ProxyType></Network></VanTa>"));
+  ASSERT_TRUE(base::WriteFile(
+      program().Append(L"VanTa.xml"),
+      "<VanTa><Player Volume=\"64\"><AutoPlay>1</AutoPlay></Player>"
+      "<PlayBack SFadeOutTime=\"700\"/><Network><ProxyType>2</ProxyType></Network></VanTa>"));
   DataImporterMain();
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
@@ -44,7 +45,7 @@ TEST_F(V6SettingsImportTest, SettingsArriveInTheNewIni) {
 }
 
 TEST_F(V6SettingsImportTest, UnusableSettingsFileLeavesNoSection) {
-  EXPECT_TRUE(base::WriteFile(program().Append(L"VanTa.xml"), "<VanTa><Player Volume=\"64\">"));
+  ASSERT_TRUE(base::WriteFile(program().Append(L"VanTa.xml"), "<VanTa><Player Volume=\"64\">"));
   DataImporterMain();
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));

@@ -56,7 +56,7 @@ TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
   const int progress_without = Export(&first);
   EXPECT_TRUE(first.m_settings.empty());
 
-  base::DeleteFile(profile_.data_folder().Append(L"VT7Data.db"));
+  ASSERT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT7Data.db")));
   WriteSettings();
   ProgressRecord with_file;
   with_file.Initialise();
