@@ -19,6 +19,8 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("VANTU_LOG_LEVEL", "5", 1);
   g_file = base::FilePath::FromUTF8Unsafe("/tmp/vantu-profile-fuzz-" +
                                           std::to_string(getpid()) + ".ini");
+  // The scratch file goes with the process.
+  std::atexit([] { (void)base::DeleteFile(g_file); });
   return 0;
 }
 

@@ -19,6 +19,8 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("VANTU_LOG_LEVEL", "5", 1);
   g_file = base::FilePath::FromUTF8Unsafe("/tmp/vantu-registry-fuzz-" +
                                           std::to_string(getpid()) + ".reg");
+  // The scratch file goes with the process.
+  std::atexit([] { (void)base::DeleteFile(g_file); });
   setenv("VANTU_REGISTRY_FILE", g_file.AsUTF8Unsafe().c_str(), 1);
   return 0;
 }

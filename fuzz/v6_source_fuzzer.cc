@@ -16,6 +16,7 @@
 
 namespace {
 base::FilePath g_data_folder;
+base::FilePath g_root;
 }
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
@@ -26,6 +27,9 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("APPDATA", root.Append(L"roaming").AsUTF8Unsafe().c_str(), 1);
   setenv("VANTU_REGISTRY_FILE", root.Append(L"none.reg").AsUTF8Unsafe().c_str(), 1);
   g_data_folder = root.Append(L"VanTu8");
+  g_root = root;
+  // The scratch folder goes with the process.
+  std::atexit([] { (void)base::DeleteFile(g_root, true); });
   return 0;
 }
 
