@@ -54,3 +54,12 @@ std::string StoredSchema(sql::Connection* db, const std::string& table) {
       QueryRows(db, "SELECT sql FROM sqlite_master WHERE type='table' AND name='" + table + "'");
   return rows.empty() ? std::string() : rows[0];
 }
+
+std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
+                            const std::string& query) {
+  std::string input = key.empty() ? "" : "PRAGMA key = '" + base::WideToUTF8(key) + "';\n";
+  std::string output;
+  testing_support::RunCommand("sqlcipher '" + path.AsUTF8Unsafe() + "'", input + query + "\n",
+                              &output);
+  return output;
+}

@@ -48,4 +48,10 @@ std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query
 // The CREATE TABLE text SQLite stored for |table|, empty when absent.
 std::string StoredSchema(sql::Connection* db, const std::string& table);
 
+// What the stock sqlcipher tool prints for |query| on the database at
+// |path|, after "PRAGMA key" with |key| when |key| is not empty (error
+// messages included).
+std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
+                            const std::string& query);
+
 #endif  // TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_
