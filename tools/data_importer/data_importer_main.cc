@@ -6,13 +6,17 @@
 #include "base/command_line.h"
 #include "base/file_util.h"
 #include "base/path_service.h"
+#include "base/windows_path.h"
 #include "common/exception_report/crash_handler.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/import_run.h"
+#include "tools/data_importer/importer_names.h"
 #include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/leftover_files.h"
 #include "tools/data_importer/playlist_storage.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/task_decision.h"
 #include "tools/data_importer/upgrade_result.h"
 #include "tools/data_importer/version2_upgrade.h"
@@ -35,7 +39,7 @@ void RunTask(const std::wstring& task, const base::FilePath& data_folder,
   }
   if (IsTask(task, kTaskCopyVersion2)) {
     KeepUpgradeResult(data_folder, RunVersion2Copy(record));
-  } else if (base::PathExists(data_folder.Append(L"VTMusicV2.db"))) {
+  } else if (base::PathExists(data_folder.Append(importer_names::kMusicDatabaseV2))) {
     // Already imported by an earlier release.
     record->WriteImportStart();
     return;
@@ -59,15 +63,23 @@ void Run() {
   base::CommandLine command_line = base::CommandLine::FromString(base::GetCommandLineW());
   base::CommandLine::SwitchMap switches = command_line.GetSwitches();
   auto source = switches.find("i");
-  base::FilePath source_folder(source == switches.end() ? std::wstring() : source->second);
+  // The player may pass a Windows path ("D:\\Old Player\\data").
+  base::FilePath source_folder =
+      source == switches.end() ? base::FilePath() : base::MapWindowsPath(source->second);
 
   base::FilePath data_folder = GetDataFolder();
+  RemoveStaleWorkFiles(data_folder);
+  // A build killed between its two renames is completed before the task is
+  // decided, so the decision sees both version-3 files or neither.
+  bool replacement_complete = CompleteOrUndoReplacement(data_folder);
   std::wstring task = DecideTask(data_folder, source_folder);
-  VLOG_AT(logging::LOG_PROGRESS) << L"DataImporterMain: task {" << task << L"}, source folder {"
+  VLOG_AT(logging::LOG_PROGRESS) << importer_names::kTaskLogMarker << task << L"}, source folder {"
                                  << source_folder.value() << L"}.";
 
   ProgressRecord record;
   record.Initialise();
+  if (!replacement_complete)
+    record.ReportFailure(ProgressRecord::kStateBuildFailed);
   ClearUpgradeResult(data_folder);
   RunTask(task, data_folder, &record);
 }

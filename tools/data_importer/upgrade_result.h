@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/file_path.h"
+#include "tools/data_importer/importer_names.h"
 
 // What one of the two version-2 tasks did. Neither task reports anything in
 // "DBCheck" beyond "UpdateProgress", so the driver keeps this record in the
@@ -67,7 +68,7 @@ const char* OutcomeWord(CopyOutcome outcome);
 const char* OutcomeWord(OpenOutcome outcome);
 const char* OutcomeWord(CloudListOutcome outcome);
 
-inline constexpr wchar_t kUpgradeResultFile[] = L"UpgradeResult.json";
+inline constexpr const wchar_t* kUpgradeResultFile = importer_names::kUpgradeResultFileName;
 
 // Writes |result| as "UpgradeResult.json" in |data_folder| (through a
 // temporary file and a rename). False when it cannot be written.

@@ -6,14 +6,13 @@
 #include "base/profile_string.h"
 #include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
+#include "tools/data_importer/importer_names.h"
+
+namespace names = importer_names;
 
 namespace {
 
-constexpr wchar_t kSettingsFile[] = L"Vantu.ini";
-constexpr wchar_t kLogFile[] = L"DataImporter.log";
-constexpr char kTaskMarker[] = "DataImporterMain: task {";
-
-const wchar_t* const kResultFiles[] = {L"VTMusicV3.db", L"playlistV3.db"};
+const wchar_t* const kResultFiles[] = {names::kMusicDatabaseV3, names::kPlaylistDatabaseV3};
 
 struct StateBitText {
   uint32_t bit;
@@ -21,28 +20,34 @@ struct StateBitText {
 };
 
 const StateBitText kStateBits[] = {
-    {1, "the source or the first stage of the build failed"},
-    {2, "lists could not be read"},
-    {4, "music items could not be read"},
-    {8, "a later stage of the build failed"},
-    {16, "another source table could not be read"},
+    {names::kStateNotStarted, "the source or the first stage of the build failed"},
+    {names::kStateListsFailed, "lists could not be read"},
+    {names::kStateMusicFailed, "music items could not be read"},
+    {names::kStateBuildFailed, "a later stage of the build failed"},
+    {names::kStateTableFailed, "another source table could not be read"},
+};
+
+struct TaskText {
+  const wchar_t* task;
+  const char* text;
+};
+
+const TaskText kTasks[] = {
+    {names::kTaskUpdateVersion2, "upgrade of the version-2 databases"},
+    {names::kTaskCopyVersion2, "copy of the version-2 databases"},
+    {names::kTaskImportCurrent, "re-import of the current generation"},
+    {names::kTaskImportGeneration7, "import from generation 7"},
+    {names::kTaskImportGeneration6, "import from generation 6"},
+    {names::kTaskImport2008, "import from the 2008 edition"},
 };
 
 std::string TaskInWords(const std::wstring& task) {
   if (task.empty())
     return "nothing to do";
-  if (task == L"updatevantu8")
-    return "upgrade of the version-2 databases (updatevantu8)";
-  if (task == L"copyv8dbv2")
-    return "copy of the version-2 databases (copyv8dbv2)";
-  if (task == L"importvantu8")
-    return "re-import of the current generation (importvantu8)";
-  if (task == L"importvantu7")
-    return "import from generation 7 (importvantu7)";
-  if (task == L"importvantu6")
-    return "import from generation 6 (importvantu6)";
-  if (task == L"importvantu2008")
-    return "import from the 2008 edition (importvantu2008)";
+  for (const auto& known : kTasks) {
+    if (task == known.task)
+      return std::string(known.text) + " (" + base::WideToUTF8(task) + ")";
+  }
   return base::WideToUTF8(task);
 }
 
@@ -63,31 +68,32 @@ std::string OrDash(const std::wstring& value) {
 }  // namespace
 
 std::wstring ReadDBCheck(const base::FilePath& ini, const wchar_t* key) {
-  return base::GetPrivateProfileStringW(L"DBCheck", key, L"", ini.value());
+  return base::GetPrivateProfileStringW(names::kDBCheckSection, key, L"", ini.value());
 }
 
 size_t LogSize(const base::FilePath& data_folder) {
   base::FileInfo info;
-  if (!base::GetFileInfo(data_folder.Append(kLogFile), &info))
+  if (!base::GetFileInfo(data_folder.Append(names::kLogFileName), &info))
     return 0;
   return static_cast<size_t>(info.size);
 }
 
 RunOutcome ReadRunOutcome(const base::FilePath& data_folder, size_t log_offset) {
   RunOutcome outcome;
-  base::FilePath ini = base::ResolvePathCase(data_folder.Append(kSettingsFile));
-  outcome.import_progress = ReadDBCheck(ini, L"ImportProgress");
-  outcome.import_state = ReadDBCheck(ini, L"ImportState");
-  outcome.update_progress = ReadDBCheck(ini, L"UpdateProgress");
-  outcome.import_playlists = ReadDBCheck(ini, L"ImportPlayLists");
-  outcome.import_end = ReadDBCheck(ini, L"ImportEnd");
-  outcome.source_empty = ReadDBCheck(ini, L"BeforceImportEmpty");
+  base::FilePath ini = base::ResolvePathCase(data_folder.Append(names::kSettingsFileName));
+  outcome.import_progress = ReadDBCheck(ini, names::kKeyImportProgress);
+  outcome.import_state = ReadDBCheck(ini, names::kKeyImportState);
+  outcome.update_progress = ReadDBCheck(ini, names::kKeyUpdateProgress);
+  outcome.import_playlists = ReadDBCheck(ini, names::kKeyImportPlaylists);
+  outcome.import_end = ReadDBCheck(ini, names::kKeyImportEnd);
+  outcome.source_empty = ReadDBCheck(ini, names::kKeySourceEmpty);
 
   std::string log;
-  if (base::ReadFileToString(data_folder.Append(kLogFile), &log) && log_offset <= log.size()) {
-    size_t marker = log.find(kTaskMarker, log_offset);
+  if (base::ReadFileToString(data_folder.Append(names::kLogFileName), &log) &&
+      log_offset <= log.size()) {
+    size_t marker = log.find(names::kTaskLogMarker, log_offset);
     if (marker != std::string::npos) {
-      size_t start = marker + sizeof(kTaskMarker) - 1;
+      size_t start = marker + sizeof(names::kTaskLogMarker) - 1;
       size_t end = log.find('}', start);
       if (end != std::string::npos)
         outcome.task = base::UTF8ToWide(log.substr(start, end - start));

@@ -17,9 +17,12 @@
 #include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/data_importer_main.h"
+#include "tools/data_importer/importer_names.h"
 #include "tools/vantu_import/demo_profile.h"
 #include "tools/vantu_import/host_options.h"
 #include "tools/vantu_import/run_outcome.h"
+
+namespace names = importer_names;
 
 namespace {
 
@@ -74,8 +77,8 @@ int Run(const HostOptions& options) {
   ApplyHostEnvironment(options);
   base::FilePath app_data;
   base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data);
-  base::FilePath data_folder = base::ResolvePathCase(app_data.Append(L"VanTu8"));
-  base::FilePath ini = data_folder.Append(L"Vantu.ini");
+  base::FilePath data_folder = base::ResolvePathCase(app_data.Append(names::kDataFolderName));
+  base::FilePath ini = data_folder.Append(names::kSettingsFileName);
   size_t log_offset = LogSize(data_folder);
 
   if (!options.quiet)
@@ -90,11 +93,13 @@ int Run(const HostOptions& options) {
   while (!done) {
     std::this_thread::sleep_for(kPollInterval);
     base::FilePath current = base::ResolvePathCase(ini);
-    view.Show(ReadDBCheck(current, L"ImportProgress"), ReadDBCheck(current, L"UpdateProgress"));
+    view.Show(ReadDBCheck(current, names::kKeyImportProgress),
+              ReadDBCheck(current, names::kKeyUpdateProgress));
   }
   worker.join();
   base::FilePath current = base::ResolvePathCase(ini);
-  view.Show(ReadDBCheck(current, L"ImportProgress"), ReadDBCheck(current, L"UpdateProgress"));
+  view.Show(ReadDBCheck(current, names::kKeyImportProgress),
+            ReadDBCheck(current, names::kKeyUpdateProgress));
   view.Finish();
 
   RunOutcome outcome = ReadRunOutcome(base::ResolvePathCase(data_folder), log_offset);
@@ -131,6 +136,10 @@ int main(int argc, char** argv) {
     options.registry = registry.AsUTF8Unsafe();
     if (!options.quiet)
       std::printf("Demo profile: %s\n", folder);
+  }
+  if (!ResolveProfileOptions(&options, &error)) {
+    std::fprintf(stderr, "vantu-import: %s\n", error.c_str());
+    return 2;
   }
   return Run(options);
 }
