@@ -19,6 +19,7 @@ struct HostOptions {
   bool quiet = false;
   bool help = false;
   bool demo = false;
+  std::string demo_kind;  // --demo=KIND: "v6" (the default), "v2" or "v3"
 };
 
 // Parses argv. Answers false and sets |error| for an unknown option or a

@@ -46,3 +46,46 @@ TEST(RunOutcomeTest, StateBitsInWordsAndExitStatus) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(RunOutcomeTest, UpgradeResultInWords) {
+  EXPECT_EQ("VTMusicV3.db copied but left plain: the copy failed its integrity check; "
+            "playlistV3.db not made: there is no version-2 file to copy",
+            DescribeUpgradeResult(
+                "{\"music\":\"left_plain\",\"playlist\":\"no_source\",\"task\":\"copyv8dbv2\"}"));
+  EXPECT_EQ("cloud lists moved to playlistV3.db (1 list)",
+            DescribeUpgradeResult("{\"cloud_lists\":\"moved\",\"cloud_lists_moved\":1,"
+                                  "\"music\":\"opened\",\"task\":\"updatevantu8\"}"));
+  // The music database's state wins over the cloud lists' word.
+  EXPECT_EQ("VTMusicV3.db does not open with the key: left as it was",
+            DescribeUpgradeResult("{\"cloud_lists\":\"not_run\",\"music\":\"key_refused\","
+                                  "\"task\":\"updatevantu8\"}"));
+  EXPECT_EQ("cloud lists already in playlistV3.db: nothing moved",
+            DescribeUpgradeResult("{\"cloud_lists\":\"already_moved\",\"music\":\"opened\","
+                                  "\"task\":\"updatevantu8\"}"));
+  EXPECT_EQ("not recorded", DescribeUpgradeResult("[1,2]"));
+  EXPECT_EQ("not recorded", DescribeUpgradeResult("{\"task\":"));
+
+  RunOutcome outcome;
+  outcome.task = L"copyv8dbv2";
+  outcome.upgrade_done = "VTMusicV3.db copied and encrypted";
+  EXPECT_NE(std::string::npos,
+            DescribeOutcome(outcome).find(
+                "Task:               copy of the version-2 databases to encrypted version 3 "
+                "(copyv8dbv2)\nDone:               VTMusicV3.db copied and encrypted\n"));
+}
+
+TEST(HostOptionsTest, DemoKinds) {
+  HostOptions options;
+  std::string error;
+  ASSERT_TRUE(Parse({"--demo=v2"}, &options, &error));
+  EXPECT_TRUE(options.demo);
+  EXPECT_EQ("v2", options.demo_kind);
+  ASSERT_TRUE(Parse({"--demo"}, &options, &error));
+  EXPECT_EQ("v6", options.demo_kind);
+  EXPECT_FALSE(Parse({"--demo=v9"}, &options, &error));
+  EXPECT_EQ("unknown demo kind v9 (v6, v2 or v3)", error);
+}
+
+}  // namespace
