@@ -19,7 +19,8 @@ using importer_names::kSettingsFileName;
 void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
   if (ini_path_.empty())
     return;
-  base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str());
+  // A profile write that fails is ignored (see the header).
+  (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str());
 }
 
 void ProgressRecord::Initialise() {

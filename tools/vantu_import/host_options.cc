@@ -23,11 +23,12 @@ const char kHostUsage[] =
     "                         Users\n"
     "  --drive C=DIR          the folder standing for Windows drive C: (repeatable)\n"
     "  --i=DIR                folder of an older installation to import from\n"
-    "  --demo[=KIND]          build a sample user profile in a temporary folder\n"
-    "                         and run the importer on it: v6 (default) a\n"
-    "                         generation-6 installation to import, v2 plain\n"
-    "                         version-2 databases to copy, v3 version-3\n"
-    "                         databases whose cloud lists are to be moved\n"
+    "  --demo[=7|6|v2|v3]     build a sample user profile in a temporary folder\n"
+    "                         and run the importer on it: a generation-7\n"
+    "                         (default) or generation-6 installation to import,\n"
+    "                         plain version-2 databases to copy (v2), or\n"
+    "                         version-3 databases whose cloud lists are to be\n"
+    "                         moved (v3)\n"
     "  --quiet                print only the outcome\n"
     "  --help                 this text\n"
     "\n"
@@ -67,14 +68,16 @@ bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, s
       options->quiet = true;
     } else if (arg == "--help" || arg == "-h") {
       options->help = true;
-    } else if (arg == "--demo" || arg.rfind("--demo=", 0) == 0) {
-      options->demo = true;
-      options->demo_kind = arg == "--demo" ? "v6" : arg.substr(7);
-      if (options->demo_kind != "v6" && options->demo_kind != "v2" &&
-          options->demo_kind != "v3") {
-        *error = "unknown demo kind " + options->demo_kind + " (v6, v2 or v3)";
-        return false;
-      }
+    } else if (arg == "--demo" || arg == "--demo=7") {
+      options->demo = 7;
+    } else if (arg == "--demo=6") {
+      options->demo = 6;
+    } else if (arg == "--demo=v2" || arg == "--demo=v3") {
+      options->demo = 8;
+      options->demo_version = arg.back() - '0';
+    } else if (arg.rfind("--demo=", 0) == 0) {
+      *error = "option --demo takes 7, 6, v2 or v3, not \"" + arg.substr(7) + "\"";
+      return false;
     } else if (arg.rfind("--i=", 0) == 0) {
       options->source = arg.substr(4);
     } else if (TakeValue(argc, argv, &i, "--local-appdata", &options->local_appdata, &missing) ||

@@ -18,12 +18,16 @@ struct HostOptions {
   std::vector<std::string> drives;
   bool quiet = false;
   bool help = false;
-  bool demo = false;
-  std::string demo_kind;  // --demo=KIND: "v6" (the default), "v2" or "v3"
+  // --demo[=GENERATION]: 0 no demo, else the generation of the sample
+  // installation (7 by default, 6 on request), or 8 for the current
+  // generation's own databases of version |demo_version| (--demo=v2, v3).
+  int demo = 0;
+  int demo_version = 0;
 };
 
-// Parses argv. Answers false and sets |error| for an unknown option or a
-// missing value. Options take their value as "--opt DIR" or "--opt=DIR".
+// Parses argv. Answers false and sets |error| for an unknown option, a
+// missing value or an unknown demo. Options take their value as "--opt DIR"
+// or "--opt=DIR".
 bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, std::string* error);
 
 // Completes the options of a copied Windows profile and checks the files

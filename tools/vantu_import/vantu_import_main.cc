@@ -76,7 +76,8 @@ class ProgressView {
 int Run(const HostOptions& options) {
   ApplyHostEnvironment(options);
   base::FilePath app_data;
-  base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data);
+  // Unknown, the data folder is relative and the outcome shows nothing found.
+  (void)base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data);
   base::FilePath data_folder = base::ResolvePathCase(app_data.Append(names::kDataFolderName));
   base::FilePath ini = data_folder.Append(names::kSettingsFileName);
   size_t log_offset = LogSize(data_folder);
@@ -127,7 +128,9 @@ int main(int argc, char** argv) {
       return 2;
     }
     base::FilePath root = base::FilePath::FromUTF8Unsafe(folder);
-    base::FilePath registry = BuildDemoProfile(root, options.demo_kind, &error);
+    base::FilePath registry = options.demo == 8
+                                  ? BuildCurrentGenerationDemo(root, options.demo_version, &error)
+                                  : BuildDemoProfile(root, options.demo, &error);
     if (registry.empty()) {
       std::fprintf(stderr, "vantu-import: demo profile: %s\n", error.c_str());
       return 2;

@@ -21,13 +21,21 @@ TEST(HostOptionsTest, ValuesInBothFormsAndBadUsage) {
   EXPECT_EQ("/r.reg", options.registry);
   EXPECT_EQ("/old player", options.source);
   EXPECT_TRUE(options.quiet);
-  EXPECT_FALSE(options.demo);
+  EXPECT_EQ(0, options.demo);
+
+  HostOptions demo;
+  ASSERT_TRUE(Parse({"--demo"}, &demo, &error));
+  EXPECT_EQ(7, demo.demo);
+  ASSERT_TRUE(Parse({"--demo=6"}, &demo, &error));
+  EXPECT_EQ(6, demo.demo);
 
   HostOptions bad;
   EXPECT_FALSE(Parse({"--profile"}, &bad, &error));
   EXPECT_EQ("option --profile needs a value", error);
   EXPECT_FALSE(Parse({"--local-appdatax=/a"}, &bad, &error));
   EXPECT_EQ("unknown option --local-appdatax=/a", error);
+  EXPECT_FALSE(Parse({"--demo=8"}, &bad, &error));
+  EXPECT_EQ("option --demo takes 7, 6, v2 or v3, not \"8\"", error);
 }
 
 TEST(RunOutcomeTest, StateBitsInWordsAndExitStatus) {
@@ -76,16 +84,16 @@ TEST(RunOutcomeTest, UpgradeResultInWords) {
                 "(copyv8dbv2)\nDone:               VTMusicV3.db copied and encrypted\n"));
 }
 
-TEST(HostOptionsTest, DemoKinds) {
+TEST(HostOptionsTest, CurrentGenerationDemos) {
   HostOptions options;
   std::string error;
   ASSERT_TRUE(Parse({"--demo=v2"}, &options, &error));
-  EXPECT_TRUE(options.demo);
-  EXPECT_EQ("v2", options.demo_kind);
-  ASSERT_TRUE(Parse({"--demo"}, &options, &error));
-  EXPECT_EQ("v6", options.demo_kind);
-  EXPECT_FALSE(Parse({"--demo=v9"}, &options, &error));
-  EXPECT_EQ("unknown demo kind v9 (v6, v2 or v3)", error);
+  EXPECT_EQ(8, options.demo);
+  EXPECT_EQ(2, options.demo_version);
+  ASSERT_TRUE(Parse({"--demo=v3"}, &options, &error));
+  EXPECT_EQ(3, options.demo_version);
+  EXPECT_FALSE(Parse({"--demo=v4"}, &options, &error));
+  EXPECT_EQ("option --demo takes 7, 6, v2 or v3, not \"v4\"", error);
 }
 
 }  // namespace

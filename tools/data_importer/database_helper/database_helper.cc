@@ -41,7 +41,8 @@ bool DatabaseHelper::OpenWithKey(const base::FilePath& path, const std::wstring&
 bool DatabaseHelper::CheckOrRepair() {
   if (CheckIntegrity())
     return true;
-  connection_->Execute("VACUUM");
+  // The second integrity check decides, whatever the VACUUM answered.
+  (void)connection_->Execute("VACUUM");
   if (CheckIntegrity())
     return true;
   connection_->Close();

@@ -31,7 +31,7 @@ class DatabaseHelper {
   //     CheckIntegrity — true if it passes now;
   //  5. otherwise the connection is closed and the answer is false: the
   //     file is corrupt and must not be read.
-  bool OpenAndCheck(const base::FilePath& path);
+  [[nodiscard]] bool OpenAndCheck(const base::FilePath& path);
 
   // Opens the encrypted database at |path| with |key|, after the same
   // attribute clearing and page and cache sizes as OpenAndCheck. A file that
@@ -39,23 +39,23 @@ class DatabaseHelper {
   // meant for a database some earlier run wrote. False when the file is
   // missing, the key is wrong or the file is plain; the connection is then
   // closed. No integrity check: follow with CheckOrRepair.
-  bool OpenWithKey(const base::FilePath& path, const std::wstring& key);
+  [[nodiscard]] bool OpenWithKey(const base::FilePath& path, const std::wstring& key);
 
   // Steps 3 to 5 of OpenAndCheck on the database already open: true when it
   // passes the integrity check, at once or after one "VACUUM"; otherwise the
   // connection is closed and the answer is false.
-  bool CheckOrRepair();
+  [[nodiscard]] bool CheckOrRepair();
 
   // Runs the cached "PRAGMA Integrity_Check" and passes only when its first
   // row reads "ok" (any letter case). False for an invalid statement, no row,
   // or a list of problems.
-  bool CheckIntegrity();
+  [[nodiscard]] bool CheckIntegrity();
 
   // Attaches the database at |path| under |alias|. Refused (false) when an
   // alias is already stored — even if that earlier attach failed — or when
   // |alias| is empty. The alias is stored before attaching and stays stored
   // when the attach fails.
-  bool Attach(const base::FilePath& path, const std::string& alias);
+  [[nodiscard]] bool Attach(const base::FilePath& path, const std::string& alias);
 
   // Copies table |table| of the attached database into the main one:
   // "CREATE TABLE <t> AS SELECT * FROM <alias>.<t>" when the main database
@@ -63,7 +63,7 @@ class DatabaseHelper {
   // along), else "INSERT INTO <t> SELECT * FROM <alias>.<t>"; " where " +
   // |where| appended when |where| is not empty. False when nothing is
   // attached or the statement fails.
-  bool CopyTable(const std::string& where, const std::string& table);
+  [[nodiscard]] bool CopyTable(const std::string& where, const std::string& table);
 
   void Close();
 
@@ -105,6 +105,7 @@ void AppendSqlTextLiteral(std::wstring_view text, std::string* out);
 // %d) As MaxKeyID From %s" with the default 1. Answers 1 when the database is
 // not open, the statement is invalid (a missing table) or yields no row; an
 // empty table therefore also gives 1.
-int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column, const std::string& table);
+[[nodiscard]] int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column,
+                              const std::string& table);
 
 #endif  // TOOLS_DATA_IMPORTER_DATABASE_HELPER_DATABASE_HELPER_H_
