@@ -87,6 +87,7 @@ bool Connection::OpenInternal(const base::FilePath& path, const std::string* key
   }
   db_ = db;
   path_ = resolved;
+  key_ = key ? *key : std::string();
   if (key) {
     // The passphrase exactly as "PRAGMA key = '<key>'" gives it.
     if (!Execute(("PRAGMA key = " + Quote(*key)).c_str()) || !PinCipherFormat("main")) {
@@ -153,6 +154,7 @@ void Connection::Close() {
     sqlite3_close(db_);
     db_ = nullptr;
   }
+  key_.clear();
 }
 
 bool Connection::Execute(const char* sql) {
@@ -195,6 +197,13 @@ bool Connection::DoesColumnExist(const char* table_name, const char* column_name
 bool Connection::AttachDatabase(const base::FilePath& path, const char* alias) {
   std::string sql = "ATTACH DATABASE " +
                     Quote(base::ResolvePathCase(path).AsUTF8Unsafe()) + " AS " + alias;
+  // The engine would give an attached file the main database's key only
+  // until that key has been used once; naming it keeps the promise always.
+  // The cipher format is not pinned for the attached file: on the 3.x line
+  // an ATTACH with a key already uses the version-3 parameters, and setting
+  // them again afterwards drops the attached file's key material.
+  if (!key_.empty())
+    sql += " KEY " + Quote(key_);
   return Execute(sql.c_str());
 }
 
@@ -243,9 +252,17 @@ void Connection::RollbackTransaction() {
 bool Connection::DbEncrypt(const std::wstring& key) {
   if (!db_ || transaction_nesting_ > 0)
     return false;
+  // The file at |path| is never written here: the encrypted content goes to
+  // a sibling, which one atomic rename puts in place once its export has
+  // been committed (and so synced). Whenever the process dies, |path| holds
+  // either the untouched plain database or the finished encrypted one. A
+  // killed earlier attempt may have left the sibling and its rollback
+  // journal; both are removed first so the export starts from nothing.
   base::FilePath path = path_;
   base::FilePath encrypted(path.value() + L".enc");
-  // A leftover of an earlier attempt, if any; a missing file is fine.
+  base::FilePath encrypted_journal(encrypted.value() + L"-journal");
+  // Leftovers of an earlier attempt, if any; a missing file is fine.
+  (void)base::DeleteFile(encrypted_journal);
   (void)base::DeleteFile(encrypted);
   std::string utf8_key = base::WideToUTF8(key);
   std::string attach = "ATTACH DATABASE " + Quote(encrypted.AsUTF8Unsafe()) +

@@ -62,8 +62,9 @@ class Connection {
   [[nodiscard]] bool DoesTableExist(const char* table_name) const;
   [[nodiscard]] bool DoesColumnExist(const char* table_name, const char* column_name) const;
 
-  // ATTACH DATABASE '<path>' AS <alias> (the attached file is plain; with a
-  // key on an encrypted main database, give it via AttachDatabaseWithKey).
+  // ATTACH DATABASE '<path>' AS <alias>. The attached file is read with the
+  // key the main database was opened with: plain beside a plain database,
+  // encrypted with the same key beside an encrypted one.
   [[nodiscard]] bool AttachDatabase(const base::FilePath& path, const char* alias);
   [[nodiscard]] bool DetachDatabase(const char* alias);
 
@@ -80,8 +81,10 @@ class Connection {
   // sibling renamed over the file and reopened with the key. The result is
   // written in the version-3 file format whatever the library's defaults,
   // and opens with a 3.x sqlcipher tool and "PRAGMA key = '<key>'" alone.
-  // False when the database is not open, the export or the rename fails; the original file is then unchanged (and stays open when
-  // it can be reopened).
+  // False when the database is not open, the export or the rename fails; the
+  // original file is then unchanged (and stays open when it can be reopened).
+  // A process killed at any point leaves the file either plain and untouched
+  // or finished and encrypted.
   [[nodiscard]] bool DbEncrypt(const std::wstring& key);
 
   // A new prepared statement, finalised when its last Statement goes.
@@ -106,6 +109,7 @@ class Connection {
 
   sqlite3* db_ = nullptr;
   base::FilePath path_;
+  std::string key_;  // the key of an encrypted database, UTF-8
   int page_size_ = 0;
   int cache_size_ = 0;
   int transaction_nesting_ = 0;

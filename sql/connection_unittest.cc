@@ -1,7 +1,13 @@
 #include "sql/connection.h"
 
+#include <signal.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
+#include "base/file_util.h"
 #include "sql/statement.h"
 #include "testing/test_support.h"
 
@@ -64,6 +70,88 @@ TEST(ConnectionTest, DbEncryptEndToEnd) {
                           "SELECT count(*) FROM T;", &status);
   EXPECT_EQ(0, status);
   EXPECT_NE(std::string::npos, output.find("500")) << output;
+}
+
+// Kills the process once SQLite has run |steps| progress callbacks.
+int KillAfterSteps(void* steps) {
+  if (--*static_cast<int*>(steps) <= 0)
+    raise(SIGKILL);
+  return 0;
+}
+
+// Runs DbEncrypt in a child process that kills itself after |steps|
+// progress callbacks of its connection (a power cut or a killed player, at
+// a point chosen by the step count). Answers true when the child finished.
+bool EncryptInChildKilledAfter(const base::FilePath& path, int steps) {
+  pid_t pid = fork();
+  if (pid == 0) {
+    Connection db;
+    if (!db.Open(path))
+      _exit(3);
+    sqlite3_progress_handler(db.db(), 16, KillAfterSteps, &steps);
+    _exit(db.DbEncrypt(kKey) ? 0 : 4);
+  }
+  int status = 0;
+  waitpid(pid, &status, 0);
+  if (WIFSIGNALED(status))
+    return false;
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+  return true;
+}
+
+// Wherever the process dies inside DbEncrypt, the file is the untouched
+// plain database or the finished encrypted one, never something between;
+// and the next DbEncrypt succeeds over whatever a killed one left behind.
+TEST(ConnectionTest, DbEncryptKilledAnywhereLeavesPlainOrEncrypted) {
+  testing_support::ScopedTempDir dir;
+  base::FilePath path = dir.path().Append(L"VTMusicV3.db");
+  {
+    Connection db;
+    ASSERT_TRUE(db.Open(path));
+    ASSERT_TRUE(db.Execute("CREATE TABLE T(id integer PRIMARY KEY, name text)"));
+    ASSERT_TRUE(db.Execute("CREATE INDEX TName ON T(name)"));
+    ASSERT_TRUE(db.BeginTransaction());
+    for (int i = 0; i < 3000; ++i)
+      ASSERT_TRUE(db.Execute("INSERT INTO T(name) VALUES (hex(randomblob(40)))"));
+    ASSERT_TRUE(db.CommitTransaction());
+  }
+  const std::string plain = testing_support::ReadBytes(path);
+
+  int kills = 0;
+  bool finished = false;
+  for (int steps = 1; !finished && steps < (1 << 22); steps *= 2) {
+    finished = EncryptInChildKilledAfter(path, steps);
+    if (!finished)
+      ++kills;
+    std::string now = testing_support::ReadBytes(path);
+    if (now == plain)
+      continue;
+    Connection keyed;
+    ASSERT_TRUE(keyed.OpenWithKey(path, kKey)) << "half-written file after " << steps;
+    Statement count(keyed.GetUniqueStatement("SELECT count(*) FROM T"));
+    ASSERT_TRUE(count.Step());
+    EXPECT_EQ(3000, count.ColumnInt(0)) << steps;
+    keyed.Close();
+    // Encrypted already: start the next round from the plain file again.
+    testing_support::WriteBytes(path, plain);
+  }
+  EXPECT_TRUE(finished);
+  EXPECT_GT(kills, 3);
+
+  // Leftovers of a killed export do not stop the next encryption.
+  testing_support::WriteBytes(path, plain);
+  EXPECT_FALSE(EncryptInChildKilledAfter(path, 200));
+  Connection db;
+  ASSERT_TRUE(db.Open(path));
+  ASSERT_TRUE(db.DbEncrypt(kKey));
+  db.Close();
+  EXPECT_FALSE(base::PathExists(base::FilePath(path.value() + L".enc")));
+  EXPECT_FALSE(base::PathExists(base::FilePath(path.value() + L".enc-journal")));
+  Connection keyed;
+  ASSERT_TRUE(keyed.OpenWithKey(path, kKey));
+  Statement count(keyed.GetUniqueStatement("SELECT count(*) FROM T"));
+  ASSERT_TRUE(count.Step());
+  EXPECT_EQ(3000, count.ColumnInt(0));
 }
 
 // The file format does not follow the library's defaults: with other

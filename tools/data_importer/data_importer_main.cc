@@ -18,18 +18,27 @@
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/upgrade_result.h"
 #include "tools/data_importer/version2_upgrade.h"
 
 namespace {
 
+// Keeps what a version-2 task did for the host; the run goes on without it.
+void KeepUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& result) {
+  if (!WriteUpgradeResult(data_folder, result)) {
+    VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: writing {" << kUpgradeResultFile
+                                  << L"} FAILED.";
+  }
+}
+
 void RunTask(const std::wstring& task, const base::FilePath& data_folder,
              ProgressRecord* record) {
   if (IsTask(task, kTaskUpdateVersion2)) {
-    RunVersion3Upgrade(record);
+    KeepUpgradeResult(data_folder, RunVersion3Upgrade(record));
     return;  // the playlist storage stays untouched
   }
   if (IsTask(task, kTaskCopyVersion2)) {
-    RunVersion2Copy(record);
+    KeepUpgradeResult(data_folder, RunVersion2Copy(record));
   } else if (base::PathExists(data_folder.Append(importer_names::kMusicDatabaseV2))) {
     // Already imported by an earlier release.
     record->WriteImportStart();
@@ -76,6 +85,7 @@ void Run() {
   record.Initialise();
   if (!replacement_complete)
     record.ReportFailure(ProgressRecord::kStateBuildFailed);
+  ClearUpgradeResult(data_folder);
   RunTask(task, data_folder, &record);
 }
 

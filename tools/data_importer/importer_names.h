@@ -65,6 +65,8 @@ inline constexpr wchar_t kCrashFolderName[] = L"crash";
 inline constexpr wchar_t kMusicDatabaseV3[] = L"VTMusicV3.db";
 inline constexpr wchar_t kPlaylistDatabaseV3[] = L"playlistV3.db";
 inline constexpr wchar_t kMusicDatabaseV2[] = L"VTMusicV2.db";
+// What a version-2 task did (see upgrade_result.h for its content).
+inline constexpr wchar_t kUpgradeResultFileName[] = L"UpgradeResult.json";
 
 }  // namespace importer_names
 

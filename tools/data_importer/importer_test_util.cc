@@ -134,3 +134,12 @@ bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& ke
   return db.Execute(attach.c_str()) && db.Execute("SELECT sqlcipher_export('plain')") &&
          db.Execute("DETACH DATABASE plain");
 }
+
+std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
+                            const std::string& query) {
+  std::string input = key.empty() ? "" : "PRAGMA key = '" + base::WideToUTF8(key) + "';\n";
+  std::string output;
+  testing_support::RunCommand("sqlcipher '" + path.AsUTF8Unsafe() + "'", input + query + "\n",
+                              &output);
+  return output;
+}

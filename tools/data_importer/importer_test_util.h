@@ -68,4 +68,10 @@ std::vector<std::string> TypedRows(sql::Connection* db, const std::string& table
 bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& key,
                          const base::FilePath& plain);
 
+// What the stock sqlcipher tool prints for |query| on the database at
+// |path|, after "PRAGMA key" with |key| when |key| is not empty (error
+// messages included).
+std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
+                            const std::string& query);
+
 #endif  // TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_

@@ -1,18 +1,126 @@
 #include "tools/data_importer/version2_upgrade.h"
 
+#include "base/file_util.h"
+#include "logging/logging.h"
+#include "tools/data_importer/cloud_list_cleanup.h"
+#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/database_helper/database_helper.h"
+#include "tools/data_importer/play_queue_conversion.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/target_store/build_sequence.h"
+#include "tools/data_importer/task_decision.h"
 
-// The copy-and-encrypt step and the version-3 clean-ups (play-queue
-// conversion, cloud-list move) are carried by the upgrader, which is not part
-// of this library yet: the wrapper reports its start and end so the player
-// does not wait, and leaves the files as they are.
+namespace {
 
-void RunVersion2Copy(ProgressRecord* record) {
+constexpr wchar_t kTag[] = L"[V8数据升级]";
+
+// Runs |step| on a fresh upgrader between "UpdateProgress" 10 and 100.
+template <typename Step>
+UpgradeResult RunWrapped(ProgressRecord* record, const wchar_t* task, Step step) {
+  UpgradeResult result;
+  result.task = task;
   record->SetUpdateProgress(10);
+  auto upgrader = std::make_unique<Version2Upgrader>(GetDataFolder());
+  (upgrader.get()->*step)(&result);
   record->SetUpdateProgress(100);
+  upgrader.reset();
+  return result;
 }
 
-void RunVersion3Upgrade(ProgressRecord* record) {
-  record->SetUpdateProgress(10);
-  record->SetUpdateProgress(100);
+}  // namespace
+
+UpgradeResult RunVersion2Copy(ProgressRecord* record) {
+  return RunWrapped(record, kTaskCopyVersion2, &Version2Upgrader::CopyVersion2Databases);
+}
+
+UpgradeResult RunVersion3Upgrade(ProgressRecord* record) {
+  return RunWrapped(record, kTaskUpdateVersion2, &Version2Upgrader::UpgradeVersion3Databases);
+}
+
+Version2Upgrader::Version2Upgrader(const base::FilePath& data_folder)
+    : m_data_folder(data_folder),
+      m_db(std::make_unique<DatabaseHelper>()),
+      m_cloud_list(std::make_unique<CloudListCleanup>(data_folder)) {}
+
+Version2Upgrader::~Version2Upgrader() {
+  m_cloud_list.reset();
+  m_db.reset();
+}
+
+void Version2Upgrader::CopyVersion2Databases(UpgradeResult* result) {
+  if (CopyVersion2File(L"VTMusicV2.db", L"VTMusicV3.db", &result->music_copy))
+    result->music_copy = EncryptCopy(L"VTMusicV3.db");
+  CopyOutcome playlist_failure = CopyOutcome::kNotRun;
+  bool playlist_copied = CopyVersion2File(L"playlist.db", L"playlistV3.db", &playlist_failure);
+  m_db->ResetConnection();
+  result->playlist_copy = playlist_copied ? EncryptCopy(L"playlistV3.db") : playlist_failure;
+}
+
+bool Version2Upgrader::CopyVersion2File(const wchar_t* from, const wchar_t* to,
+                                        CopyOutcome* outcome) {
+  base::FilePath source = m_data_folder.Append(from);
+  base::FilePath target = m_data_folder.Append(to);
+  if (!base::PathExists(source)) {
+    VLOG_AT(logging::LOG_PROGRESS) << kTag << L" No {" << source.value() << L"} to copy.";
+    *outcome = CopyOutcome::kNoSource;
+    return false;
+  }
+  if (!base::CopyFile(source, target)) {
+    VLOG_AT(logging::LOG_FAILURE) << kTag << L" Copy file {" << source.value() << L"} to {"
+                                  << target.value() << L"} FAILED, error code {"
+                                  << base::GetLastSystemError() << L"}.";
+    *outcome = CopyOutcome::kCopyFailed;
+    return false;
+  }
+  return true;
+}
+
+CopyOutcome Version2Upgrader::EncryptCopy(const wchar_t* name) {
+  base::FilePath path = m_data_folder.Append(name);
+  if (!m_db->OpenAndCheck(path)) {
+    VLOG_AT(logging::LOG_FAILURE) << kTag << L" {" << path.value()
+                                  << L"} failed the integrity check; left plain.";
+    return CopyOutcome::kLeftPlain;
+  }
+  // DbEncrypt writes the encrypted database beside the copy and renames it
+  // over the copy only when it is complete: a run killed meanwhile leaves the
+  // plain copy, never a half-encrypted file.
+  if (!m_db->connection()->DbEncrypt(kVersion3DatabaseKey)) {
+    VLOG_AT(logging::LOG_FAILURE) << kTag << L" Encrypting {" << path.value()
+                                  << L"} FAILED; left plain.";
+    return CopyOutcome::kEncryptFailed;
+  }
+  VLOG_AT(logging::LOG_PROGRESS) << kTag << L" {" << path.value() << L"} copied and encrypted.";
+  return CopyOutcome::kEncrypted;
+}
+
+void Version2Upgrader::UpgradeVersion3Databases(UpgradeResult* result) {
+  base::FilePath music = m_data_folder.Append(L"VTMusicV3.db");
+  if (!base::PathExists(music)) {
+    result->music_open = OpenOutcome::kMissing;
+    return;
+  }
+  if (!m_db->OpenWithKey(music, kVersion3DatabaseKey)) {
+    VLOG_AT(logging::LOG_FAILURE) << kTag << L" {" << music.value()
+                                  << L"} does not open with the key; left as it is.";
+    result->music_open = OpenOutcome::kKeyRefused;
+    return;
+  }
+  if (!m_db->CheckOrRepair()) {
+    VLOG_AT(logging::LOG_FAILURE) << kTag << L" {" << music.value()
+                                  << L"} failed the integrity check; left as it is.";
+    result->music_open = OpenOutcome::kCorrupt;
+    return;
+  }
+  result->music_open = OpenOutcome::kOpened;
+  ConvertPlayQueue(m_db->connection());
+  if (m_cloud_list) {
+    m_cloud_list->SetUp(m_db.get());
+    result->cloud_lists = m_cloud_list->Run();
+    if (result->cloud_lists == CloudListOutcome::kMoved)
+      result->cloud_lists_moved = static_cast<int>(m_cloud_list->cloud_list_ids().size());
+  }
+  VLOG_AT(logging::LOG_PROGRESS) << kTag << L" Cloud lists: {"
+                                 << OutcomeWord(result->cloud_lists) << L"}, {"
+                                 << result->cloud_lists_moved << L"} moved.";
 }

@@ -1,18 +1,66 @@
 #ifndef TOOLS_DATA_IMPORTER_VERSION2_UPGRADE_H_
 #define TOOLS_DATA_IMPORTER_VERSION2_UPGRADE_H_
 
+#include <memory>
+
+#include "base/file_path.h"
+#include "tools/data_importer/upgrade_result.h"
+
+class CloudListCleanup;
+class DatabaseHelper;
 class ProgressRecord;
 
-// The two tasks on the current generation's own databases. Both are wrapped
-// the same way: "UpdateProgress" = "10", the step, "UpdateProgress" = "100"
-// whatever the step's outcome. Neither reports failure: the only trace is the
-// files left behind.
+// The two tasks on the current generation's own databases in the data
+// folder. Both are wrapped the same way: "UpdateProgress" = "10", the
+// upgrader is created and runs its step, "UpdateProgress" = "100" whatever
+// the outcome, the upgrader is destroyed. Neither reports failure in
+// "DBCheck"; the answer says what was done (the driver keeps it as
+// "UpgradeResult.json"), and the log says why.
 
 // "copyv8dbv2": encrypted version-3 copies of the plain version-2 databases.
-void RunVersion2Copy(ProgressRecord* record);
+UpgradeResult RunVersion2Copy(ProgressRecord* record);
 
 // "updatevantu8": the clean-ups each new release runs on the version-3
-// music database.
-void RunVersion3Upgrade(ProgressRecord* record);
+// databases (play-queue conversion, cloud-list move).
+UpgradeResult RunVersion3Upgrade(ProgressRecord* record);
+
+// The object behind both tasks. It owns one DatabaseHelper (its connection
+// is the one the steps open) and the cloud-list cleanup; on destruction the
+// cleanup goes first, then the DatabaseHelper, which closes its database.
+// The version-2 files are only ever read.
+class Version2Upgrader {
+ public:
+  explicit Version2Upgrader(const base::FilePath& data_folder);
+  ~Version2Upgrader();
+  Version2Upgrader(const Version2Upgrader&) = delete;
+  Version2Upgrader& operator=(const Version2Upgrader&) = delete;
+
+  // Copies "VTMusicV2.db" over "VTMusicV3.db", opens the copy with the
+  // integrity check and the one-VACUUM repair, and encrypts it in place with
+  // the version-3 key when it passed; then the same for "playlist.db" and
+  // "playlistV3.db" on a fresh connection. A copy that fails its check stays
+  // plain and closed. A version-2 file that is missing or cannot be copied
+  // leaves its version-3 file as it was: no empty database is made in its
+  // place, so a later run can still copy it.
+  void CopyVersion2Databases(UpgradeResult* result);
+
+  // Opens an existing "VTMusicV3.db" with the key, checks it (one VACUUM to
+  // repair), then runs the play-queue conversion and the cloud-list move on
+  // the open connection. A file that does not open with the key, or stays
+  // corrupt, is left as it is and neither clean-up runs.
+  void UpgradeVersion3Databases(UpgradeResult* result);
+
+ private:
+  // Copies |from| over |to| in the data folder; on failure sets |*outcome|
+  // and answers false.
+  bool CopyVersion2File(const wchar_t* from, const wchar_t* to, CopyOutcome* outcome);
+  // Opens the copy |name| the way OpenAndCheck does and encrypts it when it
+  // passed.
+  CopyOutcome EncryptCopy(const wchar_t* name);
+
+  base::FilePath m_data_folder;
+  std::unique_ptr<DatabaseHelper> m_db;
+  std::unique_ptr<CloudListCleanup> m_cloud_list;
+};
 
 #endif  // TOOLS_DATA_IMPORTER_VERSION2_UPGRADE_H_

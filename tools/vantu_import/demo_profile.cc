@@ -3,6 +3,9 @@
 #include "base/file_util.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/fixtures/generation7_fixture.h"
+#include "testing/fixtures/version2_fixture.h"
+#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/target_store/build_sequence.h"
 
 namespace {
 
@@ -39,6 +42,30 @@ base::FilePath BuildDemoProfile(const base::FilePath& root, int generation, std:
   }
   base::FilePath registry = root.Append(L"registry.reg");
   if (!base::WriteFile(registry, registry_text)) {
+    *error = "cannot write the registry file";
+    return base::FilePath();
+  }
+  return registry;
+}
+
+base::FilePath BuildCurrentGenerationDemo(const base::FilePath& root, int version,
+                                          std::string* error) {
+  base::FilePath local = root.Append(L"AppData").Append(L"Local");
+  base::FilePath data_folder = local.Append(importer_names::kDataFolderName);
+  if (!base::CreateDirectory(data_folder) ||
+      !base::CreateDirectory(root.Append(L"AppData").Append(L"Roaming"))) {
+    *error = "cannot create the profile folders";
+    return base::FilePath();
+  }
+  bool written = version == 2
+                     ? WriteSampleVersion2Databases(data_folder)
+                     : WriteSampleVersion3Databases(data_folder, kVersion3DatabaseKey);
+  if (!written) {
+    *error = "cannot write the sample databases of the current generation";
+    return base::FilePath();
+  }
+  base::FilePath registry = root.Append(L"registry.reg");
+  if (!base::WriteFile(registry, kEmptyRegistry)) {
     *error = "cannot write the registry file";
     return base::FilePath();
   }

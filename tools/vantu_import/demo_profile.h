@@ -13,4 +13,11 @@
 // or an empty path when the profile could not be made (|error| says why).
 base::FilePath BuildDemoProfile(const base::FilePath& root, int generation, std::string* error);
 
+// The same for "--demo=v2" and "--demo=v3": no older installation, but the
+// current generation's own databases in the data folder, plain version-2
+// ones to copy (|version| 2) or version-3 ones whose cloud lists are still in
+// the music database (|version| 3).
+base::FilePath BuildCurrentGenerationDemo(const base::FilePath& root, int version,
+                                          std::string* error);
+
 #endif  // TOOLS_VANTU_IMPORT_DEMO_PROFILE_H_

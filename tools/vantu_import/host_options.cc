@@ -23,9 +23,12 @@ const char kHostUsage[] =
     "                         Users\n"
     "  --drive C=DIR          the folder standing for Windows drive C: (repeatable)\n"
     "  --i=DIR                folder of an older installation to import from\n"
-    "  --demo[=7|6]           build a sample user profile in a temporary folder\n"
-    "                         holding a generation-7 (default) or generation-6\n"
-    "                         installation, and import it\n"
+    "  --demo[=7|6|v2|v3]     build a sample user profile in a temporary folder\n"
+    "                         and run the importer on it: a generation-7\n"
+    "                         (default) or generation-6 installation to import,\n"
+    "                         plain version-2 databases to copy (v2), or\n"
+    "                         version-3 databases whose cloud lists are to be\n"
+    "                         moved (v3)\n"
     "  --quiet                print only the outcome\n"
     "  --help                 this text\n"
     "\n"
@@ -69,8 +72,11 @@ bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, s
       options->demo = 7;
     } else if (arg == "--demo=6") {
       options->demo = 6;
+    } else if (arg == "--demo=v2" || arg == "--demo=v3") {
+      options->demo = 8;
+      options->demo_version = arg.back() - '0';
     } else if (arg.rfind("--demo=", 0) == 0) {
-      *error = "option --demo takes 7 or 6, not \"" + arg.substr(7) + "\"";
+      *error = "option --demo takes 7, 6, v2 or v3, not \"" + arg.substr(7) + "\"";
       return false;
     } else if (arg.rfind("--i=", 0) == 0) {
       options->source = arg.substr(4);

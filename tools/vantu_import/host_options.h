@@ -19,12 +19,15 @@ struct HostOptions {
   bool quiet = false;
   bool help = false;
   // --demo[=GENERATION]: 0 no demo, else the generation of the sample
-  // installation (7 by default, 6 on request).
+  // installation (7 by default, 6 on request), or 8 for the current
+  // generation's own databases of version |demo_version| (--demo=v2, v3).
   int demo = 0;
+  int demo_version = 0;
 };
 
 // Parses argv. Answers false and sets |error| for an unknown option, a
-// missing value or a demo generation other than 6 or 7. Options take their value as "--opt DIR" or "--opt=DIR".
+// missing value or an unknown demo. Options take their value as "--opt DIR"
+// or "--opt=DIR".
 bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, std::string* error);
 
 // Completes the options of a copied Windows profile and checks the files

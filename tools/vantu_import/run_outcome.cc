@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "base/file_util.h"
+#include "base/json_file.h"
 #include "base/profile_string.h"
 #include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
@@ -33,8 +34,8 @@ struct TaskText {
 };
 
 const TaskText kTasks[] = {
-    {names::kTaskUpdateVersion2, "upgrade of the version-2 databases"},
-    {names::kTaskCopyVersion2, "copy of the version-2 databases"},
+    {names::kTaskUpdateVersion2, "upgrade of the version-3 databases"},
+    {names::kTaskCopyVersion2, "copy of the version-2 databases to encrypted version 3"},
     {names::kTaskImportCurrent, "re-import of the current generation"},
     {names::kTaskImportGeneration7, "import from generation 7"},
     {names::kTaskImportGeneration6, "import from generation 6"},
@@ -59,6 +60,49 @@ std::string DescribeImportEnd(const std::wstring& end) {
   if (end == L"8")
     return "8 (the source held nothing to import)";
   return end.empty() ? "- (no import ran)" : base::WideToUTF8(end);
+}
+
+// The words of "UpgradeResult.json" (written by the library's
+// upgrade_result.cc) and what they mean.
+struct WordText {
+  const char* word;
+  const char* text;
+};
+
+const WordText kCopyWords[] = {
+    {"encrypted", "copied and encrypted"},
+    {"left_plain", "copied but left plain: the copy failed its integrity check"},
+    {"encrypt_failed", "copied but left plain: the encryption failed"},
+    {"no_source", "not made: there is no version-2 file to copy"},
+    {"copy_failed", "not made: the version-2 file could not be copied"},
+};
+
+const WordText kOpenWords[] = {
+    {"missing", "VTMusicV3.db is missing: nothing done"},
+    {"key_refused", "VTMusicV3.db does not open with the key: left as it was"},
+    {"corrupt", "VTMusicV3.db is damaged beyond repair: left as it was"},
+};
+
+const WordText kCloudListWords[] = {
+    {"nothing_to_move", "no cloud lists to move"},
+    {"already_moved", "cloud lists already in playlistV3.db: nothing moved"},
+    {"no_playlist_database", "cloud lists not moved: no usable playlistV3.db"},
+    {"attach_failed", "cloud lists not moved: the music database could not be attached"},
+    {"copy_failed", "cloud lists not moved: a table copy failed, both databases as they were"},
+};
+
+std::string WordInText(const base::Value& value, const WordText* words, size_t count) {
+  std::string word = value.is_string() ? value.get<std::string>() : std::string();
+  for (size_t i = 0; i < count; ++i) {
+    if (word == words[i].word)
+      return words[i].text;
+  }
+  return word.empty() ? "not recorded" : word;
+}
+
+template <size_t N>
+std::string WordInText(const base::Value& value, const WordText (&words)[N]) {
+  return WordInText(value, words, N);
 }
 
 std::string OrDash(const std::wstring& value) {
@@ -99,12 +143,39 @@ RunOutcome ReadRunOutcome(const base::FilePath& data_folder, size_t log_offset) 
         outcome.task = base::UTF8ToWide(log.substr(start, end - start));
     }
   }
+  if (outcome.task == names::kTaskCopyVersion2 || outcome.task == names::kTaskUpdateVersion2) {
+    std::string result;
+    if (base::ReadFileToString(data_folder.Append(names::kUpgradeResultFileName), &result))
+      outcome.upgrade_done = DescribeUpgradeResult(result);
+  }
   for (const wchar_t* name : kResultFiles) {
     base::FileInfo info;
     if (base::GetFileInfo(data_folder.Append(name), &info))
       outcome.files.emplace_back(name, info.size);
   }
   return outcome;
+}
+
+std::string DescribeUpgradeResult(const std::string& json) {
+  base::Value root = base::Value::parse(json, nullptr, /*allow_exceptions=*/false);
+  if (!root.is_object())
+    return "not recorded";
+  const base::Value none;
+  auto field = [&](const char* key) -> const base::Value& {
+    return root.contains(key) ? root[key] : none;
+  };
+  if (field("task") == base::WideToUTF8(names::kTaskCopyVersion2)) {
+    return "VTMusicV3.db " + WordInText(field("music"), kCopyWords) + "; playlistV3.db " +
+           WordInText(field("playlist"), kCopyWords);
+  }
+  if (field("music") != "opened")
+    return WordInText(field("music"), kOpenWords);
+  if (field("cloud_lists") == "moved") {
+    int moved = field("cloud_lists_moved").is_number() ? field("cloud_lists_moved").get<int>() : 0;
+    return "cloud lists moved to playlistV3.db (" + std::to_string(moved) +
+           (moved == 1 ? " list)" : " lists)");
+  }
+  return WordInText(field("cloud_lists"), kCloudListWords);
 }
 
 std::string DescribeImportState(const std::wstring& state) {
@@ -127,6 +198,8 @@ std::string DescribeImportState(const std::wstring& state) {
 std::string DescribeOutcome(const RunOutcome& o) {
   std::ostringstream out;
   out << "Task:               " << TaskInWords(o.task) << "\n";
+  if (!o.upgrade_done.empty())
+    out << "Done:               " << o.upgrade_done << "\n";
   out << "ImportEnd:          " << DescribeImportEnd(o.import_end) << "\n";
   out << "ImportState:        " << DescribeImportState(o.import_state) << "\n";
   out << "ImportProgress:     " << OrDash(o.import_progress) << "\n";

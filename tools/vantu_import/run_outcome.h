@@ -18,6 +18,9 @@ struct RunOutcome {
   std::wstring import_playlists;
   std::wstring import_end;
   std::wstring source_empty;
+  // What a version-2 task did, in words (from "UpgradeResult.json"); empty
+  // for the other tasks.
+  std::string upgrade_done;
   std::vector<std::pair<std::wstring, int64_t>> files;  // name, size in bytes
 };
 
@@ -27,6 +30,10 @@ RunOutcome ReadRunOutcome(const base::FilePath& data_folder, size_t log_offset);
 
 // Current size of the importer's log in |data_folder| (0 when missing).
 size_t LogSize(const base::FilePath& data_folder);
+
+// The content of "UpgradeResult.json" in words, e.g. "VTMusicV3.db copied
+// and encrypted; playlistV3.db not made: there is no playlist.db".
+std::string DescribeUpgradeResult(const std::string& json);
 
 // "ImportState" in words, e.g. "8 (a later stage of the build failed)".
 std::string DescribeImportState(const std::wstring& state);

@@ -35,7 +35,7 @@ TEST(HostOptionsTest, ValuesInBothFormsAndBadUsage) {
   EXPECT_FALSE(Parse({"--local-appdatax=/a"}, &bad, &error));
   EXPECT_EQ("unknown option --local-appdatax=/a", error);
   EXPECT_FALSE(Parse({"--demo=8"}, &bad, &error));
-  EXPECT_EQ("option --demo takes 7 or 6, not \"8\"", error);
+  EXPECT_EQ("option --demo takes 7, 6, v2 or v3, not \"8\"", error);
 }
 
 TEST(RunOutcomeTest, StateBitsInWordsAndExitStatus) {
@@ -51,6 +51,49 @@ TEST(RunOutcomeTest, StateBitsInWordsAndExitStatus) {
   std::string text = DescribeOutcome(outcome);
   EXPECT_NE(std::string::npos, text.find("import from generation 6 (importvantu6)"));
   EXPECT_NE(std::string::npos, text.find("VTMusicV3.db (4096 bytes)"));
+}
+
+}  // namespace
+
+namespace {
+
+TEST(RunOutcomeTest, UpgradeResultInWords) {
+  EXPECT_EQ("VTMusicV3.db copied but left plain: the copy failed its integrity check; "
+            "playlistV3.db not made: there is no version-2 file to copy",
+            DescribeUpgradeResult(
+                "{\"music\":\"left_plain\",\"playlist\":\"no_source\",\"task\":\"copyv8dbv2\"}"));
+  EXPECT_EQ("cloud lists moved to playlistV3.db (1 list)",
+            DescribeUpgradeResult("{\"cloud_lists\":\"moved\",\"cloud_lists_moved\":1,"
+                                  "\"music\":\"opened\",\"task\":\"updatevantu8\"}"));
+  // The music database's state wins over the cloud lists' word.
+  EXPECT_EQ("VTMusicV3.db does not open with the key: left as it was",
+            DescribeUpgradeResult("{\"cloud_lists\":\"not_run\",\"music\":\"key_refused\","
+                                  "\"task\":\"updatevantu8\"}"));
+  EXPECT_EQ("cloud lists already in playlistV3.db: nothing moved",
+            DescribeUpgradeResult("{\"cloud_lists\":\"already_moved\",\"music\":\"opened\","
+                                  "\"task\":\"updatevantu8\"}"));
+  EXPECT_EQ("not recorded", DescribeUpgradeResult("[1,2]"));
+  EXPECT_EQ("not recorded", DescribeUpgradeResult("{\"task\":"));
+
+  RunOutcome outcome;
+  outcome.task = L"copyv8dbv2";
+  outcome.upgrade_done = "VTMusicV3.db copied and encrypted";
+  EXPECT_NE(std::string::npos,
+            DescribeOutcome(outcome).find(
+                "Task:               copy of the version-2 databases to encrypted version 3 "
+                "(copyv8dbv2)\nDone:               VTMusicV3.db copied and encrypted\n"));
+}
+
+TEST(HostOptionsTest, CurrentGenerationDemos) {
+  HostOptions options;
+  std::string error;
+  ASSERT_TRUE(Parse({"--demo=v2"}, &options, &error));
+  EXPECT_EQ(8, options.demo);
+  EXPECT_EQ(2, options.demo_version);
+  ASSERT_TRUE(Parse({"--demo=v3"}, &options, &error));
+  EXPECT_EQ(3, options.demo_version);
+  EXPECT_FALSE(Parse({"--demo=v4"}, &options, &error));
+  EXPECT_EQ("option --demo takes 7, 6, v2 or v3, not \"v4\"", error);
 }
 
 }  // namespace

@@ -17,13 +17,28 @@ DatabaseHelper::~DatabaseHelper() {
   connection_.reset();
 }
 
-bool DatabaseHelper::OpenAndCheck(const base::FilePath& path) {
-  // A missing file is no error: it will be created.
+void DatabaseHelper::PrepareOpen(const base::FilePath& path) {
+  // Clears a read-only flag left by earlier releases. Deliberately unchecked:
+  // a missing file is no error here, and an open that still cannot write
+  // fails on its own.
   (void)base::SetFileAttributesNormal(path);
   connection_->set_page_size(4096);
   connection_->set_cache_size(64);
+}
+
+bool DatabaseHelper::OpenAndCheck(const base::FilePath& path) {
+  PrepareOpen(path);
   if (!connection_->Open(path))
     return false;
+  return CheckOrRepair();
+}
+
+bool DatabaseHelper::OpenWithKey(const base::FilePath& path, const std::wstring& key) {
+  PrepareOpen(path);
+  return connection_->OpenWithKey(path, key, /*create_if_missing=*/false);
+}
+
+bool DatabaseHelper::CheckOrRepair() {
   if (CheckIntegrity())
     return true;
   // The second integrity check decides, whatever the VACUUM answered.
@@ -77,6 +92,11 @@ bool DatabaseHelper::CopyTable(const std::string& where, const std::string& tabl
 
 void DatabaseHelper::Close() {
   connection_->Close();
+}
+
+void DatabaseHelper::ResetConnection() {
+  attached_alias_.clear();
+  connection_ = std::make_unique<sql::Connection>();
 }
 
 std::string BuildInsertStatement(const std::string& table, const std::string& columns,

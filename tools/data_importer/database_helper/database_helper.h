@@ -33,6 +33,19 @@ class DatabaseHelper {
   //     file is corrupt and must not be read.
   [[nodiscard]] bool OpenAndCheck(const base::FilePath& path);
 
+  // Opens the encrypted database at |path| with |key|, after the same
+  // attribute clearing and page and cache sizes as OpenAndCheck. A file that
+  // does not exist is refused, never created: a keyed open is only ever
+  // meant for a database some earlier run wrote. False when the file is
+  // missing, the key is wrong or the file is plain; the connection is then
+  // closed. No integrity check: follow with CheckOrRepair.
+  [[nodiscard]] bool OpenWithKey(const base::FilePath& path, const std::wstring& key);
+
+  // Steps 3 to 5 of OpenAndCheck on the database already open: true when it
+  // passes the integrity check, at once or after one "VACUUM"; otherwise the
+  // connection is closed and the answer is false.
+  [[nodiscard]] bool CheckOrRepair();
+
   // Runs the cached "PRAGMA Integrity_Check" and passes only when its first
   // row reads "ok" (any letter case). False for an invalid statement, no row,
   // or a list of problems.
@@ -54,10 +67,17 @@ class DatabaseHelper {
 
   void Close();
 
+  // Replaces the connection by a new, unopened one; the old connection is
+  // destroyed, which closes its database. Nothing stays attached.
+  void ResetConnection();
+
   sql::Connection* connection() { return connection_.get(); }
   const std::string& attached_alias() const { return attached_alias_; }
 
  private:
+  // Clears the file's attributes and sets the page and cache sizes.
+  void PrepareOpen(const base::FilePath& path);
+
   std::unique_ptr<sql::Connection> connection_;
   std::string attached_alias_;
 };
