@@ -18,6 +18,7 @@ DatabaseHelper::~DatabaseHelper() {
 }
 
 bool DatabaseHelper::OpenAndCheck(const base::FilePath& path) {
+  repaired_ = false;
   base::SetFileAttributesNormal(path);
   connection_->set_page_size(4096);
   connection_->set_cache_size(64);
@@ -26,8 +27,10 @@ bool DatabaseHelper::OpenAndCheck(const base::FilePath& path) {
   if (CheckIntegrity())
     return true;
   connection_->Execute("VACUUM");
-  if (CheckIntegrity())
+  if (CheckIntegrity()) {
+    repaired_ = true;
     return true;
+  }
   connection_->Close();
   return false;
 }

@@ -32,6 +32,9 @@ class DatabaseHelper {
   //  5. otherwise the connection is closed and the answer is false: the
   //     file is corrupt and must not be read.
   bool OpenAndCheck(const base::FilePath& path);
+  // Whether the last OpenAndCheck passed only after the "VACUUM" (the file
+  // was damaged: rows of a damaged page may be gone).
+  bool repaired() const { return repaired_; }
 
   // Runs the cached "PRAGMA Integrity_Check" and passes only when its first
   // row reads "ok" (any letter case). False for an invalid statement, no row,
@@ -60,6 +63,7 @@ class DatabaseHelper {
  private:
   std::unique_ptr<sql::Connection> connection_;
   std::string attached_alias_;
+  bool repaired_ = false;
 };
 
 // "Insert Into " + table + "(" + columns + ") values (" + values + ")": the

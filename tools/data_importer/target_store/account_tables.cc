@@ -51,7 +51,7 @@ void ImportModel::WriteUserLoginHistory() {
                row->Text("ExtraPartner", l.ExtraPartner);
                row->Text("ExtraPicture", l.ExtraPicture);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WriteKeywordSearchHistory() {
@@ -61,5 +61,5 @@ void ImportModel::WriteKeywordSearchHistory() {
                row->Int("TimeTick", k.TimeTick);
                row->Int("Type", k.Type);
                return true;
-             });
+             }, report());
 }

@@ -88,7 +88,7 @@ void ImportModel::WriteDownloadItems() {
   WriteTable(m_music_db.get(), kDownloadItem, m_downloads, EmptyList::kSkipTable,
              [this](const DownloadRecord& d, RowBuilder* row) {
                if (ResolveDownloadFile(*this, d) == 0)
-                 return false;
+                 return RowFate::Drop(drop_reason::kDownloadUnresolved);
                row->Text("FileName", d.FileName);
                row->Text("DestFileName", d.DestFileName);
                row->Text("DestFileNameSaveAs", d.DestFileNameSaveAs);
@@ -116,10 +116,12 @@ void ImportModel::WriteDownloadItems() {
                row->Int("VipType", d.VipType);
                AppendTrackColumns(d, row);
                row->Text("FileSource", d.FileSource);
-               return true;
-             });
+               return RowFate::Write();
+             }, report());
 }
 
+// A finished download whose file is missing is counted as dropped once, by
+// the DownloadItem writer; here it is only left out.
 void ImportModel::WriteDownloadHistoryItems() {
   WriteTable(m_music_db.get(), kDownloadHistoryItem, m_downloads, EmptyList::kSkipTable,
              [this](const DownloadRecord& d, RowBuilder* row) {
@@ -141,5 +143,5 @@ void ImportModel::WriteDownloadHistoryItems() {
                row->Int("VipType", d.VipType);
                row->Text("FileSource", d.FileSource);
                return true;
-             });
+             }, report());
 }

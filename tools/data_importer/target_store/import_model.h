@@ -11,6 +11,7 @@
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/target_store/import_records.h"
 
+class ImportReport;
 class ProgressRecord;
 struct ImportedSettings;
 
@@ -40,6 +41,12 @@ class ImportModel {
 
   // Reports |bits| as import state through the progress record, if any.
   void ReportState(uint32_t bits);
+
+  // The run's import report (the progress record's), where readers count
+  // what they read, made and dropped (SourceTableTally) and writers what
+  // they wrote. Never null: a model without a progress record keeps one of
+  // its own.
+  ImportReport* report();
 
   // Writers of the music-library database (m_music_db).
   void WriteShareFileItems();
@@ -103,6 +110,9 @@ class ImportModel {
   std::unique_ptr<DatabaseHelper> m_music_db;
   std::unique_ptr<DatabaseHelper> m_playlist_db;
   ProgressRecord* m_progress = nullptr;
+
+ private:
+  std::unique_ptr<ImportReport> own_report_;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_H_

@@ -74,10 +74,12 @@ void FillShareFileRow(const ShareFileItem& f, RowBuilder* row) {
 }
 
 // Builds every record's insert text first; the rows then receive
-// consecutive ids (see InsertNumberedRows), answered in record order.
+// consecutive ids (see InsertNumberedRows), answered in record order. Each
+// row is counted in |report| as written or refused.
 template <typename Record, typename FillRow>
 std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableDef& definition,
-                                    const RecordList<Record>& records, FillRow fill_row) {
+                                    const RecordList<Record>& records, FillRow fill_row,
+                                    ImportReport* report) {
   std::vector<std::string> statements;
   statements.reserve(records.size());
   RowBuilder row;
@@ -86,7 +88,16 @@ std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableDef& definiti
     statements.push_back(row.Statement(definition.name));
     row.Clear();
   }
-  return InsertNumberedRows(db, definition.name, "ID", statements);
+  std::vector<bool> inserted;
+  std::vector<int> ids = InsertNumberedRows(db, definition.name, "ID", statements, &inserted);
+  TargetTableTally tally(report, definition.name);
+  for (size_t i = 0; i < records.size(); ++i) {
+    if (inserted[i])
+      tally.Written(records[i]->origin);
+    else
+      tally.Dropped(records[i]->origin, drop_reason::kRowRefused, DropExampleOf(*records[i]));
+  }
+  return ids;
 }
 
 }  // namespace
@@ -97,7 +108,8 @@ void ImportModel::WriteShareFileItems() {
   if (m_share_files.empty())
     return;
   std::vector<int> ids =
-      WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files, FillShareFileRow);
+      WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files, FillShareFileRow,
+                         report());
   m_hash_id_map.reserve(m_hash_id_map.size() + m_share_files.size());
   for (size_t i = 0; i < m_share_files.size(); ++i) {
     const ShareFileItem& file = *m_share_files[i];
@@ -120,7 +132,8 @@ void ImportModel::WriteShareFolders() {
         row->Text("Path", f.Path);
         row->Int("LastModifyTime", f.LastModifyTime);
         row->Int("AddType", f.AddType);
-      });
+      },
+      report());
   for (size_t i = 0; i < m_share_folders.size(); ++i)
     m_folder_id_map[m_share_folders[i]->old_id] = ids[i];
 }
@@ -151,7 +164,7 @@ void ImportModel::WriteLocalFiles() {
                row->Text("SimpTitle", f.SimpTitle);
                row->Int("LastWriteTime", f.LastWriteTime);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WriteAppTools() {
@@ -162,5 +175,5 @@ void ImportModel::WriteAppTools() {
                row->Int("SoftIndex", t.SoftIndex);
                row->Text("Path", t.Path);
                return true;
-             });
+             }, report());
 }

@@ -59,7 +59,7 @@ void ImportModel::WriteRadioChannelTable() {
                row->Int("FMListVersion", c.FMListVersion);
                row->Int("FMStatus", c.FMStatus);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WriteDislikeRadioItems() {
@@ -75,7 +75,7 @@ void ImportModel::WriteDislikeRadioItems() {
                row->Int("Bitrate", d.Bitrate);
                row->Int("CDNFlag", d.CDNFlag);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WritePlayedRadioItems() {
@@ -85,5 +85,5 @@ void ImportModel::WritePlayedRadioItems() {
                row->Int("ChannelInformationID", p.ChannelInformationID);
                row->Int("SongID", p.SongID);
                return true;
-             });
+             }, report());
 }

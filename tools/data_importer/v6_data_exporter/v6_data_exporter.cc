@@ -8,6 +8,8 @@
 #include "logging/debug_output.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/progress_record.h"
 
 #define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
@@ -109,6 +111,7 @@ bool V6DataExporter::CopyV1Database() {
   m_work_db = work.Append(kV1Copy);
   if (base::PathExists(m_work_db)) {
     logging::OutputDebugStringW(L"v6bak DB exist!!!");
+    m_model->report()->AddSource(m_work_db, m_work_db, "V1", ImportReport::kReusedCopy);
     CopyWithLog(m_work_db, GetDatedBackupFolder().Append(kV1Copy));
     CopyWithLog(m_work_db, work.Append(kIntermediateCopy));
     return true;
@@ -121,7 +124,9 @@ bool V6DataExporter::CopyV1Database() {
     return false;
   }
   CopyWithLog(m_source_db, GetDatedBackupFolder().Append(kV1Copy));
-  CopyWithLog(m_source_db, m_work_db);
+  bool copied = CopyWithLog(m_source_db, m_work_db);
+  m_model->report()->AddSource(m_source_db, m_work_db, "V1",
+                               copied ? ImportReport::kCopied : ImportReport::kUnreadable);
   CopyWithLog(m_work_db, work.Append(kIntermediateCopy));
   return true;
 }
@@ -146,8 +151,10 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
                                  << copies.size() << L"}.";
     logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
     base::FilePath backup = GetDatedBackupFolder();
-    for (const base::FilePath& copy : copies)
+    for (const base::FilePath& copy : copies) {
+      m_model->report()->AddSource(copy, copy, "V2", ImportReport::kReusedCopy);
       CopyWithLog(copy, backup.Append(copy.BaseName().value()));
+    }
     return true;
   }
   base::FilePath program = LocateInstallation();
@@ -162,7 +169,9 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   base::FilePath backup = GetDatedBackupFolder();
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
-    CopyWithLog(source, work.Append(name));
+    bool copied = CopyWithLog(source, work.Append(name));
+    m_model->report()->AddSource(source, work.Append(name), "V2",
+                                 copied ? ImportReport::kCopied : ImportReport::kUnreadable);
     CopyWithLog(source, backup.Append(name));
   }
   return true;
@@ -170,7 +179,12 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
 
 bool V6DataExporter::OpenSource(const base::FilePath& path) {
   ResetDatabase();
-  return m_db->OpenAndCheck(path);
+  bool opened = m_db->OpenAndCheck(path);
+  if (!opened)
+    m_model->report()->MarkSource(path, ImportReport::kUnreadable);
+  else if (m_db->repaired())
+    m_model->report()->MarkSource(path, ImportReport::kRepaired);
+  return opened;
 }
 
 int32_t V6DataExporter::ReadV1Layout() {

@@ -6,6 +6,7 @@
 
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
 
@@ -15,6 +16,12 @@ namespace {
 
 const std::wstring kZeroHash = L"00000000000000000000000000000000";
 constexpr wchar_t kDefaultListName[] = L"默认列表";
+
+// In the "V2" layout "PlayListItems" is read twice, once for the music
+// items and once per list for its entries; the report counts the two reads
+// apart.
+constexpr char kV2MusicItemsTable[] = "PlayListItems (music items)";
+constexpr char kV2ListEntriesTable[] = "PlayListItems (list entries)";
 
 // A hash the row does not supply becomes the all-zero hash.
 std::wstring HashOrZero(const std::wstring& hash) {
@@ -49,8 +56,10 @@ bool V6DataExporter::ReadMusicVideos() {
   DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MVItems").str());
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(m_model->report(), m_db->connection()->path(), "MVItems");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = row.GetInt("ID");  // the id music items refer to as MvItemID
     file->ShareFileType = 2;
@@ -64,6 +73,7 @@ bool V6DataExporter::ReadMusicVideos() {
     file->OwnerCount = row.GetInt("OwnerCount");
     file->LastWriteTime = row.GetInt64("LastWriteTime");
     m_mv_items[file->old_id] = file;
+    tally.Made(file.get());
     m_model->m_share_files.push_back(file);
     ++count;
   }
@@ -78,8 +88,10 @@ bool V6DataExporter::ReadMusicItems() {
   DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MusicItems").str());
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(m_model->report(), m_db->connection()->path(), "MusicItems");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = row.GetInt("ID");
     file->FileName = row.GetString16("FileName");
@@ -102,6 +114,7 @@ bool V6DataExporter::ReadMusicItems() {
     entry.file = file;
     entry.mv_id = row.GetInt("MvItemID");
     entry.start_time = row.GetInt64("StartTime");
+    tally.Made(file.get());
     m_model->m_share_files.push_back(file);
     ++count;
   }
@@ -116,8 +129,10 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
                   (boost::format("SELECT * FROM %s") % "PlayListItems").str());
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(m_model->report(), m_db->connection()->path(), kV2MusicItemsTable);
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = m_next_v2_file_id++;
     std::wstring folder = row.GetString16("Path");
@@ -133,6 +148,7 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
     file->ReplayGain = row.GetDouble("ReplayGain");
     std::wstring key = std::to_wstring(row.GetInt("ItemID")) + L"_" + std::to_wstring(library_number);
     m_v2_music_items[key].file = file;
+    tally.Made(file.get());
     m_model->m_share_files.push_back(file);
     ++count;
   }
@@ -148,13 +164,18 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
   DbRowReader row(db, query);
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(m_model->report(), db.path(), "PlayLists");
   std::vector<ListRef> default_lists, normal_lists;
   while (row.Step()) {
+    tally.Read();
     int type = row.GetInt("PlayListType");
     bool is_default = type == 3;
-    if (!is_default && type != 0 && type != 6 && type != 10)
-      continue;
     int id = row.GetInt("PlayListID");
+    if (!is_default && type != 0 && type != 6 && type != 10) {
+      tally.Dropped("GeneralListTable", drop_reason::kListTypeNotImported, id,
+                    row.GetString16("PlayListName"));
+      continue;
+    }
     if (!is_default) {
       std::string count_query =
           v2 ? (boost::format("SELECT COUNT(*) AS ListItemCount FROM %s WHERE PlayListID = %d") %
@@ -168,6 +189,8 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       if (!count.Step() || count.GetInt("ListItemCount") < 1) {
         V6LOG(logging::LOG_PROGRESS) << L"There is no items under {TABLE: PlayListItems, PlayListID: "
                                      << id << L"}.";
+        tally.Dropped("GeneralListTable", drop_reason::kListWithoutEntries, id,
+                      row.GetString16("PlayListName"));
         continue;
       }
     }
@@ -188,6 +211,7 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       normal_lists.push_back({id, false});
     }
     m_list_ids.insert(id);
+    tally.Made(list.get());
     m_model->m_play_lists.push_back(list);
     m_model->m_list_songs[id];  // the list has its table even without entries
   }
@@ -226,9 +250,13 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
                .str();
   DbRowReader row(*m_db->connection(), query);
   SongList& songs = m_model->m_list_songs[list.id];
+  SourceTableTally tally(m_model->report(), m_db->connection()->path(),
+                         v2 ? kV2ListEntriesTable : "PlayListItems");
+  const std::string target = "GeneralList_" + std::to_string(list.id);
   size_t total = 0, loaded = 0;
   while (row.Step()) {
     ++total;
+    tally.Read();
     const MusicEntry* music = nullptr;
     if (v2) {
       auto found = m_v2_music_items.find(std::to_wstring(row.GetInt("ItemID")) + L"_" +
@@ -238,8 +266,14 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
       auto found = m_music_items.find(row.GetInt("MusicItemID"));
       music = found == m_music_items.end() ? nullptr : &found->second;
     }
-    if (!music)
+    if (!music) {
+      std::wstring title = v2 ? row.GetString16("Title") : std::wstring();
+      if (title.empty())
+        title = v2 ? row.GetString16("FileName")
+                   : L"music item " + std::to_wstring(row.GetInt("MusicItemID"));
+      tally.Dropped(target, drop_reason::kListEntrySongMissing, row.GetInt("ItemID"), title);
       continue;
+    }
     auto song = std::make_shared<SongItem>();
     FillFromMusic(*music, song.get());
     song->SongID = row.GetInt("ItemID");
@@ -255,6 +289,7 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
       song->CueBeginTime = row.GetInt64("StartTime");
       song->CueEndTime = row.GetInt64("EndTime");
     }
+    tally.Made(song.get());
     songs.push_back(song);
     ++loaded;
   }
@@ -273,8 +308,10 @@ bool V6DataExporter::ReadUnfinishedDownloads() {
   DbRowReader row(*m_db->connection(), "Select * From Downing");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(m_model->report(), m_db->connection()->path(), "Downing");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto download = std::make_shared<DownloadRecord>();
     download->file_id = row.GetInt("MusicID");
     download->FileID = download->file_id;
@@ -284,6 +321,7 @@ bool V6DataExporter::ReadUnfinishedDownloads() {
     download->FileSize = row.GetInt("FileSize");
     download->DownType = row.GetInt("DownType");
     download->FileName = BaseNameWithoutExtension(download->DestFileName);
+    tally.Made(download.get());
     m_model->m_downloads.push_back(download);
     ++count;
   }
@@ -296,8 +334,10 @@ bool V6DataExporter::ReadFinishedDownloads() {
   DbRowReader row(*m_db->connection(), "Select * From DownHistory");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(m_model->report(), m_db->connection()->path(), "DownHistory");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto download = std::make_shared<DownloadRecord>();
     download->DestFileName = row.GetString16("FileName");
     download->FileName = BaseNameWithoutExtension(download->DestFileName);
@@ -308,6 +348,7 @@ bool V6DataExporter::ReadFinishedDownloads() {
     download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
     download->MD5 = HashOrZero(row.GetString16("FileHash"));
     download->Percent = 100;
+    tally.Made(download.get());
     m_model->m_downloads.push_back(download);
     ++count;
   }
