@@ -7,6 +7,7 @@
 #include "base/command_line.h"
 #include "base/file_util.h"
 #include "base/path_service.h"
+#include "base/windows_path.h"
 #include "common/exception_report/crash_handler.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
@@ -52,7 +53,9 @@ void Run() {
   base::CommandLine command_line = base::CommandLine::FromString(base::GetCommandLineW());
   base::CommandLine::SwitchMap switches = command_line.GetSwitches();
   auto source = switches.find("i");
-  base::FilePath source_folder(source == switches.end() ? std::wstring() : source->second);
+  // The player may pass a Windows path ("D:\\Old Player\\data").
+  base::FilePath source_folder =
+      source == switches.end() ? base::FilePath() : base::MapWindowsPath(source->second);
 
   auto decision_start = std::chrono::steady_clock::now();
   base::FilePath data_folder = GetDataFolder();

@@ -4,13 +4,13 @@
 #include <exception>
 
 #include "base/file_util.h"
-#include "base/reg_key.h"
+#include "tools/data_importer/installation_lookup.h"
 #include "logging/debug_output.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/import_report.h"
-#include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 #define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
 
@@ -18,7 +18,6 @@ namespace {
 
 constexpr wchar_t kV1Database[] = L"VTData.db";
 constexpr wchar_t kV1Copy[] = L"VT6Data.db";
-constexpr wchar_t kIntermediateCopy[] = L"DataImporter.db";
 constexpr wchar_t kLibraryPattern[] = L"VTLibrary*.db";
 
 std::vector<base::FilePath> ListFiles(const base::FilePath& folder, const wchar_t* pattern) {
@@ -40,14 +39,8 @@ std::wstring V6DataExporter::Dump(const base::FilePath& path) {
 }
 
 base::FilePath V6DataExporter::LocateInstallation() {
-  base::RegKey key;
-  std::wstring program;
-  if (!key.Open(L"Software\\VanTa6") || !key.ReadValue(L"AppFileName", &program) ||
-      program.empty())
-    return base::FilePath();
-  // The registry holds a Windows path; either separator may occur.
-  size_t slash = program.find_last_of(L"\\/");
-  return base::FilePath(slash == std::wstring::npos ? std::wstring() : program.substr(0, slash));
+  base::FilePath program = GetGeneration6ProgramPath();
+  return program.empty() ? program : program.DirName();
 }
 
 base::FilePath V6DataExporter::GetDatabasePath() {
@@ -84,12 +77,8 @@ int32_t V6DataExporter::ExportData() {
   return result;
 }
 
-bool V6DataExporter::CopyWithLog(const base::FilePath& from, const base::FilePath& to) {
-  if (base::CopyFile(from, to))
-    return true;
-  V6LOG(logging::LOG_FAILURE) << L"Copy file {" << from.value() << L"} to {" << to.value()
-                              << L"} FAILED, error code {" << base::GetLastSystemError() << L"}.";
-  return false;
+const wchar_t* V6DataExporter::LogTag() const {
+  return L"[V6数据导入] ";
 }
 
 void V6DataExporter::CopyLyrics() {
@@ -107,27 +96,22 @@ void V6DataExporter::CopyLyrics() {
 }
 
 bool V6DataExporter::CopyV1Database() {
-  base::FilePath work = GetDataFolder();
-  m_work_db = work.Append(kV1Copy);
-  if (base::PathExists(m_work_db)) {
+  m_work_db = GetDataFolder().Append(kV1Copy);
+  bool reused = base::PathExists(m_work_db);
+  if (reused) {
     logging::OutputDebugStringW(L"v6bak DB exist!!!");
-    m_model->report()->AddSource(m_work_db, m_work_db, "V1", ImportReport::kReusedCopy);
-    CopyWithLog(m_work_db, GetDatedBackupFolder().Append(kV1Copy));
-    CopyWithLog(m_work_db, work.Append(kIntermediateCopy));
-    return true;
+  } else {
+    V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not found.";
   }
-  V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not found.";
-  GetDatabasePath();
-  if (m_source_db.empty() || !base::PathExists(m_source_db)) {
+  WorkCopy copy = ObtainWorkCopy(
+      m_work_db, [this] { return GetDatabasePath(); }, kV1Copy, "V1");
+  if (copy == WorkCopy::kNoSource) {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_source_db.value() << L"} do not found.";
     logging::OutputDebugStringW(L"v6 DB is not exist!!!");
     return false;
   }
-  CopyWithLog(m_source_db, GetDatedBackupFolder().Append(kV1Copy));
-  bool copied = CopyWithLog(m_source_db, m_work_db);
-  m_model->report()->AddSource(m_source_db, m_work_db, "V1",
-                               copied ? ImportReport::kCopied : ImportReport::kUnreadable);
-  CopyWithLog(m_work_db, work.Append(kIntermediateCopy));
+  // A failed copy has been logged; reading then finds no work copy and
+  // reports it, so the layout still counts as found.
   return true;
 }
 
@@ -151,9 +135,10 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
                                  << copies.size() << L"}.";
     logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
     base::FilePath backup = GetDatedBackupFolder();
+    // Copy failures are logged by CopyWithLog and do not stop the export.
     for (const base::FilePath& copy : copies) {
-      m_model->report()->AddSource(copy, copy, "V2", ImportReport::kReusedCopy);
-      CopyWithLog(copy, backup.Append(copy.BaseName().value()));
+      Report()->AddSource(copy, copy, "V2", ImportReport::kReusedCopy);
+      (void)CopyWithLog(copy, backup.Append(copy.BaseName().value()));
     }
     return true;
   }
@@ -169,29 +154,19 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   base::FilePath backup = GetDatedBackupFolder();
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
-    bool copied = CopyWithLog(source, work.Append(name));
-    m_model->report()->AddSource(source, work.Append(name), "V2",
+    bool copied = CopyWithLog(source, work.Append(name));  // logged; see above
+    Report()->AddSource(source, work.Append(name), "V2",
                                  copied ? ImportReport::kCopied : ImportReport::kUnreadable);
-    CopyWithLog(source, backup.Append(name));
+    (void)CopyWithLog(source, backup.Append(name));
   }
   return true;
-}
-
-bool V6DataExporter::OpenSource(const base::FilePath& path) {
-  ResetDatabase();
-  bool opened = m_db->OpenAndCheck(path);
-  if (!opened)
-    m_model->report()->MarkSource(path, ImportReport::kUnreadable);
-  else if (m_db->repaired())
-    m_model->report()->MarkSource(path, ImportReport::kRepaired);
-  return opened;
 }
 
 int32_t V6DataExporter::ReadV1Layout() {
   if (!base::PathExists(m_work_db)) {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
-  } else if (OpenSource(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
+  } else if (OpenSourceWithRepair(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
     if (!ReadMusicVideos())
       ReportState(ProgressRecord::kStateTableFailed);
     if (!ReadMusicItems())
@@ -228,7 +203,7 @@ int32_t V6DataExporter::ReadV2Layout() {
       continue;
     V6LOG(logging::LOG_PROGRESS) << L"Loading {VTLibrary.db}.";
     if (base::PathExists(library)) {
-      if (OpenSource(library)) {
+      if (OpenSourceWithRepair(library)) {
         if (!ReadUnfinishedDownloads())
           ReportState(ProgressRecord::kStateTableFailed);
         if (!ReadFinishedDownloads())
@@ -247,7 +222,9 @@ int32_t V6DataExporter::ReadV2Layout() {
       ReportState(ProgressRecord::kStateNotStarted);
       continue;
     }
-    OpenSource(library);
+    // An unsound file leaves m_db closed: both readers then fail and report
+    // their bits, which is all there is to say about it.
+    (void)OpenSourceWithRepair(library);
     if (!ReadMusicItemsV2(number))
       ReportState(ProgressRecord::kStateMusicFailed);
     if (!ReadPlayLists(true, number))

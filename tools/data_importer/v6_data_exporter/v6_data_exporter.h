@@ -37,6 +37,9 @@ class V6DataExporter : public DataExporter {
   // The "V1" database of the installation named in the registry, or empty.
   base::FilePath GetDatabasePath() override;
 
+ protected:
+  const wchar_t* LogTag() const override;
+
  private:
   // What a list reader remembers of an imported music item.
   struct MusicEntry {
@@ -59,13 +62,10 @@ class V6DataExporter : public DataExporter {
   bool CopyV1Database();
   bool CopyV2Databases();
   bool CopyV2DatabasesUnguarded();
-  bool CopyWithLog(const base::FilePath& from, const base::FilePath& to);
 
   // Layouts.
   int32_t ReadV1Layout();
   int32_t ReadV2Layout();
-  // Opens |path| with repair into a fresh m_db; false when unusable.
-  bool OpenSource(const base::FilePath& path);
   // The generation-6 settings ("VanTa.xml") and saved logins
   // ("LoginSave.bin") are carried over by the settings migration, which this
   // library does not include yet: both answer without reading anything.

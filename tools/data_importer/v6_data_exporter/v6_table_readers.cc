@@ -56,7 +56,7 @@ bool V6DataExporter::ReadMusicVideos() {
   DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MVItems").str());
   if (!row.IsValid())
     return false;
-  SourceTableTally tally(m_model->report(), m_db->connection()->path(), "MVItems");
+  SourceTableTally tally(Report(), m_db->connection()->path(), "MVItems");
   size_t count = 0;
   while (row.Step()) {
     tally.Read();
@@ -88,7 +88,7 @@ bool V6DataExporter::ReadMusicItems() {
   DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MusicItems").str());
   if (!row.IsValid())
     return false;
-  SourceTableTally tally(m_model->report(), m_db->connection()->path(), "MusicItems");
+  SourceTableTally tally(Report(), m_db->connection()->path(), "MusicItems");
   size_t count = 0;
   while (row.Step()) {
     tally.Read();
@@ -129,7 +129,7 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
                   (boost::format("SELECT * FROM %s") % "PlayListItems").str());
   if (!row.IsValid())
     return false;
-  SourceTableTally tally(m_model->report(), m_db->connection()->path(), kV2MusicItemsTable);
+  SourceTableTally tally(Report(), m_db->connection()->path(), kV2MusicItemsTable);
   size_t count = 0;
   while (row.Step()) {
     tally.Read();
@@ -164,7 +164,7 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
   DbRowReader row(db, query);
   if (!row.IsValid())
     return false;
-  SourceTableTally tally(m_model->report(), db.path(), "PlayLists");
+  SourceTableTally tally(Report(), db.path(), "PlayLists");
   std::vector<ListRef> default_lists, normal_lists;
   while (row.Step()) {
     tally.Read();
@@ -250,7 +250,7 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
                .str();
   DbRowReader row(*m_db->connection(), query);
   SongList& songs = m_model->m_list_songs[list.id];
-  SourceTableTally tally(m_model->report(), m_db->connection()->path(),
+  SourceTableTally tally(Report(), m_db->connection()->path(),
                          v2 ? kV2ListEntriesTable : "PlayListItems");
   const std::string target = "GeneralList_" + std::to_string(list.id);
   size_t total = 0, loaded = 0;
@@ -308,7 +308,7 @@ bool V6DataExporter::ReadUnfinishedDownloads() {
   DbRowReader row(*m_db->connection(), "Select * From Downing");
   if (!row.IsValid())
     return false;
-  SourceTableTally tally(m_model->report(), m_db->connection()->path(), "Downing");
+  SourceTableTally tally(Report(), m_db->connection()->path(), "Downing");
   size_t count = 0;
   while (row.Step()) {
     tally.Read();
@@ -334,7 +334,7 @@ bool V6DataExporter::ReadFinishedDownloads() {
   DbRowReader row(*m_db->connection(), "Select * From DownHistory");
   if (!row.IsValid())
     return false;
-  SourceTableTally tally(m_model->report(), m_db->connection()->path(), "DownHistory");
+  SourceTableTally tally(Report(), m_db->connection()->path(), "DownHistory");
   size_t count = 0;
   while (row.Step()) {
     tally.Read();
