@@ -14,6 +14,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/string_util.h"
 #include "base/utf_string_conversions.h"
 
 namespace base {
@@ -34,7 +35,7 @@ bool Fail() {
 wchar_t FoldCase(wchar_t c) {
   static locale_t utf8_locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
   if (c < 0x80)
-    return (c >= L'A' && c <= L'Z') ? static_cast<wchar_t>(c + 32) : c;
+    return ToLowerASCII(c);
   if (!utf8_locale)
     return c;
   return static_cast<wchar_t>(towlower_l(static_cast<wint_t>(c), utf8_locale));

@@ -9,6 +9,7 @@
 #include "base/code_page_1252.h"
 #include "base/file_path.h"
 #include "base/file_util.h"
+#include "base/string_util.h"
 #include "base/utf_string_conversions.h"
 
 namespace base {
@@ -79,11 +80,8 @@ bool Load(const FilePath& path, IniText* text) {
   if ((b0 == 0xFF && b1 == 0xFE) || (b0 == 0xFE && b1 == 0xFF)) {
     bool little = b0 == 0xFF;
     text->encoding = little ? IniText::kUtf16 : IniText::kUtf16Be;
-    for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
-      unsigned lo = static_cast<unsigned char>(bytes[little ? i : i + 1]);
-      unsigned hi = static_cast<unsigned char>(bytes[little ? i + 1 : i]);
-      text->units.push_back(static_cast<wchar_t>(lo | (hi << 8)));
-    }
+    for (char16_t unit : UTF16UnitsFromBytes(std::string_view(bytes).substr(2), !little))
+      text->units.push_back(static_cast<wchar_t>(unit));
     return true;
   }
   size_t start = 0;
@@ -142,18 +140,7 @@ std::wstring_view Trim(std::wstring_view s) {
 }
 
 bool SameName(std::wstring_view a, std::wstring_view b) {
-  if (a.size() != b.size())
-    return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    wchar_t x = a[i], y = b[i];
-    if (x >= L'A' && x <= L'Z')
-      x += 32;
-    if (y >= L'A' && y <= L'Z')
-      y += 32;
-    if (x != y)
-      return false;
-  }
-  return true;
+  return EqualsCaseInsensitiveASCII(a, b);
 }
 
 // One line of the file: [begin, end) is its text, [end, next) its line

@@ -1,6 +1,8 @@
 #include "base/reg_key.h"
 
 #include <stdlib.h>
+
+#include <algorithm>
 #include <string.h>
 #include <wctype.h>
 
@@ -9,6 +11,7 @@
 #include "base/file_path.h"
 #include "base/file_util.h"
 #include "base/registry_hive.h"
+#include "base/string_util.h"
 #include "base/utf_string_conversions.h"
 
 namespace base {
@@ -21,12 +24,8 @@ namespace {
 
 constexpr wchar_t kHive[] = L"hkey_current_user\\";
 
-std::wstring Fold(std::wstring text) {
-  for (wchar_t& c : text) {
-    if (c >= L'A' && c <= L'Z')
-      c = static_cast<wchar_t>(c + 32);
-  }
-  return text;
+std::wstring Fold(const std::wstring& text) {
+  return ToLowerASCII(text);
 }
 
 std::wstring Trim(const std::wstring& text) {
@@ -42,12 +41,7 @@ std::wstring Trim(const std::wstring& text) {
 std::wstring RegistryText(std::string bytes) {
   if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
       static_cast<unsigned char>(bytes[1]) == 0xFE) {
-    std::u16string units;
-    for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
-      units.push_back(static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                            (static_cast<unsigned char>(bytes[i + 1]) << 8)));
-    }
-    return UTF16ToWide(units);
+    return UTF16ToWide(UTF16UnitsFromBytes(std::string_view(bytes).substr(2), false));
   }
   if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0)
     bytes.erase(0, 3);
@@ -89,7 +83,6 @@ bool ContinuesOnNextLine(const std::wstring& line) {
 // The text of "hex(2):" (REG_EXPAND_SZ) or "hex(1):" (REG_SZ) data: bytes
 // in hex separated by commas, UTF-16LE, up to the first NUL character.
 bool ReadHexString(const std::wstring& data, std::wstring* out) {
-  std::u16string units;
   std::string bytes;
   size_t start = 0;
   while (start < data.size()) {
@@ -104,13 +97,8 @@ bool ReadHexString(const std::wstring& data, std::wstring* out) {
       return false;
     bytes.push_back(static_cast<char>(std::stoi(item, nullptr, 16)));
   }
-  for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    char16_t unit = static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                          (static_cast<unsigned char>(bytes[i + 1]) << 8));
-    if (unit == 0)
-      break;
-    units.push_back(unit);
-  }
+  std::u16string units = UTF16UnitsFromBytes(bytes, false);
+  units.resize(std::min(units.size(), units.find(u'\0')));
   *out = UTF16ToWide(units);
   return true;
 }

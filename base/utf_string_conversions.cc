@@ -123,4 +123,16 @@ std::u16string WideToUTF16(std::wstring_view wide) {
   return out;
 }
 
+std::u16string UTF16UnitsFromBytes(std::string_view bytes, bool big_endian) {
+  std::u16string units;
+  units.reserve(bytes.size() / 2);
+  for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    const unsigned first = static_cast<unsigned char>(bytes[i]);
+    const unsigned second = static_cast<unsigned char>(bytes[i + 1]);
+    units.push_back(static_cast<char16_t>(big_endian ? (first << 8) | second
+                                                     : first | (second << 8)));
+  }
+  return units;
+}
+
 }  // namespace base

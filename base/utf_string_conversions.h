@@ -18,6 +18,12 @@ std::wstring UTF8ToWide(std::string_view utf8);
 std::wstring UTF16ToWide(std::u16string_view utf16);
 std::u16string WideToUTF16(std::wstring_view wide);
 
+// UTF-16 text as bytes of a file: each pair of bytes is one code unit,
+// little-endian unless |big_endian|. An odd last byte is dropped. The units
+// are answered as they are (no surrogate checks), for callers that keep them
+// or hand them to UTF16ToWide.
+std::u16string UTF16UnitsFromBytes(std::string_view bytes, bool big_endian);
+
 // Appends the UTF-8 form of |wide| to |out| (no temporary string).
 void AppendWideAsUTF8(std::wstring_view wide, std::string* out);
 

@@ -72,15 +72,16 @@ class DataExporter {
   // source under |layout|: reused, copied, or unreadable when the copy
   // failed.
   [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
-                          const std::function<base::FilePath()>& find_source,
-                          const std::wstring& backup_name,
-                          const std::string& layout = std::string());
+                                        const std::function<base::FilePath()>& find_source,
+                                        const std::wstring& backup_name,
+                                        const std::string& layout = std::string());
 
   // Opens |path| into a fresh m_db with the integrity check and one repair
   // (DatabaseHelper::OpenAndCheck). False when the file stays unsound; m_db
   // is closed then. The import report marks the file repaired or
   // unreadable.
   [[nodiscard]] bool OpenSourceWithRepair(const base::FilePath& path);
+
   // The highest progress a reader may report: the build sequence starts at
   // 50, so reading stops one short of it.
   static constexpr int kReadProgressCeiling = 49;

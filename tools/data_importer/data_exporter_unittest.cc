@@ -15,11 +15,12 @@ namespace {
 // Opens the protected mechanisms of the base to the tests.
 class ProbeExporter : public DataExporter {
  public:
-  ProbeExporter() : DataExporter(nullptr) {}
+  explicit ProbeExporter(ImportModel* model = nullptr) : DataExporter(model) {}
   int32_t ExportData() override { return 0; }
   std::wstring Dump(const base::FilePath&) override { return std::wstring(); }
   base::FilePath GetDatabasePath() override { return base::FilePath(); }
 
+  using DataExporter::AdvanceReadProgress;
   using DataExporter::ObtainWorkCopy;
   using DataExporter::OpenSourceWithRepair;
   using DataExporter::WorkCopy;
@@ -121,23 +122,13 @@ TEST(DataExporterTest, DumpSummaries) {
             DumpTableSummary(garbage, Generation7DumpTables()));
 }
 
-// The least exporter that lets a test reach the read-progress advance.
-class ProgressOnlyExporter : public DataExporter {
- public:
-  using DataExporter::AdvanceReadProgress;
-  using DataExporter::DataExporter;
-  int32_t ExportData() override { return 1; }
-  std::wstring Dump(const base::FilePath&) override { return L""; }
-  base::FilePath GetDatabasePath() override { return base::FilePath(); }
-};
-
 TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
   TestProfile profile;
   ProgressRecord record;
   record.Initialise();
   record.SetProgress(10);
   ImportModel model(&record);
-  ProgressOnlyExporter exporter(&model);
+  ProbeExporter exporter(&model);
 
   exporter.AdvanceReadProgress(5);
   EXPECT_EQ(L"15", profile.DBCheck(L"ImportProgress"));
@@ -156,7 +147,7 @@ TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
 
   // Without a progress record the advance is a no-op.
   ImportModel bare;
-  ProgressOnlyExporter detached(&bare);
+  ProbeExporter detached(&bare);
   detached.AdvanceReadProgress(5);
 
   // A ticker made on the exporter advances the record itself.

@@ -3,6 +3,7 @@
 #include "base/file_util.h"
 #include "base/path_service.h"
 #include "base/time.h"
+#include "tools/data_importer/importer_names.h"
 
 namespace {
 
@@ -10,7 +11,7 @@ base::FilePath DataFolderPath() {
   base::FilePath app_data;
   if (!base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data))
     return base::FilePath();
-  return base::ResolvePathCase(app_data.Append(L"VanTu8"));
+  return base::ResolvePathCase(app_data.Append(importer_names::kDataFolderName));
 }
 
 }  // namespace
@@ -44,5 +45,5 @@ base::FilePath GetLyricFolder() {
 
 base::FilePath GetCrashFolder() {
   base::FilePath folder = DataFolderPath();
-  return folder.empty() ? folder : folder.Append(L"crash");
+  return folder.empty() ? folder : folder.Append(importer_names::kCrashFolderName);
 }

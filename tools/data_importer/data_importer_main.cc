@@ -13,9 +13,12 @@
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/import_report.h"
 #include "tools/data_importer/import_run.h"
+#include "tools/data_importer/importer_names.h"
 #include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/leftover_files.h"
 #include "tools/data_importer/playlist_storage.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/task_decision.h"
 #include "tools/data_importer/version2_upgrade.h"
 
@@ -29,7 +32,7 @@ void RunTask(const std::wstring& task, const base::FilePath& data_folder,
   }
   if (IsTask(task, kTaskCopyVersion2)) {
     RunVersion2Copy(record);
-  } else if (base::PathExists(data_folder.Append(L"VTMusicV2.db"))) {
+  } else if (base::PathExists(data_folder.Append(importer_names::kMusicDatabaseV2))) {
     // Already imported by an earlier release.
     record->WriteImportStart();
     return;
@@ -59,9 +62,13 @@ void Run() {
 
   auto decision_start = std::chrono::steady_clock::now();
   base::FilePath data_folder = GetDataFolder();
+  RemoveStaleWorkFiles(data_folder);
+  // A build killed between its two renames is completed before the task is
+  // decided, so the decision sees both version-3 files or neither.
+  bool replacement_complete = CompleteOrUndoReplacement(data_folder);
   std::wstring task = DecideTask(data_folder, source_folder);
   std::chrono::duration<double> decision_time = std::chrono::steady_clock::now() - decision_start;
-  VLOG_AT(logging::LOG_PROGRESS) << L"DataImporterMain: task {" << task << L"}, source folder {"
+  VLOG_AT(logging::LOG_PROGRESS) << importer_names::kTaskLogMarker << task << L"}, source folder {"
                                  << source_folder.value() << L"}.";
 
   ImportReport report;
@@ -70,6 +77,8 @@ void Run() {
   ProgressRecord record;
   record.set_report(&report);
   record.Initialise();
+  if (!replacement_complete)
+    record.ReportFailure(ProgressRecord::kStateBuildFailed);
   RunTask(task, data_folder, &record);
 
   // The account of the run, for the player's support and the host program.

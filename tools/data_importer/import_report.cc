@@ -102,9 +102,11 @@ void ImportReport::AddWritten(int origin, const std::string& target, int64_t row
 }
 
 void ImportReport::SetCountedRows(const std::string& database,
-                                  const std::map<std::string, int64_t>& counts) {
+                                  const std::map<std::string, int64_t>& counts, bool ok,
+                                  const std::string& error) {
   for (const auto& [table, rows] : counts)
     counted_[table] = {database, rows};
+  verified_[database] = {ok, error};
 }
 
 void ImportReport::AddSettingsKey(const std::string& key) {
@@ -210,6 +212,13 @@ base::Value ImportReport::ToJson() const {
     targets.push_back(std::move(entry));
   }
   report["target_tables"] = std::move(targets);
+  report["summary"] = Summary(sent);
+  base::Value databases = base::Value::array();
+  for (const auto& [database, result] : verified_) {
+    databases.push_back(
+        {{"database", database}, {"read_back", result.first}, {"error", result.second}});
+  }
+  report["target_databases"] = std::move(databases);
 
   base::Value drops = base::Value::array();
   for (const auto& [key, d] : drops_) {
@@ -233,6 +242,30 @@ base::Value ImportReport::ToJson() const {
     stages.push_back({{"name", name}, {"seconds", seconds}});
   report["stages"] = std::move(stages);
   return report;
+}
+
+// What the new databases hold, in the terms a person counts in: rows as
+// counted in the finished files where they were counted, else as sent.
+base::Value ImportReport::Summary(const std::map<std::string, int64_t>& sent) const {
+  auto rows = [&](const std::string& table) -> int64_t {
+    auto counted = counted_.find(table);
+    if (counted != counted_.end())
+      return counted->second.second;
+    auto found = sent.find(table);
+    return found == sent.end() ? 0 : found->second;
+  };
+  int64_t entries = 0;
+  for (const auto& [table, unused] : sent) {
+    if (table.rfind("GeneralList_", 0) == 0)
+      entries += rows(table);
+  }
+  int64_t library = rows("ShareFileItems");
+  return {{"songs", library - library_videos_},
+          {"videos", library_videos_},
+          {"lists", rows("GeneralListTable")},
+          {"list_entries", entries},
+          {"downloads", rows("DownloadItem")},
+          {"settings", static_cast<int64_t>(settings_keys_.size())}};
 }
 
 bool ImportReport::Write(const base::FilePath& data_folder) const {

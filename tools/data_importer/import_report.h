@@ -102,8 +102,13 @@ class ImportReport {
   void AddWritten(int origin, const std::string& target, int64_t rows);
 
   // Per-table row counts read back from a finished database file |database|
-  // (its final name) before it replaced the old one.
-  void SetCountedRows(const std::string& database, const std::map<std::string, int64_t>& counts);
+  // (its final name) before it replaced the old one; |ok| false with
+  // |error| when the file failed that check and did not replace it.
+  void SetCountedRows(const std::string& database, const std::map<std::string, int64_t>& counts,
+                      bool ok, const std::string& error);
+
+  // MV (video) files among the rows written to "ShareFileItems".
+  void AddLibraryVideos(int64_t videos) { library_videos_ += videos; }
 
   void AddSettingsKey(const std::string& key);
   // A "DBCheck" value written by this run (the last one of a key wins).
@@ -144,6 +149,7 @@ class ImportReport {
   };
 
   Source* FindSource(const std::wstring& read_path);
+  base::Value Summary(const std::map<std::string, int64_t>& sent) const;
 
   std::wstring task_;
   int import_kind_ = 0;
@@ -153,6 +159,9 @@ class ImportReport {
   std::map<std::string, Drops> drops_;  // by reason key
   // Target table -> (database, rows counted in the finished file).
   std::map<std::string, std::pair<std::string, int64_t>> counted_;
+  // Database -> (read back soundly, why not).
+  std::map<std::string, std::pair<bool, std::string>> verified_;
+  int64_t library_videos_ = 0;
   std::vector<std::string> settings_keys_;
   std::vector<std::pair<std::wstring, std::wstring>> dbcheck_;
   std::vector<std::pair<std::string, double>> stages_;

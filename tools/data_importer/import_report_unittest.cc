@@ -209,7 +209,8 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
   for (const auto& stage : report["stages"])
     stages += stage["name"].get<std::string>() + ",";
   EXPECT_EQ(0u, stages.find("TaskDecision,Export,Prepare,ShareFileItems,")) << stages;
-  EXPECT_NE(std::string::npos, stages.find(",Encrypt,Replace,")) << stages;
+  EXPECT_NE(std::string::npos, stages.find(",Encrypt,Verify,")) << stages;
+  EXPECT_EQ(stages.size() - 9, stages.find(",Replace,")) << stages;
 
   // The version-3 files now exist: the next run upgrades them and writes
   // neither the import's keys nor its figures.

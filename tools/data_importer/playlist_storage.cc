@@ -2,9 +2,10 @@
 
 #include "base/file_util.h"
 #include "base/json_file.h"
+#include "tools/data_importer/importer_names.h"
 
 bool RefreshPlaylistStorage(const base::FilePath& data_folder) {
-  base::FilePath playlist = data_folder.Append(L"playlistV3.db");
+  base::FilePath playlist = data_folder.Append(importer_names::kPlaylistDatabaseV3);
   if (!base::PathExists(playlist))
     return false;
   base::Value root;

@@ -6,11 +6,16 @@
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/import_report.h"
 
-namespace {
-
-constexpr wchar_t kSection[] = L"DBCheck";
-
-}  // namespace
+using importer_names::kDBCheckSection;
+using importer_names::kKeyForceDeleteDb;
+using importer_names::kKeyImportEnd;
+using importer_names::kKeyImportPlaylists;
+using importer_names::kKeyImportProgress;
+using importer_names::kKeyImportStart;
+using importer_names::kKeyImportState;
+using importer_names::kKeySourceEmpty;
+using importer_names::kKeyUpdateProgress;
+using importer_names::kSettingsFileName;
 
 ProgressRecord::ProgressRecord() = default;
 ProgressRecord::~ProgressRecord() = default;
@@ -27,19 +32,19 @@ void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
   if (ini_path_.empty())
     return;
   report()->NoteDBCheck(key, value);
-  base::WritePrivateProfileStringW(kSection, key, value.c_str(), ini_path_.c_str());
+  base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str());
 }
 
 void ProgressRecord::Initialise() {
   base::FilePath folder = GetDataFolder();
   if (!folder.empty())
-    ini_path_ = base::ResolvePathCase(folder.Append(L"Vantu.ini")).value();
-  WriteKey(L"ImportProgress", L"");
-  WriteKey(L"ImportState", L"");
-  WriteKey(L"UpdateProgress", L"");
-  WriteKey(L"ImportPlayLists", L"");
-  WriteKey(L"ForceDeleteDb", L"");
-  WriteKey(L"BeforceImportEmpty", L"-1");
+    ini_path_ = base::ResolvePathCase(folder.Append(kSettingsFileName)).value();
+  WriteKey(kKeyImportProgress, L"");
+  WriteKey(kKeyImportState, L"");
+  WriteKey(kKeyUpdateProgress, L"");
+  WriteKey(kKeyImportPlaylists, L"");
+  WriteKey(kKeyForceDeleteDb, L"");
+  WriteKey(kKeySourceEmpty, L"-1");
 }
 
 void ProgressRecord::Advance(int delta, int floor) {
@@ -50,27 +55,27 @@ void ProgressRecord::Advance(int delta, int floor) {
     progress_ = 99;
   else
     progress_ = static_cast<int32_t>(sum);
-  WriteKey(L"ImportProgress", base::IntToWString(progress_));
+  WriteKey(kKeyImportProgress, base::IntToWString(progress_));
 }
 
 void ProgressRecord::SetProgress(int value) {
   progress_ = value;
-  WriteKey(L"ImportProgress", base::IntToWString(progress_));
+  WriteKey(kKeyImportProgress, base::IntToWString(progress_));
 }
 
 void ProgressRecord::SetUpdateProgress(int value) {
   update_progress_ = value;
-  WriteKey(L"UpdateProgress", base::IntToWString(update_progress_));
+  WriteKey(kKeyUpdateProgress, base::IntToWString(update_progress_));
 }
 
 void ProgressRecord::SetPlaylists(const std::wstring& text) {
   playlists_ = text;
-  WriteKey(L"ImportPlayLists", playlists_);
+  WriteKey(kKeyImportPlaylists, playlists_);
 }
 
 void ProgressRecord::SetSourceEmpty(bool empty) {
   source_empty_ = empty;
-  WriteKey(L"BeforceImportEmpty", empty ? L"1" : L"0");
+  WriteKey(kKeySourceEmpty, empty ? L"1" : L"0");
 }
 
 uint32_t ProgressRecord::WriteEnd() {
@@ -81,15 +86,15 @@ uint32_t ProgressRecord::WriteEnd() {
     end = L"4";
   else
     end = L"5";
-  WriteKey(L"ImportEnd", end);
+  WriteKey(kKeyImportEnd, end);
   return state_;
 }
 
 void ProgressRecord::ReportFailure(uint32_t bits) {
   state_ = WriteEnd() | bits;
-  WriteKey(L"ImportState", base::Int64ToWString(state_));
+  WriteKey(kKeyImportState, base::Int64ToWString(state_));
 }
 
 void ProgressRecord::WriteImportStart() {
-  WriteKey(L"ImportStart", L"1");
+  WriteKey(kKeyImportStart, L"1");
 }

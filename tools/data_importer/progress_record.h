@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "tools/data_importer/importer_names.h"
 class ImportReport;
 
 // How far the run has got and how it ended, as the player reads it from
@@ -18,23 +19,12 @@ class ImportReport;
 // the import model.
 class ProgressRecord {
  public:
-  // Failure bits of "ImportState".
-  enum StateBits : uint32_t {
-    kStateNotStarted = 1,     // the source or the build's first stage failed
-    kStateListsFailed = 2,    // lists could not be read
-    kStateMusicFailed = 4,    // music items could not be read
-    kStateBuildFailed = 8,    // a later stage of the build failed
-    kStateTableFailed = 16,   // another source table could not be read
-  };
-
-  // Import kinds.
-  enum ImportKind : int {
-    kKindNone = 0,
-    kKind2008 = 1,
-    kKindGeneration6 = 2,
-    kKindGeneration7 = 3,
-    kKindCurrent = 4,
-  };
+  // Failure bits of "ImportState" and import kinds, also reachable as
+  // ProgressRecord::kState... and ProgressRecord::kKind...
+  using StateBits = importer_names::StateBits;
+  using enum importer_names::StateBits;
+  using ImportKind = importer_names::ImportKind;
+  using enum importer_names::ImportKind;
 
   ProgressRecord();
   ~ProgressRecord();

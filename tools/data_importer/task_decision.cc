@@ -19,14 +19,14 @@ bool IsTask(const std::wstring& task, const wchar_t* name) {
 
 int ImportKindOfTask(const std::wstring& task) {
   if (IsTask(task, kTaskImport2008))
-    return 1;
+    return importer_names::kKind2008;
   if (IsTask(task, kTaskImportGeneration6))
-    return 2;
+    return importer_names::kKindGeneration6;
   if (IsTask(task, kTaskImportGeneration7))
-    return 3;
+    return importer_names::kKindGeneration7;
   if (IsTask(task, kTaskImportCurrent))
-    return 4;
-  return 0;
+    return importer_names::kKindCurrent;
+  return importer_names::kKindNone;
 }
 
 namespace {
@@ -45,9 +45,10 @@ void CopyLibraryFiles(const base::FilePath& source, const base::FilePath& target
 }  // namespace
 
 std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath& source_folder) {
-  if (ExistsIn(data_folder, L"VTMusicV3.db") || ExistsIn(data_folder, L"playlistV3.db"))
+  if (ExistsIn(data_folder, importer_names::kMusicDatabaseV3) ||
+      ExistsIn(data_folder, importer_names::kPlaylistDatabaseV3))
     return kTaskUpdateVersion2;
-  if (ExistsIn(data_folder, L"VTMusicV2.db"))
+  if (ExistsIn(data_folder, importer_names::kMusicDatabaseV2))
     return kTaskCopyVersion2;
   if (ExistsIn(data_folder, L"VTMusic.db") || ExistsIn(data_folder, L"vantu.db"))
     return kTaskImportCurrent;

@@ -4,14 +4,15 @@
 #include <string>
 
 #include "base/file_path.h"
+#include "tools/data_importer/importer_names.h"
 
-// Task names of a run.
-inline constexpr wchar_t kTaskUpdateVersion2[] = L"updatevantu8";
-inline constexpr wchar_t kTaskCopyVersion2[] = L"copyv8dbv2";
-inline constexpr wchar_t kTaskImportCurrent[] = L"importvantu8";
-inline constexpr wchar_t kTaskImportGeneration7[] = L"importvantu7";
-inline constexpr wchar_t kTaskImportGeneration6[] = L"importvantu6";
-inline constexpr wchar_t kTaskImport2008[] = L"importvantu2008";
+// Task names of a run (defined with the other shared names).
+using importer_names::kTaskCopyVersion2;
+using importer_names::kTaskImport2008;
+using importer_names::kTaskImportCurrent;
+using importer_names::kTaskImportGeneration6;
+using importer_names::kTaskImportGeneration7;
+using importer_names::kTaskUpdateVersion2;
 
 // Case-sensitive comparison of a task name: length first, then each
 // character.

@@ -1,7 +1,6 @@
 #include "tools/data_importer/database_helper/db_row_reader.h"
 
-#include <locale>
-
+#include "base/string_util.h"
 #include "sql/connection.h"
 
 DbRowReader::DbRowReader(sql::Connection& connection, const std::string& sql)
@@ -28,16 +27,8 @@ int DbRowReader::GetColumnIndex(const std::string& name) {
   int index = -1;
   int count = statement_.ColumnCount();
   if (count >= 1) {
-    std::locale locale;
-    const auto& ctype = std::use_facet<std::ctype<char>>(locale);
     for (int i = 0; i < count && index < 0; ++i) {
-      std::string column = statement_.GetColumnName(i);
-      if (column.size() != name.size())
-        continue;
-      bool same = true;
-      for (size_t c = 0; c < column.size() && same; ++c)
-        same = ctype.toupper(column[c]) == ctype.toupper(name[c]);
-      if (same)
+      if (base::EqualsCaseInsensitiveASCII(statement_.GetColumnName(i), name))
         index = i;
     }
   }

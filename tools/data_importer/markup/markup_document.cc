@@ -1,5 +1,6 @@
 #include "tools/data_importer/markup/markup_document.h"
 
+#include "base/string_util.h"
 #include "tools/data_importer/markup/markup_parser.h"
 #include "tools/data_importer/markup/markup_strings.h"
 #include "tools/data_importer/markup/markup_text_decoder.h"
@@ -40,7 +41,7 @@ MarkupHandle Parse(std::wstring_view text, std::wstring_view root_name) {
   }
   if (root_name.empty())
     return root;
-  if (EqualsIgnoreCase(root->name(), root_name))
+  if (base::EqualsCaseInsensitiveASCII(root->name(), root_name))
     return root;
   return Child(root, root_name);
 }
@@ -48,7 +49,7 @@ MarkupHandle Parse(std::wstring_view text, std::wstring_view root_name) {
 MarkupHandle Child(const MarkupHandle& node, std::wstring_view name) {
   for (int32_t i = 0; i < node->child_count(); ++i) {
     MarkupHandle child = node->child_at(i);
-    if (EqualsIgnoreCase(child->name(), name))
+    if (base::EqualsCaseInsensitiveASCII(child->name(), name))
       return child;
   }
   return MarkupHandle();
@@ -66,7 +67,7 @@ std::vector<MarkupHandle> Children(const MarkupHandle& node, std::wstring_view n
   std::vector<MarkupHandle> found;
   for (int32_t i = 0; i < node->child_count(); ++i) {
     MarkupHandle child = node->child_at(i);
-    if (EqualsIgnoreCase(child->name(), name))
+    if (base::EqualsCaseInsensitiveASCII(child->name(), name))
       found.push_back(child);
   }
   return found;

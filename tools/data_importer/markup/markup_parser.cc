@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/string_util.h"
 #include "tools/data_importer/markup/markup_entities.h"
 #include "tools/data_importer/markup/markup_node.h"
 #include "tools/data_importer/markup/markup_strings.h"
@@ -86,7 +87,7 @@ MarkupParseResult Parser::Run() {
       ok = ParseSection(L"<![CDATA[", L"]]>", MarkupNode::kCData);
     else if (StartsWithAt(text_, pos_, L"<!--"))
       ok = ParseSection(L"<!--", L"-->", MarkupNode::kComment);
-    else if (text_.size() - pos_ >= 9 && EqualsIgnoreCase(text_.substr(pos_, 9), L"<!DOCTYPE"))
+    else if (text_.size() - pos_ >= 9 && base::EqualsCaseInsensitiveASCII(text_.substr(pos_, 9), L"<!DOCTYPE"))
       ok = ParseSection(text_.substr(pos_, 9), L">", MarkupNode::kDocType);
     else if (StartsWithAt(text_, pos_, L"<PRE>"))
       ok = ParseSection(L"<PRE>", L"</PRE>", MarkupNode::kPre);
@@ -178,7 +179,7 @@ bool Parser::ParseEndTag() {
     return Fail(kMarkupUnterminated, start);
   if (name.empty() || text_[pos_] != L'>')
     return Fail(kMarkupBadTag, pos_);
-  if (open_.size() == 1 || !EqualsIgnoreCase(name, current()->name()))
+  if (open_.size() == 1 || !base::EqualsCaseInsensitiveASCII(name, current()->name()))
     return Fail(kMarkupBadEndTag, start);
   open_.pop_back();
   ++pos_;

@@ -5,12 +5,8 @@
 
 namespace markup {
 
-// Letter case is folded for A-Z only, as the C runtime's wide comparisons do
-// in the "C" locale.
-wchar_t FoldASCII(wchar_t c);
-
-// Whole-name comparison ignoring case (_wcsicmp(a, b) == 0).
-bool EqualsIgnoreCase(std::wstring_view a, std::wstring_view b);
+// Names compare with letter case folded for A-Z only, as the C runtime's
+// wide comparisons do in the "C" locale: base::EqualsCaseInsensitiveASCII.
 
 // _wcsnicmp(stored, query, stored.size()) == 0: |query| begins with
 // |stored|, ignoring case. An empty stored name matches every query.

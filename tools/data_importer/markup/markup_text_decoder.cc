@@ -15,16 +15,13 @@ namespace {
 // Bytes after the data, so that the text is NUL-terminated in either width.
 constexpr size_t kPadding = 4;
 
+// The text ends at the first NUL unit.
 std::wstring UnitsToText(const unsigned char* bytes, size_t size, bool big_endian) {
-  std::u16string units;
-  units.reserve(size / 2);
-  for (size_t i = 0; i + 1 < size; i += 2) {
-    const char16_t unit = big_endian ? static_cast<char16_t>((bytes[i] << 8) | bytes[i + 1])
-                                     : static_cast<char16_t>(bytes[i] | (bytes[i + 1] << 8));
-    if (unit == 0)
-      break;
-    units.push_back(unit);
-  }
+  std::u16string units = base::UTF16UnitsFromBytes(
+      std::string_view(reinterpret_cast<const char*>(bytes), size), big_endian);
+  const size_t nul = units.find(u'\0');
+  if (nul != std::u16string::npos)
+    units.resize(nul);
   return base::UTF16ToWide(units);
 }
 

@@ -8,21 +8,15 @@
 #include "base/code_page_1252.h"
 #include "base/file_util.h"
 #include "base/string_number_conversions.h"
+#include "base/string_util.h"
 #include "base/utf_string_conversions.h"
 #include "logging/debug_output.h"
 
 namespace {
 
 std::wstring DecodeUTF16(const std::string& bytes, size_t start, bool big_endian) {
-  std::u16string units;
-  units.reserve(bytes.size() / 2);
-  for (size_t i = start; i + 1 < bytes.size(); i += 2) {
-    const unsigned first = static_cast<unsigned char>(bytes[i]);
-    const unsigned second = static_cast<unsigned char>(bytes[i + 1]);
-    units.push_back(static_cast<char16_t>(big_endian ? (first << 8) | second
-                                                     : first | (second << 8)));
-  }
-  return base::UTF16ToWide(units);
+  return base::UTF16ToWide(
+      base::UTF16UnitsFromBytes(std::string_view(bytes).substr(start), big_endian));
 }
 
 std::wstring DecodeFile(const std::string& bytes) {
@@ -127,14 +121,7 @@ void IniReader::ParseText(std::wstring_view text, std::map<std::wstring, Section
 }
 
 std::wstring IniReader::Name(std::wstring_view name) const {
-  std::wstring result(name);
-  if (m_fold_case) {
-    for (wchar_t& c : result) {
-      if (c >= L'A' && c <= L'Z')
-        c = static_cast<wchar_t>(c - L'A' + L'a');
-    }
-  }
-  return result;
+  return m_fold_case ? base::ToLowerASCII(name) : std::wstring(name);
 }
 
 const std::wstring* IniReader::Find(std::wstring_view section, std::wstring_view key) const {

@@ -19,3 +19,7 @@ ImportReport* ImportModel::report() {
     own_report_ = std::make_unique<ImportReport>();
   return own_report_.get();
 }
+
+void ImportModel::AddSettings(const ImportedSettings& settings) {
+  m_settings.push_back(settings);
+}

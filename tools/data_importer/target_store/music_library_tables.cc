@@ -75,11 +75,13 @@ void FillShareFileRow(const ShareFileItem& f, RowBuilder* row) {
 
 // Builds every record's insert text first; the rows then receive
 // consecutive ids (see InsertNumberedRows), answered in record order. Each
-// row is counted in |report| as written or refused.
+// row is counted in |report| as written or refused, and |inserted_out|,
+// when given, receives which were inserted.
 template <typename Record, typename FillRow>
 std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableDef& definition,
                                     const RecordList<Record>& records, FillRow fill_row,
-                                    ImportReport* report) {
+                                    ImportReport* report,
+                                    std::vector<bool>* inserted_out = nullptr) {
   std::vector<std::string> statements;
   statements.reserve(records.size());
   RowBuilder row;
@@ -97,6 +99,8 @@ std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableDef& definiti
     else
       tally.Dropped(records[i]->origin, drop_reason::kRowRefused, DropExampleOf(*records[i]));
   }
+  if (inserted_out)
+    *inserted_out = std::move(inserted);
   return ids;
 }
 
@@ -107,12 +111,16 @@ void ImportModel::WriteShareFileItems() {
   CreateTable(m_music_db.get(), kShareFileItems.create_sql);
   if (m_share_files.empty())
     return;
+  std::vector<bool> inserted;
   std::vector<int> ids =
       WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files, FillShareFileRow,
-                         report());
+                         report(), &inserted);
   m_hash_id_map.reserve(m_hash_id_map.size() + m_share_files.size());
+  int64_t videos = 0;
   for (size_t i = 0; i < m_share_files.size(); ++i) {
     const ShareFileItem& file = *m_share_files[i];
+    if (file.ShareFileType == 2 && inserted[i])
+      ++videos;
     if (!file.MD5.empty() && file.MD5 != kAllZeroHash)
       m_hash_id_map[file.MD5] = ids[i];
     if (file.ShareFileType == 2)
@@ -120,6 +128,7 @@ void ImportModel::WriteShareFileItems() {
     else
       m_music_id_map[file.old_id] = ids[i];
   }
+  report()->AddLibraryVideos(videos);
 }
 
 void ImportModel::WriteShareFolders() {

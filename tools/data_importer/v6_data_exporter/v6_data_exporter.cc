@@ -10,6 +10,7 @@
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/import_report.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/settings/v6_settings_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
 
 #define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
@@ -169,14 +170,20 @@ int32_t V6DataExporter::ReadV1Layout() {
   } else if (OpenSourceWithRepair(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
     if (!ReadMusicVideos())
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
     if (!ReadMusicItems())
       ReportState(ProgressRecord::kStateMusicFailed);
+    TableRead();
+    IndexListEntries();
     if (!ReadPlayLists(false, 0))
       ReportState(ProgressRecord::kStateListsFailed);
-    if (!ReadUnfinishedDownloads())
+    TableRead();
+    if (!ReadUnfinishedDownloads(false))
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
     if (!ReadFinishedDownloads())
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
   } else {
     V6LOG(logging::LOG_FAILURE) << L"Table {MusicItems} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
@@ -204,10 +211,12 @@ int32_t V6DataExporter::ReadV2Layout() {
     V6LOG(logging::LOG_PROGRESS) << L"Loading {VTLibrary.db}.";
     if (base::PathExists(library)) {
       if (OpenSourceWithRepair(library)) {
-        if (!ReadUnfinishedDownloads())
+        if (!ReadUnfinishedDownloads(true))
           ReportState(ProgressRecord::kStateTableFailed);
+        TableRead();
         if (!ReadFinishedDownloads())
           ReportState(ProgressRecord::kStateTableFailed);
+        TableRead();
       }
     } else {
       V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
@@ -227,8 +236,11 @@ int32_t V6DataExporter::ReadV2Layout() {
     (void)OpenSourceWithRepair(library);
     if (!ReadMusicItemsV2(number))
       ReportState(ProgressRecord::kStateMusicFailed);
+    TableRead();
+    IndexListEntries();
     if (!ReadPlayLists(true, number))
       ReportState(ProgressRecord::kStateListsFailed);
+    TableRead();
   }
   if (m_read_extras) {
     ReadSettings();
@@ -237,6 +249,18 @@ int32_t V6DataExporter::ReadV2Layout() {
   return 0;
 }
 
-void V6DataExporter::ReadSettings() {}
+void V6DataExporter::ReadSettings() {
+  const base::FilePath program = LocateInstallation();
+  if (program.empty())
+    return;
+  // Read in place: the markup reader only opens the file for reading.
+  std::optional<ImportedSettings> settings = ReadV6Settings(program);
+  if (!settings) {
+    V6LOG(logging::LOG_FAILURE) << L"No settings read from {"
+                                << program.Append(L"VanTa.xml").value() << L"}.";
+    return;
+  }
+  m_model->AddSettings(*settings);
+}
 
 void V6DataExporter::ReadLoginHistory() {}
