@@ -34,7 +34,7 @@ class CommandLine {
   static CommandLine FromString(const std::wstring& command_line);
 
   const SwitchMap& GetSwitches() const { return switches_; }
-  bool HasSwitch(const std::string& name) const;
+  [[nodiscard]] bool HasSwitch(const std::string& name) const;
   // The switch's value, or empty when absent.
   std::wstring GetSwitchValue(const std::string& name) const;
 

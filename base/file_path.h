@@ -52,7 +52,7 @@ class FilePath {
   bool operator!=(const FilePath& other) const { return path_ != other.path_; }
   bool operator<(const FilePath& other) const { return path_ < other.path_; }
 
-  static bool IsSeparator(wchar_t c);
+  [[nodiscard]] static bool IsSeparator(wchar_t c);
 
  private:
   StringType path_;

@@ -24,30 +24,30 @@ namespace base {
 // kept as given, so the result is also the path to create.
 FilePath ResolvePathCase(const FilePath& path);
 
-bool PathExists(const FilePath& path);
-bool DirectoryExists(const FilePath& path);
+[[nodiscard]] bool PathExists(const FilePath& path);
+[[nodiscard]] bool DirectoryExists(const FilePath& path);
 
 // Creates the folder and any missing parents. True when it exists afterwards.
-bool CreateDirectory(const FilePath& path);
+[[nodiscard]] bool CreateDirectory(const FilePath& path);
 
 // Copies |from| over |to| (an existing |to| is overwritten, through a
 // temporary file and a rename, so a reader never sees half a file). The copy
 // gets the source's modification time. False when |from| is missing or
 // unreadable or |to| cannot be written.
-bool CopyFile(const FilePath& from, const FilePath& to);
+[[nodiscard]] bool CopyFile(const FilePath& from, const FilePath& to);
 
 // Deletes a file, or with |recursive| a folder and everything under it.
 // A missing path counts as deleted (true).
-bool DeleteFile(const FilePath& path, bool recursive = false);
+[[nodiscard]] bool DeleteFile(const FilePath& path, bool recursive = false);
 
 // Atomically renames |from| over |to|, replacing |to| if it exists. False when
 // |from| is missing or the rename fails (then both files stay as they were).
-bool ReplaceFile(const FilePath& from, const FilePath& to);
+[[nodiscard]] bool ReplaceFile(const FilePath& from, const FilePath& to);
 
 // Makes the file writable by its owner, like SetFileAttributesW(path,
 // FILE_ATTRIBUTE_NORMAL) clears the read-only flag. A missing file is not an
 // error here: the answer is false and nothing happens.
-bool SetFileAttributesNormal(const FilePath& path);
+[[nodiscard]] bool SetFileAttributesNormal(const FilePath& path);
 
 struct FileInfo {
   int64_t size = 0;
@@ -55,16 +55,16 @@ struct FileInfo {
   // Last modification, in seconds since 1970-01-01 UTC, with fractions.
   double last_modified = 0.0;
 };
-bool GetFileInfo(const FilePath& path, FileInfo* info);
+[[nodiscard]] bool GetFileInfo(const FilePath& path, FileInfo* info);
 
 // Reads the whole file into |contents| (binary). False when it cannot be read.
-bool ReadFileToString(const FilePath& path, std::string* contents);
+[[nodiscard]] bool ReadFileToString(const FilePath& path, std::string* contents);
 // Writes |data| as the whole file (binary), creating or truncating it.
-bool WriteFile(const FilePath& path, const std::string& data);
+[[nodiscard]] bool WriteFile(const FilePath& path, const std::string& data);
 
 // The error code of the last failed file operation on this thread (errno on
 // POSIX, GetLastError on Windows), for log lines.
-int GetLastSystemError();
+[[nodiscard]] int GetLastSystemError();
 
 // Lists the regular files directly inside one folder (not recursive) whose
 // names match a wildcard pattern ("*" any run of characters, "?" one
@@ -80,7 +80,7 @@ class FileEnumerator {
 
   // True when |name| matches |pattern| (exposed for tests and callers that
   // filter names themselves).
-  static bool MatchPattern(const std::wstring& name, const std::wstring& pattern);
+  [[nodiscard]] static bool MatchPattern(const std::wstring& name, const std::wstring& pattern);
 
  private:
   std::vector<FilePath> matches_;

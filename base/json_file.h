@@ -13,11 +13,11 @@ using Value = nlohmann::json;
 
 // Reads and parses the whole file. False when it is missing, unreadable or
 // not valid JSON; |*root| is then left null.
-bool ReadJsonFile(const FilePath& path, Value* root);
+[[nodiscard]] bool ReadJsonFile(const FilePath& path, Value* root);
 
 // Writes |root| as the whole file (compact form, UTF-8). False when the file
 // cannot be written.
-bool WriteJsonFile(const FilePath& path, const Value& root);
+[[nodiscard]] bool WriteJsonFile(const FilePath& path, const Value& root);
 
 }  // namespace base
 

@@ -9,7 +9,7 @@ namespace base {
 
 // MD5 of a whole file as 32 lower-case hexadecimal characters. False (and
 // |*digest| empty) when the file cannot be read.
-bool MD5OfFile(const FilePath& path, std::wstring* digest);
+[[nodiscard]] bool MD5OfFile(const FilePath& path, std::wstring* digest);
 
 // MD5 of a byte string as 32 lower-case hexadecimal characters.
 std::string MD5String(const std::string& data);

@@ -19,7 +19,7 @@ enum PathKey {
 // Answers false (and leaves |*path| empty) when nothing can be determined.
 class PathService {
  public:
-  static bool Get(int key, FilePath* path);
+  [[nodiscard]] static bool Get(int key, FilePath* path);
 };
 
 // The roaming application-data folder, what SHGetFolderPathW(CSIDL_APPDATA)

@@ -44,15 +44,16 @@ TEST(RegKeyTest, ReadsTheRegistryFile) {
   RegKey missing_file;
   EXPECT_FALSE(missing_file.Open(L"Software\\VanTa6"));
 
-  WriteFile(file,
-            "Windows Registry Editor Version 5.00\r\n\r\n"
-            "; a comment\r\n"
-            "[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n"
-            "\"AppFileName\"=\"C:\\\\Program Files\\\\VanTa6\\\\\\\"quoted\\\".exe\"\r\n"
-            "@=\"default\"\r\n"
-            "\"Title\"=\"\xE4\xB8\xAD\xE6\x96\x87\"\r\n"
-            "[HKEY_CURRENT_USER\\Software\\Other]\r\n"
-            "\"AppFileName\"=\"other\"\r\n");
+  EXPECT_TRUE(
+      WriteFile(file,
+                "Windows Registry Editor Version 5.00\r\n\r\n"
+                "; a comment\r\n"
+                "[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n"
+                "\"AppFileName\"=\"C:\\\\Program Files\\\\VanTa6\\\\\\\"quoted\\\".exe\"\r\n"
+                "@=\"default\"\r\n"
+                "\"Title\"=\"\xE4\xB8\xAD\xE6\x96\x87\"\r\n"
+                "[HKEY_CURRENT_USER\\Software\\Other]\r\n"
+                "\"AppFileName\"=\"other\"\r\n"));
   RegKey key;
   ASSERT_TRUE(key.Open(L"software\\vanta6"));
   std::wstring value;
@@ -70,7 +71,8 @@ TEST(RegKeyTest, ReadsTheRegistryFile) {
 
   // UTF-16LE with a byte-order mark.
   std::u16string wide = u"\uFEFFREGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n\"A\"=\"\u00e9\"\r\n";
-  WriteFile(file, std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2));
+  EXPECT_TRUE(
+      WriteFile(file, std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2)));
   RegKey utf16;
   ASSERT_TRUE(utf16.Open(L"Software\\VanTa6"));
   EXPECT_TRUE(utf16.ReadValue(L"a", &value));
@@ -122,8 +124,8 @@ TEST(FileUtilTest, EnumeratorPatterns) {
   testing_support::ScopedTempDir dir;
   for (const wchar_t* name : {L"VTLibrary.db", L"VTLibrary2.db", L"vtlibrary3.DB", L"VTData.db",
                               L"song.krc"})
-    WriteFile(dir.path().Append(name), "");
-  CreateDirectory(dir.path().Append(L"VTLibraryFolder.db"));  // folders are not listed
+    EXPECT_TRUE(WriteFile(dir.path().Append(name), ""));
+  EXPECT_TRUE(CreateDirectory(dir.path().Append(L"VTLibraryFolder.db")));  // folders are not listed
   std::vector<std::wstring> names;
   FileEnumerator files(dir.path(), L"VTLibrary*.db");
   for (FilePath file = files.Next(); !file.empty(); file = files.Next())

@@ -116,11 +116,13 @@ bool Save(const FilePath& path, const IniText& text) {
   }
   FilePath temp(path.value() + L".tmp" + std::to_wstring(getpid()));
   if (!WriteFile(temp, bytes)) {
-    DeleteFile(temp);
+    // Best effort: a leftover temporary file does not change the answer.
+    (void)DeleteFile(temp);
     return false;
   }
   if (!ReplaceFile(temp, path)) {
-    DeleteFile(temp);
+    // Best effort: a leftover temporary file does not change the answer.
+    (void)DeleteFile(temp);
     return false;
   }
   return true;

@@ -23,10 +23,8 @@ namespace base {
 //  - writing the value a key already has leaves the file untouched;
 //  - lines the call writes end in CR LF; every other line stays as it was.
 // Returns false only when |section| is null or the file cannot be written.
-bool WritePrivateProfileStringW(const wchar_t* section,
-                                const wchar_t* key,
-                                const wchar_t* value,
-                                const wchar_t* file);
+[[nodiscard]] bool WritePrivateProfileStringW(const wchar_t* section, const wchar_t* key,
+                                              const wchar_t* value, const wchar_t* file);
 
 // The matching reader: the value of |key| in |section| (trimmed, matching
 // quotes removed), or |default_value| without trailing blanks when absent.

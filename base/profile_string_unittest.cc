@@ -104,15 +104,16 @@ TEST(ProfileStringTest, EditsInPlace) {
   EXPECT_TRUE(WritePrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", ini.value().c_str()));
   EXPECT_TRUE(WritePrivateProfileStringW(L"New", L"K", L"v", ini.value().c_str()));
   std::string bytes;
-  ReadFileToString(ini, &bytes);
+  EXPECT_TRUE(ReadFileToString(ini, &bytes));
   EXPECT_EQ("; kept\n[Other]\nA = 1\n\n[DBCheck]\nImportProgress=10\r\nImportEnd=\r\n[New]\r\nK=v\r\n",
             bytes);
 
   FilePath wide = temp.path().Append(L"wide.ini");
   std::u16string content = u"\uFEFF[DBCheck]\r\nImportState=\u00e9\r\n";
-  WriteFile(wide, std::string(reinterpret_cast<const char*>(content.data()), content.size() * 2));
+  EXPECT_TRUE(WriteFile(
+      wide, std::string(reinterpret_cast<const char*>(content.data()), content.size() * 2)));
   EXPECT_TRUE(WritePrivateProfileStringW(L"DBCheck", L"ImportEnd", L"1", wide.value().c_str()));
-  ReadFileToString(wide, &bytes);
+  EXPECT_TRUE(ReadFileToString(wide, &bytes));
   std::u16string expected = content + u"ImportEnd=1\r\n";
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(expected.data()), expected.size() * 2), bytes);
   EXPECT_EQ(L"\u00e9", GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"", wide.value()));

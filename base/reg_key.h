@@ -32,7 +32,7 @@ class RegKey {
   // Opens |subkey| (e.g. L"Software\\VanTa6") under HKEY_CURRENT_USER for
   // reading. False when the key does not exist.
   [[nodiscard]] bool Open(const std::wstring& subkey);
-  bool Valid() const { return valid_; }
+  [[nodiscard]] bool Valid() const { return valid_; }
 
   // Reads a string value; |name| empty or L"@" reads the default value.
   // False (and |*value| emptied) when the key is not open or the value is

@@ -1,11 +1,10 @@
 #include "base/reg_key.h"
 
 #include <stdlib.h>
-
-#include <algorithm>
 #include <string.h>
 #include <wctype.h>
 
+#include <algorithm>
 #include <map>
 
 #include "base/file_path.h"

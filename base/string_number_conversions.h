@@ -15,13 +15,13 @@ std::string IntToString(int value);
 // Whole-text decimal conversion with an optional sign. Answers false when the
 // text is empty, holds anything else or does not fit; |*out| then holds the
 // best effort (0 for no digits), as the player's base library does.
-bool StringToInt(std::wstring_view text, int* out);
-bool StringToInt(std::string_view text, int* out);
+[[nodiscard]] bool StringToInt(std::wstring_view text, int* out);
+[[nodiscard]] bool StringToInt(std::string_view text, int* out);
 
 // The C runtime's _wtoi: skips leading blanks, takes an optional sign and
 // the leading digits, ignores the rest; 0 when no digit comes first.
 // Out-of-range values are clamped to the int range.
-int WToI(std::wstring_view text);
+[[nodiscard]] int WToI(std::wstring_view text);
 
 }  // namespace base
 

@@ -19,8 +19,8 @@ constexpr char ToLowerASCII(char c) {
 std::wstring ToLowerASCII(std::wstring_view text);
 
 // Whole-text comparison under ASCII case folding (equal lengths required).
-bool EqualsCaseInsensitiveASCII(std::wstring_view a, std::wstring_view b);
-bool EqualsCaseInsensitiveASCII(std::string_view a, std::string_view b);
+[[nodiscard]] bool EqualsCaseInsensitiveASCII(std::wstring_view a, std::wstring_view b);
+[[nodiscard]] bool EqualsCaseInsensitiveASCII(std::string_view a, std::string_view b);
 
 }  // namespace base
 

@@ -26,7 +26,7 @@ enum TextUnicodeFlags : int {
 // Win32 IsTextUnicode: whether |length| bytes at |buffer| look like UTF-16LE
 // text. |flags| may be null (all tests run) or hold the tests to run; on
 // return it holds the flags found among those asked for.
-bool IsTextUnicode(const void* buffer, int length, int* flags);
+[[nodiscard]] bool IsTextUnicode(const void* buffer, int length, int* flags);
 
 // Win32 MultiByteToWideChar(CP_UTF8, 0, ...): decodes |length| bytes of UTF-8
 // into UTF-16 code units, replacing invalid input with U+FFFD exactly as

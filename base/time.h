@@ -10,7 +10,7 @@ class Time {
  public:
   static Time Now();
   static Time FromDoubleT(double seconds) { return Time(seconds); }
-  double ToDoubleT() const { return seconds_; }
+  [[nodiscard]] double ToDoubleT() const { return seconds_; }
 
   // Local time as "YYYYMMDD" and "YYYY-MM-DD HH:MM:SS" texts.
   std::wstring ToLocalDateString() const;

@@ -3,6 +3,7 @@
 #include <sys/resource.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cwchar>
 #include <random>
 #include <string>
@@ -100,4 +101,26 @@ double PeakMemoryMegabytes() {
   rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
   return usage.ru_maxrss / 1024.0;
+}
+
+bool ResetPeakMemory() {
+  std::FILE* file = std::fopen("/proc/self/clear_refs", "w");
+  if (!file)
+    return false;
+  bool written = std::fputs("5", file) >= 0;
+  return std::fclose(file) == 0 && written;
+}
+
+double PeakMemorySinceResetMegabytes() {
+  std::FILE* file = std::fopen("/proc/self/status", "r");
+  if (!file)
+    return 0;
+  char line[256];
+  long kilobytes = 0;
+  while (std::fgets(line, sizeof(line), file)) {
+    if (std::sscanf(line, "VmHWM: %ld kB", &kilobytes) == 1)
+      break;
+  }
+  std::fclose(file);
+  return kilobytes / 1024.0;
 }

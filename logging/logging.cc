@@ -38,7 +38,8 @@ int GetMinLogLevel() {
   if (!text || !*text)
     return 0;
   int level = 0;
-  base::StringToInt(std::string_view(text), &level);
+  // Text that is not a number logs at what the conversion made of it.
+  (void)base::StringToInt(std::string_view(text), &level);
   return level;
 }
 

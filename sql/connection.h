@@ -39,15 +39,17 @@ class Connection {
   // Opens (creating when missing) the plain database file at |path|. The
   // file is found case-insensitively when it exists. False when the file
   // cannot be opened or is not a database; the connection is then closed.
-  bool Open(const base::FilePath& path);
+  [[nodiscard]] bool Open(const base::FilePath& path);
 
   // Opens an encrypted database with |key| as the SQLCipher passphrase,
-  // exactly as "PRAGMA key = '<key>'" gives it, with the library's default
-  // cipher settings. The key is checked by reading the schema: a wrong key,
-  // or a plain file, answers false and leaves the connection closed.
+  // exactly as "PRAGMA key = '<key>'" gives it, in the version-3 file format
+  // (the cipher parameters of the SQLCipher 3.x line, set explicitly, so
+  // that a later library reads the same files). The key is checked by
+  // reading the schema: a wrong key, or a plain file, answers false and
+  // leaves the connection closed.
   // |create_if_missing| false refuses a file that does not exist.
-  bool OpenWithKey(const base::FilePath& path, const std::wstring& key,
-                   bool create_if_missing = false);
+  [[nodiscard]] bool OpenWithKey(const base::FilePath& path, const std::wstring& key,
+                                 bool create_if_missing = false);
 
   // Finalises every statement and closes the database. Safe to call twice.
   void Close();
@@ -55,32 +57,32 @@ class Connection {
   const base::FilePath& path() const { return path_; }
 
   // Runs one or more statements that return no rows. False on any error.
-  bool Execute(const char* sql);
+  [[nodiscard]] bool Execute(const char* sql);
 
-  bool DoesTableExist(const char* table_name) const;
-  bool DoesColumnExist(const char* table_name, const char* column_name) const;
+  [[nodiscard]] bool DoesTableExist(const char* table_name) const;
+  [[nodiscard]] bool DoesColumnExist(const char* table_name, const char* column_name) const;
 
   // ATTACH DATABASE '<path>' AS <alias> (the attached file is plain; with a
   // key on an encrypted main database, give it via AttachDatabaseWithKey).
-  bool AttachDatabase(const base::FilePath& path, const char* alias);
-  bool DetachDatabase(const char* alias);
+  [[nodiscard]] bool AttachDatabase(const base::FilePath& path, const char* alias);
+  [[nodiscard]] bool DetachDatabase(const char* alias);
 
   // Transactions nest: only the outermost Begin and Commit reach SQLite.
   // A rollback at any depth rolls back the whole transaction.
-  bool BeginTransaction();
-  bool CommitTransaction();
+  [[nodiscard]] bool BeginTransaction();
+  [[nodiscard]] bool CommitTransaction();
   void RollbackTransaction();
   int transaction_nesting() const { return transaction_nesting_; }
 
   // Turns the open plain database into one encrypted with |key| in place and
   // leaves the connection open on it: the content is exported into a sibling
   // file "<path>.enc" (inside one transaction), the connection closed, the
-  // sibling renamed over the file and reopened with the key. The result opens
-  // with the stock sqlcipher tool and "PRAGMA key = '<key>'" alone (default
-  // cipher page size). False when the database is not open, the export or the
-  // rename fails; the original file is then unchanged (and stays open when
+  // sibling renamed over the file and reopened with the key. The result is
+  // written in the version-3 file format whatever the library's defaults,
+  // and opens with a 3.x sqlcipher tool and "PRAGMA key = '<key>'" alone.
+  // False when the database is not open, the export or the rename fails; the original file is then unchanged (and stays open when
   // it can be reopened).
-  bool DbEncrypt(const std::wstring& key);
+  [[nodiscard]] bool DbEncrypt(const std::wstring& key);
 
   // A new prepared statement, finalised when its last Statement goes.
   std::shared_ptr<StatementRef> GetUniqueStatement(const char* sql);
@@ -89,14 +91,18 @@ class Connection {
   std::shared_ptr<StatementRef> GetCachedStatement(const StatementID& id, const char* sql);
 
   // SQLite's result code and message of the last failed call.
-  int GetErrorCode() const;
+  [[nodiscard]] int GetErrorCode() const;
   const char* GetErrorMessage() const;
 
   sqlite3* db() const { return db_; }
 
  private:
-  bool OpenInternal(const base::FilePath& path, const std::string* key, bool create_if_missing);
-  bool ApplySettings();
+  [[nodiscard]] bool OpenInternal(const base::FilePath& path, const std::string* key,
+                                  bool create_if_missing);
+  [[nodiscard]] bool ApplySettings();
+  // Sets the cipher parameters of the version-3 format on database |schema|
+  // ("main" or an attached alias), before its first page is read.
+  [[nodiscard]] bool PinCipherFormat(const char* schema);
 
   sqlite3* db_ = nullptr;
   base::FilePath path_;

@@ -31,24 +31,24 @@ class Statement {
 
   // Runs the statement to its next row: true while a row is available.
   // False at the end, on an error, or when invalid.
-  bool Step();
+  [[nodiscard]] bool Step();
   // Runs a statement that returns no row: true on success.
-  bool Run();
+  [[nodiscard]] bool Run();
   // Back to the start, ready to step again.
   void Reset();
 
-  int ColumnCount() const;
+  [[nodiscard]] int ColumnCount() const;
   // Column name as SQLite gives it (UTF-8); empty when out of range.
   std::string GetColumnName(int col) const;
 
-  int ColumnInt(int col) const;
-  int64_t ColumnInt64(int col) const;
-  double ColumnDouble(int col) const;
+  [[nodiscard]] int ColumnInt(int col) const;
+  [[nodiscard]] int64_t ColumnInt64(int col) const;
+  [[nodiscard]] double ColumnDouble(int col) const;
   std::string ColumnString(int col) const;     // UTF-8
   std::wstring ColumnString16(int col) const;  // wide text
 
  private:
-  bool CheckColumn(int col) const;
+  [[nodiscard]] bool CheckColumn(int col) const;
 
   std::shared_ptr<StatementRef> ref_;
 };

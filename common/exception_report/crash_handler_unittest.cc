@@ -20,7 +20,7 @@ std::string ReadOnlyCrashRecord(const base::FilePath& folder) {
   EXPECT_FALSE(first.empty()) << "no crash record";
   EXPECT_TRUE(records.Next().empty()) << "more than one crash record";
   std::string text;
-  base::ReadFileToString(first, &text);
+  EXPECT_TRUE(base::ReadFileToString(first, &text));
   return text;
 }
 
@@ -34,7 +34,7 @@ void ChainedHandler(int) {
 TEST(CrashHandlerTest, FaultWritesRecordAndKeepsItsCourse) {
   testing_support::ScopedTempDir temp;
   base::FilePath crash_folder = temp.path().Append(L"data").Append(L"crash");
-  base::CreateDirectory(temp.path().Append(L"data"));
+  EXPECT_TRUE(base::CreateDirectory(temp.path().Append(L"data")));
 
   pid_t child = fork();
   ASSERT_GE(child, 0);

@@ -98,7 +98,7 @@ TEST(DataExporterTest, DumpSummaries) {
   {
     sql::Connection db;
     ASSERT_TRUE(db.Open(none));
-    db.Execute("CREATE TABLE Unrelated(x)");
+    EXPECT_TRUE(db.Execute("CREATE TABLE Unrelated(x)"));
   }
   EXPECT_EQ(L"SUMMARY OF DB FILE {" + none.value() + L"}: \n",
             DumpTableSummary(none, Generation7DumpTables()));
@@ -107,9 +107,9 @@ TEST(DataExporterTest, DumpSummaries) {
   {
     sql::Connection db;
     ASSERT_TRUE(db.Open(some));
-    db.Execute("CREATE TABLE PlayLists(PlayListID integer)");
-    db.Execute("CREATE TABLE AppLists(ID integer)");
-    db.Execute("INSERT INTO AppLists VALUES (1), (2), (NULL)");
+    EXPECT_TRUE(db.Execute("CREATE TABLE PlayLists(PlayListID integer)"));
+    EXPECT_TRUE(db.Execute("CREATE TABLE AppLists(ID integer)"));
+    EXPECT_TRUE(db.Execute("INSERT INTO AppLists VALUES (1), (2), (NULL)"));
   }
   EXPECT_EQ(L"SUMMARY OF DB FILE {" + some.value() + L"}: \n"
                 L"\tAppLists: COUNT(ID) is {2}.\n"

@@ -21,7 +21,8 @@ base::FilePath GetDataFolder() {
   if (folder.empty())
     return folder;
   if (!base::DirectoryExists(folder))
-    base::CreateDirectory(folder);
+    // A folder that cannot be made shows when its files are written.
+    (void)base::CreateDirectory(folder);
   return folder;
 }
 
@@ -32,7 +33,8 @@ base::FilePath GetDatedBackupFolder() {
   base::FilePath folder = base::ResolvePathCase(
       data.Append(L"Backup").Append(base::Time::Now().ToLocalDateString()));
   if (!base::DirectoryExists(folder))
-    base::CreateDirectory(folder);
+    // A folder that cannot be made shows when its files are written.
+    (void)base::CreateDirectory(folder);
   return folder;
 }
 

@@ -47,7 +47,8 @@ void RunTask(const std::wstring& task, const base::FilePath& data_folder,
 
 void Run() {
   base::FilePath exe_folder;
-  base::PathService::Get(base::DIR_EXE, &exe_folder);
+  // Unknown, the crash records name an empty executable folder.
+  (void)base::PathService::Get(base::DIR_EXE, &exe_folder);
   exception_report::ScopedCrashHandler crash_handler(exe_folder, GetCrashFolder());
 
   base::CommandLine::Init(0, nullptr);

@@ -40,7 +40,7 @@ TEST_F(DataImporterMainTest, NothingToDoLeavesTheStartValues) {
 }
 
 TEST_F(DataImporterMainTest, SectionIsResetAtEveryRun) {
-  base::CreateDirectory(profile_.data_folder());
+  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
   testing_support::WriteBytes(profile_.ini(),
                               "[DBCheck]\r\nImportProgress=55\r\nImportState=9\r\n"
                               "ForceDeleteDb=1\r\n[Player]\r\nVolume=80\r\n");
@@ -55,7 +55,7 @@ TEST_F(DataImporterMainTest, SectionIsResetAtEveryRun) {
 }
 
 TEST_F(DataImporterMainTest, UpgradeTaskLeavesPlaylistStorageAlone) {
-  base::CreateDirectory(profile_.data_folder());
+  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
   TestProfile::Touch(Data(L"VTMusicV2.db"));
   TouchPlaylist();
   WriteStorage("{\"modify_time\":1.5}");
@@ -67,7 +67,7 @@ TEST_F(DataImporterMainTest, UpgradeTaskLeavesPlaylistStorageAlone) {
 }
 
 TEST_F(DataImporterMainTest, CopyTaskWithoutPlaylistDatabaseLeavesStorage) {
-  base::CreateDirectory(profile_.data_folder());
+  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
   TestProfile::Touch(Data(L"VTMusicV2.db"));
   WriteStorage("{\"lists\":[1,2],\"modify_time\":1.5}");
   DataImporterMain();

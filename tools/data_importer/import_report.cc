@@ -277,7 +277,9 @@ bool ImportReport::Write(const base::FilePath& data_folder) const {
     return false;
   }
   if (!base::WriteFile(temp, text + "\n")) {
-    base::DeleteFile(temp);
+    // The failure is what the caller reports; a half-written temporary
+    // file is only tidied away.
+    (void)base::DeleteFile(temp);
     return false;
   }
   return base::ReplaceFile(temp, data_folder.Append(kReportFile));

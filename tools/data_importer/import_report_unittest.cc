@@ -143,7 +143,7 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
                   {0, Hash(2), L"D:\\Down\\Two.mp3", true},      // found by hash
                   {0, L"", L"D:\\Down\\NoHash.mp3", true}};      // no hash
   ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
-  base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program()));
+  ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
   TestProfile::Touch(program().Append(L"VanTa6.exe"));
 
   DataImporterMain();
@@ -256,7 +256,7 @@ TEST_F(ImportReportTest, V2RepairedAndUnreadableLibrariesAreNamed) {
   damaged.items = {{1, 5, L"F:\\", L"c.mp3", L"C", Hash(3)}, {2, 5, L"F:\\", L"d.mp3", L"D", Hash(4)}};
   ASSERT_TRUE(damaged.Write(source.Append(L"VTLibrary1.db")));
   LoseFreePages(source.Append(L"VTLibrary1.db"));
-  base::WriteFile(source.Append(L"VTLibrary2.db"), std::string(8192, 'x'));
+  ASSERT_TRUE(base::WriteFile(source.Append(L"VTLibrary2.db"), std::string(8192, 'x')));
 
   ImportReport report;
   ProgressRecord record;
@@ -292,6 +292,41 @@ TEST_F(ImportReportTest, V2RepairedAndUnreadableLibrariesAreNamed) {
   EXPECT_EQ(4, report.WrittenRows("ShareFileItems"));
   // The unreadable file's music items and lists.
   EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));
+}
+
+// Rows a table loses after its writer sent them are caught by the count of
+// the finished file, and reported rather than hidden.
+TEST_F(ImportReportTest, CountOfTheFinishedFileCatchesLostRows) {
+  V6V1Database db;
+  db.music = {Music(1, L"One"), Music(2, L"Two")};
+  db.lists = {{10, 3, L"", 0, 0}};
+  ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
+  ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
+  TestProfile::Touch(program().Append(L"VanTa6.exe"));
+
+  ImportReport report;
+  ProgressRecord record;
+  record.set_report(&report);
+  record.Initialise();
+  record.set_import_kind(ImportKindOfTask(L"importvantu6"));
+  RunImport(&record, [&](const char* stage) {
+    if (std::string(stage) != "ListCountReport")
+      return;
+    sql::Connection raw;
+    ASSERT_TRUE(raw.Open(profile_.data_folder().Append(L"VTMusicV2.db.tmp")));
+    ASSERT_TRUE(raw.Execute("DELETE FROM ShareFileItems WHERE id = (SELECT max(id) FROM "
+                            "ShareFileItems)"));
+  });
+  base::Value json = report.ToJson();
+  const base::Value* files = Find(json["target_tables"], "table", "ShareFileItems");
+  ASSERT_TRUE(files) << json["target_tables"].dump();
+  EXPECT_EQ(2, (*files)["rows_sent"]);
+  EXPECT_EQ(1, (*files)["rows_counted"]);
+  EXPECT_EQ(false, (*files)["matches"]);
+  EXPECT_EQ("VTMusicV3.db", (*files)["database"]);
+  const base::Value* lists = Find(json["target_tables"], "table", "GeneralListTable");
+  ASSERT_TRUE(lists);
+  EXPECT_EQ(true, (*lists)["matches"]);
 }
 
 // Records of a reader that does not count, and drops without examples

@@ -1,5 +1,7 @@
 #include "tools/data_importer/importer_test_util.h"
 
+#include <gtest/gtest.h>
+
 #include "base/file_util.h"
 #include "base/profile_string.h"
 #include "base/utf_string_conversions.h"
@@ -7,8 +9,8 @@
 #include "sql/statement.h"
 
 TestProfile::TestProfile() {
-  base::CreateDirectory(local());
-  base::CreateDirectory(roaming());
+  EXPECT_TRUE(base::CreateDirectory(local()));
+  EXPECT_TRUE(base::CreateDirectory(roaming()));
   env_.Set("LOCALAPPDATA", local().AsUTF8Unsafe());
   env_.Set("APPDATA", roaming().AsUTF8Unsafe());
   env_.Set("VANTU_REGISTRY_FILE", root().Append(L"user.reg").AsUTF8Unsafe());
@@ -24,8 +26,9 @@ void TestProfile::SetRegistryValue(const std::wstring& key, const std::wstring& 
     escaped.push_back(c);
   }
   registry_ += L"[HKEY_CURRENT_USER\\" + key + L"]\r\n\"" + name + L"\"=\"" + escaped + L"\"\r\n\r\n";
-  base::WriteFile(root().Append(L"user.reg"),
-                  "Windows Registry Editor Version 5.00\r\n\r\n" + base::WideToUTF8(registry_));
+  EXPECT_TRUE(base::WriteFile(
+      root().Append(L"user.reg"),
+      "Windows Registry Editor Version 5.00\r\n\r\n" + base::WideToUTF8(registry_)));
 }
 
 std::wstring TestProfile::DBCheck(const std::wstring& key) const {
@@ -33,8 +36,8 @@ std::wstring TestProfile::DBCheck(const std::wstring& key) const {
 }
 
 void TestProfile::Touch(const base::FilePath& path) {
-  base::CreateDirectory(path.DirName());
-  base::WriteFile(path, std::string());
+  EXPECT_TRUE(base::CreateDirectory(path.DirName()));
+  EXPECT_TRUE(base::WriteFile(path, std::string()));
 }
 
 std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query) {

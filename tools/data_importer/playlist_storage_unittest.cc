@@ -39,7 +39,7 @@ TEST_F(PlaylistStorageTest, AnythingButADictionaryStaysAsItWas) {
     EXPECT_FALSE(RefreshPlaylistStorage(dir_.path())) << text;
     EXPECT_EQ(text, Storage());
   }
-  base::DeleteFile(Path(L"pls_storage"));
+  EXPECT_TRUE(base::DeleteFile(Path(L"pls_storage")));
   EXPECT_FALSE(RefreshPlaylistStorage(dir_.path()));
   EXPECT_FALSE(base::PathExists(Path(L"pls_storage")));
 }

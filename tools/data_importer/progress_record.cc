@@ -32,7 +32,8 @@ void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
   if (ini_path_.empty())
     return;
   report()->NoteDBCheck(key, value);
-  base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str());
+  // A profile write that fails is ignored (see the header).
+  (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str());
 }
 
 void ProgressRecord::Initialise() {

@@ -39,7 +39,9 @@ bool ExistsIn(const base::FilePath& folder, const wchar_t* name) {
 void CopyLibraryFiles(const base::FilePath& source, const base::FilePath& target) {
   base::FileEnumerator files(source, L"VTLibrary*.db");
   for (base::FilePath file = files.Next(); !file.empty(); file = files.Next())
-    base::CopyFile(file, target.Append(file.BaseName()));
+    // A file that cannot be copied is missing from the import; the task
+    // stays the same.
+    (void)base::CopyFile(file, target.Append(file.BaseName()));
 }
 
 }  // namespace
@@ -62,7 +64,9 @@ std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath&
     return kTaskImportGeneration6;
 
   if (ExistsIn(source_folder, L"VTData.db")) {
-    base::CopyFile(source_folder.Append(L"VTData.db"), data_folder.Append(L"VT6Data.db"));
+    // A file that cannot be copied is missing from the import; the task
+    // stays the same.
+    (void)base::CopyFile(source_folder.Append(L"VTData.db"), data_folder.Append(L"VT6Data.db"));
     return kTaskImportGeneration6;
   }
   if (ExistsIn(source_folder, L"VTLibrary.db")) {

@@ -17,7 +17,7 @@ class TaskDecisionTest : public ::testing::Test {
 };
 
 TEST_F(TaskDecisionTest, CurrentGenerationFilesComeFirst) {
-  base::CreateDirectory(profile_.data_folder());
+  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
   EXPECT_EQ(L"", Decide());
 
   TestProfile::Touch(Data(L"vantu.db"));
@@ -29,7 +29,7 @@ TEST_F(TaskDecisionTest, CurrentGenerationFilesComeFirst) {
   // Either version-3 file wins over version 2.
   TestProfile::Touch(Data(L"playlistV3.db"));
   EXPECT_EQ(L"updatevantu8", Decide());
-  base::DeleteFile(Data(L"playlistV3.db"));
+  EXPECT_TRUE(base::DeleteFile(Data(L"playlistV3.db")));
   TestProfile::Touch(Data(L"vtmusicv3.DB"));  // found whatever its letter case
   EXPECT_EQ(L"updatevantu8", Decide());
 }
@@ -61,10 +61,10 @@ TEST_F(TaskDecisionTest, EarlierGenerationsInOrder) {
 
 TEST_F(TaskDecisionTest, SourceFolderDatabaseIsCopiedAlone) {
   source_ = profile_.root().Append(L"old6");
-  base::CreateDirectory(source_);
+  EXPECT_TRUE(base::CreateDirectory(source_));
   testing_support::WriteBytes(source_.Append(L"VTData.db"), "v1");
   testing_support::WriteBytes(source_.Append(L"VTLibrary.db"), "lib");
-  base::CreateDirectory(profile_.data_folder());
+  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
 
   EXPECT_EQ(L"importvantu6", Decide());
   EXPECT_EQ("v1", testing_support::ReadBytes(Data(L"VT6Data.db")));
@@ -73,11 +73,11 @@ TEST_F(TaskDecisionTest, SourceFolderDatabaseIsCopiedAlone) {
 
 TEST_F(TaskDecisionTest, SourceFolderLibraryFilesAreCopied) {
   source_ = profile_.root().Append(L"old6");
-  base::CreateDirectory(source_);
+  EXPECT_TRUE(base::CreateDirectory(source_));
   testing_support::WriteBytes(source_.Append(L"VTLibrary.db"), "0");
   testing_support::WriteBytes(source_.Append(L"VTLibrary2.db"), "2");
   testing_support::WriteBytes(source_.Append(L"Other.db"), "x");
-  base::CreateDirectory(profile_.data_folder());
+  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
 
   EXPECT_EQ(L"importvantu6", Decide());
   EXPECT_EQ("0", testing_support::ReadBytes(Data(L"VTLibrary.db")));

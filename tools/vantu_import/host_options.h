@@ -23,14 +23,16 @@ struct HostOptions {
   bool json = false;     // the report on standard output instead of text
   bool version = false;
   bool help = false;
-  bool demo = false;
+  // --demo[=GENERATION]: 0 no demo, else the generation of the sample
+  // installation (7 by default, 6 on request).
+  int demo = 0;
   bool dry_run = false;  // import into a temporary copy of the data folder
   bool keep = false;     // keep the demo profile and the dry run's folder
 };
 
 // Parses argv. Answers false and sets |error| for an unknown option, a
-// missing value or an empty one. Options take their value as "--opt DIR" or
-// "--opt=DIR".
+// missing value, an empty one or a demo generation other than 6 or 7.
+// Options take their value as "--opt DIR" or "--opt=DIR".
 bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, std::string* error);
 
 // Checks that every folder option but --i names an existing folder and

@@ -171,7 +171,8 @@ ReportFile StatReport(const base::FilePath& path) {
 int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
   ApplyHostEnvironment(options);
   base::FilePath app_data;
-  base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data);
+  // Unknown, the data folder is relative and the outcome shows nothing found.
+  (void)base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data);
   base::FilePath real_data_folder =
       base::ResolvePathCase(app_data.Append(names::kDataFolderName));
   base::FilePath data_folder = real_data_folder;
@@ -226,8 +227,9 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
 
   std::printf("Task:          %s\n", TaskInWords(ReportTask(report)).c_str());
   if (options.dry_run) {
-    std::printf("Dry run:       nothing was changed; the import ran on a copy of the data folder%s\n",
-                options.keep ? (", kept in " + dry_run_folder->path()).c_str() : "");
+    std::printf("Dry run:       nothing was changed; the import ran on a copy of the data folder "
+                "in %s (%s)\n",
+                dry_run_folder->path().c_str(), options.keep ? "kept" : "removed");
   }
   std::printf("Data folder:   %s\n", real_data_folder.AsUTF8Unsafe().c_str());
   if (!options.dry_run || options.keep) {
@@ -279,7 +281,7 @@ int main(int argc, char** argv) {
     if (!demo_folder.Create("vantu-demo-", options.keep))
       return Fail(kExitFailed, "cannot create a temporary folder for the demo");
     base::FilePath root = base::FilePath::FromUTF8Unsafe(demo_folder.path());
-    base::FilePath registry = BuildDemoProfile(root, &error);
+    base::FilePath registry = BuildDemoProfile(root, options.demo, &error);
     if (registry.empty())
       return Fail(kExitFailed, "demo profile: " + error);
     options.profile = demo_folder.path();

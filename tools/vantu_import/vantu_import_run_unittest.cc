@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <set>
 #include <string>
 
 #include "base/file_util.h"
@@ -35,15 +34,13 @@ std::string Fingerprint(const base::FilePath& root) {
   return all;
 }
 
-// The entries of /tmp whose names start with |prefix|.
-std::set<std::string> TempEntries(const std::string& prefix) {
-  std::set<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator("/tmp")) {
-    std::string name = entry.path().filename().string();
-    if (name.rfind(prefix, 0) == 0)
-      names.insert(name);
-  }
-  return names;
+// The path that follows |label| in |output|, up to the next " (".
+base::FilePath PathAfter(const std::string& output, const std::string& label) {
+  size_t start = output.find(label);
+  if (start == std::string::npos)
+    return base::FilePath();
+  start += label.size();
+  return base::FilePath::FromUTF8Unsafe(output.substr(start, output.find(" (", start) - start));
 }
 
 std::wstring Hash(int n) {
@@ -53,9 +50,9 @@ std::wstring Hash(int n) {
 
 class HostRunTest : public testing::Test {
  protected:
-  HostRunTest() {
-    base::CreateDirectory(local());
-    base::CreateDirectory(profile().Append(L"AppData").Append(L"Roaming"));
+  void SetUp() override {
+    ASSERT_TRUE(base::CreateDirectory(local()));
+    ASSERT_TRUE(base::CreateDirectory(profile().Append(L"AppData").Append(L"Roaming")));
   }
 
   base::FilePath root() const { return dir_.path(); }
@@ -147,8 +144,8 @@ TEST_F(HostRunTest, UnusableDataFolderIsAFailure) {
             output_);
   EXPECT_EQ("not a folder", testing_support::ReadBytes(data_folder()));
 
-  base::DeleteFile(data_folder());
-  base::CreateDirectory(data_folder().Append(L"vantu.ini"));
+  ASSERT_TRUE(base::DeleteFile(data_folder()));
+  ASSERT_TRUE(base::CreateDirectory(data_folder().Append(L"vantu.ini")));
   EXPECT_EQ(1, Run(ProfileArgs())) << output_;
   EXPECT_NE(std::string::npos, output_.find("settings file " + data_folder().AsUTF8Unsafe() +
                                             "/vantu.ini: Is a directory"))
@@ -174,14 +171,14 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
   EXPECT_EQ(std::string::npos, output_.find("ImportEnd")) << output_;
 
   // An earlier release's playlist database stops the build.
-  base::DeleteFile(data_folder(), true);
-  base::CreateDirectory(data_folder());
+  ASSERT_TRUE(base::DeleteFile(data_folder(), true));
+  ASSERT_TRUE(base::CreateDirectory(data_folder()));
   testing_support::WriteBytes(data_folder().Append(L"playlist.db"), "");
   EXPECT_EQ(1, Run("--quiet " + ProfileArgs())) << output_;
   EXPECT_EQ(0u, output_.find("Import failed, nothing was replaced: ImportState 1 ")) << output_;
 
   // A damaged source: its lost free pages are repaired on opening.
-  base::DeleteFile(data_folder(), true);
+  ASSERT_TRUE(base::DeleteFile(data_folder(), true));
   base::FilePath source = program().Append(L"VTData.db");
   {
     sql::Connection db;
@@ -219,21 +216,21 @@ TEST_F(HostRunTest, JsonIsTheReport) {
 // byte for byte as they were, and the copy is gone afterwards.
 TEST_F(HostRunTest, DryRunChangesNothing) {
   WriteInstallation();
-  base::CreateDirectory(data_folder());
+  ASSERT_TRUE(base::CreateDirectory(data_folder()));
   testing_support::WriteBytes(data_folder().Append(L"Vantu.ini"), "[Player]\r\nVolume=80\r\n");
   std::string data_before = Fingerprint(data_folder());
   std::string program_before = Fingerprint(program());
-  std::set<std::string> temp_before = TempEntries("vantu-dry-run-");
 
   EXPECT_EQ(0, Run("--dry-run " + ProfileArgs())) << output_;
   EXPECT_NE(std::string::npos, output_.find("Imported 3 songs and 1 list with 2 entries"))
       << output_;
-  EXPECT_NE(std::string::npos, output_.find("Dry run:       nothing was changed")) << output_;
+  base::FilePath copy = PathAfter(output_, "the import ran on a copy of the data folder in ");
+  EXPECT_FALSE(copy.empty()) << output_;
+  EXPECT_FALSE(base::PathExists(copy));
   EXPECT_NE(std::string::npos, output_.find("MusicItems -> ShareFileItems: 3 -> 3 + 0"))
       << output_;
   EXPECT_EQ(data_before, Fingerprint(data_folder()));
   EXPECT_EQ(program_before, Fingerprint(program()));
-  EXPECT_EQ(temp_before, TempEntries("vantu-dry-run-"));
 }
 
 // "--i DIR" reaches the importer as "--i=DIR"; the demo removes its profile
@@ -249,19 +246,15 @@ TEST_F(HostRunTest, SourceFolderOptionAndDemoCleanUp) {
   EXPECT_EQ(0, Run("--quiet " + ProfileArgs() + " --i " + Quote(source))) << output_;
   EXPECT_EQ("Imported 1 song, 1 list with 1 entry and 1 download.\n", output_);
 
-  std::set<std::string> before = TempEntries("vantu-demo-");
-  EXPECT_EQ(0, Run("--demo --quiet")) << output_;
-  EXPECT_EQ(before, TempEntries("vantu-demo-"));
-  EXPECT_EQ(0, Run("--demo --keep")) << output_;
-  std::set<std::string> kept = TempEntries("vantu-demo-");
-  ASSERT_EQ(before.size() + 1, kept.size());
-  for (const std::string& name : kept) {
-    if (!before.count(name)) {
-      EXPECT_TRUE(base::PathExists(base::FilePath::FromUTF8Unsafe("/tmp/" + name)
-                                       .Append(L"AppData/Local/VanTu8/VTMusicV3.db")));
-      std::filesystem::remove_all("/tmp/" + name);
-    }
-  }
+  EXPECT_EQ(0, Run("--demo=6")) << output_;
+  base::FilePath removed = PathAfter(output_, "Demo profile: ");
+  ASSERT_FALSE(removed.empty()) << output_;
+  EXPECT_FALSE(base::PathExists(removed));
+  EXPECT_EQ(0, Run("--demo=6 --keep")) << output_;
+  base::FilePath kept = PathAfter(output_, "Demo profile: ");
+  ASSERT_FALSE(kept.empty()) << output_;
+  EXPECT_TRUE(base::PathExists(kept.Append(L"AppData/Local/VanTu8/VTMusicV3.db")));
+  std::filesystem::remove_all(kept.AsUTF8Unsafe());
   EXPECT_EQ(0, Run("--version"));
   EXPECT_EQ(0u, output_.find("vantu-import 1.0.0"));
 }

@@ -19,14 +19,16 @@ DatabaseHelper::~DatabaseHelper() {
 
 bool DatabaseHelper::OpenAndCheck(const base::FilePath& path) {
   repaired_ = false;
-  base::SetFileAttributesNormal(path);
+  // A missing file is no error: it will be created.
+  (void)base::SetFileAttributesNormal(path);
   connection_->set_page_size(4096);
   connection_->set_cache_size(64);
   if (!connection_->Open(path))
     return false;
   if (CheckIntegrity())
     return true;
-  connection_->Execute("VACUUM");
+  // The second integrity check decides, whatever the VACUUM answered.
+  (void)connection_->Execute("VACUUM");
   if (CheckIntegrity()) {
     repaired_ = true;
     return true;

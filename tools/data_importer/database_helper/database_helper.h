@@ -31,7 +31,7 @@ class DatabaseHelper {
   //     CheckIntegrity — true if it passes now;
   //  5. otherwise the connection is closed and the answer is false: the
   //     file is corrupt and must not be read.
-  bool OpenAndCheck(const base::FilePath& path);
+  [[nodiscard]] bool OpenAndCheck(const base::FilePath& path);
   // Whether the last OpenAndCheck passed only after the "VACUUM" (the file
   // was damaged: rows of a damaged page may be gone).
   bool repaired() const { return repaired_; }
@@ -39,13 +39,13 @@ class DatabaseHelper {
   // Runs the cached "PRAGMA Integrity_Check" and passes only when its first
   // row reads "ok" (any letter case). False for an invalid statement, no row,
   // or a list of problems.
-  bool CheckIntegrity();
+  [[nodiscard]] bool CheckIntegrity();
 
   // Attaches the database at |path| under |alias|. Refused (false) when an
   // alias is already stored — even if that earlier attach failed — or when
   // |alias| is empty. The alias is stored before attaching and stays stored
   // when the attach fails.
-  bool Attach(const base::FilePath& path, const std::string& alias);
+  [[nodiscard]] bool Attach(const base::FilePath& path, const std::string& alias);
 
   // Copies table |table| of the attached database into the main one:
   // "CREATE TABLE <t> AS SELECT * FROM <alias>.<t>" when the main database
@@ -53,7 +53,7 @@ class DatabaseHelper {
   // along), else "INSERT INTO <t> SELECT * FROM <alias>.<t>"; " where " +
   // |where| appended when |where| is not empty. False when nothing is
   // attached or the statement fails.
-  bool CopyTable(const std::string& where, const std::string& table);
+  [[nodiscard]] bool CopyTable(const std::string& where, const std::string& table);
 
   void Close();
 
@@ -89,6 +89,7 @@ void AppendSqlTextLiteral(std::wstring_view text, std::string* out);
 // %d) As MaxKeyID From %s" with the default 1. Answers 1 when the database is
 // not open, the statement is invalid (a missing table) or yields no row; an
 // empty table therefore also gives 1.
-int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column, const std::string& table);
+[[nodiscard]] int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column,
+                              const std::string& table);
 
 #endif  // TOOLS_DATA_IMPORTER_DATABASE_HELPER_DATABASE_HELPER_H_

@@ -22,18 +22,18 @@ void MakeDatabase(const base::FilePath& path) {
   ASSERT_TRUE(db.Open(path));
   ASSERT_TRUE(db.Execute("CREATE TABLE Songs(id integer PRIMARY KEY, name text)"));
   ASSERT_TRUE(db.Execute("CREATE INDEX SongNames ON Songs(name)"));
-  db.BeginTransaction();
+  EXPECT_TRUE(db.BeginTransaction());
   for (int i = 1; i <= 3000; ++i) {
-    db.Execute(("INSERT INTO Songs(name) VALUES ('a fairly long song title number " +
-                std::to_string(i) + "')")
-                   .c_str());
+    EXPECT_TRUE(db.Execute(("INSERT INTO Songs(name) VALUES ('a fairly long song title number " +
+                            std::to_string(i) + "')")
+                               .c_str()));
   }
-  db.CommitTransaction();
+  EXPECT_TRUE(db.CommitTransaction());
 }
 
 int RootPage(const base::FilePath& path, const std::string& name) {
   sql::Connection db;
-  db.Open(path);
+  EXPECT_TRUE(db.Open(path));
   sql::Statement s(db.GetUniqueStatement(
       ("SELECT rootpage FROM sqlite_master WHERE name='" + name + "'").c_str()));
   return s.Step() ? s.ColumnInt(0) : 0;
@@ -102,7 +102,7 @@ TEST(DatabaseHelperTest, RepairsWhatVacuumCanAndClosesTheRest) {
   EXPECT_FALSE(broken.connection()->is_open());
 
   base::FilePath not_a_database = dir.path().Append(L"text.db");
-  base::WriteFile(not_a_database, std::string(8192, 'x'));
+  EXPECT_TRUE(base::WriteFile(not_a_database, std::string(8192, 'x')));
   DatabaseHelper garbage;
   EXPECT_FALSE(garbage.OpenAndCheck(not_a_database));
   EXPECT_FALSE(garbage.connection()->is_open());
@@ -148,9 +148,9 @@ TEST(DatabaseHelperTest, StatementBuilders) {
   EXPECT_EQ(1, GetMaxKeyId(&helper, "ID", "T"));  // not open
   ASSERT_TRUE(helper.OpenAndCheck(dir.path().Append(L"keys.db")));
   EXPECT_EQ(1, GetMaxKeyId(&helper, "ID", "T"));  // missing table
-  helper.connection()->Execute("CREATE TABLE T(ID integer PRIMARY KEY)");
+  EXPECT_TRUE(helper.connection()->Execute("CREATE TABLE T(ID integer PRIMARY KEY)"));
   EXPECT_EQ(1, GetMaxKeyId(&helper, "ID", "T"));  // empty table
-  helper.connection()->Execute("INSERT INTO T(ID) VALUES (41)");
+  EXPECT_TRUE(helper.connection()->Execute("INSERT INTO T(ID) VALUES (41)"));
   EXPECT_EQ(41, GetMaxKeyId(&helper, "ID", "T"));
 }
 

@@ -15,13 +15,13 @@ class Connection;
 class RowReaderInterface {
  public:
   virtual ~RowReaderInterface() = default;
-  virtual double GetDouble(const std::string& name) = 0;
-  virtual int GetInt(const std::string& name) = 0;
-  virtual int64_t GetInt64(const std::string& name) = 0;
+  [[nodiscard]] virtual double GetDouble(const std::string& name) = 0;
+  [[nodiscard]] virtual int GetInt(const std::string& name) = 0;
+  [[nodiscard]] virtual int64_t GetInt64(const std::string& name) = 0;
   virtual std::string GetString(const std::string& name) = 0;
   virtual std::wstring GetString16(const std::string& name) = 0;
-  virtual bool IsValid() const = 0;
-  virtual bool Step() = 0;
+  [[nodiscard]] virtual bool IsValid() const = 0;
+  [[nodiscard]] virtual bool Step() = 0;
 };
 
 // Cursor over one statement, prepared at construction with
@@ -45,16 +45,16 @@ class DbRowReader : public RowReaderInterface {
   DbRowReader(sql::Connection& connection, const std::string& sql);
   ~DbRowReader() override;
 
-  double GetDouble(const std::string& name) override;
-  int GetInt(const std::string& name) override;
-  int64_t GetInt64(const std::string& name) override;
+  [[nodiscard]] double GetDouble(const std::string& name) override;
+  [[nodiscard]] int GetInt(const std::string& name) override;
+  [[nodiscard]] int64_t GetInt64(const std::string& name) override;
   std::string GetString(const std::string& name) override;  // UTF-8
   std::wstring GetString16(const std::string& name) override;
-  bool IsValid() const override;
-  bool Step() override;
+  [[nodiscard]] bool IsValid() const override;
+  [[nodiscard]] bool Step() override;
 
   // Index of the column called |name| (case-insensitive), or -1.
-  int GetColumnIndex(const std::string& name);
+  [[nodiscard]] int GetColumnIndex(const std::string& name);
 
   // Number of times the column names were scanned (for tests of the cache).
   int column_scans() const { return column_scans_; }

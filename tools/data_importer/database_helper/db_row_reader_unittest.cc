@@ -11,9 +11,10 @@ class DbRowReaderTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(db_.Open(dir_.path().Append(L"rows.db")));
-    db_.Execute("CREATE TABLE Items(ItemID integer, Title text, Size integer, Gain real)");
-    db_.Execute("INSERT INTO Items VALUES (1, 'It''s \u00e9', 5000000000, 1.5)");
-    db_.Execute("INSERT INTO Items VALUES (2, NULL, NULL, NULL)");
+    EXPECT_TRUE(
+        db_.Execute("CREATE TABLE Items(ItemID integer, Title text, Size integer, Gain real)"));
+    EXPECT_TRUE(db_.Execute("INSERT INTO Items VALUES (1, 'It''s \u00e9', 5000000000, 1.5)"));
+    EXPECT_TRUE(db_.Execute("INSERT INTO Items VALUES (2, NULL, NULL, NULL)"));
   }
 
   testing_support::ScopedTempDir dir_;

@@ -26,7 +26,8 @@ bool PrepareFile(const base::FilePath& data_folder, const wchar_t* temp_name,
                  const wchar_t* blocking_name, std::unique_ptr<DatabaseHelper>* helper) {
   base::FilePath temp = data_folder.Append(temp_name);
   if (base::PathExists(temp))
-    base::DeleteFile(temp);
+    // A stale file that cannot be deleted fails the open below.
+    (void)base::DeleteFile(temp);
   if (base::PathExists(data_folder.Append(blocking_name))) {
     VLOG_AT(logging::LOG_FAILURE) << L"File {" << blocking_name
                                   << L"} exists already; no database is built.";
@@ -36,15 +37,17 @@ bool PrepareFile(const base::FilePath& data_folder, const wchar_t* temp_name,
   if (!(*helper)->OpenAndCheck(temp)) {
     VLOG_AT(logging::LOG_FAILURE) << L"Failed to open database file {" << temp.value() << L"}.";
     (*helper)->Close();
-    base::DeleteFile(temp);
+    // Clean-up after the failure answered below.
+    (void)base::DeleteFile(temp);
     return false;
   }
   // The temporary files need no durability until they are finished: a
   // failed build deletes them, and the encryption writes the final content
   // into a new file with the engine's default safety.
   sql::Connection* connection = (*helper)->connection();
-  connection->Execute("PRAGMA synchronous=OFF");
-  connection->Execute("PRAGMA journal_mode=MEMORY");
+  // Speed only: without them the build is slower, not wrong.
+  (void)connection->Execute("PRAGMA synchronous=OFF");
+  (void)connection->Execute("PRAGMA journal_mode=MEMORY");
   return true;
 }
 
@@ -61,7 +64,8 @@ bool PrepareFiles(ImportModel* model, const base::FilePath& data_folder) {
       (*helper)->Close();
       helper->reset();
     }
-    base::DeleteFile(data_folder.Append(name));
+    // Clean-up after the failure answered below.
+    (void)base::DeleteFile(data_folder.Append(name));
   }
   return false;
 }

@@ -72,7 +72,8 @@ class BuildSequenceTest : public testing::Test {
 TEST_F(BuildSequenceTest, FilledModelBecomesTwoEncryptedDatabases) {
   FillModel();
   TestProfile::Touch(profile_.data_folder().Append(L"VTMusicV3.db"));  // replaced
-  base::WriteFile(profile_.data_folder().Append(L"VTMusicV2.db.tmp"), "stale, not a database");
+  EXPECT_TRUE(
+      base::WriteFile(profile_.data_folder().Append(L"VTMusicV2.db.tmp"), "stale, not a database"));
   record_.SetProgress(20);
 
   ASSERT_EQ(0, BuildDatabases(&model_, profile_.data_folder()));

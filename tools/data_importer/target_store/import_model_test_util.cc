@@ -2,6 +2,8 @@
 
 #include <cwchar>
 
+#include <gtest/gtest.h>
+
 std::shared_ptr<ShareFileItem> AddFile(ImportModel* model, int old_id, const std::wstring& name,
                                        const std::wstring& md5, int type) {
   auto file = std::make_shared<ShareFileItem>();
@@ -49,9 +51,9 @@ std::shared_ptr<DownloadRecord> AddDownload(ImportModel* model, int download_id,
 
 void OpenTargets(ImportModel* model, const base::FilePath& folder) {
   model->m_music_db = std::make_unique<DatabaseHelper>();
-  model->m_music_db->OpenAndCheck(folder.Append(L"music.db"));
+  EXPECT_TRUE(model->m_music_db->OpenAndCheck(folder.Append(L"music.db")));
   model->m_playlist_db = std::make_unique<DatabaseHelper>();
-  model->m_playlist_db->OpenAndCheck(folder.Append(L"playlist.db"));
+  EXPECT_TRUE(model->m_playlist_db->OpenAndCheck(folder.Append(L"playlist.db")));
 }
 
 std::wstring HashOf(int n) {

@@ -138,7 +138,7 @@ TEST_F(PlaylistWritersTest, EmptyListsAndRadioChannels) {
   login->EncodedPassword = L"\u00ff\u0001'x";
   login->AutoLogin = true;
   model_.m_login_history.push_back(login);
-  music()->Execute("DROP TABLE RecentlyPlayedItem");
+  EXPECT_TRUE(music()->Execute("DROP TABLE RecentlyPlayedItem"));
   model_.WriteRecentlyPlayedItems();
   model_.WriteRadioChannelTable();
   model_.WriteKeywordSearchHistory();

@@ -56,7 +56,8 @@ void RowBuilder::Clear() {
 
 void CreateTable(DatabaseHelper* db, const std::string& create_sql) {
   if (sql::Connection* connection = OpenConnection(db))
-    connection->Execute(create_sql.c_str());
+    // A table that could not be created fails every insert that follows.
+    (void)connection->Execute(create_sql.c_str());
 }
 
 TableTransaction::TableTransaction(DatabaseHelper* db, const TableDef& definition)
@@ -69,7 +70,8 @@ TableTransaction::TableTransaction(DatabaseHelper* db, const TableDef& definitio
 TableTransaction::~TableTransaction() {
   sql::Connection* connection = OpenConnection(db_);
   if (open_ && connection)
-    connection->CommitTransaction();
+    // A destructor has no one to tell; each insert was checked on its own.
+    (void)connection->CommitTransaction();
 }
 
 bool TableTransaction::Execute(const std::string& statement) {
@@ -95,6 +97,7 @@ std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table
   bool in_transaction = false;
   int id = -1;
   for (size_t i = 0; i < statements.size(); ++i) {
+    // Ids count on whether or not the insert succeeded (see the header).
     bool ok = connection && connection->Execute(statements[i].c_str());
     if (inserted)
       (*inserted)[i] = ok;
@@ -108,6 +111,7 @@ std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table
     ids.push_back(id);
   }
   if (in_transaction)
-    connection->CommitTransaction();
+    // The ids are answered either way; each insert was run on its own.
+    (void)connection->CommitTransaction();
   return ids;
 }

@@ -2,6 +2,8 @@
 
 #include <cwchar>
 #include <exception>
+#include <filesystem>
+#include <system_error>
 
 #include "base/file_util.h"
 #include "tools/data_importer/installation_lookup.h"
@@ -27,6 +29,33 @@ std::vector<base::FilePath> ListFiles(const base::FilePath& folder, const wchar_
   for (base::FilePath file = enumerator.Next(); !file.empty(); file = enumerator.Next())
     files.push_back(file);
   return files;
+}
+
+// Entries of |folder| matching |pattern| that are not regular files, such
+// as a folder under a library file's name; the file enumeration passes over
+// them, so they would otherwise go unnoticed.
+std::vector<base::FilePath> ListNonFiles(const base::FilePath& folder, const wchar_t* pattern) {
+  std::vector<base::FilePath> entries;
+  std::error_code error;
+  std::filesystem::path native(base::ResolvePathCase(folder).AsUTF8Unsafe());
+  for (std::filesystem::directory_iterator it(native, error), end; !error && it != end;
+       it.increment(error)) {
+    base::FilePath entry = base::FilePath::FromUTF8Unsafe(it->path().string());
+    std::error_code type_error;
+    if (!it->is_regular_file(type_error) &&
+        base::FileEnumerator::MatchPattern(entry.BaseName().value(), pattern))
+      entries.push_back(entry);
+  }
+  return entries;
+}
+
+// The failure bits of the readers that read a library file: music items and
+// lists from each, the downloads from "VTLibrary.db" as well.
+uint32_t LibraryFileBits(const base::FilePath& file) {
+  uint32_t bits = ProgressRecord::kStateMusicFailed | ProgressRecord::kStateListsFailed;
+  if (base::FileEnumerator::MatchPattern(file.BaseName().value(), L"VTLibrary.db"))
+    bits |= ProgressRecord::kStateTableFailed;
+  return bits;
 }
 
 }  // namespace
@@ -91,9 +120,11 @@ void V6DataExporter::CopyLyrics() {
     return;
   base::FilePath target = GetLyricFolder();
   if (!base::DirectoryExists(target))
-    base::CreateDirectory(target);
+    // A folder that cannot be made makes every copy below fail.
+    (void)base::CreateDirectory(target);
   for (const base::FilePath& lyric : lyrics)
-    base::CopyFile(lyric, target.Append(lyric.BaseName().value()));
+    // A lyric file that cannot be copied is skipped.
+    (void)base::CopyFile(lyric, target.Append(lyric.BaseName().value()));
 }
 
 bool V6DataExporter::CopyV1Database() {
@@ -145,8 +176,15 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   }
   base::FilePath program = LocateInstallation();
   std::vector<base::FilePath> sources;
-  if (!program.empty())
+  if (!program.empty()) {
     sources = ListFiles(program, kLibraryPattern);
+    // A library file that exists but cannot be read still loses data: it is
+    // reported with the bits of the readers it would have fed.
+    for (const base::FilePath& entry : ListNonFiles(program, kLibraryPattern)) {
+      V6LOG(logging::LOG_FAILURE) << L"File {" << entry.value() << L"} is not a readable file.";
+      ReportState(LibraryFileBits(entry));
+    }
+  }
   if (sources.empty()) {
     V6LOG(logging::LOG_FAILURE) << L"V6DB files do not exists.";
     logging::OutputDebugStringW(L"v6 DBv2 is not exist!!!");
@@ -155,10 +193,12 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   base::FilePath backup = GetDatedBackupFolder();
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
-    bool copied = CopyWithLog(source, work.Append(name));  // logged; see above
+    bool copied = CopyWithLog(source, work.Append(name));  // logged there
+    if (!copied)
+      ReportState(LibraryFileBits(source));
     Report()->AddSource(source, work.Append(name), "V2",
-                                 copied ? ImportReport::kCopied : ImportReport::kUnreadable);
-    (void)CopyWithLog(source, backup.Append(name));
+                        copied ? ImportReport::kCopied : ImportReport::kUnreadable);
+    (void)CopyWithLog(source, backup.Append(name));  // the backup only: logged
   }
   return true;
 }
@@ -217,6 +257,9 @@ int32_t V6DataExporter::ReadV2Layout() {
         if (!ReadFinishedDownloads())
           ReportState(ProgressRecord::kStateTableFailed);
         TableRead();
+      } else {
+        V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
+        ReportState(ProgressRecord::kStateTableFailed);
       }
     } else {
       V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
@@ -232,8 +275,9 @@ int32_t V6DataExporter::ReadV2Layout() {
       continue;
     }
     // An unsound file leaves m_db closed: both readers then fail and report
-    // their bits, which is all there is to say about it.
-    (void)OpenSourceWithRepair(library);
+    // their bits.
+    if (!OpenSourceWithRepair(library))
+      V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
     if (!ReadMusicItemsV2(number))
       ReportState(ProgressRecord::kStateMusicFailed);
     TableRead();

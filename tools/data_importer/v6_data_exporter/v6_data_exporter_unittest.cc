@@ -64,7 +64,7 @@ class V6DataExporterTest : public testing::Test {
   base::FilePath program() const { return profile_.root().Append(L"Program Files").Append(L"VanTa6"); }
 
   void Register() {
-    base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program()));
+    EXPECT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
     TestProfile::Touch(program().Append(L"VanTa6.exe"));
   }
 
@@ -73,7 +73,7 @@ class V6DataExporterTest : public testing::Test {
     base::FileEnumerator files(folder, L"*");
     for (base::FilePath file = files.Next(); !file.empty(); file = files.Next()) {
       std::string bytes;
-      base::ReadFileToString(file, &bytes);
+      EXPECT_TRUE(base::ReadFileToString(file, &bytes));
       all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
     }
     return all;
@@ -87,7 +87,7 @@ class V6DataExporterTest : public testing::Test {
 
   std::string Log() {
     std::string log;
-    base::ReadFileToString(profile_.data_folder().Append(L"DataImporter.log"), &log);
+    EXPECT_TRUE(base::ReadFileToString(profile_.data_folder().Append(L"DataImporter.log"), &log));
     return log;
   }
 
@@ -99,9 +99,9 @@ class V6DataExporterTest : public testing::Test {
 // the installation is left byte for byte as it was.
 TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   ASSERT_TRUE(SampleV1().Write(program().Append(L"VTData.db")));
-  base::CreateDirectory(program().Append(L"Lyric"));
-  base::WriteFile(program().Append(L"Lyric").Append(L"\u7a3b\u9999.krc"), "krc");
-  base::WriteFile(program().Append(L"Lyric").Append(L"notes.txt"), "x");
+  EXPECT_TRUE(base::CreateDirectory(program().Append(L"Lyric")));
+  EXPECT_TRUE(base::WriteFile(program().Append(L"Lyric").Append(L"\u7a3b\u9999.krc"), "krc"));
+  EXPECT_TRUE(base::WriteFile(program().Append(L"Lyric").Append(L"notes.txt"), "x"));
   Register();
   std::string before = Fingerprint(program());
 
@@ -193,8 +193,8 @@ TEST_F(V6DataExporterTest, V1WinsAndTheWorkCopyIsReused) {
     EXPECT_EQ(3u, model.m_play_lists.size()) << run;
     EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
     // Second run: no registry, no installation.
-    base::DeleteFile(profile_.root().Append(L"user.reg"));
-    base::DeleteFile(program(), true);
+    EXPECT_TRUE(base::DeleteFile(profile_.root().Append(L"user.reg")));
+    EXPECT_TRUE(base::DeleteFile(program(), true));
   }
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"VTLibrary.db")));
   EXPECT_NE(std::string::npos, Log().find("V6 DB version is {V1}."));
@@ -363,7 +363,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     EXPECT_NE(std::string::npos, Log().find("Table {MVItems} do not exists."));
   }
 
-  base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db"));
+  EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
   db.omit_tables = {"MusicItems"};
   ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
   {
@@ -377,8 +377,8 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     EXPECT_NE(std::string::npos, Log().find("Table {MusicItems} do not exists."));
   }
 
-  base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db"));
-  base::DeleteFile(program(), true);
+  EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
+  EXPECT_TRUE(base::DeleteFile(program(), true));
   ProgressRecord record;
   record.Initialise();
   record.set_import_kind(ProgressRecord::kKindGeneration6);
@@ -387,6 +387,44 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
   EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"VTMusicV3.db")));
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"playlistV3.db")));
+}
+
+// A library file that exists but cannot be read is not passed over: a folder
+// under a library file's name, or a copy that does not open, is logged and
+// reported with the bits of the readers it would have fed; the good file is
+// still imported.
+TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
+  V6V2Library good;
+  good.lists = {{1, 3, L"", 0, 0}};
+  good.items = {{1, 1, L"E:\\", L"a.mp3", L"A", Hash(1)}};
+  good.downloads = {{1, Hash(1), L"D:\\Down\\a.mp3", true}};
+  ASSERT_TRUE(good.Write(program().Append(L"VTLibrary.db")));
+  ASSERT_TRUE(base::CreateDirectory(program().Append(L"VTLibrary2.db")));
+  Register();
+  {
+    ProgressRecord record;
+    record.Initialise();
+    ImportModel model(&record);
+    V6DataExporter exporter(&model);
+    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(1u, model.m_share_files.size());
+    EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));  // music items 4 + lists 2
+    EXPECT_NE(std::string::npos, Log().find("VTLibrary2.db} is not a readable file."));
+  }
+
+  // A first library file whose copy is no database: its downloads, music
+  // items and lists are all reported.
+  for (const wchar_t* name : {L"VTLibrary.db", L"VTLibrary2.db"})
+    ASSERT_TRUE(base::DeleteFile(profile_.data_folder().Append(name), true));
+  ASSERT_TRUE(base::DeleteFile(program().Append(L"VTLibrary2.db"), true));
+  base::WriteFile(program().Append(L"VTLibrary.db"), std::string(3000, 'x'));
+  ProgressRecord record;
+  record.Initialise();
+  ImportModel model(&record);
+  V6DataExporter exporter(&model);
+  EXPECT_EQ(0, exporter.ExportData());
+  EXPECT_EQ(L"22", profile_.DBCheck(L"ImportState"));  // 16 + 4 + 2
+  EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));
 }
 
 }  // namespace
