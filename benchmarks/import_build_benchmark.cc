@@ -262,8 +262,11 @@ void BM_Generation6Import(benchmark::State& state) {
       source.items.push_back({item, 1 + item % lists, 1 + item * 7 % kFiles, item, item % 5});
     source.Write(program.Append(L"VTData.db"));
   }
-  base::WriteFile(program.Append(L"VanTa6.exe"), "");
-  base::WriteFile(profile.path().Append(L"user.reg"), V6RegistryText(program));
+  if (!base::WriteFile(program.Append(L"VanTa6.exe"), "") ||
+      !base::WriteFile(profile.path().Append(L"user.reg"), V6RegistryText(program))) {
+    state.SkipWithError("cannot write the generation-6 installation");
+    return;
+  }
   testing_support::ScopedEnv env;
   env.Set("VANTU_REGISTRY_FILE", profile.path().Append(L"user.reg").AsUTF8Unsafe());
   env.Set("APPDATA", profile.path().Append(L"roaming").AsUTF8Unsafe());

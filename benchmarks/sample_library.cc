@@ -8,6 +8,8 @@
 #include <random>
 #include <string>
 
+#include "tools/data_importer/source_reader_util.h"
+
 namespace {
 
 const wchar_t* const kArtists[] = {L"\u5468\u6770\u502b", L"Beyonc\u00e9", L"Guns N' Roses",
@@ -68,13 +70,7 @@ void FillSampleLibrary(ImportModel* model, int files, int lists, int entries, in
       const ShareFileItem& file = *model->m_share_files[random() % files];
       auto song = std::make_shared<SongItem>();
       song->SongID = ++song_id;
-      song->music_file_id = file.old_id;
-      song->TitleName = file.FileNamePure;
-      song->Singer = file.Artist;
-      song->MusicFilePath = file.FileName;
-      song->MusicFileHash = file.MD5;
-      song->MusicFileSize = file.FileSize;
-      song->MusicFileDuration = file.Duration;
+      FillSongFromFile(file, song.get());
       song->SortID = e;
       song->CreationTime = 1300000000 + e;
       songs.push_back(song);

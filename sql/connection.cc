@@ -256,8 +256,9 @@ bool Connection::DbEncrypt(const std::wstring& key) {
     return false;
   }
   if (!PinCipherFormat("vantu_encrypted")) {
-    Execute("DETACH DATABASE vantu_encrypted");
-    base::DeleteFile(encrypted);
+    // Clean-up after the failure answered below.
+    (void)Execute("DETACH DATABASE vantu_encrypted");
+    (void)base::DeleteFile(encrypted);
     return false;
   }
   // One transaction around the export saves a commit per table.

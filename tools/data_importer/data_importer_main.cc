@@ -63,10 +63,14 @@ void Run() {
 
   auto decision_start = std::chrono::steady_clock::now();
   base::FilePath data_folder = GetDataFolder();
-  RemoveStaleWorkFiles(data_folder);
   // A build killed between its two renames is completed before the task is
-  // decided, so the decision sees both version-3 files or neither.
-  bool replacement_complete = CompleteOrUndoReplacement(data_folder);
+  // decided, so the decision sees both version-3 files or neither. Without a
+  // data folder there is nothing to clean (and no relative path may be).
+  bool replacement_complete = true;
+  if (!data_folder.empty()) {
+    RemoveStaleWorkFiles(data_folder);
+    replacement_complete = CompleteOrUndoReplacement(data_folder);
+  }
   std::wstring task = DecideTask(data_folder, source_folder);
   std::chrono::duration<double> decision_time = std::chrono::steady_clock::now() - decision_start;
   VLOG_AT(logging::LOG_PROGRESS) << importer_names::kTaskLogMarker << task << L"}, source folder {"

@@ -20,8 +20,8 @@ class WindowsProfileTest : public testing::Test {
   // A copied volume: "<volume>/Users/Bob" and, elsewhere on it, the program.
   WindowsProfileTest() : volume_(dir_.path().Append(L"volume")) {
     profile_ = volume_.Append(L"Users").Append(L"Bob");
-    base::CreateDirectory(profile_.Append(L"AppData").Append(L"Local"));
-    base::CreateDirectory(profile_.Append(L"AppData").Append(L"Roaming"));
+    EXPECT_TRUE(base::CreateDirectory(profile_.Append(L"AppData").Append(L"Local")));
+    EXPECT_TRUE(base::CreateDirectory(profile_.Append(L"AppData").Append(L"Roaming")));
   }
 
   // Writes a small generation-6 "V1" installation into |folder|.

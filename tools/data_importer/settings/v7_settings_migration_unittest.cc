@@ -199,13 +199,11 @@ class V7SettingsMigrationTest : public testing::Test {
 // Every case as an 8-bit file and as a UTF-16 file, under a file name in
 // another letter case.
 TEST_F(V7SettingsMigrationTest, ReadsEachKeyByItsRule) {
-  base::CreateDirectory(folder());
+  ASSERT_TRUE(base::CreateDirectory(folder()));
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.name);
-    if (c.skin_folder)
-      base::CreateDirectory(folder().Append(L"SkinPic2012"));
-    else
-      base::DeleteFile(folder().Append(L"SkinPic2012"), true);
+    const base::FilePath skin = folder().Append(L"SkinPic2012");
+    ASSERT_TRUE(c.skin_folder ? base::CreateDirectory(skin) : base::DeleteFile(skin, true));
     std::wstring text = c.ini;
     for (size_t at = text.find(L'\n'); at != std::wstring::npos; at = text.find(L'\n', at + 2))
       text.replace(at, 1, L"\r\n");
@@ -222,7 +220,7 @@ TEST_F(V7SettingsMigrationTest, ReadsEachKeyByItsRule) {
 
 TEST_F(V7SettingsMigrationTest, NoFileGivesNoRecord) {
   EXPECT_FALSE(MigrateV7Settings(folder()).has_value());
-  base::CreateDirectory(folder().Append(L"SkinPic2012"));
+  ASSERT_TRUE(base::CreateDirectory(folder().Append(L"SkinPic2012")));
   testing_support::WriteBytes(folder().Append(L"vantu.ini.bak"), "[Player]\r\nVolume=5\r\n");
   EXPECT_FALSE(MigrateV7Settings(folder()).has_value());
   // An empty file still gives a record, with the defaults.

@@ -93,9 +93,10 @@ void ReleaseDatabase(std::unique_ptr<DatabaseHelper>* helper) {
 // data folder's "Vantu.ini". A failure is logged and never fails the build.
 // The keys carried are named in the import report.
 void WriteSettings(ImportModel* model, const base::FilePath& data_folder) {
-  if (!WriteImportedSettings(model->m_settings, data_folder.Append(L"Vantu.ini"))) {
-    VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {"
-                                  << data_folder.Append(L"Vantu.ini").value() << L"} failed.";
+  const base::FilePath ini = data_folder.Append(importer_names::kSettingsFileName);
+  if (!WriteImportedSettings(model->m_settings, ini)) {
+    VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {" << ini.value()
+                                  << L"} failed.";
     return;
   }
   std::set<std::wstring> keys;

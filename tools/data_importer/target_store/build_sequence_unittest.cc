@@ -228,8 +228,8 @@ TEST_F(BuildSequenceTest, StoredSchemasAreTheExpectedTexts) {
 
 // Final files of an earlier run that a failed build must leave untouched.
 void WriteOldFinalFiles(const base::FilePath& folder) {
-  base::WriteFile(folder.Append(L"VTMusicV3.db"), "old music");
-  base::WriteFile(folder.Append(L"playlistV3.db"), "old lists");
+  ASSERT_TRUE(base::WriteFile(folder.Append(L"VTMusicV3.db"), "old music"));
+  ASSERT_TRUE(base::WriteFile(folder.Append(L"playlistV3.db"), "old lists"));
 }
 
 void ExpectFailedBuildLeftOldFiles(const TestProfile& profile) {

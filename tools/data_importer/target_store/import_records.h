@@ -14,6 +14,9 @@
 // source table a reader made the record from, as the import report numbers
 // it (0: not recorded); the writers count rows by it and write it nowhere.
 
+// The hash of a file that has no hash.
+inline constexpr wchar_t kNoFileHash[] = L"00000000000000000000000000000000";
+
 // One media file known to the player.
 struct ShareFileItem {
   int origin = 0;

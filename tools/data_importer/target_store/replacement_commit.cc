@@ -58,7 +58,7 @@ bool CommitReplacement(const base::FilePath& data_folder,
     VLOG_AT(logging::LOG_FAILURE) << L"Write file {" << record.value()
                                   << L"} FAILED, error code {" << base::GetLastSystemError()
                                   << L"}; no database is replaced.";
-    base::DeleteFile(record_new);
+    (void)base::DeleteFile(record_new);  // clean-up after the failure logged above
     return false;
   }
   done("CommitRecord");
@@ -75,7 +75,8 @@ bool CommitReplacement(const base::FilePath& data_folder,
 
 bool CompleteOrUndoReplacement(const base::FilePath& data_folder) {
   base::FilePath record = data_folder.Append(kRecordName);
-  base::DeleteFile(base::FilePath(record.value() + L".new"));  // never renamed: no commit
+  // A record never renamed into place means no commit began.
+  (void)DeleteWithLog(base::FilePath(record.value() + L".new"));
   if (!base::PathExists(record)) {
     for (const Replacement& pair : kPairs) {
       base::FilePath temp = data_folder.Append(pair.temp_name);

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "base/file_util.h"
-#include "base/md5.h"
 #include "sql/connection.h"
 #include "sql/statement.h"
 #include "testing/fixtures/generation6_fixture.h"
@@ -85,17 +84,6 @@ class V7DataExporterTest : public testing::Test {
   base::FilePath v7() const { return Generation7Folder(profile_.roaming()); }
   base::FilePath data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
 
-  std::string Fingerprint(const base::FilePath& folder) {
-    std::string all;
-    base::FileEnumerator files(folder, L"*");
-    for (base::FilePath file = files.Next(); !file.empty(); file = files.Next()) {
-      std::string bytes;
-      base::ReadFileToString(file, &bytes);
-      all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
-    }
-    return all;
-  }
-
   std::unique_ptr<sql::Connection> OpenFinal(const wchar_t* name) {
     auto db = std::make_unique<sql::Connection>();
     EXPECT_TRUE(db->OpenWithKey(data(name), kVersion3DatabaseKey));
@@ -104,7 +92,7 @@ class V7DataExporterTest : public testing::Test {
 
   std::string Log() {
     std::string log;
-    base::ReadFileToString(data(L"DataImporter.log"), &log);
+    EXPECT_TRUE(base::ReadFileToString(data(L"DataImporter.log"), &log));
     return log;
   }
 
@@ -122,11 +110,11 @@ class V7DataExporterTest : public testing::Test {
 TEST_F(V7DataExporterTest, ImportedEndToEnd) {
   ASSERT_TRUE(Sample().Write(v7().Append(L"VTData.db")));
   ASSERT_TRUE(base::WriteFile(v7().Append(L"PlugCusData.VST"), "plug"));
-  std::string before = Fingerprint(v7());
+  std::string before = FolderFingerprint(v7());
 
   DataImporterMain();
 
-  EXPECT_EQ(before, Fingerprint(v7()));
+  EXPECT_EQ(before, FolderFingerprint(v7()));
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
   EXPECT_EQ(L"10:0,11:2,15:1", profile_.DBCheck(L"ImportPlayLists"));
@@ -217,7 +205,7 @@ TEST_F(V7DataExporterTest, MissingTables) {
     EXPECT_LE(record.progress(), 49);
   }
 
-  base::DeleteFile(data(L"VT7Data.db"));
+  EXPECT_TRUE(base::DeleteFile(data(L"VT7Data.db")));
   db.omit_tables = {"FileItems"};
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
   ProgressRecord record;
@@ -312,7 +300,7 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
     EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
   }
 
-  base::DeleteFile(data(L"VT7Data.db"));
+  EXPECT_TRUE(base::DeleteFile(data(L"VT7Data.db")));
   ASSERT_TRUE(Sample().Write(source));
   {
     sql::Connection db;

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "base/file_util.h"
-#include "base/profile_string.h"
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/test_support.h"
 #include "tools/data_importer/data_importer_main.h"
@@ -38,9 +37,6 @@ class V7SettingsImportTest : public testing::Test {
                                 "\xFF\xFE" + testing_support::UTF16Bytes(kSettings, false));
     ASSERT_TRUE(base::CreateDirectory(v7().Append(L"SkinPic2012")));
   }
-  std::wstring Setting(const std::wstring& key) const {
-    return base::GetPrivateProfileStringW(L"Settings", key, L"#missing#", profile_.ini().value());
-  }
 
   // Runs the exporter alone; answers the progress it reached.
   int Export(ImportModel* model) {
@@ -60,7 +56,7 @@ TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
   const int progress_without = Export(&first);
   EXPECT_TRUE(first.m_settings.empty());
 
-  base::DeleteFile(profile_.data_folder().Append(L"VT7Data.db"));
+  ASSERT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT7Data.db")));
   WriteSettings();
   ProgressRecord with_file;
   with_file.Initialise();
@@ -76,14 +72,14 @@ TEST_F(V7SettingsImportTest, SettingsArriveInTheNewIni) {
   DataImporterMain();
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
-  EXPECT_EQ(L"66", Setting(L"Volume"));
-  EXPECT_EQ(L"2147483649", Setting(L"PlayMode"));
-  EXPECT_EQ(L"-65536,-16711936", Setting(L"LyricPlayColors"));
-  EXPECT_EQ(L"\u5b8b\u4f53", Setting(L"LyricFontName"));
-  EXPECT_EQ(L"1603", Setting(L"GlobalHotKeys0"));
-  EXPECT_EQ(L"2", Setting(L"ProxyType"));
-  EXPECT_EQ(L"9000", Setting(L"DownloadPort"));
-  EXPECT_EQ(L"#missing#", Setting(L"MainWindowX"));
+  EXPECT_EQ(L"66", profile_.Setting(L"Volume"));
+  EXPECT_EQ(L"2147483649", profile_.Setting(L"PlayMode"));
+  EXPECT_EQ(L"-65536,-16711936", profile_.Setting(L"LyricPlayColors"));
+  EXPECT_EQ(L"\u5b8b\u4f53", profile_.Setting(L"LyricFontName"));
+  EXPECT_EQ(L"1603", profile_.Setting(L"GlobalHotKeys0"));
+  EXPECT_EQ(L"2", profile_.Setting(L"ProxyType"));
+  EXPECT_EQ(L"9000", profile_.Setting(L"DownloadPort"));
+  EXPECT_EQ(L"#missing#", profile_.Setting(L"MainWindowX"));
 }
 
 }  // namespace
