@@ -10,6 +10,7 @@
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
@@ -43,16 +44,22 @@ bool DataExporter::CopyWithLog(const base::FilePath& from, const base::FilePath&
 
 DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
     const base::FilePath& work_copy, const std::function<base::FilePath()>& find_source,
-    const std::wstring& backup_name) {
+    const std::wstring& backup_name, const std::string& layout) {
   WorkCopy result = WorkCopy::kReused;
+  base::FilePath source = work_copy;
   if (!base::PathExists(work_copy)) {
-    base::FilePath source = find_source();
+    source = find_source();
     if (source.empty() || !base::PathExists(source))
       return WorkCopy::kNoSource;
-    if (!CopyWithLog(source, work_copy))
+    if (!CopyWithLog(source, work_copy)) {
+      Report()->AddSource(source, work_copy, layout, ImportReport::kUnreadable);
       return WorkCopy::kCopyFailed;
+    }
     result = WorkCopy::kCopied;
   }
+  Report()->AddSource(source, work_copy, layout,
+                      result == WorkCopy::kCopied ? ImportReport::kCopied
+                                                  : ImportReport::kReusedCopy);
   // Both copies are only for safekeeping and inspection: the export goes on
   // without them, CopyWithLog has logged the failure.
   (void)CopyWithLog(work_copy, GetDatedBackupFolder().Append(backup_name));
@@ -62,7 +69,20 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
 
 bool DataExporter::OpenSourceWithRepair(const base::FilePath& path) {
   ResetDatabase();
-  return m_db->OpenAndCheck(path);
+  bool opened = m_db->OpenAndCheck(path);
+  if (!opened)
+    Report()->MarkSource(path, ImportReport::kUnreadable);
+  else if (m_db->repaired())
+    Report()->MarkSource(path, ImportReport::kRepaired);
+  return opened;
+}
+
+ImportReport* DataExporter::Report() {
+  if (m_model)
+    return m_model->report();
+  if (!spare_report_)
+    spare_report_ = std::make_unique<ImportReport>();
+  return spare_report_.get();
 }
 
 void DataExporter::AdvanceReadProgress(int delta) {

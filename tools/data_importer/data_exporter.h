@@ -12,6 +12,7 @@
 #include "tools/data_importer/database_helper/database_helper.h"
 
 class ImportModel;
+class ImportReport;
 
 // The interface of every source reader (one per earlier generation). The
 // driver creates the exporter on the run's import model and calls, in this
@@ -67,14 +68,18 @@ class DataExporter {
   // copied then). In the two good cases the work copy is then copied into
   // the dated backup folder as |backup_name| and to the intermediate copy
   // "DataImporter.db" of the data folder; failures of these two copies are
-  // logged and do not change the answer.
+  // logged and do not change the answer. The import report records the
+  // source under |layout|: reused, copied, or unreadable when the copy
+  // failed.
   [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
                                         const std::function<base::FilePath()>& find_source,
-                                        const std::wstring& backup_name);
+                                        const std::wstring& backup_name,
+                                        const std::string& layout = std::string());
 
   // Opens |path| into a fresh m_db with the integrity check and one repair
   // (DatabaseHelper::OpenAndCheck). False when the file stays unsound; m_db
-  // is closed then.
+  // is closed then. The import report marks the file repaired or
+  // unreadable.
   [[nodiscard]] bool OpenSourceWithRepair(const base::FilePath& path);
 
   // The highest progress a reader may report: the build sequence starts at
@@ -87,10 +92,17 @@ class DataExporter {
   // of 0 or less.
   void AdvanceReadProgress(int delta);
 
+  // The run's import report (the model's), where readers count what they
+  // read, made and dropped with SourceTableTally. Never null.
+  ImportReport* Report();
+
   friend class ReadProgressTicker;
 
   ImportModel* m_model;                  // not owned; outlives the exporter
   std::unique_ptr<DatabaseHelper> m_db;  // the open source copy
+
+ private:
+  std::unique_ptr<ImportReport> spare_report_;  // without a model
 };
 
 // Moves the read progress along while one long reader walks its rows: Tick()

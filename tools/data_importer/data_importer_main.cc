@@ -1,5 +1,6 @@
 #include "tools/data_importer/data_importer_main.h"
 
+#include <chrono>
 #include <exception>
 #include <string>
 
@@ -10,6 +11,7 @@
 #include "common/exception_report/crash_handler.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/import_run.h"
 #include "tools/data_importer/importer_names.h"
 #include "tools/data_importer/installation_lookup.h"
@@ -68,6 +70,7 @@ void Run() {
   base::FilePath source_folder =
       source == switches.end() ? base::FilePath() : base::MapWindowsPath(source->second);
 
+  auto decision_start = std::chrono::steady_clock::now();
   base::FilePath data_folder = GetDataFolder();
   // A build killed between its two renames is completed before the task is
   // decided, so the decision sees both version-3 files or neither. Without a
@@ -78,15 +81,27 @@ void Run() {
     replacement_complete = CompleteOrUndoReplacement(data_folder);
   }
   std::wstring task = DecideTask(data_folder, source_folder);
+  std::chrono::duration<double> decision_time = std::chrono::steady_clock::now() - decision_start;
   VLOG_AT(logging::LOG_PROGRESS) << importer_names::kTaskLogMarker << task << L"}, source folder {"
                                  << source_folder.value() << L"}.";
 
+  ImportReport report;
+  report.SetTask(task, ImportKindOfTask(task));
+  report.AddStage("TaskDecision", decision_time.count());
   ProgressRecord record;
+  record.set_report(&report);
   record.Initialise();
   if (!replacement_complete)
     record.ReportFailure(ProgressRecord::kStateBuildFailed);
   ClearUpgradeResult(data_folder);
   RunTask(task, data_folder, &record);
+
+  // The account of the run, for the player's support and the host program.
+  if (!data_folder.empty() && !report.Write(data_folder)) {
+    VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: cannot write {"
+                                  << data_folder.Append(L"ImportReport.json").value()
+                                  << L"}, error code {" << base::GetLastSystemError() << L"}.";
+  }
 }
 
 }  // namespace

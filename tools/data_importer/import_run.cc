@@ -1,12 +1,15 @@
 #include "tools/data_importer/import_run.h"
 
+#include <chrono>
 #include <memory>
 
 #include "logging/logging.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/data_exporter.h"
 #include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/exporter_factory.h"
 
@@ -14,13 +17,35 @@ void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
   ImportModel model;
   model.m_progress = record;
 
+  // Each stage's time goes into the import report.
+  ImportReport* report = record->report();
+  auto stage_start = std::chrono::steady_clock::now();
+  auto timed_stage_done = [&](const char* stage) {
+    auto now = std::chrono::steady_clock::now();
+    report->AddStage(stage, std::chrono::duration<double>(now - stage_start).count());
+    if (stage_done)
+      stage_done(stage);
+    stage_start = std::chrono::steady_clock::now();
+  };
+
   std::unique_ptr<DataExporter> exporter = CreateExporter(record->import_kind(), &model);
   base::FilePath source = exporter->GetDatabasePath();
   std::wstring summary = exporter->Dump(source);
   if (!summary.empty())
     VLOG_AT(logging::LOG_PROGRESS) << summary;
-  if (exporter->ExportData() == 0)
-    BuildDatabases(&model, GetDataFolder(), stage_done);
+  int32_t exported = exporter->ExportData();
+  timed_stage_done("Export");
+  if (exported == 0) {
+    BuildDatabases(&model, GetDataFolder(), timed_stage_done);
+    // What the finished files held when they were read back (before they
+    // replaced the old ones), beside what the writers sent.
+    for (const auto& [name, verified] :
+         {std::pair{"VTMusicV3.db", &model.m_verified_music},
+          std::pair{"playlistV3.db", &model.m_verified_playlist}}) {
+      if (!verified->row_counts.empty() || !verified->error.empty())
+        report->SetCountedRows(name, verified->row_counts, verified->ok, verified->error);
+    }
+  }
   exporter.reset();
   record->WriteEnd();
 }

@@ -4,6 +4,7 @@
 #include "base/profile_string.h"
 #include "base/string_number_conversions.h"
 #include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/import_report.h"
 
 using importer_names::kDBCheckSection;
 using importer_names::kKeyForceDeleteDb;
@@ -16,9 +17,21 @@ using importer_names::kKeySourceEmpty;
 using importer_names::kKeyUpdateProgress;
 using importer_names::kSettingsFileName;
 
+ProgressRecord::ProgressRecord() = default;
+ProgressRecord::~ProgressRecord() = default;
+
+ImportReport* ProgressRecord::report() {
+  if (report_)
+    return report_;
+  if (!own_report_)
+    own_report_ = std::make_unique<ImportReport>();
+  return own_report_.get();
+}
+
 void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
   if (ini_path_.empty())
     return;
+  report()->NoteDBCheck(key, value);
   // A profile write that fails is ignored (see the header).
   (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str());
 }

@@ -2,9 +2,11 @@
 #define TOOLS_DATA_IMPORTER_PROGRESS_RECORD_H_
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "tools/data_importer/importer_names.h"
+class ImportReport;
 
 // How far the run has got and how it ended, as the player reads it from
 // section "DBCheck" of "Vantu.ini" in the data folder. This record is the
@@ -24,7 +26,8 @@ class ProgressRecord {
   using ImportKind = importer_names::ImportKind;
   using enum importer_names::ImportKind;
 
-  ProgressRecord() = default;
+  ProgressRecord();
+  ~ProgressRecord();
   ProgressRecord(const ProgressRecord&) = delete;
   ProgressRecord& operator=(const ProgressRecord&) = delete;
 
@@ -67,6 +70,11 @@ class ProgressRecord {
   // Writes one key of the section (used by the steps above).
   void WriteKey(const wchar_t* key, const std::wstring& value);
 
+  // The run's import report, where every "DBCheck" value written is noted
+  // too. Never null: a record that was given none keeps one of its own.
+  ImportReport* report();
+  void set_report(ImportReport* report) { report_ = report; }
+
   int progress() const { return progress_; }
   int update_progress() const { return update_progress_; }
   uint32_t state() const { return state_; }
@@ -84,6 +92,8 @@ class ProgressRecord {
   bool source_empty_ = false;
   std::wstring ini_path_;
   int32_t import_kind_ = kKindNone;
+  ImportReport* report_ = nullptr;
+  std::unique_ptr<ImportReport> own_report_;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_PROGRESS_RECORD_H_

@@ -1,12 +1,18 @@
 #include "tools/vantu_import/host_options.h"
 
+#include <errno.h>
+#include <sys/stat.h>
+
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "base/file_path.h"
 #include "base/file_util.h"
 #include "base/reg_key.h"
+#include "base/utf_string_conversions.h"
+#include "base/windows_path.h"
 
 const char kHostUsage[] =
     "Usage: vantu-import [options]\n"
@@ -58,14 +64,41 @@ bool TakeValue(int argc, const char* const* argv, int* i, const char* name, std:
   return true;
 }
 
+// Matches one of the options that take a path; |*value| is then the field
+// that received it.
+bool TakeFolderValue(int argc, const char* const* argv, int* i, HostOptions* options,
+                     std::string** value, bool* missing) {
+  const std::pair<const char*, std::string*> kOptions[] = {
+      {"--i", &options->source},
+      {"--local-appdata", &options->local_appdata},
+      {"--roaming-appdata", &options->roaming_appdata},
+      {"--registry", &options->registry},
+      {"--profile", &options->profile},
+  };
+  for (const auto& [name, field] : kOptions) {
+    if (TakeValue(argc, argv, i, name, field, missing)) {
+      *value = field;
+      return true;
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
 bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, std::string* error) {
   for (int i = 1; i < argc; ++i) {
     std::string arg = argv[i];
     bool missing = false;
+    std::string* value = nullptr;
     if (arg == "--quiet") {
       options->quiet = true;
+    } else if (arg == "--verbose") {
+      options->verbose = true;
+    } else if (arg == "--json") {
+      options->json = true;
+    } else if (arg == "--version") {
+      options->version = true;
     } else if (arg == "--help" || arg == "-h") {
       options->help = true;
     } else if (arg == "--demo" || arg == "--demo=7") {
@@ -78,17 +111,21 @@ bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, s
     } else if (arg.rfind("--demo=", 0) == 0) {
       *error = "option --demo takes 7, 6, v2 or v3, not \"" + arg.substr(7) + "\"";
       return false;
-    } else if (arg.rfind("--i=", 0) == 0) {
-      options->source = arg.substr(4);
-    } else if (TakeValue(argc, argv, &i, "--local-appdata", &options->local_appdata, &missing) ||
-               TakeValue(argc, argv, &i, "--roaming-appdata", &options->roaming_appdata,
-                         &missing) ||
-               TakeValue(argc, argv, &i, "--registry", &options->registry, &missing) ||
-               TakeValue(argc, argv, &i, "--profile", &options->profile, &missing)) {
+    } else if (arg == "--dry-run") {
+      options->dry_run = true;
+    } else if (arg == "--keep") {
+      options->keep = true;
+    } else if (TakeFolderValue(argc, argv, &i, options, &value, &missing)) {
       if (missing) {
         *error = "option " + arg + " needs a value";
         return false;
       }
+      if (value->empty()) {
+        *error = "option " + arg.substr(0, arg.find('=')) + ": empty value";
+        return false;
+      }
+      if (value == &options->source)
+        options->source_given = true;
     } else if (std::string drive; TakeValue(argc, argv, &i, "--drive", &drive, &missing)) {
       if (missing) {
         *error = "option " + arg + " needs a value";
@@ -142,6 +179,73 @@ bool ResolveProfileOptions(HostOptions* options, std::string* error) {
   return true;
 }
 
+namespace {
+
+// Checks that |path| exists and is a folder (or, with |want_folder| false,
+// not a folder); sets |error| to "--option PATH: reason".
+bool CheckPath(const char* option, const std::string& path, bool want_folder,
+               std::string* error, const base::FilePath& mapped = base::FilePath()) {
+  if (path.empty())
+    return true;
+  // Letter case is resolved as the importer resolves it.
+  std::string resolved =
+      base::ResolvePathCase(mapped.empty() ? base::FilePath::FromUTF8Unsafe(path) : mapped)
+          .AsUTF8Unsafe();
+  struct stat info;
+  const char* reason = nullptr;
+  if (stat(resolved.c_str(), &info) != 0)
+    reason = std::strerror(errno);
+  else if (want_folder && !S_ISDIR(info.st_mode))
+    reason = std::strerror(ENOTDIR);
+  else if (!want_folder && S_ISDIR(info.st_mode))
+    reason = std::strerror(EISDIR);
+  if (!reason)
+    return true;
+  *error = std::string(option) + " " + path + ": " + reason;
+  return false;
+}
+
+}  // namespace
+
+bool CheckHostPaths(const HostOptions& options, std::string* error) {
+  if (!CheckPath("--profile", options.profile, true, error) ||
+      !CheckPath("--local-appdata", options.local_appdata, true, error) ||
+      !CheckPath("--roaming-appdata", options.roaming_appdata, true, error) ||
+      !CheckPath("--registry", options.registry, false, error))
+    return false;
+  if (!options.profile.empty() && options.local_appdata.empty()) {
+    std::string local = options.profile + "/AppData/Local";
+    if (!CheckPath("--profile", local, true, error))
+      return false;
+  }
+  return true;
+}
+
+bool CheckSourceFolder(const HostOptions& options, std::string* error) {
+  if (options.source.empty())
+    return true;
+  base::FilePath mapped = base::MapWindowsPath(base::UTF8ToWide(options.source));
+  if (mapped.empty()) {
+    *error = "--i " + options.source + ": no folder stands for its drive (see --drive)";
+    return false;
+  }
+  return CheckPath("--i", options.source, true, error, mapped);
+}
+
+std::vector<std::string> NormalisedSourceArguments(int argc, const char* const* argv) {
+  std::vector<std::string> args;
+  bool changed = false;
+  for (int i = 0; i < argc; ++i) {
+    if (i > 0 && std::strcmp(argv[i], "--i") == 0 && i + 1 < argc) {
+      args.push_back(std::string("--i=") + argv[++i]);
+      changed = true;
+    } else {
+      args.push_back(argv[i]);
+    }
+  }
+  return changed ? args : std::vector<std::string>();
+}
+
 void ApplyHostEnvironment(const HostOptions& options) {
   if (!options.profile.empty()) {
     setenv("LOCALAPPDATA", (options.profile + "/AppData/Local").c_str(), 1);
@@ -157,4 +261,6 @@ void ApplyHostEnvironment(const HostOptions& options) {
     setenv("APPDATA", options.roaming_appdata.c_str(), 1);
   if (!options.registry.empty())
     setenv("VANTU_REGISTRY_FILE", options.registry.c_str(), 1);
+  if (options.verbose)
+    setenv("VANTU_LOG_STDERR", "1", 1);
 }

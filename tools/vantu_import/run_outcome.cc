@@ -1,9 +1,9 @@
 #include "tools/vantu_import/run_outcome.h"
 
+#include <cstdio>
 #include <sstream>
+#include <vector>
 
-#include "base/file_util.h"
-#include "base/json_file.h"
 #include "base/profile_string.h"
 #include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
@@ -12,8 +12,6 @@
 namespace names = importer_names;
 
 namespace {
-
-const wchar_t* const kResultFiles[] = {names::kMusicDatabaseV3, names::kPlaylistDatabaseV3};
 
 struct StateBitText {
   uint32_t bit;
@@ -28,132 +26,142 @@ const StateBitText kStateBits[] = {
     {names::kStateTableFailed, "another source table could not be read"},
 };
 
-struct TaskText {
-  const wchar_t* task;
-  const char* text;
-};
+// |value|[key], or null when |value| is no object or lacks the key (a
+// report from another version may lack any part).
+const base::Value& At(const base::Value& value, const char* key) {
+  static const base::Value kNull;
+  if (!value.is_object())
+    return kNull;
+  auto found = value.find(key);
+  return found == value.end() ? kNull : *found;
+}
 
-const TaskText kTasks[] = {
-    {names::kTaskUpdateVersion2, "upgrade of the version-3 databases"},
-    {names::kTaskCopyVersion2, "copy of the version-2 databases to encrypted version 3"},
-    {names::kTaskImportCurrent, "re-import of the current generation"},
-    {names::kTaskImportGeneration7, "import from generation 7"},
-    {names::kTaskImportGeneration6, "import from generation 6"},
-    {names::kTaskImport2008, "import from the 2008 edition"},
-};
+std::string Text(const base::Value& value) {
+  return value.is_string() ? value.get<std::string>() : std::string();
+}
 
-std::string TaskInWords(const std::wstring& task) {
-  if (task.empty())
-    return "nothing to do";
-  for (const auto& known : kTasks) {
-    if (task == known.task)
-      return std::string(known.text) + " (" + base::WideToUTF8(task) + ")";
+int64_t Number(const base::Value& value) {
+  return value.is_number() ? value.get<int64_t>() : 0;
+}
+
+std::string DBCheckValue(const base::Value& report, const char* key) {
+  return Text(At(At(report, "dbcheck"), key));
+}
+
+std::string Utf8(const wchar_t* text) {
+  return base::WideToUTF8(text);
+}
+
+bool IsTask(const std::string& task, const wchar_t* name) {
+  return task == Utf8(name);
+}
+
+// "1 song", "3 songs".
+std::string Count(int64_t n, const char* one, const char* many) {
+  return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+// "a", "a and b", "a, b and c".
+std::string JoinWords(const std::vector<std::string>& parts) {
+  std::string text;
+  for (size_t i = 0; i < parts.size(); ++i) {
+    if (i > 0)
+      text += i + 1 == parts.size() ? " and " : ", ";
+    text += parts[i];
   }
-  return base::WideToUTF8(task);
+  return text;
 }
 
-std::string DescribeImportEnd(const std::wstring& end) {
-  if (end == L"4")
-    return "4 (import finished)";
-  if (end == L"5")
-    return "5 (import finished with failures)";
-  if (end == L"8")
-    return "8 (the source held nothing to import)";
-  return end.empty() ? "- (no import ran)" : base::WideToUTF8(end);
+uint32_t StateBits(const base::Value& report) {
+  return static_cast<uint32_t>(base::WToI(base::UTF8ToWide(DBCheckValue(report, "ImportState"))));
 }
 
-// The words of "UpgradeResult.json" (written by the library's
-// upgrade_result.cc) and what they mean.
-struct WordText {
-  const char* word;
-  const char* text;
-};
+std::string FileName(const std::string& path) {
+  size_t slash = path.find_last_of("/\\");
+  return slash == std::string::npos ? path : path.substr(slash + 1);
+}
 
-const WordText kCopyWords[] = {
-    {"encrypted", "copied and encrypted"},
-    {"left_plain", "copied but left plain: the copy failed its integrity check"},
-    {"encrypt_failed", "copied but left plain: the encryption failed"},
-    {"no_source", "not made: there is no version-2 file to copy"},
-    {"copy_failed", "not made: the version-2 file could not be copied"},
-};
-
-const WordText kOpenWords[] = {
-    {"missing", "VTMusicV3.db is missing: nothing done"},
-    {"key_refused", "VTMusicV3.db does not open with the key: left as it was"},
-    {"corrupt", "VTMusicV3.db is damaged beyond repair: left as it was"},
-};
-
-const WordText kCloudListWords[] = {
-    {"nothing_to_move", "no cloud lists to move"},
-    {"already_moved", "cloud lists already in playlistV3.db: nothing moved"},
-    {"no_playlist_database", "cloud lists not moved: no usable playlistV3.db"},
-    {"attach_failed", "cloud lists not moved: the music database could not be attached"},
-    {"copy_failed", "cloud lists not moved: a table copy failed, both databases as they were"},
-};
-
-std::string WordInText(const base::Value& value, const WordText* words, size_t count) {
-  std::string word = value.is_string() ? value.get<std::string>() : std::string();
-  for (size_t i = 0; i < count; ++i) {
-    if (word == words[i].word)
-      return words[i].text;
+// What the new databases hold, e.g. "300 songs, 4 lists with 342 entries
+// and 8 downloads".
+std::string ImportedCounts(const base::Value& report) {
+  const base::Value& s = At(report, "summary");
+  std::vector<std::string> parts = {Count(Number(At(s, "songs")), "song", "songs")};
+  if (Number(At(s, "videos")))
+    parts.push_back(Count(Number(At(s, "videos")), "video", "videos"));
+  if (Number(At(s, "lists"))) {
+    parts.push_back(Count(Number(At(s, "lists")), "list", "lists") + " with " +
+                    Count(Number(At(s, "list_entries")), "entry", "entries"));
   }
-  return word.empty() ? "not recorded" : word;
+  if (Number(At(s, "downloads")))
+    parts.push_back(Count(Number(At(s, "downloads")), "download", "downloads"));
+  if (Number(At(s, "settings")))
+    parts.push_back(Count(Number(At(s, "settings")), "setting", "settings"));
+  return JoinWords(parts);
 }
 
-template <size_t N>
-std::string WordInText(const base::Value& value, const WordText (&words)[N]) {
-  return WordInText(value, words, N);
+// "; skipped 1 list entry whose song is not in the library", or empty.
+std::string Skipped(const base::Value& report) {
+  std::vector<std::string> parts;
+  for (const auto& drop : At(report, "dropped"))
+    parts.push_back(std::to_string(Number(At(drop, "count"))) + " " + Text(At(drop, "text")));
+  return parts.empty() ? std::string() : "; skipped " + JoinWords(parts);
 }
 
-std::string OrDash(const std::wstring& value) {
-  return value.empty() ? std::string("-") : base::WideToUTF8(value);
+// The sources that were damaged, and tables whose finished file holds
+// other rows than were written.
+std::string Damage(const base::Value& report) {
+  std::string text;
+  for (const auto& source : At(report, "sources")) {
+    std::string name = Text(At(source, "path"));
+    if (At(source, "unreadable") == true)
+      text += "; " + name + " could not be read: its records are missing";
+    else if (At(source, "repaired") == true)
+      text += "; " + name + " was damaged and repaired: some of its records may be missing";
+  }
+  for (const auto& target : At(report, "target_tables")) {
+    if (At(target, "matches") == false) {
+      text += "; table " + Text(At(target, "table")) + " holds " +
+              std::to_string(Number(At(target, "rows_counted"))) + " rows of " +
+              std::to_string(Number(At(target, "rows_sent"))) + " written";
+    }
+  }
+  for (const auto& database : At(report, "target_databases")) {
+    if (At(database, "read_back") == false)
+      text += "; " + Text(At(database, "database")) + " did not verify: " + Text(At(database, "error"));
+  }
+  return text;
 }
 
 }  // namespace
+
+std::string ReportTask(const base::Value& report) {
+  return Text(At(At(report, "task"), "name"));
+}
+
+std::string TaskInWords(const std::string& task) {
+  if (task.empty())
+    return "nothing to do";
+  if (IsTask(task, names::kTaskUpdateVersion2))
+    return "upgrade of the version-3 databases (" + task + ")";
+  if (IsTask(task, names::kTaskCopyVersion2))
+    return "copy of the version-2 databases to encrypted version 3 (" + task + ")";
+  if (IsTask(task, names::kTaskImportCurrent))
+    return "re-import of older databases of the current generation (" + task + ")";
+  if (IsTask(task, names::kTaskImportGeneration7))
+    return "import from generation 7 (" + task + ")";
+  if (IsTask(task, names::kTaskImportGeneration6))
+    return "import from generation 6 (" + task + ")";
+  if (IsTask(task, names::kTaskImport2008))
+    return "import from the 2008 edition (" + task + ")";
+  return task;
+}
 
 std::wstring ReadDBCheck(const base::FilePath& ini, const wchar_t* key) {
   return base::GetPrivateProfileStringW(names::kDBCheckSection, key, L"", ini.value());
 }
 
-size_t LogSize(const base::FilePath& data_folder) {
-  base::FileInfo info;
-  if (!base::GetFileInfo(data_folder.Append(names::kLogFileName), &info))
-    return 0;
-  return static_cast<size_t>(info.size);
-}
-
-RunOutcome ReadRunOutcome(const base::FilePath& data_folder, size_t log_offset) {
-  RunOutcome outcome;
-  base::FilePath ini = base::ResolvePathCase(data_folder.Append(names::kSettingsFileName));
-  outcome.import_progress = ReadDBCheck(ini, names::kKeyImportProgress);
-  outcome.import_state = ReadDBCheck(ini, names::kKeyImportState);
-  outcome.update_progress = ReadDBCheck(ini, names::kKeyUpdateProgress);
-  outcome.import_playlists = ReadDBCheck(ini, names::kKeyImportPlaylists);
-  outcome.import_end = ReadDBCheck(ini, names::kKeyImportEnd);
-  outcome.source_empty = ReadDBCheck(ini, names::kKeySourceEmpty);
-
-  std::string log;
-  if (base::ReadFileToString(data_folder.Append(names::kLogFileName), &log) &&
-      log_offset <= log.size()) {
-    size_t marker = log.find(names::kTaskLogMarker, log_offset);
-    if (marker != std::string::npos) {
-      size_t start = marker + sizeof(names::kTaskLogMarker) - 1;
-      size_t end = log.find('}', start);
-      if (end != std::string::npos)
-        outcome.task = base::UTF8ToWide(log.substr(start, end - start));
-    }
-  }
-  if (outcome.task == names::kTaskCopyVersion2 || outcome.task == names::kTaskUpdateVersion2) {
-    std::string result;
-    if (base::ReadFileToString(data_folder.Append(names::kUpgradeResultFileName), &result))
-      outcome.upgrade_done = DescribeUpgradeResult(result);
-  }
-  for (const wchar_t* name : kResultFiles) {
-    base::FileInfo info;
-    if (base::GetFileInfo(data_folder.Append(name), &info))
-      outcome.files.emplace_back(name, info.size);
-  }
-  return outcome;
+bool ReadReport(const base::FilePath& path, base::Value* report) {
+  return base::ReadJsonFile(path, report) && report->is_object();
 }
 
 std::string DescribeUpgradeResult(const std::string& json) {
@@ -195,24 +203,93 @@ std::string DescribeImportState(const std::wstring& state) {
   return text + ")";
 }
 
-std::string DescribeOutcome(const RunOutcome& o) {
+std::string VerdictLine(const base::Value& report) {
+  std::string task = ReportTask(report);
+  if (task.empty())
+    return "Nothing to import: no earlier installation of the player was found.";
+  if (IsTask(task, names::kTaskUpdateVersion2))
+    return "Ran the upgrade of the version-3 databases.";
+  if (IsTask(task, names::kTaskCopyVersion2))
+    return "Ran the copy of the version-2 databases to encrypted version 3.";
+  if (DBCheckValue(report, "ImportStart") == "1")
+    return "Nothing imported: the databases of an earlier release of the player exist already.";
+  std::string end = DBCheckValue(report, "ImportEnd");
+  std::string state = DBCheckValue(report, "ImportState");
+  if (end == "5") {
+    return "Import failed, nothing was replaced: ImportState " +
+           DescribeImportState(base::UTF8ToWide(state)) + Damage(report) + ".";
+  }
+  std::string line = "Imported " + ImportedCounts(report) + Skipped(report) + Damage(report);
+  uint32_t source_bits = StateBits(report) &
+                         (names::kStateListsFailed | names::kStateMusicFailed |
+                          names::kStateTableFailed);
+  if (source_bits) {
+    line += "; some source tables could not be read (ImportState " +
+            DescribeImportState(std::to_wstring(source_bits)) + ")";
+  }
+  if (end == "8")
+    line += "; the old installation counts as empty (ImportEnd 8)";
+  return line + ".";
+}
+
+std::string DescribeDetails(const base::Value& report) {
   std::ostringstream out;
-  out << "Task:               " << TaskInWords(o.task) << "\n";
-  if (!o.upgrade_done.empty())
-    out << "Done:               " << o.upgrade_done << "\n";
-  out << "ImportEnd:          " << DescribeImportEnd(o.import_end) << "\n";
-  out << "ImportState:        " << DescribeImportState(o.import_state) << "\n";
-  out << "ImportProgress:     " << OrDash(o.import_progress) << "\n";
-  out << "UpdateProgress:     " << OrDash(o.update_progress) << "\n";
-  out << "ImportPlayLists:    " << OrDash(o.import_playlists) << "\n";
-  out << "BeforceImportEmpty: " << OrDash(o.source_empty) << "\n";
-  if (o.files.empty())
-    out << "New databases:      none\n";
-  for (const auto& [name, size] : o.files)
-    out << "New database:       " << base::WideToUTF8(name) << " (" << size << " bytes)\n";
+  out << "DBCheck values written by this run:\n";
+  for (const auto& [key, value] : At(report, "dbcheck").items())
+    out << "  " << key << " = " << Text(value) << "\n";
+  if (!At(report, "sources").empty())
+    out << "Sources:\n";
+  for (const auto& s : At(report, "sources")) {
+    out << "  " << Text(At(s, "path")) << " [" << Text(At(s, "layout")) << "]"
+        << (At(s, "copied") == true ? " copied" : "") << (At(s, "reused_copy") == true ? " reused copy" : "")
+        << (At(s, "repaired") == true ? " repaired" : "") << (At(s, "unreadable") == true ? " unreadable" : "")
+        << "\n";
+  }
+  if (!At(report, "flows").empty())
+    out << "Read -> written + dropped, per source and target table:\n";
+  for (const auto& f : At(report, "flows")) {
+    out << "  " << FileName(Text(At(f, "source"))) << " " << Text(At(f, "from")) << " -> " << Text(At(f, "to"))
+        << ": " << Number(At(f, "read")) << " -> " << Number(At(f, "written")) << " + "
+        << Number(At(f, "dropped")) << "\n";
+  }
+  if (!At(report, "target_tables").empty())
+    out << "Target tables (rows written / counted in the finished file):\n";
+  for (const auto& t : At(report, "target_tables")) {
+    out << "  " << Text(At(t, "table")) << ": " << Number(At(t, "rows_sent")) << " / "
+        << (At(t, "rows_counted").is_null() ? std::string("-") : std::to_string(Number(At(t, "rows_counted"))))
+        << "\n";
+  }
+  out << "Stages:";
+  for (const auto& stage : At(report, "stages")) {
+    char seconds[32];
+    std::snprintf(seconds, sizeof(seconds), "%.3f",
+                  At(stage, "seconds").is_number() ? At(stage, "seconds").get<double>() : 0.0);
+    out << " " << Text(At(stage, "name")) << " " << seconds << "s";
+  }
+  out << "\n";
   return out.str();
 }
 
-int ExitStatusOf(const RunOutcome& outcome) {
-  return base::WToI(outcome.import_state) != 0 ? 1 : 0;
+int ExitStatusOf(const base::Value& report) {
+  if (!report.is_object())
+    return kExitFailed;
+  uint32_t bits = StateBits(report);
+  if (DBCheckValue(report, "ImportEnd") == "5" ||
+      (bits & (names::kStateNotStarted | names::kStateBuildFailed)))
+    return kExitFailed;
+  for (const auto& database : At(report, "target_databases")) {
+    if (At(database, "read_back") == false)
+      return kExitFailed;
+  }
+  for (const auto& target : At(report, "target_tables")) {
+    if (At(target, "matches") == false)
+      return kExitFailed;
+  }
+  if (bits & (names::kStateListsFailed | names::kStateMusicFailed | names::kStateTableFailed))
+    return kExitDamaged;
+  for (const auto& source : At(report, "sources")) {
+    if (At(source, "repaired") == true || At(source, "unreadable") == true)
+      return kExitDamaged;
+  }
+  return kExitImported;
 }

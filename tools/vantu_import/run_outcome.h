@@ -1,35 +1,29 @@
 #ifndef TOOLS_VANTU_IMPORT_RUN_OUTCOME_H_
 #define TOOLS_VANTU_IMPORT_RUN_OUTCOME_H_
 
-#include <cstdint>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "base/file_path.h"
+#include "base/json_file.h"
 
-// What a run of the importer left in the data folder: the "DBCheck" values
-// of "Vantu.ini", the task named in the run's log, and the new databases.
-struct RunOutcome {
-  std::wstring task;  // empty when the run found nothing to do
-  std::wstring import_progress;
-  std::wstring import_state;
-  std::wstring update_progress;
-  std::wstring import_playlists;
-  std::wstring import_end;
-  std::wstring source_empty;
-  // What a version-2 task did, in words (from "UpgradeResult.json"); empty
-  // for the other tasks.
-  std::string upgrade_done;
-  std::vector<std::pair<std::wstring, int64_t>> files;  // name, size in bytes
+// How the host tells a person what a run did. Everything is read from the
+// import report the run wrote ("ImportReport.json" in the data folder), so
+// only what this run wrote is shown: the task it ran, the "DBCheck" values
+// it wrote and the rows it read, wrote and dropped.
+
+// Exit statuses of the host.
+enum HostExit : int {
+  kExitImported = 0,  // no failure
+  kExitFailed = 1,    // the import failed, or the run could not be judged
+  kExitUsage = 2,     // bad usage; nothing was run or created
+  kExitDamaged = 3,   // finished, but a source was damaged or partly unreadable
 };
 
-// Reads the outcome of the run whose log lines start at byte |log_offset|
-// of the importer's log.
-RunOutcome ReadRunOutcome(const base::FilePath& data_folder, size_t log_offset);
+// The task the report names ("" for none).
+std::string ReportTask(const base::Value& report);
 
-// Current size of the importer's log in |data_folder| (0 when missing).
-size_t LogSize(const base::FilePath& data_folder);
+// The task in words, e.g. "import from generation 6 (importvantu6)".
+std::string TaskInWords(const std::string& task);
 
 // The content of "UpgradeResult.json" in words, e.g. "VTMusicV3.db copied
 // and encrypted; playlistV3.db not made: there is no playlist.db".
@@ -38,11 +32,20 @@ std::string DescribeUpgradeResult(const std::string& json);
 // "ImportState" in words, e.g. "8 (a later stage of the build failed)".
 std::string DescribeImportState(const std::wstring& state);
 
-// The outcome as lines of text for a person.
-std::string DescribeOutcome(const RunOutcome& outcome);
+// One line in words with counts: what was imported, what was skipped and
+// why, which source was damaged, or why the import failed.
+std::string VerdictLine(const base::Value& report);
 
-// 0 when "ImportState" holds no failure bit, else 1.
-int ExitStatusOf(const RunOutcome& outcome);
+// The "DBCheck" values of the run and the per-table figures (sources,
+// source tables, source-to-target pairs, target tables, stage times).
+std::string DescribeDetails(const base::Value& report);
+
+// The exit status the report calls for (see HostExit).
+int ExitStatusOf(const base::Value& report);
+
+// Reads the report at |path|; false when it is missing or not a JSON
+// object.
+bool ReadReport(const base::FilePath& path, base::Value* report);
 
 // The value of |key| in section "DBCheck" of |ini|.
 std::wstring ReadDBCheck(const base::FilePath& ini, const wchar_t* key);

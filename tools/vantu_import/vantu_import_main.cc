@@ -1,23 +1,32 @@
 // vantu-import: runs the data importer once, the way the player does. The
 // importer runs on a worker thread; the main thread watches section
-// "DBCheck" of "Vantu.ini" and shows the progress, then prints the outcome.
+// "DBCheck" of "Vantu.ini" and shows the progress, then tells what the run
+// did from the import report it wrote.
 
 #include <stdlib.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <mutex>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <vector>
 
 #include "base/file_util.h"
 #include "base/path_service.h"
 #include "base/string_number_conversions.h"
+#include "base/time.h"
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/importer_names.h"
+#include "tools/vantu_import/data_folder_check.h"
 #include "tools/vantu_import/demo_profile.h"
 #include "tools/vantu_import/host_options.h"
 #include "tools/vantu_import/run_outcome.h"
@@ -26,17 +35,21 @@ namespace names = importer_names;
 
 namespace {
 
-constexpr auto kPollInterval = std::chrono::milliseconds(200);
+constexpr auto kPollInterval = std::chrono::milliseconds(100);
 constexpr int kBarWidth = 40;
+constexpr wchar_t kReportFile[] = L"ImportReport.json";
 
-// Shows the progress of the run: a bar on a terminal, else one line each
-// time a value changes.
+// Shows the progress of the run from its start: on a terminal one bar line
+// with the elapsed time, redrawn in full each time (so it never ends half
+// drawn) and ended by Finish(); otherwise one line each time a value
+// changes.
 class ProgressView {
  public:
-  ProgressView(bool quiet, bool terminal) : quiet_(quiet), terminal_(terminal) {}
+  ProgressView(bool enabled, bool terminal) : enabled_(enabled), terminal_(terminal) {}
 
-  void Show(const std::wstring& import_progress, const std::wstring& update_progress) {
-    if (quiet_)
+  void Show(const std::wstring& import_progress, const std::wstring& update_progress,
+            double seconds) {
+    if (!enabled_)
       return;
     std::string label = "import";
     std::wstring value = import_progress;
@@ -44,68 +57,193 @@ class ProgressView {
       label = "upgrade";
       value = update_progress;
     }
-    if (value.empty() || (label == last_label_ && value == last_value_))
+    int percent = value.empty() ? 0 : std::clamp(base::WToI(value), 0, 100);
+    if (!terminal_) {
+      if (!value.empty() && (label != last_label_ || value != last_value_))
+        std::printf("%s progress: %d%%\n", label.c_str(), percent);
+      last_label_ = label;
+      last_value_ = value;
       return;
-    last_label_ = label;
-    last_value_ = value;
-    int percent = std::clamp(base::WToI(value), 0, 100);
-    if (terminal_) {
-      int filled = percent * kBarWidth / 100;
-      std::printf("\r%-7s [%s%s] %3d%%", label.c_str(), std::string(filled, '#').c_str(),
-                  std::string(kBarWidth - filled, ' ').c_str(), percent);
-      std::fflush(stdout);
-      bar_shown_ = true;
-    } else {
-      std::printf("%s progress: %d%%\n", label.c_str(), percent);
     }
+    if (value.empty())
+      label = "start";
+    int filled = percent * kBarWidth / 100;
+    std::printf("\r%-7s [%s%s] %3d%% %7.1fs", label.c_str(), std::string(filled, '#').c_str(),
+                std::string(kBarWidth - filled, ' ').c_str(), percent, seconds);
+    std::fflush(stdout);
+    bar_shown_ = true;
   }
 
   void Finish() {
     if (bar_shown_)
       std::printf("\n");
+    bar_shown_ = false;
   }
 
  private:
-  bool quiet_;
+  bool enabled_;
   bool terminal_;
   bool bar_shown_ = false;
   std::string last_label_;
   std::wstring last_value_;
 };
 
-int Run(const HostOptions& options) {
+// Runs DataImporterMain on a worker thread and shows its progress until it
+// returns.
+void RunImporter(const base::FilePath& ini, ProgressView* view) {
+  std::mutex mutex;
+  std::condition_variable finished;
+  bool done = false;
+  auto start = std::chrono::steady_clock::now();
+  std::thread worker([&] {
+    DataImporterMain();
+    std::lock_guard<std::mutex> lock(mutex);
+    done = true;
+    finished.notify_one();
+  });
+  auto show = [&] {
+    base::FilePath current = base::ResolvePathCase(ini);
+    std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    view->Show(ReadDBCheck(current, names::kKeyImportProgress),
+               ReadDBCheck(current, names::kKeyUpdateProgress), elapsed.count());
+  };
+  std::unique_lock<std::mutex> lock(mutex);
+  while (!done) {
+    lock.unlock();
+    show();
+    lock.lock();
+    finished.wait_for(lock, kPollInterval, [&] { return done; });
+  }
+  lock.unlock();
+  worker.join();
+  show();
+  view->Finish();
+}
+
+// Removes a temporary folder of this run (the demo profile, the dry run's
+// copy) when the program ends, unless it is to be kept.
+class TemporaryFolder {
+ public:
+  TemporaryFolder() = default;
+  ~TemporaryFolder() {
+    if (!path_.empty() && !keep_) {
+      std::error_code ignored;  // a leftover in the temporary folder is harmless
+      std::filesystem::remove_all(path_, ignored);
+    }
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  // Creates /tmp/<prefix>XXXXXX; false when it cannot.
+  bool Create(const char* prefix, bool keep) {
+    std::string pattern = std::string("/tmp/") + prefix + "XXXXXX";
+    if (!mkdtemp(pattern.data()))
+      return false;
+    path_ = pattern;
+    keep_ = keep;
+    return true;
+  }
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+  bool keep_ = false;
+};
+
+int Fail(int status, const std::string& message) {
+  std::fprintf(stderr, "vantu-import: %s\n", message.c_str());
+  return status;
+}
+
+struct ReportFile {
+  bool exists = false;
+  double modified = 0;
+};
+
+ReportFile StatReport(const base::FilePath& path) {
+  base::FileInfo info;
+  ReportFile file;
+  file.exists = base::GetFileInfo(path, &info);
+  file.modified = info.last_modified;
+  return file;
+}
+
+int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
   ApplyHostEnvironment(options);
   base::FilePath app_data;
   // Unknown, the data folder is relative and the outcome shows nothing found.
   (void)base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data);
-  base::FilePath data_folder = base::ResolvePathCase(app_data.Append(names::kDataFolderName));
-  base::FilePath ini = data_folder.Append(names::kSettingsFileName);
-  size_t log_offset = LogSize(data_folder);
+  base::FilePath real_data_folder =
+      base::ResolvePathCase(app_data.Append(names::kDataFolderName));
+  base::FilePath data_folder = real_data_folder;
+  std::string error;
 
-  if (!options.quiet)
-    std::printf("Data folder: %s\n", base::WideToUTF8(data_folder.value()).c_str());
-
-  std::atomic<bool> done{false};
-  std::thread worker([&done] {
-    DataImporterMain();
-    done = true;
-  });
-  ProgressView view(options.quiet, isatty(STDOUT_FILENO));
-  while (!done) {
-    std::this_thread::sleep_for(kPollInterval);
-    base::FilePath current = base::ResolvePathCase(ini);
-    view.Show(ReadDBCheck(current, names::kKeyImportProgress),
-              ReadDBCheck(current, names::kKeyUpdateProgress));
+  if (options.dry_run) {
+    // The same import, with the data folder redirected to a copy of it.
+    if (!dry_run_folder->Create("vantu-dry-run-", options.keep))
+      return Fail(kExitFailed, "cannot create a temporary folder for the dry run");
+    base::FilePath temp = base::FilePath::FromUTF8Unsafe(dry_run_folder->path());
+    data_folder = temp.Append(names::kDataFolderName);
+    if (base::PathExists(real_data_folder)) {
+      if (!base::DirectoryExists(real_data_folder))
+        return Fail(kExitFailed, "data folder " + real_data_folder.AsUTF8Unsafe() +
+                                     ": " + std::strerror(ENOTDIR));
+      if (!CopyFolder(real_data_folder, data_folder, &error))
+        return Fail(kExitFailed, error);
+    }
+    setenv("LOCALAPPDATA", temp.AsUTF8Unsafe().c_str(), 1);
   }
-  worker.join();
-  base::FilePath current = base::ResolvePathCase(ini);
-  view.Show(ReadDBCheck(current, names::kKeyImportProgress),
-            ReadDBCheck(current, names::kKeyUpdateProgress));
-  view.Finish();
+  if (!CheckDataFolder(data_folder, &error))
+    return Fail(kExitFailed, error);
 
-  RunOutcome outcome = ReadRunOutcome(base::ResolvePathCase(data_folder), log_offset);
-  std::printf("%s", DescribeOutcome(outcome).c_str());
-  return ExitStatusOf(outcome);
+  base::FilePath ini = data_folder.Append(names::kSettingsFileName);
+  base::FilePath report_path = data_folder.Append(kReportFile);
+  ReportFile before = StatReport(report_path);
+  bool text = !options.json && !options.quiet;
+  ProgressView view(text, isatty(STDOUT_FILENO) && !options.verbose);
+  RunImporter(ini, &view);
+
+  // The run must have left both its record in "DBCheck" and a new report.
+  ReportFile after = StatReport(report_path);
+  base::Value report;
+  if (!after.exists || (before.exists && before.modified == after.modified) ||
+      !ReadReport(report_path, &report)) {
+    return Fail(kExitFailed, "the importer wrote no report in " + data_folder.AsUTF8Unsafe() +
+                                 "; see " +
+                                 data_folder.Append(names::kLogFileName).AsUTF8Unsafe());
+  }
+  if (ReadDBCheck(base::ResolvePathCase(ini), names::kKeySourceEmpty).empty()) {
+    return Fail(kExitFailed,
+                "the importer could not write section DBCheck of " + ini.AsUTF8Unsafe());
+  }
+
+  if (options.json) {
+    std::printf("%s\n", report.dump(2, ' ', false, base::Value::error_handler_t::replace).c_str());
+    return ExitStatusOf(report);
+  }
+  std::printf("%s\n", VerdictLine(report).c_str());
+  if (options.quiet)
+    return ExitStatusOf(report);
+
+  std::printf("Task:          %s\n", TaskInWords(ReportTask(report)).c_str());
+  if (options.dry_run) {
+    std::printf("Dry run:       nothing was changed; the import ran on a copy of the data folder "
+                "in %s (%s)\n",
+                dry_run_folder->path().c_str(), options.keep ? "kept" : "removed");
+  }
+  std::printf("Data folder:   %s\n", real_data_folder.AsUTF8Unsafe().c_str());
+  if (!options.dry_run || options.keep) {
+    std::printf("Log:           %s\n",
+                data_folder.Append(names::kLogFileName).AsUTF8Unsafe().c_str());
+    base::FilePath backup =
+        data_folder.Append(L"Backup").Append(base::Time::Now().ToLocalDateString());
+    if (base::DirectoryExists(backup))
+      std::printf("Backup folder: %s\n", backup.AsUTF8Unsafe().c_str());
+    std::printf("Report:        %s\n", report_path.AsUTF8Unsafe().c_str());
+  }
+  if (options.verbose || options.dry_run)
+    std::printf("%s", DescribeDetails(report).c_str());
+  return ExitStatusOf(report);
 }
 
 }  // namespace
@@ -113,36 +251,51 @@ int Run(const HostOptions& options) {
 int main(int argc, char** argv) {
   HostOptions options;
   std::string error;
-  if (!ParseHostOptions(argc, argv, &options, &error)) {
-    std::fprintf(stderr, "vantu-import: %s\n\n%s", error.c_str(), kHostUsage);
-    return 2;
-  }
+  if (!ParseHostOptions(argc, argv, &options, &error))
+    return Fail(kExitUsage, error + " (see --help)");
   if (options.help) {
     std::printf("%s", kHostUsage);
-    return 0;
+    return kExitImported;
   }
+  if (options.version) {
+    std::printf("vantu-import %s (import report version 1)\n", VANTU_VERSION);
+    return kExitImported;
+  }
+  if (!CheckHostPaths(options, &error))
+    return Fail(kExitUsage, error);
+
+  // The importer reads "--i" from the process command line in the form
+  // "--i=DIR" only: the program starts again with that form.
+  std::vector<std::string> normalised = NormalisedSourceArguments(argc, argv);
+  if (!normalised.empty()) {
+    std::vector<char*> args;
+    for (std::string& arg : normalised)
+      args.push_back(arg.data());
+    args.push_back(nullptr);
+    execv("/proc/self/exe", args.data());
+    return Fail(kExitFailed, std::string("cannot restart with --i=DIR: ") + std::strerror(errno));
+  }
+
+  TemporaryFolder demo_folder;
   if (options.demo) {
-    char folder[] = "/tmp/vantu-demo-XXXXXX";
-    if (!mkdtemp(folder)) {
-      std::fprintf(stderr, "vantu-import: cannot create a temporary folder\n");
-      return 2;
-    }
-    base::FilePath root = base::FilePath::FromUTF8Unsafe(folder);
-    base::FilePath registry = options.demo == 8
-                                  ? BuildCurrentGenerationDemo(root, options.demo_version, &error)
-                                  : BuildDemoProfile(root, options.demo, &error);
-    if (registry.empty()) {
-      std::fprintf(stderr, "vantu-import: demo profile: %s\n", error.c_str());
-      return 2;
-    }
-    options.profile = folder;
+    if (!demo_folder.Create("vantu-demo-", options.keep))
+      return Fail(kExitFailed, "cannot create a temporary folder for the demo");
+    base::FilePath root = base::FilePath::FromUTF8Unsafe(demo_folder.path());
+    base::FilePath registry = BuildDemoProfile(root, options.demo, &error);
+    if (registry.empty())
+      return Fail(kExitFailed, "demo profile: " + error);
+    options.profile = demo_folder.path();
     options.registry = registry.AsUTF8Unsafe();
-    if (!options.quiet)
-      std::printf("Demo profile: %s\n", folder);
+    if (!options.quiet && !options.json) {
+      std::printf("Demo profile: %s%s\n", demo_folder.path().c_str(),
+                  options.keep ? " (kept)" : " (removed at exit; --keep keeps it)");
+    }
   }
-  if (!ResolveProfileOptions(&options, &error)) {
-    std::fprintf(stderr, "vantu-import: %s\n", error.c_str());
-    return 2;
-  }
-  return Run(options);
+  if (!ResolveProfileOptions(&options, &error))
+    return Fail(kExitUsage, error);
+  ApplyHostEnvironment(options);
+  if (!CheckSourceFolder(options, &error))
+    return Fail(kExitUsage, error);
+  TemporaryFolder dry_run_folder;
+  return Run(options, &dry_run_folder);
 }

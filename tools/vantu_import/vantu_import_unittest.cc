@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "tools/vantu_import/host_options.h"
 #include "tools/vantu_import/run_outcome.h"
 
@@ -38,19 +41,86 @@ TEST(HostOptionsTest, ValuesInBothFormsAndBadUsage) {
   EXPECT_EQ("option --demo takes 7, 6, v2 or v3, not \"8\"", error);
 }
 
-TEST(RunOutcomeTest, StateBitsInWordsAndExitStatus) {
-  EXPECT_EQ("0 (no failure)", DescribeImportState(L"0"));
+TEST(HostOptionsTest, SourceFolderInBothFormsAndNewSwitches) {
+  HostOptions options;
+  std::string error;
+  ASSERT_TRUE(Parse({"--i", "/old", "--dry-run", "--keep", "--json", "--verbose", "--version"},
+                    &options, &error));
+  EXPECT_EQ("/old", options.source);
+  EXPECT_TRUE(options.source_given && options.dry_run && options.keep && options.json &&
+              options.verbose && options.version);
+  HostOptions bad;
+  EXPECT_FALSE(Parse({"--i="}, &bad, &error));
+  EXPECT_EQ("option --i: empty value", error);
+  EXPECT_FALSE(Parse({"--registry", ""}, &bad, &error));
+  EXPECT_EQ("option --registry: empty value", error);
+
+  const char* spaced[] = {"vantu-import", "--quiet", "--i", "/old player", "--json"};
+  EXPECT_EQ((std::vector<std::string>{"vantu-import", "--quiet", "--i=/old player", "--json"}),
+            NormalisedSourceArguments(5, spaced));
+  const char* joined[] = {"vantu-import", "--i=/old", "--quiet"};
+  EXPECT_TRUE(NormalisedSourceArguments(3, joined).empty());
+}
+
+base::Value ImportReport(const std::string& end, const std::string& state) {
+  return {{"task", {{"name", "importvantu6"}, {"import_kind", 2}}},
+          {"dbcheck", {{"ImportEnd", end}, {"ImportState", state}}},
+          {"summary",
+           {{"songs", 1}, {"videos", 0}, {"lists", 2}, {"list_entries", 1}, {"downloads", 0},
+            {"settings", 0}}},
+          {"sources", base::Value::array()},
+          {"dropped", base::Value::array()},
+          {"target_tables", base::Value::array()},
+          {"target_databases", base::Value::array()}};
+}
+
+// Each outcome gets its status: a clean import 0; a failed build, a file
+// that did not verify or a table that holds other rows than were written
+// 1; a source that was unreadable, repaired or partly read 3.
+TEST(RunOutcomeTest, ExitStatusAndVerdictOfEachOutcome) {
   EXPECT_EQ("18 (2: lists could not be read; 16: another source table could not be read)",
             DescribeImportState(L"18"));
-  RunOutcome outcome;
-  EXPECT_EQ(0, ExitStatusOf(outcome));
-  outcome.import_state = L"8";
-  EXPECT_EQ(1, ExitStatusOf(outcome));
-  outcome.task = L"importvantu6";
-  outcome.files = {{L"VTMusicV3.db", 4096}};
-  std::string text = DescribeOutcome(outcome);
-  EXPECT_NE(std::string::npos, text.find("import from generation 6 (importvantu6)"));
-  EXPECT_NE(std::string::npos, text.find("VTMusicV3.db (4096 bytes)"));
+  base::Value clean = ImportReport("4", "");
+  EXPECT_EQ(kExitImported, ExitStatusOf(clean));
+  EXPECT_EQ("Imported 1 song and 2 lists with 1 entry.", VerdictLine(clean));
+
+  base::Value failed = ImportReport("5", "8");
+  EXPECT_EQ(kExitFailed, ExitStatusOf(failed));
+  EXPECT_EQ("Import failed, nothing was replaced: ImportState 8 (8: a later stage of the build "
+            "failed).",
+            VerdictLine(failed));
+
+  base::Value lost_rows = clean;
+  lost_rows["target_tables"] = {
+      {{"table", "GeneralList_5"}, {"rows_sent", 3}, {"rows_counted", 2}, {"matches", false}}};
+  EXPECT_EQ(kExitFailed, ExitStatusOf(lost_rows));
+  EXPECT_NE(std::string::npos,
+            VerdictLine(lost_rows).find("; table GeneralList_5 holds 2 rows of 3 written"));
+
+  base::Value unverified = clean;
+  unverified["target_databases"] = {
+      {{"database", "VTMusicV3.db"}, {"read_back", false}, {"error", "encryption failed"}}};
+  EXPECT_EQ(kExitFailed, ExitStatusOf(unverified));
+
+  base::Value partly_read = ImportReport("4", "4");
+  partly_read["sources"] = {{{"path", "/p/VTLibrary2.db"}, {"unreadable", true}}};
+  EXPECT_EQ(kExitDamaged, ExitStatusOf(partly_read));
+  EXPECT_EQ("Imported 1 song and 2 lists with 1 entry; /p/VTLibrary2.db could not be read: its "
+            "records are missing; some source tables could not be read (ImportState 4 (4: music "
+            "items could not be read)).",
+            VerdictLine(partly_read));
+  EXPECT_EQ(kExitDamaged, ExitStatusOf(ImportReport("4", "16")));
+
+  base::Value empty = ImportReport("8", "");
+  EXPECT_EQ(kExitImported, ExitStatusOf(empty));
+  EXPECT_NE(std::string::npos, VerdictLine(empty).find("counts as empty (ImportEnd 8)"));
+
+  // A report of another version, or none at all, never passes for success.
+  EXPECT_EQ(kExitFailed, ExitStatusOf(base::Value()));
+  EXPECT_EQ("Nothing to import: no earlier installation of the player was found.",
+            VerdictLine(base::Value::object()));
+  EXPECT_EQ("copy of the version-2 databases to encrypted version 3 (copyv8dbv2)",
+            TaskInWords("copyv8dbv2"));
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ DatabaseHelper::~DatabaseHelper() {
 }
 
 void DatabaseHelper::PrepareOpen(const base::FilePath& path) {
+  repaired_ = false;
   // Clears a read-only flag left by earlier releases. Deliberately unchecked:
   // a missing file is no error here, and an open that still cannot write
   // fails on its own.
@@ -43,8 +44,10 @@ bool DatabaseHelper::CheckOrRepair() {
     return true;
   // The second integrity check decides, whatever the VACUUM answered.
   (void)connection_->Execute("VACUUM");
-  if (CheckIntegrity())
+  if (CheckIntegrity()) {
+    repaired_ = true;
     return true;
+  }
   connection_->Close();
   return false;
 }

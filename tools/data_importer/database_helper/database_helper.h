@@ -32,6 +32,9 @@ class DatabaseHelper {
   //  5. otherwise the connection is closed and the answer is false: the
   //     file is corrupt and must not be read.
   [[nodiscard]] bool OpenAndCheck(const base::FilePath& path);
+  // Whether the last OpenAndCheck passed only after the "VACUUM" (the file
+  // was damaged: rows of a damaged page may be gone).
+  bool repaired() const { return repaired_; }
 
   // Opens the encrypted database at |path| with |key|, after the same
   // attribute clearing and page and cache sizes as OpenAndCheck. A file that
@@ -80,6 +83,7 @@ class DatabaseHelper {
 
   std::unique_ptr<sql::Connection> connection_;
   std::string attached_alias_;
+  bool repaired_ = false;
 };
 
 // "Insert Into " + table + "(" + columns + ") values (" + values + ")": the

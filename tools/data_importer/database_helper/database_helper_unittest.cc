@@ -47,6 +47,7 @@ TEST(DatabaseHelperTest, HealthyAndReadOnlyFilesOpen) {
 
   DatabaseHelper helper;
   ASSERT_TRUE(helper.OpenAndCheck(path));
+  EXPECT_FALSE(helper.repaired());
   // The read-only attribute was cleared, so the file takes writes.
   EXPECT_TRUE(helper.connection()->Execute("INSERT INTO Songs(name) VALUES ('new')"));
   EXPECT_TRUE(helper.CheckIntegrity());
@@ -74,6 +75,7 @@ TEST(DatabaseHelperTest, RepairsWhatVacuumCanAndClosesTheRest) {
   }
   DatabaseHelper repaired;
   EXPECT_TRUE(repaired.OpenAndCheck(lost_pages));
+  EXPECT_TRUE(repaired.repaired());
   DbRowReader count(*repaired.connection(), "SELECT count(*) AS n FROM Songs");
   ASSERT_TRUE(count.Step());
   EXPECT_EQ(2000, count.GetInt("n"));

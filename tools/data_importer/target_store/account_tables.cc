@@ -34,7 +34,7 @@ void ImportModel::WriteUserLoginHistory() {
              [](const LoginRecord& l, RowBuilder* row) {
                AppendColumns(l, LoginColumns(), row);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WriteKeywordSearchHistory() {
@@ -42,7 +42,7 @@ void ImportModel::WriteKeywordSearchHistory() {
              [](const SearchKeywordRecord& k, RowBuilder* row) {
                AppendColumns(k, SearchKeywordColumns(), row);
                return true;
-             });
+             }, report());
 }
 
 const ColumnList<LoginRecord>& LoginColumns() {

@@ -1,6 +1,7 @@
 #include "tools/data_importer/target_store/build_sequence.h"
 
 #include <memory>
+#include <set>
 
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
@@ -10,6 +11,7 @@
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/settings/settings_writer.h"
 
 namespace {
@@ -89,11 +91,21 @@ void ReleaseDatabase(std::unique_ptr<DatabaseHelper>* helper) {
 
 // Carries the imported settings records into section "Settings" of the
 // data folder's "Vantu.ini". A failure is logged and never fails the build.
-void WriteSettings(const ImportModel& model, const base::FilePath& data_folder) {
+// The keys carried are named in the import report.
+void WriteSettings(ImportModel* model, const base::FilePath& data_folder) {
   const base::FilePath ini = data_folder.Append(importer_names::kSettingsFileName);
-  if (!WriteImportedSettings(model.m_settings, ini))
+  if (!WriteImportedSettings(model->m_settings, ini)) {
     VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {" << ini.value()
                                   << L"} failed.";
+    return;
+  }
+  std::set<std::wstring> keys;
+  for (const ImportedSettings& settings : model->m_settings) {
+    for (const auto& [key, value] : SettingsEntries(settings)) {
+      if (keys.insert(key).second)
+        model->report()->AddSettingsKey(base::WideToUTF8(key));
+    }
+  }
 }
 
 struct WriterStep {
@@ -253,7 +265,7 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
     if (step.write)
       step.write(model);
     else
-      WriteSettings(*model, data_folder);
+      WriteSettings(model, data_folder);
     Step(model, step.weight);
     done(step.name);
   }

@@ -104,17 +104,19 @@ void ImportModel::WriteDownloadItems() {
              [this](const DownloadRecord& d, RowBuilder* row) {
                int file_id = ResolveDownloadFile(*this, d);
                if (file_id == 0)
-                 return false;
+                 return RowFate::Drop(drop_reason::kDownloadUnresolved);
                AppendColumnsReplacing<DownloadRecord, int>(
                    d, DownloadItemColumns(),
                    {{&DownloadRecord::FileID, file_id},
                     {&DownloadRecord::RelevanceMusicId,
                      ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
                    row);
-               return true;
-             });
+               return RowFate::Write();
+             }, report());
 }
 
+// A finished download whose file is missing is counted as dropped once, by
+// the DownloadItem writer; here it is only left out.
 void ImportModel::WriteDownloadHistoryItems() {
   WriteTable(m_music_db.get(), kDownloadHistoryItem, m_downloads, EmptyList::kSkipTable,
              [this](const DownloadRecord& d, RowBuilder* row) {
@@ -126,7 +128,7 @@ void ImportModel::WriteDownloadHistoryItems() {
                      ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
                    row);
                return true;
-             });
+             }, report());
 }
 
 const ColumnList<DownloadRecord>& DownloadItemColumns() {

@@ -1,5 +1,6 @@
 #include "tools/data_importer/target_store/import_model.h"
 
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/progress_record.h"
 
 ImportModel::ImportModel(ProgressRecord* progress) : m_progress(progress) {}
@@ -9,6 +10,14 @@ ImportModel::~ImportModel() = default;
 void ImportModel::ReportState(uint32_t bits) {
   if (m_progress)
     m_progress->ReportFailure(bits);
+}
+
+ImportReport* ImportModel::report() {
+  if (m_progress)
+    return m_progress->report();
+  if (!own_report_)
+    own_report_ = std::make_unique<ImportReport>();
+  return own_report_.get();
 }
 
 void ImportModel::AddSettings(const ImportedSettings& settings) {

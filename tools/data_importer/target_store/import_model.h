@@ -13,6 +13,7 @@
 #include "tools/data_importer/target_store/import_records.h"
 #include "tools/data_importer/target_store/verify_database.h"
 
+class ImportReport;
 class ProgressRecord;
 
 template <typename T>
@@ -41,6 +42,12 @@ class ImportModel {
 
   // Reports |bits| as import state through the progress record, if any.
   void ReportState(uint32_t bits);
+
+  // The run's import report (the progress record's), where readers count
+  // what they read, made and dropped (SourceTableTally) and writers what
+  // they wrote. Never null: a model without a progress record keeps one of
+  // its own.
+  ImportReport* report();
 
   // Appends a copy of |settings| to m_settings.
   void AddSettings(const ImportedSettings& settings);
@@ -113,6 +120,9 @@ class ImportModel {
   // the file failed and was not moved into place.
   VerifiedDatabase m_verified_music;
   VerifiedDatabase m_verified_playlist;
+
+ private:
+  std::unique_ptr<ImportReport> own_report_;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_H_

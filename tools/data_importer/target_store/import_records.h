@@ -10,13 +10,16 @@
 // that column; the lower-case fields are old ids that the writers translate.
 // A field whose column declares another default starts at that default, so a
 // reader that has no value for a column produces what the table would.
-// Times are carried in the units of the source database.
+// Times are carried in the units of the source database. |origin| is the
+// source table a reader made the record from, as the import report numbers
+// it (0: not recorded); the writers count rows by it and write it nowhere.
 
 // The hash of a file that has no hash.
 inline constexpr wchar_t kNoFileHash[] = L"00000000000000000000000000000000";
 
 // One media file known to the player.
 struct ShareFileItem {
+  int origin = 0;
   int old_id = 0;  // file id in the source database
   int ShareFileType = 0;  // 2 = MV (video) file, anything else audio
   std::wstring MD5;       // 32 hex characters or empty
@@ -46,6 +49,7 @@ struct ShareFileItem {
 
 // One folder the library watches.
 struct ShareFolderItem {
+  int origin = 0;
   int old_id = 0;
   std::wstring Path;
   int64_t LastModifyTime = 0;
@@ -54,6 +58,7 @@ struct ShareFolderItem {
 
 // One user list; PlaylistID is also the key of its songs in the model.
 struct PlayListInfo {
+  int origin = 0;
   int PlaylistID = 0;
   std::wstring PlaylistName;
   std::wstring DownloadPath;
@@ -63,6 +68,7 @@ struct PlayListInfo {
 
 // One entry of a list, of the recently-played list or of a radio channel.
 struct SongItem {
+  int origin = 0;
   int SongID = 0;
   int music_file_id = 0;  // old id of the audio file
   int mv_file_id = 0;     // old id of the MV file; 0 or less for none
@@ -114,6 +120,7 @@ struct SongItem {
 
 // One radio channel.
 struct RadioChannelInfo {
+  int origin = 0;
   int ID = 0;
   int FMType = 0;
   int ClassID = 0;
@@ -136,6 +143,7 @@ struct RadioChannelInfo {
 };
 
 struct DislikeRadioRecord {
+  int origin = 0;
   int ChannelInformationID = 0;
   int SongID = 0;
   int DislikeType = 0;
@@ -148,12 +156,14 @@ struct DislikeRadioRecord {
 };
 
 struct PlayedRadioRecord {
+  int origin = 0;
   int ChannelInformationID = 0;
   int SongID = 0;
   std::wstring Hash;
 };
 
 struct LocalFileInfo {
+  int origin = 0;
   std::wstring FilePath;
   std::wstring FolderPath;  // replaced on writing by the path of old_folder_id
   std::wstring Artist;
@@ -173,6 +183,7 @@ struct LocalFileInfo {
 // One download, finished or not. Percent 100 with DownType 0 or 20 is a
 // finished download and also goes to the history.
 struct DownloadRecord {
+  int origin = 0;
   int file_id = 0;  // old id of the downloaded file
   std::wstring MD5;
   int FileID = 0;
@@ -219,6 +230,7 @@ struct DownloadRecord {
 
 // A saved login. EncodedPassword is carried exactly as the source stored it.
 struct LoginRecord {
+  int origin = 0;
   int UserID = 0;
   int Pattern = 1;  // the table's default
   int FunctionBitmap = 0;
@@ -241,12 +253,14 @@ struct LoginRecord {
 };
 
 struct SearchKeywordRecord {
+  int origin = 0;
   std::wstring Keyword;  // unique in the new table
   int64_t TimeTick = 0;
   int Type = 0;
 };
 
 struct AppToolRecord {
+  int origin = 0;
   int ID = 0;
   int SoftIndex = 0;
   int64_t Version = 0;

@@ -50,10 +50,14 @@ void FillShareFileRow(const ShareFileItem& f, RowBuilder* row) {
 }
 
 // Builds every record's insert text first; the rows then receive
-// consecutive ids (see InsertNumberedRows), answered in record order.
+// consecutive ids (see InsertNumberedRows), answered in record order. Each
+// row is counted in |report| as written or refused, and |inserted_out|,
+// when given, receives which were inserted.
 template <typename Record, typename FillRow>
 std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableDef& definition,
-                                    const RecordList<Record>& records, FillRow fill_row) {
+                                    const RecordList<Record>& records, FillRow fill_row,
+                                    ImportReport* report,
+                                    std::vector<bool>* inserted_out = nullptr) {
   std::vector<std::string> statements;
   statements.reserve(records.size());
   RowBuilder row;
@@ -62,7 +66,18 @@ std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableDef& definiti
     statements.push_back(row.Statement(definition.name));
     row.Clear();
   }
-  return InsertNumberedRows(db, definition.name, "ID", statements);
+  std::vector<bool> inserted;
+  std::vector<int> ids = InsertNumberedRows(db, definition.name, "ID", statements, &inserted);
+  TargetTableTally tally(report, definition.name);
+  for (size_t i = 0; i < records.size(); ++i) {
+    if (inserted[i])
+      tally.Written(records[i]->origin);
+    else
+      tally.Dropped(records[i]->origin, drop_reason::kRowRefused, DropExampleOf(*records[i]));
+  }
+  if (inserted_out)
+    *inserted_out = std::move(inserted);
+  return ids;
 }
 
 }  // namespace
@@ -72,11 +87,16 @@ void ImportModel::WriteShareFileItems() {
   CreateTable(m_music_db.get(), kShareFileItems.create_sql);
   if (m_share_files.empty())
     return;
+  std::vector<bool> inserted;
   std::vector<int> ids =
-      WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files, FillShareFileRow);
+      WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files, FillShareFileRow,
+                         report(), &inserted);
   m_hash_id_map.reserve(m_hash_id_map.size() + m_share_files.size());
+  int64_t videos = 0;
   for (size_t i = 0; i < m_share_files.size(); ++i) {
     const ShareFileItem& file = *m_share_files[i];
+    if (file.ShareFileType == 2 && inserted[i])
+      ++videos;
     if (!file.MD5.empty() && file.MD5 != kNoFileHash)
       m_hash_id_map[file.MD5] = ids[i];
     if (file.ShareFileType == 2)
@@ -84,6 +104,7 @@ void ImportModel::WriteShareFileItems() {
     else
       m_music_id_map[file.old_id] = ids[i];
   }
+  report()->AddLibraryVideos(videos);
 }
 
 void ImportModel::WriteShareFolders() {
@@ -92,7 +113,8 @@ void ImportModel::WriteShareFolders() {
   CreateTable(m_music_db.get(), kShareFolders.create_sql);
   std::vector<int> ids = WriteNumberedTable(
       m_music_db.get(), kShareFolders, m_share_folders,
-      [](const ShareFolderItem& f, RowBuilder* row) { AppendColumns(f, ShareFolderColumns(), row); });
+      [](const ShareFolderItem& f, RowBuilder* row) { AppendColumns(f, ShareFolderColumns(), row); },
+      report());
   for (size_t i = 0; i < m_share_folders.size(); ++i)
     m_folder_id_map[m_share_folders[i]->old_id] = ids[i];
 }
@@ -116,7 +138,7 @@ void ImportModel::WriteLocalFiles() {
                      folder == folder_paths.end() ? no_folder : *folder->second}},
                    row);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WriteAppTools() {
@@ -124,7 +146,7 @@ void ImportModel::WriteAppTools() {
              [](const AppToolRecord& t, RowBuilder* row) {
                AppendColumns(t, AppToolColumns(), row);
                return true;
-             });
+             }, report());
 }
 
 const ColumnList<ShareFileItem>& ShareFileColumns() {

@@ -39,7 +39,7 @@ void ImportModel::WriteGeneralListTable() {
              [](const PlayListInfo& list, RowBuilder* row) {
                AppendColumns(list, GeneralListColumns(), row);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WriteRecentlyPlayedItems() {
@@ -50,7 +50,7 @@ void ImportModel::WriteRecentlyPlayedItems() {
              [](const SongItem& song, RowBuilder* row) {
                AppendSongColumns(song, song.MusicFilePlayable, row);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind) {
@@ -66,15 +66,15 @@ void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind
       // its MV having been imported.)
       int music_id = Lookup(m_music_id_map, song.music_file_id);
       if (music_id == 0)
-        return false;
+        return RowFate::Drop(drop_reason::kListEntrySongMissing);
       auto flag = m_file_flag_map.find(music_id);
       if (flag != m_file_flag_map.end())
         playable = !flag->second;
     }
     row->Int("SongID", song.SongID);
     AppendSongColumns(song, playable, row);
-    return true;
-  });
+    return RowFate::Write();
+  }, report());
 }
 
 void ImportModel::FillFileFlagMap() {

@@ -43,7 +43,7 @@ void ImportModel::WriteRadioChannelTable() {
              [](const RadioChannelInfo& c, RowBuilder* row) {
                AppendColumns(c, RadioChannelColumns(), row);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WriteDislikeRadioItems() {
@@ -51,7 +51,7 @@ void ImportModel::WriteDislikeRadioItems() {
              [](const DislikeRadioRecord& d, RowBuilder* row) {
                AppendColumns(d, DislikeRadioColumns(), row);
                return true;
-             });
+             }, report());
 }
 
 void ImportModel::WritePlayedRadioItems() {
@@ -59,7 +59,7 @@ void ImportModel::WritePlayedRadioItems() {
              [](const PlayedRadioRecord& p, RowBuilder* row) {
                AppendColumns(p, PlayedRadioColumns(), row);
                return true;
-             });
+             }, report());
 }
 
 const ColumnList<RadioChannelInfo>& RadioChannelColumns() {

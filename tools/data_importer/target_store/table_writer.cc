@@ -87,16 +87,20 @@ bool TableTransaction::InsertRow() {
 
 std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table,
                                     const std::string& key_column,
-                                    const std::vector<std::string>& statements) {
+                                    const std::vector<std::string>& statements,
+                                    std::vector<bool>* inserted) {
   std::vector<int> ids;
   ids.reserve(statements.size());
+  if (inserted)
+    inserted->assign(statements.size(), false);
   sql::Connection* connection = OpenConnection(db);
   bool in_transaction = false;
   int id = -1;
   for (size_t i = 0; i < statements.size(); ++i) {
-    if (connection)
-      // Ids count on whether or not the insert succeeded (see the header).
-      (void)connection->Execute(statements[i].c_str());
+    // Ids count on whether or not the insert succeeded (see the header).
+    bool ok = connection && connection->Execute(statements[i].c_str());
+    if (inserted)
+      (*inserted)[i] = ok;
     if (i == 0) {
       id = GetMaxKeyId(db, key_column, table);
       if (connection)

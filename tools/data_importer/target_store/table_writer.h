@@ -4,7 +4,10 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
+
+#include "tools/data_importer/import_report.h"
 
 class DatabaseHelper;
 
@@ -21,7 +24,12 @@ class DatabaseHelper;
 //                row->Int("ID", r.ID);
 //                ...
 //                return true;  // false skips the record
-//              });
+//              }, report());
+//
+// With a report, every record is accounted for by its origin: a row
+// inserted counts as written, a row the database refuses as dropped (the
+// reason kRowRefused). A row filler that leaves records out for a reason
+// answers a RowFate instead of a bool.
 
 // Builds the column and value lists of one row. The statement text is built
 // straight in UTF-8; it is the same text a wide statement converted to
@@ -82,29 +90,76 @@ class TableTransaction {
   bool open_ = false;
 };
 
+// What a row filler answers for a record it may leave out.
+struct RowFate {
+  static RowFate Write() { return {nullptr, true}; }
+  // Not meant for this table (not counted: it is written or counted
+  // elsewhere).
+  static RowFate Skip() { return {nullptr, false}; }
+  static RowFate Drop(const DropReason& reason) { return {&reason, false}; }
+
+  const DropReason* drop;
+  bool write;
+};
+
+// The example a dropped record gives in the report: its old id and a name
+// a person recognises. The source table comes from its origin.
+template <typename Record>
+ImportReport::DropExample DropExampleOf(const Record& r) {
+  ImportReport::DropExample example;
+  if constexpr (requires { r.TitleName; }) {
+    example.old_id = r.SongID;
+    example.name = r.TitleName;
+  } else if constexpr (requires { r.PlaylistName; }) {
+    example.old_id = r.PlaylistID;
+    example.name = r.PlaylistName;
+  } else if constexpr (requires { r.DestFileName; }) {
+    example.old_id = r.file_id;
+    example.name = r.FileName;
+  } else if constexpr (requires { r.FileName; }) {
+    example.old_id = r.old_id;
+    example.name = r.FileName;
+  }
+  return example;
+}
+
 template <typename List, typename FillRow>
 void WriteTable(DatabaseHelper* db, const TableDef& definition, const List& records, EmptyList empty,
-                FillRow fill_row) {
+                FillRow fill_row, ImportReport* report = nullptr) {
   if (empty == EmptyList::kSkipTable && records.empty())
     return;
   TableTransaction table(db, definition);
+  TargetTableTally tally(report, definition.name);
   for (const auto& record : records) {
-    if (fill_row(*record, table.row()))
-      table.InsertRow();
+    RowFate fate = RowFate::Skip();
+    if constexpr (std::is_same_v<decltype(fill_row(*record, table.row())), bool>)
+      fate = fill_row(*record, table.row()) ? RowFate::Write() : RowFate::Skip();
     else
-      table.row()->Clear();
+      fate = fill_row(*record, table.row());
+    if (fate.write) {
+      if (table.InsertRow())
+        tally.Written(record->origin);
+      else
+        tally.Dropped(record->origin, drop_reason::kRowRefused, DropExampleOf(*record));
+      continue;
+    }
+    table.row()->Clear();
+    if (fate.drop)
+      tally.Dropped(record->origin, *fate.drop, DropExampleOf(*record));
   }
 }
 
 // Inserts pre-built statements whose rows receive consecutive ids and
-// answers the id of each. The first statement runs outside a transaction;
+// answers the id of each; |inserted|, when given, receives whether each
+// insert succeeded. The first statement runs outside a transaction;
 // then the largest key of |key_column| gives the first row's id (1 when
 // the query fails), a transaction is opened, and every later row counts
 // on from there, whether or not its insert succeeded. The CREATE TABLE
 // text must have run already.
 std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table,
                                     const std::string& key_column,
-                                    const std::vector<std::string>& statements);
+                                    const std::vector<std::string>& statements,
+                                    std::vector<bool>* inserted = nullptr);
 
 // Executes |create_sql| on |db| when it is open; failures are ignored.
 void CreateTable(DatabaseHelper* db, const std::string& create_sql);

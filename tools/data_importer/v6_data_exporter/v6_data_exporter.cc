@@ -10,6 +10,7 @@
 #include "logging/debug_output.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/settings/v6_settings_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -135,7 +136,7 @@ bool V6DataExporter::CopyV1Database() {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not found.";
   }
   WorkCopy copy = ObtainWorkCopy(
-      m_work_db, [this] { return GetDatabasePath(); }, kV1Copy);
+      m_work_db, [this] { return GetDatabasePath(); }, kV1Copy, "V1");
   if (copy == WorkCopy::kNoSource) {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_source_db.value() << L"} do not found.";
     logging::OutputDebugStringW(L"v6 DB is not exist!!!");
@@ -167,8 +168,10 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
     logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
     base::FilePath backup = GetDatedBackupFolder();
     // Copy failures are logged by CopyWithLog and do not stop the export.
-    for (const base::FilePath& copy : copies)
+    for (const base::FilePath& copy : copies) {
+      Report()->AddSource(copy, copy, "V2", ImportReport::kReusedCopy);
       (void)CopyWithLog(copy, backup.Append(copy.BaseName().value()));
+    }
     return true;
   }
   base::FilePath program = LocateInstallation();
@@ -190,8 +193,11 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   base::FilePath backup = GetDatedBackupFolder();
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
-    if (!CopyWithLog(source, work.Append(name)))  // logged there
+    bool copied = CopyWithLog(source, work.Append(name));  // logged there
+    if (!copied)
       ReportState(LibraryFileBits(source));
+    Report()->AddSource(source, work.Append(name), "V2",
+                        copied ? ImportReport::kCopied : ImportReport::kUnreadable);
     (void)CopyWithLog(source, backup.Append(name));  // the backup only: logged
   }
   return true;

@@ -10,6 +10,7 @@
 
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/source_reader_util.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
@@ -21,6 +22,12 @@ namespace {
 void LogSize(const wchar_t* name, size_t count) {
   V6LOG(logging::LOG_PROGRESS) << L"Size of " << name << L" is {" << count << L"}.";
 }
+
+// In the "V2" layout "PlayListItems" is read twice, once for the music
+// items and once per list for its entries; the report counts the two reads
+// apart.
+constexpr char kV2MusicItemsTable[] = "PlayListItems (music items)";
+constexpr char kV2ListEntriesTable[] = "PlayListItems (list entries)";
 
 // How far the progress moves after each table reader.
 constexpr int kTableReadStep = 5;
@@ -72,8 +79,10 @@ bool V6DataExporter::ReadMusicVideos() {
   DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MVItems").str());
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), m_db->connection()->path(), "MVItems");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = row.GetInt("ID");  // the id music items refer to as MvItemID
     file->ShareFileType = 2;
@@ -87,6 +96,7 @@ bool V6DataExporter::ReadMusicVideos() {
     file->OwnerCount = row.GetInt("OwnerCount");
     file->LastWriteTime = row.GetInt64("LastWriteTime");
     m_mv_items[file->old_id] = file;
+    tally.Made(file.get());
     m_model->m_share_files.push_back(file);
     ++count;
   }
@@ -102,9 +112,11 @@ bool V6DataExporter::ReadMusicItems() {
   if (!row.IsValid())
     return false;
   ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "MusicItems"));
+  SourceTableTally tally(Report(), m_db->connection()->path(), "MusicItems");
   size_t count = 0;
   while (row.Step()) {
     ticker.Tick();
+    tally.Read();
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = row.GetInt("ID");
     file->FileName = row.GetString16("FileName");
@@ -127,6 +139,7 @@ bool V6DataExporter::ReadMusicItems() {
     entry.file = file;
     entry.mv_id = row.GetInt("MvItemID");
     entry.start_time = row.GetInt64("StartTime");
+    tally.Made(file.get());
     m_model->m_share_files.push_back(file);
     ++count;
   }
@@ -142,9 +155,11 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
   if (!row.IsValid())
     return false;
   ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "PlayListItems"));
+  SourceTableTally tally(Report(), m_db->connection()->path(), kV2MusicItemsTable);
   size_t count = 0;
   while (row.Step()) {
     ticker.Tick();
+    tally.Read();
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = m_next_v2_file_id++;
     std::wstring folder = row.GetString16("Path");
@@ -160,6 +175,7 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
     file->ReplayGain = row.GetDouble("ReplayGain");
     std::wstring key = std::to_wstring(row.GetInt("ItemID")) + L"_" + std::to_wstring(library_number);
     m_v2_music_items[key].file = file;
+    tally.Made(file.get());
     m_model->m_share_files.push_back(file);
     ++count;
   }
@@ -175,13 +191,18 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
   DbRowReader row(db, query);
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), db.path(), "PlayLists");
   std::vector<ListRef> default_lists, normal_lists;
   while (row.Step()) {
+    tally.Read();
     int type = row.GetInt("PlayListType");
     bool is_default = type == 3;
-    if (!is_default && type != 0 && type != 6 && type != 10)
-      continue;
     int source_id = row.GetInt("PlayListID");
+    if (!is_default && type != 0 && type != 6 && type != 10) {
+      tally.Dropped("GeneralListTable", drop_reason::kListTypeNotImported, source_id,
+                    row.GetString16("PlayListName"));
+      continue;
+    }
     if (!is_default) {
       std::string count_query =
           v2 ? (boost::format("SELECT COUNT(*) AS ListItemCount FROM %s WHERE PlayListID = %d") %
@@ -195,6 +216,8 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       if (!count.Step() || count.GetInt("ListItemCount") < 1) {
         V6LOG(logging::LOG_PROGRESS) << L"There is no items under {TABLE: PlayListItems, PlayListID: "
                                      << source_id << L"}.";
+        tally.Dropped("GeneralListTable", drop_reason::kListWithoutEntries, source_id,
+                      row.GetString16("PlayListName"));
         continue;
       }
     }
@@ -217,6 +240,7 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       list->SortID = m_next_list_sort++;
       normal_lists.push_back({source_id, id, false});
     }
+    tally.Made(list.get());
     m_model->m_play_lists.push_back(list);
     m_model->m_list_songs[id];  // the list has its table even without entries
   }
@@ -270,9 +294,13 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
   std::set<int> song_ids;
   for (const auto& song : songs)
     song_ids.insert(song->SongID);
+  SourceTableTally tally(Report(), m_db->connection()->path(),
+                         v2 ? kV2ListEntriesTable : "PlayListItems");
+  const std::string target = "GeneralList_" + std::to_string(list.id);
   size_t total = 0, loaded = 0;
   while (row.Step()) {
     ++total;
+    tally.Read();
     const MusicEntry* music = nullptr;
     if (v2) {
       auto found = m_v2_music_items.find(std::to_wstring(row.GetInt("ItemID")) + L"_" +
@@ -282,8 +310,14 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
       auto found = m_music_items.find(row.GetInt("MusicItemID"));
       music = found == m_music_items.end() ? nullptr : &found->second;
     }
-    if (!music)
+    if (!music) {
+      std::wstring title = v2 ? row.GetString16("Title") : std::wstring();
+      if (title.empty())
+        title = v2 ? row.GetString16("FileName")
+                   : L"music item " + std::to_wstring(row.GetInt("MusicItemID"));
+      tally.Dropped(target, drop_reason::kListEntrySongMissing, row.GetInt("ItemID"), title);
       continue;
+    }
     auto song = std::make_shared<SongItem>();
     FillFromMusic(*music, song.get());
     song->SongID = row.GetInt("ItemID");
@@ -304,6 +338,7 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
       song->CueBeginTime = row.GetInt64("StartTime");
       song->CueEndTime = row.GetInt64("EndTime");
     }
+    tally.Made(song.get());
     songs.push_back(song);
     ++loaded;
   }
@@ -326,8 +361,10 @@ bool V6DataExporter::ReadUnfinishedDownloads(bool v2) {
   DbRowReader row(*m_db->connection(), "Select * From Downing");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), m_db->connection()->path(), "Downing");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto download = std::make_shared<DownloadRecord>();
     download->file_id = v2 ? 0 : row.GetInt("MusicID");
     download->MD5 = HashOrZero(row.GetString16("FileHash"));
@@ -336,6 +373,7 @@ bool V6DataExporter::ReadUnfinishedDownloads(bool v2) {
     download->FileSize = row.GetInt("FileSize");
     download->DownType = row.GetInt("DownType");
     download->FileName = BaseNameWithoutExtension(download->DestFileName);
+    tally.Made(download.get());
     m_model->m_downloads.push_back(download);
     ++count;
   }
@@ -348,8 +386,10 @@ bool V6DataExporter::ReadFinishedDownloads() {
   DbRowReader row(*m_db->connection(), "Select * From DownHistory");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), m_db->connection()->path(), "DownHistory");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto download = std::make_shared<DownloadRecord>();
     download->DestFileName = row.GetString16("FileName");
     download->FileName = BaseNameWithoutExtension(download->DestFileName);
@@ -360,6 +400,7 @@ bool V6DataExporter::ReadFinishedDownloads() {
     download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
     download->MD5 = HashOrZero(row.GetString16("FileHash"));
     download->Percent = 100;
+    tally.Made(download.get());
     m_model->m_downloads.push_back(download);
     ++count;
   }

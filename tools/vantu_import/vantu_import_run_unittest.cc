@@ -1,0 +1,262 @@
+// vantu-import run as a program: bad usage, an unusable data folder, the
+// verdict and exit status of each outcome, --json, --dry-run, --demo and
+// "--i DIR".
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "base/file_util.h"
+#include "base/json_file.h"
+#include "base/md5.h"
+#include "sql/connection.h"
+#include "testing/fixtures/generation6_fixture.h"
+#include "testing/test_support.h"
+
+namespace {
+
+std::string Quote(const base::FilePath& path) { return "'" + path.AsUTF8Unsafe() + "'"; }
+
+// Every file and folder under |root| with the MD5 of its bytes.
+std::string Fingerprint(const base::FilePath& root) {
+  std::string all;
+  std::error_code code;
+  for (const auto& entry :
+       std::filesystem::recursive_directory_iterator(root.AsUTF8Unsafe(), code)) {
+    all += entry.path().string();
+    if (entry.is_regular_file()) {
+      all += ":" + base::MD5String(testing_support::ReadBytes(
+                       base::FilePath::FromUTF8Unsafe(entry.path().string())));
+    }
+    all += "\n";
+  }
+  return all;
+}
+
+// The path that follows |label| in |output|, up to the next " (".
+base::FilePath PathAfter(const std::string& output, const std::string& label) {
+  size_t start = output.find(label);
+  if (start == std::string::npos)
+    return base::FilePath();
+  start += label.size();
+  return base::FilePath::FromUTF8Unsafe(output.substr(start, output.find(" (", start) - start));
+}
+
+std::wstring Hash(int n) {
+  std::wstring hash = std::to_wstring(n);
+  return std::wstring(32 - hash.size(), L'C') + hash;
+}
+
+class HostRunTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(base::CreateDirectory(local()));
+    ASSERT_TRUE(base::CreateDirectory(profile().Append(L"AppData").Append(L"Roaming")));
+  }
+
+  base::FilePath root() const { return dir_.path(); }
+  base::FilePath profile() const { return root().Append(L"profile"); }
+  base::FilePath local() const { return profile().Append(L"AppData").Append(L"Local"); }
+  base::FilePath data_folder() const { return local().Append(L"VanTu8"); }
+  base::FilePath program() const { return root().Append(L"Program Files").Append(L"VanTa6"); }
+  base::FilePath registry() const { return root().Append(L"user.reg"); }
+
+  // A generation-6 installation with one list entry whose song is gone.
+  void WriteInstallation() {
+    V6V1Database db;
+    for (int id = 1; id <= 3; ++id) {
+      V6Music song;
+      song.id = id;
+      song.title = L"Song " + std::to_wstring(id);
+      song.file_name = L"C:\\Music\\" + song.title + L".mp3";
+      song.hash = Hash(id);
+      db.music.push_back(song);
+    }
+    db.lists = {{5, 0, L"Road", 0, 1}};
+    db.items = {{1, 5, 1, 0, 0}, {2, 5, 2, 1, 0}, {3, 5, 77, 2, 0}};
+    ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
+    testing_support::WriteBytes(program().Append(L"VanTa6.exe"), "MZ");
+    testing_support::WriteBytes(registry(), V6RegistryText(program()));
+  }
+
+  // Runs vantu-import in a clean environment with HOME in the test's
+  // folder; answers its exit status and keeps its standard output (and its
+  // standard error too when |with_errors|).
+  int Run(const std::string& args, bool with_errors = true) {
+    std::string command =
+        "env -u VANTU_REGISTRY_FILE -u LOCALAPPDATA -u APPDATA -u USERPROFILE "
+        "-u VANTU_LOG_STDERR HOME=" + Quote(root()) + " " VANTU_BINARY_DIR "/vantu-import " +
+        args + (with_errors ? " 2>&1" : " 2>/dev/null");
+    return testing_support::RunCommand(command, "", &output_);
+  }
+
+  std::string ProfileArgs() const {
+    return "--profile " + Quote(profile()) + " --registry " + Quote(registry());
+  }
+
+  testing_support::ScopedTempDir dir_;
+  std::string output_;
+};
+
+// Each bad option value is one line naming the option, the path and the
+// reason, exit status 2, and nothing is created anywhere.
+TEST_F(HostRunTest, BadUsageIsAnErrorThatCreatesNothing) {
+  base::FilePath file = root().Append(L"a file");
+  testing_support::WriteBytes(file, "x");
+  testing_support::WriteBytes(registry(), "Windows Registry Editor Version 5.00\r\n");
+  base::FilePath absent = root().Append(L"absent");
+  const struct {
+    std::string args;
+    std::string expected;
+  } kCases[] = {
+      {"--profile " + Quote(absent), "--profile " + absent.AsUTF8Unsafe() +
+                                         ": No such file or directory"},
+      {"--profile " + Quote(file), "--profile " + file.AsUTF8Unsafe() + ": Not a directory"},
+      {"--profile " + Quote(root()), "--profile " + root().AsUTF8Unsafe() +
+                                         "/AppData/Local: No such file or directory"},
+      {"--local-appdata " + Quote(absent), "--local-appdata " + absent.AsUTF8Unsafe() + ": "},
+      {"--roaming-appdata=" + Quote(file), "--roaming-appdata " + file.AsUTF8Unsafe() +
+                                               ": Not a directory"},
+      {"--i " + Quote(absent), "--i " + absent.AsUTF8Unsafe() + ": No such file"},
+      {"--i=" + Quote(file), "--i " + file.AsUTF8Unsafe() + ": Not a directory"},
+      {"--registry " + Quote(absent), "--registry " + absent.AsUTF8Unsafe() + ": No such file"},
+      {"--registry " + Quote(local()), "--registry " + local().AsUTF8Unsafe() + ": Is a directory"},
+      {"--local-appdata=", "option --local-appdata: empty value"},
+      {"--profile ''", "option --profile: empty value"},
+  };
+  std::string before = Fingerprint(root());
+  for (const auto& c : kCases) {
+    EXPECT_EQ(2, Run(c.args)) << c.args << "\n" << output_;
+    EXPECT_NE(std::string::npos, output_.find(c.expected)) << c.args << "\n" << output_;
+    EXPECT_EQ(1, std::count(output_.begin(), output_.end(), '\n')) << output_;
+    EXPECT_EQ(before, Fingerprint(root())) << c.args;
+  }
+}
+
+// A data folder the importer cannot use is reported by the host in one
+// line, exit status 1, before anything runs.
+TEST_F(HostRunTest, UnusableDataFolderIsAFailure) {
+  WriteInstallation();
+  testing_support::WriteBytes(data_folder(), "not a folder");
+  EXPECT_EQ(1, Run(ProfileArgs())) << output_;
+  EXPECT_EQ("vantu-import: data folder " + data_folder().AsUTF8Unsafe() + ": Not a directory\n",
+            output_);
+  EXPECT_EQ("not a folder", testing_support::ReadBytes(data_folder()));
+
+  ASSERT_TRUE(base::DeleteFile(data_folder()));
+  ASSERT_TRUE(base::CreateDirectory(data_folder().Append(L"vantu.ini")));
+  EXPECT_EQ(1, Run(ProfileArgs())) << output_;
+  EXPECT_NE(std::string::npos, output_.find("settings file " + data_folder().AsUTF8Unsafe() +
+                                            "/vantu.ini: Is a directory"))
+      << output_;
+  EXPECT_FALSE(base::PathExists(data_folder().Append(L"VTMusicV3.db")));
+}
+
+// The verdict comes from this run's report: counts and skips of an import,
+// the task's real name for an upgrade, without the import's keys; a failed
+// build is status 1 and a damaged source status 3.
+TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
+  WriteInstallation();
+  EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << output_;
+  EXPECT_EQ("Imported 3 songs and 1 list with 2 entries; skipped 1 list entry whose song is not "
+            "in the library.\n",
+            output_);
+
+  EXPECT_EQ(0, Run("--verbose " + ProfileArgs(), false)) << output_;
+  EXPECT_NE(std::string::npos, output_.find("Ran the upgrade of the version-3 databases.\n"));
+  EXPECT_NE(std::string::npos,
+            output_.find("Task:          upgrade of the version-3 databases (updatevantu8)"));
+  EXPECT_NE(std::string::npos, output_.find("  UpdateProgress = 100\n")) << output_;
+  EXPECT_EQ(std::string::npos, output_.find("ImportEnd")) << output_;
+
+  // An earlier release's playlist database stops the build.
+  ASSERT_TRUE(base::DeleteFile(data_folder(), true));
+  ASSERT_TRUE(base::CreateDirectory(data_folder()));
+  testing_support::WriteBytes(data_folder().Append(L"playlist.db"), "");
+  EXPECT_EQ(1, Run("--quiet " + ProfileArgs())) << output_;
+  EXPECT_EQ(0u, output_.find("Import failed, nothing was replaced: ImportState 1 ")) << output_;
+
+  // A damaged source: its lost free pages are repaired on opening.
+  ASSERT_TRUE(base::DeleteFile(data_folder(), true));
+  base::FilePath source = program().Append(L"VTData.db");
+  {
+    sql::Connection db;
+    ASSERT_TRUE(db.Open(source));
+    ASSERT_TRUE(db.Execute("CREATE TABLE Filler(t text)"));
+    for (int i = 0; i < 40; ++i)
+      ASSERT_TRUE(db.Execute(("INSERT INTO Filler VALUES ('" + std::string(2000, 'f') + "')").c_str()));
+    ASSERT_TRUE(db.Execute("DROP TABLE Filler"));
+  }
+  std::string bytes = testing_support::ReadBytes(source);
+  bytes.replace(32, 8, std::string(8, '\0'));
+  testing_support::WriteBytes(source, bytes);
+  EXPECT_EQ(3, Run("--quiet " + ProfileArgs())) << output_;
+  EXPECT_NE(std::string::npos,
+            output_.find("; " + source.AsUTF8Unsafe() +
+                         " was damaged and repaired: some of its records may be missing"))
+      << output_;
+}
+
+// --json prints the report the run wrote, and nothing else, on standard
+// output.
+TEST_F(HostRunTest, JsonIsTheReport) {
+  WriteInstallation();
+  EXPECT_EQ(0, Run("--json " + ProfileArgs(), false));
+  base::Value printed = base::Value::parse(output_, nullptr, false);
+  ASSERT_TRUE(printed.is_object()) << output_;
+  base::Value written;
+  ASSERT_TRUE(base::ReadJsonFile(data_folder().Append(L"ImportReport.json"), &written));
+  EXPECT_EQ(written, printed);
+  EXPECT_EQ("importvantu6", printed["task"]["name"]);
+  EXPECT_EQ(3, printed["summary"]["songs"]);
+}
+
+// A dry run imports into a copy: the data folder and the installation stay
+// byte for byte as they were, and the copy is gone afterwards.
+TEST_F(HostRunTest, DryRunChangesNothing) {
+  WriteInstallation();
+  ASSERT_TRUE(base::CreateDirectory(data_folder()));
+  testing_support::WriteBytes(data_folder().Append(L"Vantu.ini"), "[Player]\r\nVolume=80\r\n");
+  std::string data_before = Fingerprint(data_folder());
+  std::string program_before = Fingerprint(program());
+
+  EXPECT_EQ(0, Run("--dry-run " + ProfileArgs())) << output_;
+  EXPECT_NE(std::string::npos, output_.find("Imported 3 songs and 1 list with 2 entries"))
+      << output_;
+  base::FilePath copy = PathAfter(output_, "the import ran on a copy of the data folder in ");
+  EXPECT_FALSE(copy.empty()) << output_;
+  EXPECT_FALSE(base::PathExists(copy));
+  EXPECT_NE(std::string::npos, output_.find("MusicItems -> ShareFileItems: 3 -> 3 + 0"))
+      << output_;
+  EXPECT_EQ(data_before, Fingerprint(data_folder()));
+  EXPECT_EQ(program_before, Fingerprint(program()));
+}
+
+// "--i DIR" reaches the importer as "--i=DIR"; the demo removes its profile
+// unless --keep is given.
+TEST_F(HostRunTest, SourceFolderOptionAndDemoCleanUp) {
+  base::FilePath source = root().Append(L"Old Player");
+  V6V2Library library;
+  library.lists = {{1, 3, L"", 0, 0}};
+  library.items = {{1, 1, L"E:\\", L"a.mp3", L"A", Hash(1)}};
+  library.downloads = {{0, Hash(1), L"E:\\a.mp3", true}};
+  ASSERT_TRUE(library.Write(source.Append(L"VTLibrary.db")));
+  testing_support::WriteBytes(registry(), "Windows Registry Editor Version 5.00\r\n");
+  EXPECT_EQ(0, Run("--quiet " + ProfileArgs() + " --i " + Quote(source))) << output_;
+  EXPECT_EQ("Imported 1 song, 1 list with 1 entry and 1 download.\n", output_);
+
+  EXPECT_EQ(0, Run("--demo=6")) << output_;
+  base::FilePath removed = PathAfter(output_, "Demo profile: ");
+  ASSERT_FALSE(removed.empty()) << output_;
+  EXPECT_FALSE(base::PathExists(removed));
+  EXPECT_EQ(0, Run("--demo=6 --keep")) << output_;
+  base::FilePath kept = PathAfter(output_, "Demo profile: ");
+  ASSERT_FALSE(kept.empty()) << output_;
+  EXPECT_TRUE(base::PathExists(kept.Append(L"AppData/Local/VanTu8/VTMusicV3.db")));
+  std::filesystem::remove_all(kept.AsUTF8Unsafe());
+  EXPECT_EQ(0, Run("--version"));
+  EXPECT_EQ(0u, output_.find("vantu-import 1.0.0"));
+}
+
+}  // namespace
