@@ -27,6 +27,7 @@ struct HostOptions {
   // installation (7 by default, 6 on request), or 8 for the current
   // generation's own databases of version |demo_version| (--demo=v2, v3).
   int demo = 0;
+  int demo_version = 0;
   bool dry_run = false;  // import into a temporary copy of the data folder
   bool keep = false;     // keep the demo profile and the dry run's folder
 };

@@ -132,6 +132,48 @@ std::string Damage(const base::Value& report) {
   return text;
 }
 
+struct WordText {
+  const char* word;
+  const char* text;
+};
+
+const WordText kCopyWords[] = {
+    {"encrypted", "copied and encrypted"},
+    {"left_plain", "copied but left plain: the copy failed its integrity check"},
+    {"encrypt_failed", "copied but left plain: the encryption failed"},
+    {"no_source", "not made: there is no version-2 file to copy"},
+    {"copy_failed", "not made: the version-2 file could not be copied"},
+};
+
+const WordText kOpenWords[] = {
+    {"missing", "VTMusicV3.db is missing: nothing done"},
+    {"key_refused", "VTMusicV3.db does not open with the key: left as it was"},
+    {"corrupt", "VTMusicV3.db is damaged beyond repair: left as it was"},
+};
+
+const WordText kCloudListWords[] = {
+    {"nothing_to_move", "no cloud lists to move"},
+    {"already_moved", "cloud lists already in playlistV3.db: nothing moved"},
+    {"no_playlist_database", "cloud lists not moved: no usable playlistV3.db"},
+    {"attach_failed", "cloud lists not moved: the music database could not be attached"},
+    {"copy_failed", "cloud lists not moved: a table copy failed, both databases as they were"},
+};
+
+std::string WordInText(const base::Value& value, const WordText* words, size_t count) {
+  std::string word = value.is_string() ? value.get<std::string>() : std::string();
+  for (size_t i = 0; i < count; ++i) {
+    if (word == words[i].word)
+      return words[i].text;
+  }
+  return word.empty() ? "not recorded" : word;
+}
+
+template <size_t N>
+std::string WordInText(const base::Value& value, const WordText (&words)[N]) {
+  return WordInText(value, words, N);
+}
+
+
 }  // namespace
 
 std::string ReportTask(const base::Value& report) {

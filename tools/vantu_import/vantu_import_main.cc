@@ -226,6 +226,10 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
     return ExitStatusOf(report);
 
   std::printf("Task:          %s\n", TaskInWords(ReportTask(report)).c_str());
+  // The version-2 tasks say what they did in a file of their own.
+  std::string upgrade_result;
+  if (base::ReadFileToString(data_folder.Append(names::kUpgradeResultFileName), &upgrade_result))
+    std::printf("Done:          %s\n", DescribeUpgradeResult(upgrade_result).c_str());
   if (options.dry_run) {
     std::printf("Dry run:       nothing was changed; the import ran on a copy of the data folder "
                 "in %s (%s)\n",
@@ -281,7 +285,9 @@ int main(int argc, char** argv) {
     if (!demo_folder.Create("vantu-demo-", options.keep))
       return Fail(kExitFailed, "cannot create a temporary folder for the demo");
     base::FilePath root = base::FilePath::FromUTF8Unsafe(demo_folder.path());
-    base::FilePath registry = BuildDemoProfile(root, options.demo, &error);
+    base::FilePath registry =
+        options.demo == 8 ? BuildCurrentGenerationDemo(root, options.demo_version, &error)
+                          : BuildDemoProfile(root, options.demo, &error);
     if (registry.empty())
       return Fail(kExitFailed, "demo profile: " + error);
     options.profile = demo_folder.path();

@@ -145,13 +145,6 @@ TEST(RunOutcomeTest, UpgradeResultInWords) {
   EXPECT_EQ("not recorded", DescribeUpgradeResult("[1,2]"));
   EXPECT_EQ("not recorded", DescribeUpgradeResult("{\"task\":"));
 
-  RunOutcome outcome;
-  outcome.task = L"copyv8dbv2";
-  outcome.upgrade_done = "VTMusicV3.db copied and encrypted";
-  EXPECT_NE(std::string::npos,
-            DescribeOutcome(outcome).find(
-                "Task:               copy of the version-2 databases to encrypted version 3 "
-                "(copyv8dbv2)\nDone:               VTMusicV3.db copied and encrypted\n"));
 }
 
 TEST(HostOptionsTest, CurrentGenerationDemos) {
