@@ -4,17 +4,27 @@
 #include <memory>
 #include <string>
 
+#include "base/file_path.h"
+
 namespace base {
 
 // Read access to string values of the current user's registry hive
-// (HKEY_CURRENT_USER). On POSIX the hive is a registry export file named by
-// the environment variable VANTU_REGISTRY_FILE, read at each Open: the ".reg"
-// text format ("Windows Registry Editor Version 5.00" or "REGEDIT4" first
-// line, "[HKEY_CURRENT_USER\Key\Sub]" section lines, "Name"="value" lines with
-// \\ and \" escapes, @="value" for the default value, ";" comments), in UTF-8
-// or in UTF-16LE with a byte-order mark. Key and value names compare
-// case-insensitively. A missing file, key or value behaves as a missing
-// registry key: Open or ReadValue answers false and the value stays empty.
+// (HKEY_CURRENT_USER). On POSIX the hive is the file named by the environment
+// variable VANTU_REGISTRY_FILE, read at each Open, in either of two forms,
+// told apart by the file's first bytes:
+// - a binary registry hive ("regf", a profile's "NTUSER.DAT"), read with
+//   libhivex; values of types REG_SZ and REG_EXPAND_SZ are read;
+// - a ".reg" export ("Windows Registry Editor Version 5.00" or "REGEDIT4"
+//   first line, "[HKEY_CURRENT_USER\Key\Sub]" section lines, "Name"="value"
+//   lines with \\ and \" escapes, @=... for the default value, ";" comments,
+//   "hex(2):" (REG_EXPAND_SZ) and "hex(1):" (REG_SZ) data as UTF-16LE bytes,
+//   lines continued by a trailing "\"), in UTF-8 or in UTF-16LE with a
+//   byte-order mark.
+// REG_EXPAND_SZ values come back with their "%NAME%" references replaced by
+// the environment variables of those names, where set. Key and value names
+// compare case-insensitively. A missing or unreadable file, key or value
+// behaves as a missing registry key: Open or ReadValue answers false and the
+// value stays empty.
 class RegKey {
  public:
   RegKey() = default;
@@ -36,6 +46,10 @@ class RegKey {
   struct Values;
   std::shared_ptr<Values> values_;
 };
+
+// Whether |file| can serve as the registry file: it can be read and, when it
+// is a binary hive, the hive opens. |*reason| says why not, in words.
+[[nodiscard]] bool CheckRegistryFile(const FilePath& file, std::string* reason);
 
 }  // namespace base
 

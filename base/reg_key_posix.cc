@@ -1,11 +1,15 @@
 #include "base/reg_key.h"
 
 #include <stdlib.h>
+#include <string.h>
+#include <wctype.h>
 
+#include <algorithm>
 #include <map>
 
 #include "base/file_path.h"
 #include "base/file_util.h"
+#include "base/registry_hive.h"
 #include "base/string_util.h"
 #include "base/utf_string_conversions.h"
 
@@ -31,12 +35,9 @@ std::wstring Trim(const std::wstring& text) {
   return text.substr(begin, end - begin + 1);
 }
 
-// The registry file's text: UTF-16LE after a byte-order mark, else UTF-8
-// (with or without its mark).
-std::wstring ReadRegistryText(const FilePath& file) {
-  std::string bytes;
-  if (!ReadFileToString(file, &bytes))
-    return std::wstring();
+// The text of a registry export: UTF-16LE after a byte-order mark, else
+// UTF-8 (with or without its mark).
+std::wstring RegistryText(std::string bytes) {
   if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
       static_cast<unsigned char>(bytes[1]) == 0xFE) {
     return UTF16ToWide(UTF16UnitsFromBytes(std::string_view(bytes).substr(2), false));
@@ -63,28 +64,66 @@ bool ReadQuoted(const std::wstring& text, size_t* pos, std::wstring* out) {
   return false;
 }
 
-}  // namespace
-
-bool RegKey::Open(const std::wstring& subkey) {
-  valid_ = false;
-  values_.reset();
-  const char* file = getenv("VANTU_REGISTRY_FILE");
-  if (!file || !*file)
+// Whether |line| ends with a "\" outside quotes: the export continues the
+// line (long hex data) on the next one.
+bool ContinuesOnNextLine(const std::wstring& line) {
+  if (line.empty() || line.back() != L'\\')
     return false;
-  std::wstring text = ReadRegistryText(FilePath::FromUTF8Unsafe(file));
-  std::wstring wanted = Fold(kHive + subkey);
-  while (!wanted.empty() && wanted.back() == L'\\')
-    wanted.pop_back();
+  bool quoted = false;
+  for (size_t i = 0; i + 1 < line.size(); ++i) {
+    if (quoted && line[i] == L'\\')
+      ++i;
+    else if (line[i] == L'"')
+      quoted = !quoted;
+  }
+  return !quoted;
+}
 
-  auto values = std::make_shared<Values>();
+// The text of "hex(2):" (REG_EXPAND_SZ) or "hex(1):" (REG_SZ) data: bytes
+// in hex separated by commas, UTF-16LE, up to the first NUL character.
+bool ReadHexString(const std::wstring& data, std::wstring* out) {
+  std::string bytes;
+  size_t start = 0;
+  while (start < data.size()) {
+    size_t end = data.find(L',', start);
+    if (end == std::wstring::npos)
+      end = data.size();
+    std::wstring item = Trim(data.substr(start, end - start));
+    start = end + 1;
+    if (item.empty())
+      continue;
+    if (item.size() > 2 || !iswxdigit(item[0]) || (item.size() == 2 && !iswxdigit(item[1])))
+      return false;
+    bytes.push_back(static_cast<char>(std::stoi(item, nullptr, 16)));
+  }
+  std::u16string units = UTF16UnitsFromBytes(bytes, false);
+  units.resize(std::min(units.size(), units.find(u'\0')));
+  *out = UTF16ToWide(units);
+  return true;
+}
+
+// The string values of |wanted| (folded, without the hive prefix) in a
+// ".reg" export; false when the key is absent.
+bool ReadExportKey(const std::wstring& text, const std::wstring& wanted, RegistryStrings* values) {
+  bool found = false;
   bool in_key = false;
   size_t start = 0;
   while (start < text.size()) {
-    size_t end = text.find(L'\n', start);
-    if (end == std::wstring::npos)
-      end = text.size();
-    std::wstring line = Trim(text.substr(start, end - start));
-    start = end + 1;
+    std::wstring line;
+    // Joins continued lines into one logical line.
+    while (start < text.size()) {
+      size_t end = text.find(L'\n', start);
+      if (end == std::wstring::npos)
+        end = text.size();
+      std::wstring part = Trim(text.substr(start, end - start));
+      start = end + 1;
+      if (ContinuesOnNextLine(part)) {
+        line += part.substr(0, part.size() - 1);
+        continue;
+      }
+      line += part;
+      break;
+    }
     if (line.empty() || line[0] == L';')
       continue;
     if (line[0] == L'[') {
@@ -92,7 +131,7 @@ bool RegKey::Open(const std::wstring& subkey) {
       std::wstring name = Fold(Trim(line.substr(1, close == std::wstring::npos ? std::wstring::npos
                                                                                : close - 1)));
       in_key = name == wanted;
-      valid_ = valid_ || in_key;
+      found = found || in_key;
       continue;
     }
     if (!in_key)
@@ -114,16 +153,107 @@ bool RegKey::Open(const std::wstring& subkey) {
     ++pos;
     while (pos < line.size() && (line[pos] == L' ' || line[pos] == L'\t'))
       ++pos;
-    std::wstring value;
-    // Only string values are read; dword:, hex: and the like are skipped.
-    if (pos < line.size() && line[pos] == L'"' && ReadQuoted(line, &pos, &value))
-      values->by_name[Fold(name)] = value;
+    // String values only: "text", hex(2): (REG_EXPAND_SZ) and hex(1):
+    // (REG_SZ); dword:, hex: and the other types are skipped.
+    RegistryString value;
+    std::wstring rest = line.substr(pos);
+    if (!rest.empty() && rest[0] == L'"') {
+      size_t quoted = pos;
+      if (!ReadQuoted(line, &quoted, &value.text))
+        continue;
+    } else if (Fold(rest.substr(0, 7)) == L"hex(2):") {
+      if (!ReadHexString(rest.substr(7), &value.text))
+        continue;
+      value.expand = true;
+    } else if (Fold(rest.substr(0, 7)) == L"hex(1):") {
+      if (!ReadHexString(rest.substr(7), &value.text))
+        continue;
+    } else {
+      continue;
+    }
+    (*values)[name] = std::move(value);
   }
-  if (valid_) {
-    key_name_ = subkey;
-    values_ = values;
+  return found;
+}
+
+// Replaces each "%NAME%" by the environment variable NAME (looked up as
+// written, then in upper case, since Windows names are case-insensitive);
+// a reference to a variable that is not set stays as it is, as Windows
+// leaves it.
+std::wstring ExpandEnvironmentReferences(const std::wstring& text) {
+  std::wstring out;
+  size_t pos = 0;
+  while (pos < text.size()) {
+    size_t open = text.find(L'%', pos);
+    size_t close = open == std::wstring::npos ? open : text.find(L'%', open + 1);
+    if (close == std::wstring::npos) {
+      out += text.substr(pos);
+      break;
+    }
+    out += text.substr(pos, open - pos);
+    std::string name = WideToUTF8(text.substr(open + 1, close - open - 1));
+    const char* value = name.empty() ? nullptr : getenv(name.c_str());
+    if (!value) {
+      std::string upper = name;
+      for (char& c : upper)
+        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
+      value = upper.empty() ? nullptr : getenv(upper.c_str());
+    }
+    if (value) {
+      out += UTF8ToWide(value);
+      pos = close + 1;
+    } else {
+      // Keeps the first '%' and looks for a reference from the second on.
+      out += L'%';
+      pos = open + 1;
+    }
   }
-  return valid_;
+  return out;
+}
+
+}  // namespace
+
+bool RegKey::Open(const std::wstring& subkey) {
+  valid_ = false;
+  values_.reset();
+  const char* file = getenv("VANTU_REGISTRY_FILE");
+  if (!file || !*file)
+    return false;
+  const FilePath path = FilePath::FromUTF8Unsafe(file);
+  std::string bytes;
+  if (!ReadFileToString(path, &bytes))
+    return false;
+  std::wstring wanted = subkey;
+  while (!wanted.empty() && wanted.back() == L'\\')
+    wanted.pop_back();
+
+  RegistryStrings strings;
+  bool found = IsRegistryHive(bytes) ? ReadHiveKey(path, wanted, &strings)
+                                     : ReadExportKey(RegistryText(std::move(bytes)),
+                                                     Fold(kHive + wanted), &strings);
+  if (!found)
+    return false;
+  auto values = std::make_shared<Values>();
+  for (auto& [name, value] : strings) {
+    values->by_name[Fold(name)] =
+        value.expand ? ExpandEnvironmentReferences(value.text) : std::move(value.text);
+  }
+  valid_ = true;
+  key_name_ = subkey;
+  values_ = values;
+  return true;
+}
+
+bool CheckRegistryFile(const FilePath& file, std::string* reason) {
+  std::string bytes;
+  if (!ReadFileToString(file, &bytes)) {
+    int error = GetLastSystemError();
+    *reason = error ? strerror(error) : "cannot be read";
+    return false;
+  }
+  if (IsRegistryHive(bytes))
+    return CheckHiveFile(file, reason);
+  return true;
 }
 
 bool RegKey::ReadValue(const std::wstring& name, std::wstring* value) const {

@@ -8,6 +8,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/utf_string_conversions.h"
+
 namespace testing_support {
 
 ScopedTempDir::ScopedTempDir() {
@@ -80,6 +82,16 @@ std::string ReadBytes(const base::FilePath& path) {
 void WriteBytes(const base::FilePath& path, const std::string& bytes) {
   std::ofstream out(path.AsUTF8Unsafe(), std::ios::binary | std::ios::trunc);
   out << bytes;
+}
+
+std::string UTF16Bytes(std::wstring_view text, bool big_endian) {
+  std::string bytes;
+  for (char16_t unit : base::WideToUTF16(text)) {
+    const char low = static_cast<char>(unit & 0xFF);
+    const char high = static_cast<char>(unit >> 8);
+    bytes += big_endian ? std::string{high, low} : std::string{low, high};
+  }
+  return bytes;
 }
 
 }  // namespace testing_support

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/file_path.h"
 
@@ -46,6 +47,10 @@ int RunCommand(const std::string& command, const std::string& input, std::string
 // Reads or writes a whole file as bytes (test fixtures).
 std::string ReadBytes(const base::FilePath& path);
 void WriteBytes(const base::FilePath& path, const std::string& bytes);
+
+// |text| as UTF-16 code units in little- or big-endian byte order, without a
+// byte-order mark.
+std::string UTF16Bytes(std::wstring_view text, bool big_endian);
 
 }  // namespace testing_support
 

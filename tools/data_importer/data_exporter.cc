@@ -1,10 +1,16 @@
 #include "tools/data_importer/data_exporter.h"
 
+#include <algorithm>
+
 #include <boost/format.hpp>
 
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
+#include "logging/logging.h"
+#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
 DataExporter::DataExporter(ImportModel* model)
@@ -20,6 +26,72 @@ void DataExporter::ReportState(uint32_t bits) {
 void DataExporter::ResetDatabase() {
   m_db.reset();
   m_db = std::make_unique<DatabaseHelper>();
+}
+
+const wchar_t* DataExporter::LogTag() const {
+  return L"";
+}
+
+bool DataExporter::CopyWithLog(const base::FilePath& from, const base::FilePath& to) {
+  if (base::CopyFile(from, to))
+    return true;
+  VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Copy file {" << from.value() << L"} to {"
+                                << to.value() << L"} FAILED, error code {"
+                                << base::GetLastSystemError() << L"}.";
+  return false;
+}
+
+DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
+    const base::FilePath& work_copy, const std::function<base::FilePath()>& find_source,
+    const std::wstring& backup_name) {
+  WorkCopy result = WorkCopy::kReused;
+  if (!base::PathExists(work_copy)) {
+    base::FilePath source = find_source();
+    if (source.empty() || !base::PathExists(source))
+      return WorkCopy::kNoSource;
+    if (!CopyWithLog(source, work_copy))
+      return WorkCopy::kCopyFailed;
+    result = WorkCopy::kCopied;
+  }
+  // Both copies are only for safekeeping and inspection: the export goes on
+  // without them, CopyWithLog has logged the failure.
+  (void)CopyWithLog(work_copy, GetDatedBackupFolder().Append(backup_name));
+  (void)CopyWithLog(work_copy, GetDataFolder().Append(L"DataImporter.db"));
+  return result;
+}
+
+bool DataExporter::OpenSourceWithRepair(const base::FilePath& path) {
+  ResetDatabase();
+  return m_db->OpenAndCheck(path);
+}
+
+void DataExporter::AdvanceReadProgress(int delta) {
+  if (!m_model || !m_model->m_progress || delta <= 0)
+    return;
+  ProgressRecord* record = m_model->m_progress;
+  int allowed = std::min(delta, kReadProgressCeiling - record->progress());
+  if (allowed > 0)
+    record->Advance(allowed, 0);
+}
+
+ReadProgressTicker::ReadProgressTicker(AdvanceCallback advance, int64_t total_rows)
+    : advance_(std::move(advance)), total_rows_(total_rows) {}
+
+ReadProgressTicker::ReadProgressTicker(DataExporter* exporter, int64_t total_rows)
+    : ReadProgressTicker([exporter](int delta) { exporter->AdvanceReadProgress(delta); },
+                         total_rows) {}
+
+void ReadProgressTicker::Tick() {
+  if (total_rows_ <= 0 || rows_ >= total_rows_)
+    return;
+  ++rows_;
+  int reached = static_cast<int>(rows_ * 10 / total_rows_);
+  if (reached > tenths_) {
+    int delta = reached - tenths_;
+    tenths_ = reached;
+    if (advance_)
+      advance_(delta);
+  }
 }
 
 std::wstring DumpTableSummary(const base::FilePath& path, const DumpTableList& tables) {

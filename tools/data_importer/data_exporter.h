@@ -2,6 +2,7 @@
 #define TOOLS_DATA_IMPORTER_DATA_EXPORTER_H_
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -40,11 +41,82 @@ class DataExporter {
   void ReportState(uint32_t bits);
 
  protected:
+  // How ObtainWorkCopy ended.
+  enum class WorkCopy {
+    kReused,      // a copy left by an earlier run was used as it is
+    kCopied,      // the source was copied afresh
+    kNoSource,    // no earlier copy and no source file
+    kCopyFailed,  // the source exists but could not be copied
+  };
+
+  // The tag that starts this exporter's log lines, e.g. L"[V6数据导入] ".
+  virtual const wchar_t* LogTag() const;
+
   // Replaces m_db with a fresh helper (the previous one closes first).
   void ResetDatabase();
 
+  // Copies |from| to |to|. A failure is logged at level 3 as
+  // "Copy file {from} to {to} FAILED, error code {n}." and answered false.
+  [[nodiscard]] bool CopyWithLog(const base::FilePath& from, const base::FilePath& to);
+
+  // Makes |work_copy| the file the exporter reads. When it exists already
+  // (an earlier run left it) it is used as it is and |find_source| is not
+  // called, so the old installation is not even looked at. Otherwise the
+  // source |find_source| names is copied to it; an empty or missing source
+  // ends with kNoSource, a failed copy with kCopyFailed (nothing more is
+  // copied then). In the two good cases the work copy is then copied into
+  // the dated backup folder as |backup_name| and to the intermediate copy
+  // "DataImporter.db" of the data folder; failures of these two copies are
+  // logged and do not change the answer.
+  [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
+                                        const std::function<base::FilePath()>& find_source,
+                                        const std::wstring& backup_name);
+
+  // Opens |path| into a fresh m_db with the integrity check and one repair
+  // (DatabaseHelper::OpenAndCheck). False when the file stays unsound; m_db
+  // is closed then.
+  [[nodiscard]] bool OpenSourceWithRepair(const base::FilePath& path);
+
+  // The highest progress a reader may report: the build sequence starts at
+  // 50, so reading stops one short of it.
+  static constexpr int kReadProgressCeiling = 49;
+
+  // Advances the run's import progress by |delta| (floor 0), but never past
+  // kReadProgressCeiling; a delta that would cross it advances only up to
+  // it. Does nothing without a model or a progress record, or for a delta
+  // of 0 or less.
+  void AdvanceReadProgress(int delta);
+
+  friend class ReadProgressTicker;
+
   ImportModel* m_model;                  // not owned; outlives the exporter
   std::unique_ptr<DatabaseHelper> m_db;  // the open source copy
+};
+
+// Moves the read progress along while one long reader walks its rows: Tick()
+// once per row advances by 1 each time another tenth of |total_rows| has
+// been read, so a reader that reaches its total has advanced by exactly 10.
+// Rows beyond the total advance nothing more; a total of 0 or less never
+// advances. The advance itself goes through the callback (normally an
+// exporter's AdvanceReadProgress, which keeps it below the build's share).
+class ReadProgressTicker {
+ public:
+  using AdvanceCallback = std::function<void(int delta)>;
+
+  ReadProgressTicker(AdvanceCallback advance, int64_t total_rows);
+  // Ticks advance |exporter|'s read progress.
+  ReadProgressTicker(DataExporter* exporter, int64_t total_rows);
+
+  void Tick();
+
+  // Tenths advanced so far (0 to 10).
+  int tenths() const { return tenths_; }
+
+ private:
+  AdvanceCallback advance_;
+  int64_t total_rows_;
+  int64_t rows_ = 0;
+  int tenths_ = 0;
 };
 
 // Pairs of (table, counted column) for DumpTableSummary.

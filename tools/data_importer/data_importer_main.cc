@@ -6,14 +6,17 @@
 #include "base/command_line.h"
 #include "base/file_util.h"
 #include "base/path_service.h"
+#include "base/windows_path.h"
 #include "common/exception_report/crash_handler.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/import_run.h"
 #include "tools/data_importer/importer_names.h"
 #include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/leftover_files.h"
 #include "tools/data_importer/playlist_storage.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/task_decision.h"
 #include "tools/data_importer/version2_upgrade.h"
 
@@ -52,15 +55,23 @@ void Run() {
   base::CommandLine command_line = base::CommandLine::FromString(base::GetCommandLineW());
   base::CommandLine::SwitchMap switches = command_line.GetSwitches();
   auto source = switches.find("i");
-  base::FilePath source_folder(source == switches.end() ? std::wstring() : source->second);
+  // The player may pass a Windows path ("D:\\Old Player\\data").
+  base::FilePath source_folder =
+      source == switches.end() ? base::FilePath() : base::MapWindowsPath(source->second);
 
   base::FilePath data_folder = GetDataFolder();
+  RemoveStaleWorkFiles(data_folder);
+  // A build killed between its two renames is completed before the task is
+  // decided, so the decision sees both version-3 files or neither.
+  bool replacement_complete = CompleteOrUndoReplacement(data_folder);
   std::wstring task = DecideTask(data_folder, source_folder);
   VLOG_AT(logging::LOG_PROGRESS) << importer_names::kTaskLogMarker << task << L"}, source folder {"
                                  << source_folder.value() << L"}.";
 
   ProgressRecord record;
   record.Initialise();
+  if (!replacement_complete)
+    record.ReportFailure(ProgressRecord::kStateBuildFailed);
   RunTask(task, data_folder, &record);
 }
 

@@ -10,7 +10,7 @@
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/exporter_factory.h"
 
-void RunImport(ProgressRecord* record) {
+void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
   ImportModel model;
   model.m_progress = record;
 
@@ -20,7 +20,7 @@ void RunImport(ProgressRecord* record) {
   if (!summary.empty())
     VLOG_AT(logging::LOG_PROGRESS) << summary;
   if (exporter->ExportData() == 0)
-    BuildDatabases(&model, GetDataFolder());
+    BuildDatabases(&model, GetDataFolder(), stage_done);
   exporter.reset();
   record->WriteEnd();
 }

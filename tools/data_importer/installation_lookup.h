@@ -11,6 +11,11 @@
 // registry hive; empty when the key or the value is missing.
 std::wstring ReadRegistryString(const std::wstring& subkey, const std::wstring& value_name);
 
+// The path in string value |value_name| of key |subkey|, as a path of this
+// machine (drive letters mapped, backslashes turned into separators: see
+// base/windows_path.h); empty when missing or on an unmapped drive.
+base::FilePath ReadRegistryPath(const std::wstring& subkey, const std::wstring& value_name);
+
 // The generation-6 program path, "AppFileName" of "Software\VanTa6".
 base::FilePath GetGeneration6ProgramPath();
 

@@ -74,7 +74,7 @@ std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath&
     return kTaskImportGeneration6;
   }
 
-  base::FilePath edition2008(ReadRegistryString(L"Software\\VanTa", L"AppFileName"));
+  base::FilePath edition2008 = ReadRegistryPath(L"Software\\VanTa", L"AppFileName");
   if (!edition2008.empty() && base::PathExists(edition2008))
     return kTaskImport2008;
 

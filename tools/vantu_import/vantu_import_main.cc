@@ -138,5 +138,9 @@ int main(int argc, char** argv) {
     if (!options.quiet)
       std::printf("Demo profile: %s\n", folder);
   }
+  if (!ResolveProfileOptions(&options, &error)) {
+    std::fprintf(stderr, "vantu-import: %s\n", error.c_str());
+    return 2;
+  }
   return Run(options);
 }

@@ -17,15 +17,7 @@ const wchar_t kSkinText[] =
     L"  <Window id=\"Mini\"/>\r\n"
     L"</Skin>\r\n";
 
-std::string UTF16Bytes(const std::wstring& text, bool big_endian) {
-  std::string bytes;
-  for (char16_t unit : base::WideToUTF16(text)) {
-    const char low = static_cast<char>(unit & 0xFF);
-    const char high = static_cast<char>(unit >> 8);
-    bytes += big_endian ? std::string{high, low} : std::string{low, high};
-  }
-  return bytes;
-}
+using testing_support::UTF16Bytes;
 
 // The same document as UTF-8 with and without a mark, as UTF-16LE with and
 // without a mark and as UTF-16BE with a mark loads to the same tree.

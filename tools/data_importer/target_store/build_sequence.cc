@@ -3,10 +3,14 @@
 #include <memory>
 
 #include "base/file_util.h"
+#include "base/utf_string_conversions.h"
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/replacement_commit.h"
+#include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/settings/settings_writer.h"
 
 namespace {
 
@@ -83,9 +87,17 @@ void ReleaseDatabase(std::unique_ptr<DatabaseHelper>* helper) {
   }
 }
 
+// Carries the imported settings records into section "Settings" of the
+// data folder's "Vantu.ini". A failure is logged and never fails the build.
+void WriteSettings(const ImportModel& model, const base::FilePath& data_folder) {
+  if (!WriteImportedSettings(model.m_settings, data_folder.Append(L"Vantu.ini")))
+    VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {"
+                                  << data_folder.Append(L"Vantu.ini").value() << L"} failed.";
+}
+
 struct WriterStep {
   const char* name;
-  void (*write)(ImportModel* model);
+  void (*write)(ImportModel* model);  // null: the settings writer
   int weight;  // progress added after the step
 };
 
@@ -115,19 +127,113 @@ constexpr WriterStep kWriterSteps[] = {
     {"DownloadHistoryItem", [](ImportModel* m) { m->WriteDownloadHistoryItems(); }, 4},
     {"UserLoginHistory", [](ImportModel* m) { m->WriteUserLoginHistory(); }, 2},
     {"KeywordSearchHistory", [](ImportModel* m) { m->WriteKeywordSearchHistory(); }, 2},
-    // The settings and the skin carry-over belong to the current
-    // generation's settings writer, which writes nothing into these
-    // databases; each keeps its progress step.
-    {"Settings", [](ImportModel*) {}, 1},
+    // The settings and the skin carry-over write into the data folder's
+    // "Vantu.ini", not into these databases (see BuildDatabases).
+    {"Settings", nullptr, 1},
+    // Skins and the window layout of older generations are not carried over
+    // (their files' meaning is not known); the step keeps its weight.
     {"Skin", [](ImportModel*) {}, 1},
     {"AppTools", [](ImportModel* m) { m->WriteAppTools(); }, 1},
 };
+
+struct TargetFile {
+  std::unique_ptr<DatabaseHelper> ImportModel::*helper;
+  const wchar_t* temp_name;
+  const wchar_t* final_name;
+  VerifiedDatabase ImportModel::*verified;
+};
+
+// In the order they are encrypted.
+constexpr TargetFile kTargetFiles[] = {
+    {&ImportModel::m_playlist_db, L"playlist.db.tmp", L"playlistV3.db",
+     &ImportModel::m_verified_playlist},
+    {&ImportModel::m_music_db, L"VTMusicV2.db.tmp", L"VTMusicV3.db",
+     &ImportModel::m_verified_music},
+};
+
+// Why a finished file may not take its final name, or empty when it may:
+// the encryption reported success, and the encrypted file opens with the
+// key and holds exactly the tables and row counts of the plain file it was
+// made from (|plain|).
+std::string CheckEncryptedFile(const base::FilePath& path, bool encrypted,
+                               const VerifiedDatabase& plain, VerifiedDatabase* verified) {
+  if (!plain.ok)
+    return "plain database unreadable before encryption: " + plain.error;
+  if (!encrypted)
+    return "encryption failed";
+  *verified = VerifyEncryptedDatabase(path);
+  if (!verified->ok)
+    return verified->error;
+  for (const auto& [table, rows] : plain.row_counts) {
+    auto found = verified->row_counts.find(table);
+    if (found == verified->row_counts.end())
+      return "table " + table + " is missing";
+    if (found->second != rows) {
+      return "table " + table + " holds " + std::to_string(found->second) + " rows, " +
+             std::to_string(rows) + " written";
+    }
+  }
+  if (verified->row_counts.size() != plain.row_counts.size())
+    return "unexpected tables";
+  return std::string();
+}
+
+// Encrypts both files and reads them back. The encryption's result and
+// the replacement would otherwise go unexamined: a full disk then leaves a
+// plain or truncated file under the final name that the player cannot open,
+// the user's library is lost, and no failure is recorded. So only files that
+// were encrypted without error and read back completely may replace the
+// final ones. On failure both temporary files are deleted, the final files
+// stay as they were, and the log names the file and the reason.
+// |done| is told "CountRows", "Encrypt" and "Verify" as each stage ends.
+bool EncryptAndVerify(ImportModel* model, const base::FilePath& data_folder,
+                      const std::function<void(const char*)>& done) {
+  VerifiedDatabase plain[std::size(kTargetFiles)];
+  for (size_t i = 0; i < std::size(kTargetFiles); ++i)
+    plain[i] = CountTableRows((model->*kTargetFiles[i].helper)->connection());
+  done("CountRows");
+  bool encrypted[std::size(kTargetFiles)];
+  for (size_t i = 0; i < std::size(kTargetFiles); ++i) {
+    std::unique_ptr<DatabaseHelper>& helper = model->*kTargetFiles[i].helper;
+    encrypted[i] = plain[i].ok && helper->connection()->DbEncrypt(kVersion3DatabaseKey);
+    ReleaseDatabase(&helper);
+  }
+  done("Encrypt");
+
+  bool all_good = true;
+  for (size_t i = 0; i < std::size(kTargetFiles); ++i) {
+    const TargetFile& file = kTargetFiles[i];
+    base::FilePath temp = data_folder.Append(file.temp_name);
+    VerifiedDatabase& verified = model->*file.verified;
+    verified = VerifiedDatabase();
+    std::string error = CheckEncryptedFile(temp, encrypted[i], plain[i], &verified);
+    if (!error.empty()) {
+      verified.ok = false;
+      verified.error = error;
+      VLOG_AT(logging::LOG_FAILURE) << L"Database file {" << temp.value() << L"} FAILED: {"
+                                    << base::UTF8ToWide(error) << L"}; {" << file.final_name
+                                    << L"} is not replaced.";
+      all_good = false;
+    }
+  }
+  if (!all_good) {
+    for (const TargetFile& file : kTargetFiles) {
+      base::FilePath temp = data_folder.Append(file.temp_name);
+      if (!base::DeleteFile(temp) || !base::DeleteFile(base::FilePath(temp.value() + L".enc"))) {
+        VLOG_AT(logging::LOG_FAILURE) << L"Failed to delete {" << temp.value()
+                                      << L"}, error code {" << base::GetLastSystemError() << L"}.";
+      }
+    }
+  }
+  done("Verify");
+  return all_good;
+}
 
 }  // namespace
 
 int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
                    const BuildStageCallback& stage_done) {
-  auto done = [&](const char* stage) {
+  std::function<void(const char*)> done = [&](const char* stage) {
     if (stage_done)
       stage_done(stage);
   };
@@ -143,7 +249,10 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
   Step(model, 10);
   done("ShareFileItems");
   for (const WriterStep& step : kWriterSteps) {
-    step.write(model);
+    if (step.write)
+      step.write(model);
+    else
+      WriteSettings(*model, data_folder);
     Step(model, step.weight);
     done(step.name);
   }
@@ -152,20 +261,20 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
     model->ReportState(ProgressRecord::kStateBuildFailed);
   done("ListCountReport");
 
-  // Deliberately not checked here: the build goes on to move the files into
-  // place whatever the encryption answered.
-  (void)model->m_playlist_db->connection()->DbEncrypt(kVersion3DatabaseKey);
-  (void)model->m_music_db->connection()->DbEncrypt(kVersion3DatabaseKey);
-  ReleaseDatabase(&model->m_playlist_db);
-  ReleaseDatabase(&model->m_music_db);
-  done("Encrypt");
+  bool verified = EncryptAndVerify(model, data_folder, done);
+  if (!verified) {
+    model->ReportState(ProgressRecord::kStateBuildFailed);
+    return 1;
+  }
 
-  // Deliberately not checked here: the build ends without a failure bit
-  // whether or not the files could be moved.
-  (void)base::ReplaceFile(data_folder.Append(L"VTMusicV2.db.tmp"),
-                          data_folder.Append(L"VTMusicV3.db"));
-  (void)base::ReplaceFile(data_folder.Append(L"playlist.db.tmp"),
-                          data_folder.Append(L"playlistV3.db"));
+  // Unlike a plain pair of renames, the commit either puts both files in
+  // place or leaves a record that the next run completes; its failure is
+  // recorded rather than passed over.
+  bool replaced = CommitReplacement(data_folder, done);
   done("Replace");
+  if (!replaced) {
+    model->ReportState(ProgressRecord::kStateBuildFailed);
+    return 1;
+  }
   return 0;
 }

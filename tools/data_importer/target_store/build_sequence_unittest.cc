@@ -1,6 +1,10 @@
 #include "tools/data_importer/target_store/build_sequence.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <sstream>
@@ -220,6 +224,86 @@ TEST_F(BuildSequenceTest, StoredSchemasAreTheExpectedTexts) {
   std::string recent = StoredSchema(music.get(), "RecentlyPlayedItem");
   std::string list = StoredSchema(playlists.get(), "GeneralList_5");
   EXPECT_EQ(list.substr(list.find('(')), recent.substr(recent.find('(')));
+}
+
+// Final files of an earlier run that a failed build must leave untouched.
+void WriteOldFinalFiles(const base::FilePath& folder) {
+  EXPECT_TRUE(base::WriteFile(folder.Append(L"VTMusicV3.db"), "old music"));
+  EXPECT_TRUE(base::WriteFile(folder.Append(L"playlistV3.db"), "old lists"));
+}
+
+void ExpectFailedBuildLeftOldFiles(const TestProfile& profile) {
+  base::FilePath folder = profile.data_folder();
+  EXPECT_EQ("old music", testing_support::ReadBytes(folder.Append(L"VTMusicV3.db")));
+  EXPECT_EQ("old lists", testing_support::ReadBytes(folder.Append(L"playlistV3.db")));
+  for (const wchar_t* name : {L"VTMusicV2.db.tmp", L"playlist.db.tmp", L"VTMusicV2.db.tmp.enc",
+                              L"playlist.db.tmp.enc"})
+    EXPECT_FALSE(base::PathExists(folder.Append(name))) << base::WideToUTF8(name);
+  EXPECT_EQ(L"8", profile.DBCheck(L"ImportState"));
+  std::string log;
+  ASSERT_TRUE(base::ReadFileToString(folder.Append(L"DataImporter.log"), &log));
+  EXPECT_NE(std::string::npos, log.find("is not replaced")) << log;
+}
+
+// An encryption that fails (its output cannot be created) must not let the
+// still plain file take the final name.
+TEST_F(BuildSequenceTest, FailedEncryptionReplacesNothing) {
+  FillModel();
+  WriteOldFinalFiles(profile_.data_folder());
+  // A folder that cannot be deleted where the encrypted copy would go.
+  base::FilePath blocker = profile_.data_folder().Append(L"VTMusicV2.db.tmp.enc");
+  ASSERT_TRUE(base::CreateDirectory(blocker));
+  TestProfile::Touch(blocker.Append(L"keep"));
+
+  EXPECT_EQ(1, BuildDatabases(&model_, profile_.data_folder()));
+  record_.WriteEnd();
+
+  EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_TRUE(model_.m_verified_playlist.ok);  // the playlist file was fine
+  EXPECT_FALSE(model_.m_verified_music.ok);
+  EXPECT_EQ("encryption failed", model_.m_verified_music.error);
+  ASSERT_TRUE(base::DeleteFile(blocker, true));
+  ExpectFailedBuildLeftOldFiles(profile_);
+}
+
+// A disk that fills up while the encrypted files are written: a child
+// process gets a file-size limit once the tables are written, so the
+// encryption's writes fail as on a full disk.
+TEST_F(BuildSequenceTest, FullDiskDuringEncryptionReplacesNothing) {
+  FillModel();
+  WriteOldFinalFiles(profile_.data_folder());
+  for (int i = 0; i < 200; ++i)  // enough rows for files of several pages
+    AddFile(&model_, 100 + i, L"D:\\Music\\more " + std::to_wstring(i) + L".mp3", HashOf(100 + i));
+
+  pid_t child = fork();
+  ASSERT_NE(-1, child);
+  if (child == 0) {
+    signal(SIGXFSZ, SIG_IGN);  // writes past the limit fail with EFBIG instead
+    int result = BuildDatabases(&model_, profile_.data_folder(), [](const char* stage) {
+      if (std::string(stage) == "CountRows") {
+        rlimit limit{8192, 8192};
+        setrlimit(RLIMIT_FSIZE, &limit);
+      }
+    });
+    _exit(result);
+  }
+  int status = 0;
+  ASSERT_EQ(child, waitpid(child, &status, 0));
+  ASSERT_TRUE(WIFEXITED(status)) << status;
+  EXPECT_EQ(1, WEXITSTATUS(status));
+  ExpectFailedBuildLeftOldFiles(profile_);
+}
+
+// With the verified files in place, the model holds what they read back.
+TEST_F(BuildSequenceTest, VerifiedRowCountsAreKept) {
+  FillModel();
+  ASSERT_EQ(0, BuildDatabases(&model_, profile_.data_folder()));
+  EXPECT_TRUE(model_.m_verified_music.ok);
+  EXPECT_EQ(3, model_.m_verified_music.row_counts.at("ShareFileItems"));
+  EXPECT_EQ(2, model_.m_verified_music.row_counts.at("DownloadItem"));
+  EXPECT_EQ(2, model_.m_verified_playlist.row_counts.at("GeneralListTable"));
+  EXPECT_EQ(1, model_.m_verified_playlist.row_counts.at("GeneralList_5"));
+  EXPECT_EQ(0, model_.m_verified_playlist.row_counts.count("ShareFileItems"));
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 // Tables of the music-library database (VTMusicV3.db) written here:
 //   DownloadItem, DownloadHistoryItem
 // A download is kept only when its file was imported: found by its old file
-// id, or else by its hash.
+// id, or else by its hash. Its FileID column holds that file's new id; a
+// RelevanceMusicId naming an imported file is translated the same way, one
+// naming no imported file is written as 0 (no related file), since its old
+// number would name an unrelated row of the new library.
 
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/table_writer.h"
@@ -62,10 +65,18 @@ int ResolveDownloadFile(const ImportModel& model, const DownloadRecord& d) {
   return by_hash == model.m_hash_id_map.end() ? 0 : by_hash->second;
 }
 
+// The new id of the related file named by |old_id|; 0 for none.
+int ResolveRelevanceFile(const ImportModel& model, int old_id) {
+  if (old_id == 0)
+    return 0;
+  auto found = model.m_music_id_map.find(old_id);
+  return found == model.m_music_id_map.end() ? 0 : found->second;
+}
+
 // The columns both download tables share, in their common order from
 // "RelevanceMusicId" to "CDNFlag".
-void AppendTrackColumns(const DownloadRecord& d, RowBuilder* row) {
-  row->Int("RelevanceMusicId", d.RelevanceMusicId);
+void AppendTrackColumns(const ImportModel& model, const DownloadRecord& d, RowBuilder* row) {
+  row->Int("RelevanceMusicId", ResolveRelevanceFile(model, d.RelevanceMusicId));
   row->Int("MVType", d.MVType);
   row->Int("TrackOrder", d.TrackOrder);
   row->Int("NumOfTracks", d.NumOfTracks);
@@ -87,14 +98,15 @@ void AppendTrackColumns(const DownloadRecord& d, RowBuilder* row) {
 void ImportModel::WriteDownloadItems() {
   WriteTable(m_music_db.get(), kDownloadItem, m_downloads, EmptyList::kSkipTable,
              [this](const DownloadRecord& d, RowBuilder* row) {
-               if (ResolveDownloadFile(*this, d) == 0)
+               int file_id = ResolveDownloadFile(*this, d);
+               if (file_id == 0)
                  return false;
                row->Text("FileName", d.FileName);
                row->Text("DestFileName", d.DestFileName);
                row->Text("DestFileNameSaveAs", d.DestFileNameSaveAs);
                row->Text("TempFileName", d.TempFileName);
                row->Text("MD5", d.MD5);
-               row->Int("FileID", d.FileID);
+               row->Int("FileID", file_id);
                row->Int("DownloadID", d.DownloadID);
                row->Int("SuggestFileSize", d.SuggestFileSize);
                row->Int("FileSize", d.FileSize);
@@ -114,7 +126,7 @@ void ImportModel::WriteDownloadItems() {
                row->Int("DownMethod", d.DownMethod);
                row->Int("UserID", d.UserID);
                row->Int("VipType", d.VipType);
-               AppendTrackColumns(d, row);
+               AppendTrackColumns(*this, d, row);
                row->Text("FileSource", d.FileSource);
                return true;
              });
@@ -136,7 +148,7 @@ void ImportModel::WriteDownloadHistoryItems() {
                row->Int("UsedTime", d.UsedTime);
                row->Int("AccessTime", d.AccessTime);
                row->Int("SortID", d.SortID);
-               AppendTrackColumns(d, row);
+               AppendTrackColumns(*this, d, row);
                row->Int("UserID", d.UserID);
                row->Int("VipType", d.VipType);
                row->Text("FileSource", d.FileSource);

@@ -10,3 +10,7 @@ void ImportModel::ReportState(uint32_t bits) {
   if (m_progress)
     m_progress->ReportFailure(bits);
 }
+
+void ImportModel::AddSettings(const ImportedSettings& settings) {
+  m_settings.push_back(settings);
+}

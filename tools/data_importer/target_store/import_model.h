@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "tools/data_importer/database_helper/database_helper.h"
+#include "tools/data_importer/settings/imported_settings.h"
 #include "tools/data_importer/target_store/import_records.h"
+#include "tools/data_importer/target_store/verify_database.h"
 
 class ProgressRecord;
-struct ImportedSettings;
 
 template <typename T>
 using RecordList = std::vector<std::shared_ptr<T>>;
@@ -40,6 +41,9 @@ class ImportModel {
 
   // Reports |bits| as import state through the progress record, if any.
   void ReportState(uint32_t bits);
+
+  // Appends a copy of |settings| to m_settings.
+  void AddSettings(const ImportedSettings& settings);
 
   // Writers of the music-library database (m_music_db).
   void WriteShareFileItems();
@@ -92,9 +96,10 @@ class ImportModel {
   std::map<int32_t, SongList> m_radio_songs;
   std::map<int32_t, uint8_t> m_file_flag_map;
   RecordList<AppToolRecord> m_app_tools;
-  // Settings taken from an older generation, for the current generation's
-  // settings writer.
-  RecordList<ImportedSettings> m_imported_settings;
+  // Settings taken from older generations, in the order they were read;
+  // the settings writer writes them in this order, so a later record
+  // overwrites an earlier one key by key.
+  std::vector<ImportedSettings> m_settings;
   std::map<int, int> m_music_id_map;
   std::map<int, int> m_mv_id_map;
   std::map<int, int> m_folder_id_map;
@@ -103,6 +108,11 @@ class ImportModel {
   std::unique_ptr<DatabaseHelper> m_music_db;
   std::unique_ptr<DatabaseHelper> m_playlist_db;
   ProgressRecord* m_progress = nullptr;
+  // What the build read back from each finished encrypted file (schema and
+  // rows per table), for the import report; ok = false with the reason when
+  // the file failed and was not moved into place.
+  VerifiedDatabase m_verified_music;
+  VerifiedDatabase m_verified_playlist;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_H_

@@ -8,6 +8,8 @@
 // database writers. Text fields are wide strings; numbers default to 0, texts
 // to empty. A field named like a column of the new databases is written to
 // that column; the lower-case fields are old ids that the writers translate.
+// A field whose column declares another default starts at that default, so a
+// reader that has no value for a column produces what the table would.
 // Times are carried in the units of the source database.
 
 // One media file known to the player.
@@ -176,8 +178,8 @@ struct DownloadRecord {
   int FileSize = 0;
   int DownType = 0;
   int Method = 0;
-  int OrderPriority = 0;
-  int SpeedPriority = 0;
+  int OrderPriority = 2;  // the table's defaults
+  int SpeedPriority = 1;
   int Percent = 0;
   int SortID = 0;
   int PackageID = 0;
@@ -215,7 +217,7 @@ struct DownloadRecord {
 // A saved login. EncodedPassword is carried exactly as the source stored it.
 struct LoginRecord {
   int UserID = 0;
-  int Pattern = 0;
+  int Pattern = 1;  // the table's default
   int FunctionBitmap = 0;
   int Mark = 0;
   int ListManageVersion = 0;

@@ -81,6 +81,7 @@ TEST_F(PlaylistWritersTest, ListCountReportFailsWithoutListTable) {
 // finished ones (100 percent, type 0 or 20) also go to the history.
 TEST_F(PlaylistWritersTest, DownloadsResolveAndFinish) {
   const std::wstring zero = L"00000000000000000000000000000000";
+  AddFile(&model_, 1, L"clip.mkv", HashOf(9), 2);  // takes new id 1
   AddFile(&model_, 1, L"a.mp3", HashOf(1));
   AddFile(&model_, 2, L"b.mp3", zero);
   AddDownload(&model_, 10, 1, L"", 99, 0);          // by id, unfinished
@@ -88,14 +89,19 @@ TEST_F(PlaylistWritersTest, DownloadsResolveAndFinish) {
   AddDownload(&model_, 12, 1, HashOf(1), 100, 1);   // finished but other type
   AddDownload(&model_, 13, 500, zero, 100, 0);      // only the all-zero hash
   AddDownload(&model_, 14, 2, zero, 100, 0);        // by id
+  model_.m_downloads[1]->RelevanceMusicId = 2;       // names an imported file
+  model_.m_downloads[4]->RelevanceMusicId = 77;      // names none
   model_.WriteShareFileItems();
   model_.WriteDownloadItems();
   model_.WriteDownloadHistoryItems();
 
-  EXPECT_EQ((std::vector<std::string>{"10|99", "11|100", "12|100", "14|100"}),
-            QueryRows(music(), "SELECT DownloadID, Percent FROM DownloadItem ORDER BY ID"));
-  EXPECT_EQ((std::vector<std::string>{"11|20", "14|0"}),
-            QueryRows(music(), "SELECT DownloadID, DownType FROM DownloadHistoryItem ORDER BY ID"));
+  // FileID and RelevanceMusicId hold new ids: file 1 is now 2, file 2 is 3.
+  EXPECT_EQ((std::vector<std::string>{"10|99|2|0", "11|100|2|3", "12|100|2|0", "14|100|3|0"}),
+            QueryRows(music(), "SELECT DownloadID, Percent, FileID, RelevanceMusicId "
+                               "FROM DownloadItem ORDER BY ID"));
+  EXPECT_EQ((std::vector<std::string>{"11|20|3", "14|0|0"}),
+            QueryRows(music(), "SELECT DownloadID, DownType, RelevanceMusicId "
+                               "FROM DownloadHistoryItem ORDER BY ID"));
 }
 
 // The recently-played table exists even when empty; the other history
@@ -145,7 +151,8 @@ TEST_F(PlaylistWritersTest, EmptyListsAndRadioChannels) {
             QueryRows(music(), "SELECT SongID, TitleName FROM RecentlyPlayedItem"));
   EXPECT_EQ((std::vector<std::string>{"Jazz", "jazz"}),
             QueryRows(music(), "SELECT Keyword FROM KeywordSearchHistory ORDER BY rowid"));
-  EXPECT_EQ((std::vector<std::string>{"user|\u00ff\u0001'x|1|0"}),
+  // An untouched Pattern writes the column's default, 1.
+  EXPECT_EQ((std::vector<std::string>{"user|\u00ff\u0001'x|1|1"}),
             QueryRows(music(), "SELECT Username, EncodedPassword, AutoLogin, Pattern "
                                "FROM UserLoginHistory"));
 }

@@ -4,11 +4,13 @@
 #include <exception>
 
 #include "base/file_util.h"
-#include "base/reg_key.h"
+#include "tools/data_importer/installation_lookup.h"
 #include "logging/debug_output.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/settings/v6_settings_reader.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 #define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
 
@@ -16,7 +18,6 @@ namespace {
 
 constexpr wchar_t kV1Database[] = L"VTData.db";
 constexpr wchar_t kV1Copy[] = L"VT6Data.db";
-constexpr wchar_t kIntermediateCopy[] = L"DataImporter.db";
 constexpr wchar_t kLibraryPattern[] = L"VTLibrary*.db";
 
 std::vector<base::FilePath> ListFiles(const base::FilePath& folder, const wchar_t* pattern) {
@@ -38,14 +39,8 @@ std::wstring V6DataExporter::Dump(const base::FilePath& path) {
 }
 
 base::FilePath V6DataExporter::LocateInstallation() {
-  base::RegKey key;
-  std::wstring program;
-  if (!key.Open(L"Software\\VanTa6") || !key.ReadValue(L"AppFileName", &program) ||
-      program.empty())
-    return base::FilePath();
-  // The registry holds a Windows path; either separator may occur.
-  size_t slash = program.find_last_of(L"\\/");
-  return base::FilePath(slash == std::wstring::npos ? std::wstring() : program.substr(0, slash));
+  base::FilePath program = GetGeneration6ProgramPath();
+  return program.empty() ? program : program.DirName();
 }
 
 base::FilePath V6DataExporter::GetDatabasePath() {
@@ -82,12 +77,8 @@ int32_t V6DataExporter::ExportData() {
   return result;
 }
 
-bool V6DataExporter::CopyWithLog(const base::FilePath& from, const base::FilePath& to) {
-  if (base::CopyFile(from, to))
-    return true;
-  V6LOG(logging::LOG_FAILURE) << L"Copy file {" << from.value() << L"} to {" << to.value()
-                              << L"} FAILED, error code {" << base::GetLastSystemError() << L"}.";
-  return false;
+const wchar_t* V6DataExporter::LogTag() const {
+  return L"[V6数据导入] ";
 }
 
 void V6DataExporter::CopyLyrics() {
@@ -107,24 +98,22 @@ void V6DataExporter::CopyLyrics() {
 }
 
 bool V6DataExporter::CopyV1Database() {
-  base::FilePath work = GetDataFolder();
-  m_work_db = work.Append(kV1Copy);
-  if (base::PathExists(m_work_db)) {
+  m_work_db = GetDataFolder().Append(kV1Copy);
+  bool reused = base::PathExists(m_work_db);
+  if (reused) {
     logging::OutputDebugStringW(L"v6bak DB exist!!!");
-    CopyWithLog(m_work_db, GetDatedBackupFolder().Append(kV1Copy));
-    CopyWithLog(m_work_db, work.Append(kIntermediateCopy));
-    return true;
+  } else {
+    V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not found.";
   }
-  V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not found.";
-  GetDatabasePath();
-  if (m_source_db.empty() || !base::PathExists(m_source_db)) {
+  WorkCopy copy = ObtainWorkCopy(
+      m_work_db, [this] { return GetDatabasePath(); }, kV1Copy);
+  if (copy == WorkCopy::kNoSource) {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_source_db.value() << L"} do not found.";
     logging::OutputDebugStringW(L"v6 DB is not exist!!!");
     return false;
   }
-  CopyWithLog(m_source_db, GetDatedBackupFolder().Append(kV1Copy));
-  CopyWithLog(m_source_db, m_work_db);
-  CopyWithLog(m_work_db, work.Append(kIntermediateCopy));
+  // A failed copy has been logged; reading then finds no work copy and
+  // reports it, so the layout still counts as found.
   return true;
 }
 
@@ -148,8 +137,9 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
                                  << copies.size() << L"}.";
     logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
     base::FilePath backup = GetDatedBackupFolder();
+    // Copy failures are logged by CopyWithLog and do not stop the export.
     for (const base::FilePath& copy : copies)
-      CopyWithLog(copy, backup.Append(copy.BaseName().value()));
+      (void)CopyWithLog(copy, backup.Append(copy.BaseName().value()));
     return true;
   }
   base::FilePath program = LocateInstallation();
@@ -164,32 +154,33 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   base::FilePath backup = GetDatedBackupFolder();
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
-    CopyWithLog(source, work.Append(name));
-    CopyWithLog(source, backup.Append(name));
+    (void)CopyWithLog(source, work.Append(name));  // logged; see above
+    (void)CopyWithLog(source, backup.Append(name));
   }
   return true;
-}
-
-bool V6DataExporter::OpenSource(const base::FilePath& path) {
-  ResetDatabase();
-  return m_db->OpenAndCheck(path);
 }
 
 int32_t V6DataExporter::ReadV1Layout() {
   if (!base::PathExists(m_work_db)) {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
-  } else if (OpenSource(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
+  } else if (OpenSourceWithRepair(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
     if (!ReadMusicVideos())
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
     if (!ReadMusicItems())
       ReportState(ProgressRecord::kStateMusicFailed);
+    TableRead();
+    IndexListEntries();
     if (!ReadPlayLists(false, 0))
       ReportState(ProgressRecord::kStateListsFailed);
-    if (!ReadUnfinishedDownloads())
+    TableRead();
+    if (!ReadUnfinishedDownloads(false))
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
     if (!ReadFinishedDownloads())
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
   } else {
     V6LOG(logging::LOG_FAILURE) << L"Table {MusicItems} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
@@ -216,11 +207,13 @@ int32_t V6DataExporter::ReadV2Layout() {
       continue;
     V6LOG(logging::LOG_PROGRESS) << L"Loading {VTLibrary.db}.";
     if (base::PathExists(library)) {
-      if (OpenSource(library)) {
-        if (!ReadUnfinishedDownloads())
+      if (OpenSourceWithRepair(library)) {
+        if (!ReadUnfinishedDownloads(true))
           ReportState(ProgressRecord::kStateTableFailed);
+        TableRead();
         if (!ReadFinishedDownloads())
           ReportState(ProgressRecord::kStateTableFailed);
+        TableRead();
       }
     } else {
       V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
@@ -235,11 +228,16 @@ int32_t V6DataExporter::ReadV2Layout() {
       ReportState(ProgressRecord::kStateNotStarted);
       continue;
     }
-    OpenSource(library);
+    // An unsound file leaves m_db closed: both readers then fail and report
+    // their bits, which is all there is to say about it.
+    (void)OpenSourceWithRepair(library);
     if (!ReadMusicItemsV2(number))
       ReportState(ProgressRecord::kStateMusicFailed);
+    TableRead();
+    IndexListEntries();
     if (!ReadPlayLists(true, number))
       ReportState(ProgressRecord::kStateListsFailed);
+    TableRead();
   }
   if (m_read_extras) {
     ReadSettings();
@@ -248,6 +246,18 @@ int32_t V6DataExporter::ReadV2Layout() {
   return 0;
 }
 
-void V6DataExporter::ReadSettings() {}
+void V6DataExporter::ReadSettings() {
+  const base::FilePath program = LocateInstallation();
+  if (program.empty())
+    return;
+  // Read in place: the markup reader only opens the file for reading.
+  std::optional<ImportedSettings> settings = ReadV6Settings(program);
+  if (!settings) {
+    V6LOG(logging::LOG_FAILURE) << L"No settings read from {"
+                                << program.Append(L"VanTa.xml").value() << L"}.";
+    return;
+  }
+  m_model->AddSettings(*settings);
+}
 
 void V6DataExporter::ReadLoginHistory() {}

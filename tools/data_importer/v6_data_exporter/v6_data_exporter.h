@@ -37,6 +37,9 @@ class V6DataExporter : public DataExporter {
   // The "V1" database of the installation named in the registry, or empty.
   base::FilePath GetDatabasePath() override;
 
+ protected:
+  const wchar_t* LogTag() const override;
+
  private:
   // What a list reader remembers of an imported music item.
   struct MusicEntry {
@@ -45,7 +48,8 @@ class V6DataExporter : public DataExporter {
     int64_t start_time = 0;  // start of a track inside a larger file
   };
   struct ListRef {
-    int id = 0;
+    int source_id = 0;  // PlayListID in the library file
+    int id = 0;         // the list's id in the model (see TakeListId)
     bool is_default = false;
   };
 
@@ -59,17 +63,15 @@ class V6DataExporter : public DataExporter {
   bool CopyV1Database();
   bool CopyV2Databases();
   bool CopyV2DatabasesUnguarded();
-  bool CopyWithLog(const base::FilePath& from, const base::FilePath& to);
 
   // Layouts.
   int32_t ReadV1Layout();
   int32_t ReadV2Layout();
-  // Opens |path| with repair into a fresh m_db; false when unusable.
-  bool OpenSource(const base::FilePath& path);
-  // The generation-6 settings ("VanTa.xml") and saved logins
-  // ("LoginSave.bin") are carried over by the settings migration, which this
-  // library does not include yet: both answer without reading anything.
+  // Adds the settings of the installation's "VanTa.xml" to the model; a
+  // missing or unusable file adds nothing and the export goes on.
   void ReadSettings();
+  // The saved logins ("LoginSave.bin") are not carried over: the file's
+  // format is not known. Reads nothing.
   void ReadLoginHistory();
 
   // Table readers; false when the query cannot be prepared.
@@ -78,11 +80,29 @@ class V6DataExporter : public DataExporter {
   bool ReadMusicItemsV2(int library_number);
   bool ReadPlayLists(bool v2, int library_number);
   void ReadListItems(const ListRef& list, bool v2, int library_number);
-  bool ReadUnfinishedDownloads();
+  // |v2|: the "V2" layout, whose music items carry made-up old ids, so a
+  // pending download is found by its hash only.
+  bool ReadUnfinishedDownloads(bool v2);
   bool ReadFinishedDownloads();
 
-  // Fills the music-file half of |song| from the music item it refers to.
-  static void FillFromMusic(const MusicEntry& music, SongItem* song);
+  // Advances the read progress by the fixed step of one finished table.
+  void TableRead();
+  // Rows of |table| in the open source, for the progress of a long reader;
+  // 0 when it cannot be counted.
+  int64_t CountRows(const char* table);
+  // Lets every per-list query of the open source find its list's entries
+  // by an index on "PlayListItems"(PlayListID) instead of a scan of all
+  // entries. The source open is always our own work copy, never the
+  // installation's file; a failure only costs speed.
+  void IndexListEntries();
+  // The model id of a list whose library-file id is |source_id|: that id,
+  // unless a list of an earlier library file took it already; then the next
+  // free id above the largest taken.
+  int TakeListId(int source_id);
+
+  // Fills the music-file half of |song| from the music item it refers to,
+  // and its MV half from the item's MV when that was imported.
+  void FillFromMusic(const MusicEntry& music, SongItem* song) const;
 
   base::FilePath m_source_db;  // the installation's "V1" database
   base::FilePath m_work_db;    // our copy of it, the one that is read

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "base/file_util.h"
@@ -133,13 +134,36 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   EXPECT_EQ((std::vector<std::string>{"1|\xE7\xA8\xBB\xE9\xA6\x99|5", "2|Don't Cry|0"}),
             QueryRows(playlists.get(),
                       "SELECT SongID, TitleName, PlayCount FROM GeneralList_11 ORDER BY SortID"));
+  // An entry whose music item names an MV carries the MV's half.
+  EXPECT_EQ((std::vector<std::string>{
+                "1|||0|0|0|0",
+                "2|D:\\MV\\clip.mkv|AAAAAAAAAAAAAAAAAAAAAAAAAAAAA700|4000000|240000|1500|"
+                "1300000000"}),
+            QueryRows(playlists.get(), "SELECT SongID, MVFilePath, MVFileHash, MVFileSize, "
+                                       "MVFileDuration, MVFileBitrate, MVFileLastModifyTime "
+                                       "FROM GeneralList_11 ORDER BY SortID"));
   EXPECT_TRUE(playlists->DoesTableExist("GeneralList_10"));
   EXPECT_FALSE(playlists->DoesTableExist("GeneralList_13"));
   EXPECT_FALSE(playlists->DoesTableExist("GeneralList_14"));
-  EXPECT_EQ((std::vector<std::string>{"Halo|0", "Don't Cry|100"}),
-            QueryRows(music.get(), "SELECT FileName, Percent FROM DownloadItem ORDER BY ID"));
+  // FileID names the download's file in the new library (the MV took id 1,
+  // so old and new ids differ); the priorities are the table's defaults.
+  EXPECT_EQ((std::vector<std::string>{"Halo|0|D:\\Music\\Halo.mp3|2|1",
+                                      "Don't Cry|100|D:\\Music\\Don't Cry.mp3|2|1"}),
+            QueryRows(music.get(), "SELECT d.FileName, Percent, s.FileName, OrderPriority, "
+                                   "SpeedPriority FROM DownloadItem d JOIN ShareFileItems s "
+                                   "ON s.id = d.FileID ORDER BY d.ID"));
   EXPECT_EQ((std::vector<std::string>{"Don't Cry"}),
             QueryRows(music.get(), "SELECT FileName FROM DownloadHistoryItem"));
+
+  // Each list's entries are looked up through an index of our work copy
+  // (the installation's file is untouched, see the fingerprint above).
+  sql::Connection work;
+  ASSERT_TRUE(work.Open(profile_.data_folder().Append(L"VT6Data.db")));
+  std::vector<std::string> plan = QueryRows(
+      &work, "EXPLAIN QUERY PLAN SELECT * FROM PlayListItems WHERE PlayListID = 11 ORDER BY SortId");
+  ASSERT_FALSE(plan.empty());
+  EXPECT_NE(std::string::npos, plan[0].find("USING INDEX DataImporter_PlayListItems_PlayListID"))
+      << plan[0];
 
   std::string log = Log();
   EXPECT_NE(std::string::npos, log.find("[V6数据导入] V6 DB version is {V1}."));
@@ -220,6 +244,103 @@ TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
   EXPECT_EQ((std::vector<std::string>{"a"}),
             QueryRows(music.get(), "SELECT FileName FROM DownloadHistoryItem"));
   EXPECT_NE(std::string::npos, Log().find("V6 DB version is {V2}."));
+}
+
+// Two library files of an installation whose list ids collide: every list
+// arrives with all its entries; the list met second under a taken id gets
+// the next id above the largest (9 + 1, whichever file is read first). A
+// pending download is found by its hash only: its "MusicID" means nothing
+// across library files.
+TEST_F(V6DataExporterTest, V2ListsWithCollidingIdsAndDownloadsByHash) {
+  V6V2Library first;
+  first.lists = {{1, 3, L"", 0, 0}, {2, 0, L"Road", 0, 1}};
+  first.items = {{1, 1, L"E:\\", L"a.mp3", L"A", Hash(1)}, {2, 2, L"E:\\", L"b.mp3", L"B", Hash(2)}};
+  first.downloads = {{1, Hash(77), L"D:\\Down\\stray.mp3", false},  // item 1's id, no hash match
+                     {500, Hash(3), L"D:\\Down\\c.mp3", false}};   // c.mp3 of the second file
+  ASSERT_TRUE(first.Write(program().Append(L"VTLibrary.db")));
+  V6V2Library second;
+  // Stored ids in another order than the lists' sort order.
+  second.lists = {{2, 0, L"Other", 0, 2}, {9, 6, L"Nine", 0, 1}, {4, 10, L"Four", 0, 3}};
+  second.items = {{1, 9, L"F:\\", L"c.mp3", L"C", Hash(3)},
+                  {2, 2, L"F:\\", L"d.mp3", L"D", Hash(4)},
+                  {3, 4, L"F:\\", L"e.mp3", L"E", Hash(5)},
+                  {3, 4, L"F:\\", L"f.mp3", L"F", Hash(6)}};  // a repeated ItemID
+  ASSERT_TRUE(second.Write(program().Append(L"VTLibrary2.db")));
+  Register();
+
+  DataImporterMain();
+
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  auto music = OpenFinal(L"VTMusicV3.db");
+  auto playlists = OpenFinal(L"playlistV3.db");
+  EXPECT_EQ((std::vector<std::string>{"1", "2", "4", "9", "10"}),
+            QueryRows(playlists.get(), "SELECT PlayListID FROM GeneralListTable ORDER BY 1"));
+  // Each list with its own entries, whatever id it ended with.
+  std::vector<std::string> contents;
+  for (const std::string& row :
+       QueryRows(playlists.get(), "SELECT PlayListID, PlaylistName FROM GeneralListTable")) {
+    std::string id = row.substr(0, row.find('|'));
+    std::string text = row.substr(row.find('|') + 1) + ":";
+    for (const std::string& title : QueryRows(playlists.get(), "SELECT TitleName FROM "
+                                                               "GeneralList_" + id +
+                                                               " ORDER BY TitleName"))
+      text += title;
+    contents.push_back(text);
+  }
+  std::sort(contents.begin(), contents.end());
+  EXPECT_EQ((std::vector<std::string>{"Four:EF", "Nine:C", "Other:D", "Road:B",
+                                      "\xE9\xBB\x98\xE8\xAE\xA4\xE5\x88\x97\xE8\xA1\xA8:A"}),
+            contents);
+  // The repeated ItemID is kept under the next free SongID.
+  EXPECT_EQ((std::vector<std::string>{"3", "4"}),
+            QueryRows(playlists.get(), "SELECT SongID FROM GeneralList_4 ORDER BY 1"));
+  // The second file's lists keep their stored order, ids notwithstanding.
+  std::vector<std::string> names = QueryRows(
+      playlists.get(), "SELECT PlaylistName FROM GeneralListTable ORDER BY SortID");
+  auto at = [&names](const char* name) { return std::find(names.begin(), names.end(), name); };
+  EXPECT_LT(at("Nine"), at("Other"));
+  EXPECT_LT(at("Other"), at("Four"));
+  EXPECT_NE(names.end(), at("Four"));
+
+  EXPECT_EQ((std::vector<std::string>{"c|F:\\c.mp3"}),
+            QueryRows(music.get(), "SELECT d.FileName, s.FileName FROM DownloadItem d "
+                                   "JOIN ShareFileItems s ON s.id = d.FileID"));
+  EXPECT_EQ((std::vector<std::string>{"1"}),
+            QueryRows(music.get(), "SELECT COUNT(*) FROM DownloadItem"));
+}
+
+// The read moves "ImportProgress" by 5 after each table reader and by 1 per
+// tenth of a long reader's rows (music items; lists with their entries),
+// and never past 49, where the build takes over.
+TEST_F(V6DataExporterTest, ProgressMovesWhileReading) {
+  ASSERT_TRUE(SampleV1().Write(program().Append(L"VTData.db")));
+  Register();
+  for (int start : {0, 10}) {
+    ProgressRecord record;
+    record.Initialise();
+    record.SetProgress(start);
+    ImportModel model(&record);
+    V6DataExporter exporter(&model);
+    ASSERT_EQ(0, exporter.ExportData());
+    // Five tables (25), the music items (10), the lists (10).
+    int expected = std::min(start + 45, 49);
+    EXPECT_EQ(expected, record.progress()) << start;
+    EXPECT_EQ(std::to_wstring(expected), profile_.DBCheck(L"ImportProgress")) << start;
+  }
+
+  // A source without lists: no list reader rows, only its table step.
+  EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
+  V6V1Database bare = SampleV1();
+  bare.lists.clear();
+  bare.items.clear();
+  ASSERT_TRUE(bare.Write(program().Append(L"VTData.db")));
+  ProgressRecord record;
+  record.Initialise();
+  record.SetProgress(0);
+  ImportModel model(&record);
+  V6DataExporter exporter(&model);
+  ASSERT_EQ(0, exporter.ExportData());
+  EXPECT_EQ(35, record.progress());
 }
 
 // Missing tables cost their own records and bits only; a database without

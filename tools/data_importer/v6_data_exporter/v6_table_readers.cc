@@ -2,10 +2,15 @@
 // turns every row into one model record; a column the row lacks reads as 0
 // or empty. Times are carried in the source's units.
 
+#include <algorithm>
+#include <limits>
+#include <set>
+
 #include <boost/format.hpp>
 
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/source_reader_util.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
 
@@ -13,31 +18,57 @@
 
 namespace {
 
-const std::wstring kZeroHash = L"00000000000000000000000000000000";
-constexpr wchar_t kDefaultListName[] = L"默认列表";
-
-// A hash the row does not supply becomes the all-zero hash.
-std::wstring HashOrZero(const std::wstring& hash) {
-  return hash.empty() ? kZeroHash : hash;
-}
-
-// The file name of a stored path, which may use either separator.
-std::wstring BaseName(const std::wstring& path) {
-  size_t slash = path.find_last_of(L"\\/");
-  return slash == std::wstring::npos ? path : path.substr(slash + 1);
-}
-
-std::wstring BaseNameWithoutExtension(const std::wstring& path) {
-  std::wstring name = BaseName(path);
-  size_t dot = name.rfind(L'.');
-  return dot == std::wstring::npos || dot == 0 ? name : name.substr(0, dot);
-}
-
 void LogSize(const wchar_t* name, size_t count) {
   V6LOG(logging::LOG_PROGRESS) << L"Size of " << name << L" is {" << count << L"}.";
 }
 
+// How far the progress moves after each table reader.
+constexpr int kTableReadStep = 5;
+
+// The index that makes each list's entry query a lookup; its name marks it
+// as ours in the work copy.
+constexpr char kListEntryIndex[] =
+    "CREATE INDEX IF NOT EXISTS DataImporter_PlayListItems_PlayListID "
+    "ON PlayListItems(PlayListID)";
+
 }  // namespace
+
+void V6DataExporter::TableRead() {
+  AdvanceReadProgress(kTableReadStep);
+}
+
+int64_t V6DataExporter::CountRows(const char* table) {
+  sql::Connection* db = m_db->connection();
+  if (!db->is_open())
+    return 0;
+  DbRowReader row(*db, (boost::format("SELECT COUNT(*) AS RowCount FROM %s") % table).str());
+  return row.Step() ? row.GetInt64("RowCount") : 0;
+}
+
+void V6DataExporter::IndexListEntries() {
+  sql::Connection* db = m_db->connection();
+  if (!db->is_open() || !db->DoesTableExist("PlayListItems"))
+    return;
+  // Reading stays correct without it, only slower (lists x entries).
+  if (!db->Execute(kListEntryIndex))
+    V6LOG(logging::LOG_FAILURE) << L"Index on {PlayListItems} not created.";
+}
+
+int V6DataExporter::TakeListId(int source_id) {
+  int id = source_id;
+  if (m_list_ids.count(id) || m_model->m_list_songs.count(id)) {
+    int largest = m_list_ids.empty() ? id : *m_list_ids.rbegin();
+    if (!m_model->m_list_songs.empty())
+      largest = std::max(largest, m_model->m_list_songs.rbegin()->first);
+    if (largest == std::numeric_limits<int>::max())
+      return id;  // no id above: the list shares its table (never seen in practice)
+    id = largest + 1;
+    V6LOG(logging::LOG_PROGRESS) << L"List id {" << source_id << L"} is taken, the list gets {"
+                                 << id << L"}.";
+  }
+  m_list_ids.insert(id);
+  return id;
+}
 
 // "MVItems": the MV files. "Channel" (audio channels) has no column in
 // the new library and is not carried.
@@ -78,8 +109,10 @@ bool V6DataExporter::ReadMusicItems() {
   DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MusicItems").str());
   if (!row.IsValid())
     return false;
+  ReadProgressTicker ticker(this, CountRows("MusicItems"));
   size_t count = 0;
   while (row.Step()) {
+    ticker.Tick();
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = row.GetInt("ID");
     file->FileName = row.GetString16("FileName");
@@ -116,8 +149,10 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
                   (boost::format("SELECT * FROM %s") % "PlayListItems").str());
   if (!row.IsValid())
     return false;
+  ReadProgressTicker ticker(this, CountRows("PlayListItems"));
   size_t count = 0;
   while (row.Step()) {
+    ticker.Tick();
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = m_next_v2_file_id++;
     std::wstring folder = row.GetString16("Path");
@@ -154,23 +189,26 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
     bool is_default = type == 3;
     if (!is_default && type != 0 && type != 6 && type != 10)
       continue;
-    int id = row.GetInt("PlayListID");
+    int source_id = row.GetInt("PlayListID");
     if (!is_default) {
       std::string count_query =
           v2 ? (boost::format("SELECT COUNT(*) AS ListItemCount FROM %s WHERE PlayListID = %d") %
-                "PlayListItems" % id)
+                "PlayListItems" % source_id)
                    .str()
              : (boost::format("SELECT COUNT(*) AS ListItemCount FROM %s WHERE PlayListID = %d "
                               "and MusicItemID in (Select ID From MusicItems)") %
-                "PlayListItems" % id)
+                "PlayListItems" % source_id)
                    .str();
       DbRowReader count(db, count_query);
       if (!count.Step() || count.GetInt("ListItemCount") < 1) {
         V6LOG(logging::LOG_PROGRESS) << L"There is no items under {TABLE: PlayListItems, PlayListID: "
-                                     << id << L"}.";
+                                     << source_id << L"}.";
         continue;
       }
     }
+    // A list id an earlier library file took is given the next free id, so
+    // both lists keep their own table.
+    int id = TakeListId(source_id);
     auto list = std::make_shared<PlayListInfo>();
     list->PlaylistID = id;
     int owner = row.GetInt("UserID");
@@ -181,13 +219,12 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       list->PlaylistType = 0;
       list->SortID = 0;
       list->PlaylistName = kDefaultListName;
-      default_lists.push_back({id, true});
+      default_lists.push_back({source_id, id, true});
     } else {
       list->PlaylistType = 2;
       list->SortID = m_next_list_sort++;
-      normal_lists.push_back({id, false});
+      normal_lists.push_back({source_id, id, false});
     }
-    m_list_ids.insert(id);
     m_model->m_play_lists.push_back(list);
     m_model->m_list_songs[id];  // the list has its table even without entries
   }
@@ -196,36 +233,51 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
                                << default_lists.size() << L"}.";
   V6LOG(logging::LOG_PROGRESS) << L"Size of " << prefix << L"::normalListItems is {"
                                << normal_lists.size() << L"}.";
-  for (const ListRef& list : default_lists)
-    ReadListItems(list, v2, library_number);
-  for (const ListRef& list : normal_lists)
-    ReadListItems(list, v2, library_number);
+  // The lists are the rows of this reader: the progress moves by tenths of
+  // them, each list read with its entries.
+  ReadProgressTicker ticker(this, default_lists.size() + normal_lists.size());
+  for (const auto* lists : {&default_lists, &normal_lists}) {
+    for (const ListRef& list : *lists) {
+      ReadListItems(list, v2, library_number);
+      ticker.Tick();
+    }
+  }
   return true;
 }
 
-void V6DataExporter::FillFromMusic(const MusicEntry& music, SongItem* song) {
-  const ShareFileItem& file = *music.file;
-  song->music_file_id = file.old_id;
+void V6DataExporter::FillFromMusic(const MusicEntry& music, SongItem* song) const {
+  FillSongFromFile(*music.file, song);
   song->mv_file_id = music.mv_id;
-  song->TitleName = file.FileNamePure;
-  song->Singer = file.Artist;
-  song->MusicFilePath = file.FileName;
-  song->MusicFileHash = file.MD5;
-  song->MusicFileSize = file.FileSize;
-  song->MusicFileDuration = file.Duration;
-  song->MusicFileBitrate = file.BitRate;
-  song->MusicFileLastModifyTime = file.LastWriteTime;
   song->CueBeginTime = music.start_time;
+  auto mv = music.mv_id > 0 ? m_mv_items.find(music.mv_id) : m_mv_items.end();
+  if (mv == m_mv_items.end())
+    return;
+  const ShareFileItem& video = *mv->second;
+  song->MVFilePath = video.FileName;
+  song->MVFileHash = video.MD5;
+  song->MVFileSource = video.FileSource;
+  song->MVFileSize = video.FileSize;
+  song->MVFileCDNFlag = video.CDNFlag;
+  song->MVFileDuration = video.Duration;
+  song->MVFileBitrate = video.BitRate;
+  song->MVFileLastModifyTime = video.LastWriteTime;
 }
 
 void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_number) {
   std::string query =
-      v2 ? (boost::format("SELECT * FROM %s Where PlayListID=%d") % "PlayListItems" % list.id).str()
+      v2 ? (boost::format("SELECT * FROM %s Where PlayListID=%d") % "PlayListItems" %
+            list.source_id)
+               .str()
          : (boost::format("SELECT * FROM %s WHERE PlayListID = %d ORDER BY SortId") %
-            "PlayListItems" % list.id)
+            "PlayListItems" % list.source_id)
                .str();
   DbRowReader row(*m_db->connection(), query);
   SongList& songs = m_model->m_list_songs[list.id];
+  // SongID is the key of the list's table: a repeated one takes the next
+  // free number above the largest, so the entry is not lost.
+  std::set<int> song_ids;
+  for (const auto& song : songs)
+    song_ids.insert(song->SongID);
   size_t total = 0, loaded = 0;
   while (row.Step()) {
     ++total;
@@ -243,6 +295,11 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
     auto song = std::make_shared<SongItem>();
     FillFromMusic(*music, song.get());
     song->SongID = row.GetInt("ItemID");
+    if (!song_ids.insert(song->SongID).second &&
+        *song_ids.rbegin() < std::numeric_limits<int>::max()) {
+      song->SongID = *song_ids.rbegin() + 1;
+      song_ids.insert(song->SongID);
+    }
     song->PlayCount = row.GetInt("PlayCount");
     song->SortID = row.GetInt("SortID");
     song->CreationTime = row.GetInt64("CreationTime");
@@ -260,24 +317,27 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
   }
   if (v2) {
     V6LOG(logging::LOG_PROGRESS) << L" Size of PlayListItemsV2{userID: << " << library_number
-                                 << L", ID=" << list.id << L"} is {TOTAL:" << total
+                                 << L", ID=" << list.source_id << L"} is {TOTAL:" << total
                                  << L", LOADED:" << loaded << L"}.";
   } else {
-    V6LOG(logging::LOG_PROGRESS) << L" Size of PlayListItems(ID=" << list.id << L") is {TOTAL:"
+    V6LOG(logging::LOG_PROGRESS) << L" Size of PlayListItems(ID=" << list.source_id
+                                 << L") is {TOTAL:"
                                  << total << L", LOADED:" << loaded << L"}.";
   }
 }
 
-// "Downing": downloads not finished yet.
-bool V6DataExporter::ReadUnfinishedDownloads() {
+// "Downing": downloads not finished yet. In the "V2" layout "MusicID" names
+// a music item of the library file, while the model knows "V2" items only
+// by made-up old ids (from 1 up): the download keeps old id 0, which names no
+// file, and is found by its hash or not at all.
+bool V6DataExporter::ReadUnfinishedDownloads(bool v2) {
   DbRowReader row(*m_db->connection(), "Select * From Downing");
   if (!row.IsValid())
     return false;
   size_t count = 0;
   while (row.Step()) {
     auto download = std::make_shared<DownloadRecord>();
-    download->file_id = row.GetInt("MusicID");
-    download->FileID = download->file_id;
+    download->file_id = v2 ? 0 : row.GetInt("MusicID");
     download->MD5 = HashOrZero(row.GetString16("FileHash"));
     download->DestFileName = row.GetString16("DestFileName");
     download->TempFileName = row.GetString16("TempFileName");

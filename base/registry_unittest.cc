@@ -1,0 +1,142 @@
+// The registry as the importer reads it from a copied Windows profile: a
+// binary hive or a ".reg" export, and the Windows paths found in it.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/file_util.h"
+#include "base/reg_key.h"
+#include "base/windows_path.h"
+#include "testing/fixtures/registry_hive_fixture.h"
+#include "testing/test_support.h"
+
+namespace base {
+namespace {
+
+std::string Utf16Bytes(const std::u16string& text) {
+  return std::string(reinterpret_cast<const char*>(text.data()), text.size() * 2);
+}
+
+class RegistryTest : public testing::Test {
+ protected:
+  RegistryTest() {
+    file_ = dir_.path().Append(L"NTUSER.DAT");
+    env_.Set("VANTU_REGISTRY_FILE", file_.AsUTF8Unsafe());
+    env_.Set("USERPROFILE", "/profiles/bob");
+    env_.Set("VANTU_UNSET_FOR_TEST", std::nullopt);
+  }
+
+  // The value |name| of |key|, or "#missing#".
+  std::wstring Read(const std::wstring& key, const std::wstring& name) {
+    RegKey reg;
+    std::wstring value;
+    if (!reg.Open(key) || !reg.ReadValue(name, &value))
+      return L"#missing#";
+    return value;
+  }
+
+  testing_support::ScopedTempDir dir_;
+  testing_support::ScopedEnv env_;
+  FilePath file_;
+};
+
+TEST_F(RegistryTest, BinaryHive) {
+  std::string hive = BuildRegistryHive(
+      {{L"Software\\VanTa6",
+        {{L"AppFileName", L"C:\\Program Files\\VanTa6\\VanTa6.exe"},
+         {L"Expanded", L"%USERPROFILE%\\Music;%VANTU_UNSET_FOR_TEST%;100%", kHiveRegExpandSz},
+         {L"Plain", L"%USERPROFILE%", kHiveRegSz},
+         {L"", L"default"},
+         {L"Count", L"7", kHiveRegDword},
+         {L"\u540d", L"\u4e2d\u6587\U0001F600"}}},
+       {L"Software\\VanTa", {}}});
+  EXPECT_TRUE(WriteFile(file_, hive));
+
+  // The fixture is a hive that other readers accept too.
+  std::string output;
+  ASSERT_EQ(0, testing_support::RunCommand(
+                   "hivexget '" + file_.AsUTF8Unsafe() + "' 'Software\\VanTa6' AppFileName", "",
+                   &output));
+  EXPECT_EQ("C:\\Program Files\\VanTa6\\VanTa6.exe\n", output);
+
+  EXPECT_EQ(L"C:\\Program Files\\VanTa6\\VanTa6.exe", Read(L"software\\VANTA6", L"appfilename"));
+  EXPECT_EQ(L"C:\\Program Files\\VanTa6\\VanTa6.exe", Read(L"\\Software\\VanTa6\\", L"AppFileName"));
+  // Only REG_EXPAND_SZ values are expanded; unset variables stay as written.
+  EXPECT_EQ(L"/profiles/bob\\Music;%VANTU_UNSET_FOR_TEST%;100%", Read(L"Software\\VanTa6", L"Expanded"));
+  EXPECT_EQ(L"%USERPROFILE%", Read(L"Software\\VanTa6", L"Plain"));
+  EXPECT_EQ(L"default", Read(L"Software\\VanTa6", L"@"));
+  EXPECT_EQ(L"\u4e2d\u6587\U0001F600", Read(L"Software\\VanTa6", L"\u540d"));
+  EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"Count"));  // not a string
+  EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"Absent"));
+  EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa7", L"AppFileName"));
+  RegKey empty_key;
+  EXPECT_TRUE(empty_key.Open(L"Software\\VanTa"));
+  std::string reason;
+  EXPECT_TRUE(CheckRegistryFile(file_, &reason)) << reason;
+
+  // A truncated or overwritten hive reads as no registry and is reported.
+  for (const std::string& damaged :
+       {hive.substr(0, 4096 + 64), hive.substr(0, 3000), std::string("regf") + std::string(8000, '\x5a')}) {
+    EXPECT_TRUE(WriteFile(file_, damaged));
+    EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"AppFileName"));
+    reason.clear();
+    EXPECT_FALSE(CheckRegistryFile(file_, &reason));
+    EXPECT_FALSE(reason.empty());
+  }
+  std::string flipped = hive;
+  flipped[0x24] ^= 0x10;  // the root offset, without fixing the checksum
+  EXPECT_TRUE(WriteFile(file_, flipped));
+  EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"AppFileName"));
+  EXPECT_FALSE(CheckRegistryFile(dir_.path().Append(L"absent.dat"), &reason));
+}
+
+// A ".reg" export as the Windows registry editor writes it: UTF-16LE with a
+// byte-order mark and CRLF line ends, REG_EXPAND_SZ as "hex(2):" bytes over
+// continued lines.
+TEST_F(RegistryTest, RegistryEditorExport) {
+  EXPECT_TRUE(WriteFile(
+      file_,
+      Utf16Bytes(u"\uFEFFWindows Registry Editor Version 5.00\r\n\r\n"
+                 u"[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n"
+                 // "%USERPROFILE%\A" in UTF-16LE, split over three lines.
+                 u"\"Path\"=hex(2):25,00,55,00,53,00,45,00,52,00,50,00,52,00,4f,00,46,00,\\\r\n"
+                 u"  49,00,4c,00,45,00,25,00,5c,00,41,00,\\\r\n"
+                 u"  00,00\r\n"
+                 u"\"Sz\"=hex(1):41,00,42,00,00,00\r\n"
+                 u"\"Bad\"=hex(2):4x,00\r\n"
+                 u"\"Number\"=dword:00000007\r\n"
+                 u"\"Quoted\"=\"ends with \\\\\"\r\n"
+                 u"\"After\"=\"still read\"\r\n")));
+  EXPECT_EQ(L"/profiles/bob\\A", Read(L"Software\\VanTa6", L"Path"));
+  EXPECT_EQ(L"AB", Read(L"Software\\VanTa6", L"Sz"));
+  EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"Bad"));
+  EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"Number"));
+  // A string ending in a backslash does not continue onto the next line.
+  EXPECT_EQ(L"ends with \\", Read(L"Software\\VanTa6", L"Quoted"));
+  EXPECT_EQ(L"still read", Read(L"Software\\VanTa6", L"After"));
+  std::string reason;
+  EXPECT_TRUE(CheckRegistryFile(file_, &reason));
+}
+
+TEST(WindowsPathTest, DrivesMapToFolders) {
+  testing_support::ScopedEnv env;
+  env.Set("VANTU_DRIVE_C", "/mnt/copied c");
+  env.Set("VANTU_DRIVE_D", std::nullopt);
+  env.Set("VANTU_DRIVE_E", "");
+  EXPECT_EQ(L"/mnt/copied c/Program Files/VanTa6/VanTa6.exe",
+            MapWindowsPath(L"C:\\Program Files\\VanTa6\\VanTa6.exe").value());
+  EXPECT_EQ(L"/mnt/copied c/x/y", MapWindowsPath(L"c:/x\\y").value());
+  EXPECT_EQ(L"/mnt/copied c", MapWindowsPath(L"C:").value());
+  EXPECT_EQ(L"/mnt/copied c", MapWindowsPath(L"C:\\").value());
+  EXPECT_EQ(L"/mnt/copied c/data", MapWindowsPath(L"C:data").value());
+  EXPECT_TRUE(MapWindowsPath(L"D:\\Music").empty());   // no folder for D
+  EXPECT_TRUE(MapWindowsPath(L"E:\\Music").empty());   // an empty folder is none
+  EXPECT_TRUE(MapWindowsPath(L"\\\\server\\share\\x").empty());
+  EXPECT_EQ(L"/home/u/VanTa6/VanTa6.exe", MapWindowsPath(L"/home/u/VanTa6/VanTa6.exe").value());
+  EXPECT_EQ(L"Old Player/data", MapWindowsPath(L"Old Player\\data").value());
+  EXPECT_EQ(L"", MapWindowsPath(L"").value());
+}
+
+}  // namespace
+}  // namespace base

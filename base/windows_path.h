@@ -1,0 +1,28 @@
+#ifndef BASE_WINDOWS_PATH_H_
+#define BASE_WINDOWS_PATH_H_
+
+#include <string>
+
+#include "base/file_path.h"
+
+namespace base {
+
+// Turns a path that the user's Windows installation recorded (in the
+// registry, on the player's command line) into a path of this machine.
+//
+// A path with a drive letter ("C:\Program Files\VanTa6\VanTa6.exe", "c:/x",
+// "C:" alone) lives on the folder that the environment variable
+// VANTU_DRIVE_<LETTER> names (the letter in upper case, e.g. VANTU_DRIVE_C);
+// the rest of the path follows it. Backslashes become separators; the letter
+// case of each component is left to the case-insensitive file operations. A
+// path on a drive with no folder, and a network path ("\\server\share"), map
+// to the empty path, which every file operation treats as not found. Any
+// other path (a POSIX path, a relative path) keeps its text with backslashes
+// turned into separators.
+//
+// On Windows the path is its own answer.
+FilePath MapWindowsPath(const std::wstring& path);
+
+}  // namespace base
+
+#endif  // BASE_WINDOWS_PATH_H_

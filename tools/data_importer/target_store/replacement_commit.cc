@@ -1,0 +1,104 @@
+#include "tools/data_importer/target_store/replacement_commit.h"
+
+#include "base/file_util.h"
+#include "base/utf_string_conversions.h"
+#include "logging/logging.h"
+
+namespace {
+
+constexpr wchar_t kRecordName[] = L"DatabaseReplace.commit";
+
+struct Replacement {
+  const wchar_t* temp_name;
+  const wchar_t* final_name;
+};
+
+constexpr Replacement kPairs[] = {
+    {L"VTMusicV2.db.tmp", L"VTMusicV3.db"},
+    {L"playlist.db.tmp", L"playlistV3.db"},
+};
+
+bool Replace(const base::FilePath& data_folder, const Replacement& pair) {
+  base::FilePath from = data_folder.Append(pair.temp_name);
+  base::FilePath to = data_folder.Append(pair.final_name);
+  if (base::ReplaceFile(from, to))
+    return true;
+  VLOG_AT(logging::LOG_FAILURE) << L"Replace file {" << to.value() << L"} with {" << from.value()
+                                << L"} FAILED, error code {" << base::GetLastSystemError()
+                                << L"}.";
+  return false;
+}
+
+bool DeleteWithLog(const base::FilePath& path) {
+  if (base::DeleteFile(path))
+    return true;
+  VLOG_AT(logging::LOG_FAILURE) << L"Delete file {" << path.value() << L"} FAILED, error code {"
+                                << base::GetLastSystemError() << L"}.";
+  return false;
+}
+
+}  // namespace
+
+bool CommitReplacement(const base::FilePath& data_folder,
+                       const std::function<void(const char*)>& step_done) {
+  auto done = [&](const char* step) {
+    if (step_done)
+      step_done(step);
+  };
+  // The record is written under another name and renamed into place: the
+  // rename makes its name durable (and the temporary files' names with it)
+  // before the first final file changes.
+  base::FilePath record = data_folder.Append(kRecordName);
+  base::FilePath record_new(record.value() + L".new");
+  std::string text;
+  for (const Replacement& pair : kPairs)
+    text += base::WideToUTF8(pair.temp_name) + " > " +
+            base::WideToUTF8(pair.final_name) + "\n";
+  if (!base::WriteFile(record_new, text) || !base::ReplaceFile(record_new, record)) {
+    VLOG_AT(logging::LOG_FAILURE) << L"Write file {" << record.value()
+                                  << L"} FAILED, error code {" << base::GetLastSystemError()
+                                  << L"}; no database is replaced.";
+    // Clean-up after the failure answered below.
+    (void)base::DeleteFile(record_new);
+    return false;
+  }
+  done("CommitRecord");
+  if (!Replace(data_folder, kPairs[0]))
+    return false;
+  done("ReplaceMusic");
+  if (!Replace(data_folder, kPairs[1]))
+    return false;
+  done("ReplacePlaylist");
+  bool removed = DeleteWithLog(record);
+  done("CommitDone");
+  return removed;
+}
+
+bool CompleteOrUndoReplacement(const base::FilePath& data_folder) {
+  base::FilePath record = data_folder.Append(kRecordName);
+  // Never renamed, so no commit; a leftover that stays is overwritten by the
+  // next commit record.
+  (void)base::DeleteFile(base::FilePath(record.value() + L".new"));
+  if (!base::PathExists(record)) {
+    for (const Replacement& pair : kPairs) {
+      base::FilePath temp = data_folder.Append(pair.temp_name);
+      base::FilePath encrypted(temp.value() + L".enc");
+      for (const base::FilePath& path : {temp, encrypted}) {
+        if (base::PathExists(path)) {
+          VLOG_AT(logging::LOG_FAILURE)
+              << L"File {" << path.value() << L"} of an interrupted build is deleted.";
+          DeleteWithLog(path);
+        }
+      }
+    }
+    return true;
+  }
+  VLOG_AT(logging::LOG_FAILURE) << L"File {" << record.value()
+                                << L"} found: completing an interrupted replacement.";
+  bool complete = true;
+  for (const Replacement& pair : kPairs) {
+    if (base::PathExists(data_folder.Append(pair.temp_name)))
+      complete = Replace(data_folder, pair) && complete;
+  }
+  return complete && DeleteWithLog(record);
+}

@@ -1,0 +1,40 @@
+#ifndef TOOLS_DATA_IMPORTER_TARGET_STORE_REPLACEMENT_COMMIT_H_
+#define TOOLS_DATA_IMPORTER_TARGET_STORE_REPLACEMENT_COMMIT_H_
+
+#include <functional>
+
+#include "base/file_path.h"
+
+// The two finished databases replace the final ones as one commit: either
+// both "VTMusicV3.db" and "playlistV3.db" end up holding the new content, or
+// neither changes. Two renames cannot be made atomic together, so a commit
+// record, "DatabaseReplace.commit" in the data folder, is made durable before
+// the first rename and removed after the second (the model is SQLite's hot
+// journal, rolled forward instead of back). A run interrupted between the
+// two renames leaves the record behind; the next run completes the renames
+// before it decides its task, so it never mistakes half a pair for a
+// finished import.
+//
+// The pairs, in order: "VTMusicV2.db.tmp" -> "VTMusicV3.db", then
+// "playlist.db.tmp" -> "playlistV3.db".
+
+// Writes the record, renames both files and removes the record. The caller
+// has verified both temporary files. |step_done|, when given, is told
+// "CommitRecord", "ReplaceMusic", "ReplacePlaylist" and "CommitDone" as each
+// step ends (tests stop the process there). False when a step fails; the
+// failure is logged, and a record that could be written stays so that the
+// next run completes the commit.
+[[nodiscard]] bool CommitReplacement(
+    const base::FilePath& data_folder,
+    const std::function<void(const char* step)>& step_done = nullptr);
+
+// Run at the start of every run, before the task decision. With a record:
+// renames whichever temporary file of the pair is still there over its final
+// file, in the pair order, then removes the record. Without one: deletes the
+// temporary files of an interrupted build ("VTMusicV2.db.tmp",
+// "playlist.db.tmp" and their ".enc" siblings), which were never verified.
+// Logs what it did. False when a record was found and could not be
+// completed (it is kept for the next run).
+[[nodiscard]] bool CompleteOrUndoReplacement(const base::FilePath& data_folder);
+
+#endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_REPLACEMENT_COMMIT_H_

@@ -1,0 +1,96 @@
+#ifndef TOOLS_DATA_IMPORTER_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_
+#define TOOLS_DATA_IMPORTER_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "base/file_path.h"
+#include "tools/data_importer/data_exporter.h"
+#include "tools/data_importer/target_store/import_records.h"
+
+// Imports a generation-7 installation: the database "VTData.db" in the
+// folder "Vantu7" of the roaming application-data folder (found whatever
+// the letter case of the names). The exporter copies it into the data
+// folder as "VT7Data.db", into the dated backup folder and to the
+// intermediate copy "DataImporter.db", and reads only its own copy; the
+// generation-7 folder is never written. A "VT7Data.db" left by an earlier
+// run is read again without looking at the generation-7 folder.
+//
+// ExportData answers 1 (with state 1) when there is no source, the copy
+// fails, the copy stays corrupt after one repair or holds no "FileItems";
+// otherwise 0. A table reader that fails reports its bit (4 music items,
+// 2 lists, 16 every other table) and the next reader still runs.
+class DbRowReader;
+
+class V7DataExporter : public DataExporter {
+ public:
+  explicit V7DataExporter(ImportModel* model);
+  ~V7DataExporter() override;
+
+  int32_t ExportData() override;
+  // The table summary of the generation-7 tables.
+  std::wstring Dump(const base::FilePath& path) override;
+  // <roaming application data>/Vantu7/VTData.db.
+  base::FilePath GetDatabasePath() override;
+
+ protected:
+  const wchar_t* LogTag() const override;
+
+ private:
+  // What the list readers need of an imported music item.
+  struct MusicEntry {
+    std::shared_ptr<ShareFileItem> file;
+    int mv_id = 0;           // "MVItemID": the item's MV, itself a music item
+    int play_count = 0;      // "PlayCount"
+    int64_t start_time = 0;  // "StartTime": a track's start inside its file
+  };
+
+  // <roaming application data>/Vantu7, its existing spelling when found.
+  base::FilePath Generation7Folder() const;
+
+  // Work copy, backup, intermediate copy and plug-in data; false when there
+  // is neither an earlier work copy nor a source that can be copied.
+  bool CopyDatabase();
+
+  // Settings, histories and skins. The generation-7 settings file and the
+  // other migrations are carried over by their own modules; until those are
+  // wired in, each of these does nothing.
+  void ReadLastPlayed();
+  void MigrateSettings();
+  void ReadLoginHistory();
+  void ReadSearchHistory();
+  void MigrateSkins();
+
+  // Table readers; false when the query cannot be run or, for the folder
+  // items and radio tables, when the table is absent.
+  bool ReadMusicItems();
+  bool ReadPlayLists();
+  void ReadListItems(int list_id);
+  bool ReadType5ListItems();
+  bool ReadUnfinishedDownloads();
+  bool ReadFinishedDownloads();
+  bool ReadShareFolders();
+  bool ReadFolderItems();
+  bool ReadPlayedRadioSongs();
+  bool ReadRadioChannels();
+  void ReadRadioSongs(const std::string& fm_id, int fm_type, int channel_id);
+  bool ReadDislikedRadioSongs();
+
+  // A list entry for |row|'s music item; null when the item was not
+  // imported.
+  std::shared_ptr<SongItem> MakeListEntry(DbRowReader& row) const;
+  void ClearLookups();
+
+  base::FilePath m_work_db;  // "VT7Data.db" in the data folder
+  // Music items by "FileItemID", filled by the music-item reader.
+  std::map<int, MusicEntry> m_music_items;
+  // Watched folders by "ShareFolderID", for the folder-item reader.
+  std::map<int, std::shared_ptr<ShareFolderItem>> m_share_folders;
+  int32_t m_next_radio_channel_id = 0;  // last id given to a radio channel
+  int32_t m_last_played_list = -1;      // from the settings file; -1 none
+  int32_t m_last_played_position = 0;   // entry index in that list
+};
+
+#endif  // TOOLS_DATA_IMPORTER_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_

@@ -1,0 +1,130 @@
+// vantu-import run as a program on a profile copied from a Windows machine:
+// its registry hive "NTUSER.DAT" names the generation-6 program by a Windows
+// path, and the host maps the drive to the copied volume.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/file_util.h"
+#include "testing/fixtures/generation6_fixture.h"
+#include "testing/fixtures/registry_hive_fixture.h"
+#include "testing/test_support.h"
+
+namespace {
+
+std::string Quote(const base::FilePath& path) { return "'" + path.AsUTF8Unsafe() + "'"; }
+
+class WindowsProfileTest : public testing::Test {
+ protected:
+  // A copied volume: "<volume>/Users/Bob" and, elsewhere on it, the program.
+  WindowsProfileTest() : volume_(dir_.path().Append(L"volume")) {
+    profile_ = volume_.Append(L"Users").Append(L"Bob");
+    EXPECT_TRUE(base::CreateDirectory(profile_.Append(L"AppData").Append(L"Local")));
+    EXPECT_TRUE(base::CreateDirectory(profile_.Append(L"AppData").Append(L"Roaming")));
+  }
+
+  // Writes a small generation-6 "V1" installation into |folder|.
+  void WriteInstallation(const base::FilePath& folder) {
+    V6V1Database db;
+    V6Music song;
+    song.id = 1;
+    song.title = L"Halo";
+    song.file_name = L"C:\\Music\\Halo.mp3";
+    song.hash = std::wstring(32, L'A');
+    db.music = {song};
+    db.lists = {{5, 0, L"Road", 0, 1}};
+    db.items = {{1, 5, 1, 0, 0}};
+    ASSERT_TRUE(db.Write(folder.Append(L"VTData.db")));
+    testing_support::WriteBytes(folder.Append(L"VanTa6.exe"), "MZ");
+  }
+
+  void WriteHive(const base::FilePath& file, const std::wstring& program, uint32_t type) {
+    testing_support::WriteBytes(
+        file, BuildRegistryHive({{L"Software\\VanTa6", {{L"AppFileName", program, type}}}}));
+  }
+
+  // Runs vantu-import with |args| in a clean environment; answers its exit
+  // status and keeps its output.
+  int Run(const std::string& args) {
+    std::string command =
+        "env -u VANTU_REGISTRY_FILE -u LOCALAPPDATA -u APPDATA -u USERPROFILE "
+        "HOME=" + Quote(dir_.path()) + " " VANTU_BINARY_DIR "/vantu-import --quiet " + args +
+        " 2>&1";
+    int status = testing_support::RunCommand(command, "", &output_);
+    return status;
+  }
+
+  bool Imported() const {
+    return base::PathExists(profile_.Append(L"AppData/Local/VanTu8/VTMusicV3.db")) &&
+           base::PathExists(profile_.Append(L"AppData/Local/VanTu8/playlistV3.db"));
+  }
+
+  testing_support::ScopedTempDir dir_;
+  base::FilePath volume_;
+  base::FilePath profile_;
+  std::string output_;
+};
+
+// The program folder is written in another letter case than the registry's
+// path, as a copy from a case-insensitive volume may be.
+TEST_F(WindowsProfileTest, HiveAndDefaultDriveFromTheCopiedVolume) {
+  WriteInstallation(volume_.Append(L"program files").Append(L"vanta6"));
+  WriteHive(profile_.Append(L"ntuser.dat"), L"C:\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
+  EXPECT_TRUE(Imported()) << output_;
+}
+
+TEST_F(WindowsProfileTest, DriveOptionAndExpandedValue) {
+  // The program on another copied drive, named through --drive.
+  base::FilePath drive_d = dir_.path().Append(L"drive d");
+  WriteInstallation(drive_d.Append(L"Apps").Append(L"VanTa6"));
+  WriteHive(profile_.Append(L"NTUSER.DAT"), L"D:\\Apps\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
+  EXPECT_FALSE(Imported()) << "drive D has no folder: the program is not found";
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_) + " --drive d=" + Quote(drive_d))) << output_;
+  EXPECT_TRUE(Imported()) << output_;
+}
+
+TEST_F(WindowsProfileTest, ExpandedValueInsideTheProfile) {
+  WriteInstallation(profile_.Append(L"Apps").Append(L"VanTa6"));
+  WriteHive(profile_.Append(L"NTUSER.DAT"), L"%USERPROFILE%\\Apps\\VanTa6\\VanTa6.exe",
+            kHiveRegExpandSz);
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
+  EXPECT_TRUE(Imported()) << output_;
+}
+
+// The player's "i" switch with a Windows path, and the library files there.
+TEST_F(WindowsProfileTest, SourceFolderSwitchWithAWindowsPath) {
+  base::FilePath drive_e = dir_.path().Append(L"e");
+  V6V2Library library;
+  library.lists = {{3, 0, L"Old", 0, 1}};
+  library.items = {{1, 3, L"E:\\Music", L"a.mp3", L"A", std::wstring(32, L'B')}};
+  library.downloads = {{0, std::wstring(32, L'B'), L"E:\\Down\\a.mp3", true}};
+  ASSERT_TRUE(library.Write(drive_e.Append(L"Old Player").Append(L"VTLibrary.db")));
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_) + " --drive E=" + Quote(drive_e) +
+                   " '--i=E:\\Old Player'"))
+      << output_;
+  EXPECT_TRUE(Imported()) << output_;
+}
+
+TEST_F(WindowsProfileTest, DamagedHiveAndBadDrivesAreUsageErrors) {
+  base::FilePath hive = dir_.path().Append(L"NTUSER.DAT");
+  std::string bytes = BuildRegistryHive({{L"Software\\VanTa6", {{L"AppFileName", L"x"}}}});
+  testing_support::WriteBytes(hive, bytes.substr(0, 5000));
+  EXPECT_EQ(2, Run("--profile " + Quote(profile_) + " --registry " + Quote(hive)));
+  EXPECT_NE(std::string::npos, output_.find("registry file " + hive.AsUTF8Unsafe() + ": "))
+      << output_;
+  EXPECT_FALSE(base::PathExists(profile_.Append(L"AppData/Local/VanTu8")));
+
+  // Found in the profile rather than named: the same error.
+  testing_support::WriteBytes(profile_.Append(L"NTUSER.DAT"), "regf and nothing more");
+  EXPECT_EQ(2, Run("--profile " + Quote(profile_)));
+
+  EXPECT_EQ(2, Run("--drive C"));
+  EXPECT_EQ(2, Run("--drive 1=/tmp"));
+  EXPECT_EQ(2, Run("--drive C=" + Quote(dir_.path().Append(L"absent"))));
+  EXPECT_NE(std::string::npos, output_.find("is not a folder")) << output_;
+}
+
+}  // namespace
