@@ -51,7 +51,7 @@ TEST_F(RegistryTest, BinaryHive) {
          {L"Count", L"7", kHiveRegDword},
          {L"\u540d", L"\u4e2d\u6587\U0001F600"}}},
        {L"Software\\VanTa", {}}});
-  EXPECT_TRUE(WriteFile(file_, hive));
+  testing_support::WriteBytes(file_, hive);
 
   // The fixture is a hive that other readers accept too.
   std::string output;
@@ -78,7 +78,7 @@ TEST_F(RegistryTest, BinaryHive) {
   // A truncated or overwritten hive reads as no registry and is reported.
   for (const std::string& damaged :
        {hive.substr(0, 4096 + 64), hive.substr(0, 3000), std::string("regf") + std::string(8000, '\x5a')}) {
-    EXPECT_TRUE(WriteFile(file_, damaged));
+    testing_support::WriteBytes(file_, damaged);
     EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"AppFileName"));
     reason.clear();
     EXPECT_FALSE(CheckRegistryFile(file_, &reason));
@@ -86,7 +86,7 @@ TEST_F(RegistryTest, BinaryHive) {
   }
   std::string flipped = hive;
   flipped[0x24] ^= 0x10;  // the root offset, without fixing the checksum
-  EXPECT_TRUE(WriteFile(file_, flipped));
+  testing_support::WriteBytes(file_, flipped);
   EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"AppFileName"));
   EXPECT_FALSE(CheckRegistryFile(dir_.path().Append(L"absent.dat"), &reason));
 }
@@ -95,19 +95,18 @@ TEST_F(RegistryTest, BinaryHive) {
 // byte-order mark and CRLF line ends, REG_EXPAND_SZ as "hex(2):" bytes over
 // continued lines.
 TEST_F(RegistryTest, RegistryEditorExport) {
-  EXPECT_TRUE(WriteFile(
-      file_,
-      Utf16Bytes(u"\uFEFFWindows Registry Editor Version 5.00\r\n\r\n"
-                 u"[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n"
-                 // "%USERPROFILE%\A" in UTF-16LE, split over three lines.
-                 u"\"Path\"=hex(2):25,00,55,00,53,00,45,00,52,00,50,00,52,00,4f,00,46,00,\\\r\n"
-                 u"  49,00,4c,00,45,00,25,00,5c,00,41,00,\\\r\n"
-                 u"  00,00\r\n"
-                 u"\"Sz\"=hex(1):41,00,42,00,00,00\r\n"
-                 u"\"Bad\"=hex(2):4x,00\r\n"
-                 u"\"Number\"=dword:00000007\r\n"
-                 u"\"Quoted\"=\"ends with \\\\\"\r\n"
-                 u"\"After\"=\"still read\"\r\n")));
+  testing_support::WriteBytes(file_,
+            Utf16Bytes(u"\uFEFFWindows Registry Editor Version 5.00\r\n\r\n"
+                       u"[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n"
+                       // "%USERPROFILE%\A" in UTF-16LE, split over three lines.
+                       u"\"Path\"=hex(2):25,00,55,00,53,00,45,00,52,00,50,00,52,00,4f,00,46,00,\\\r\n"
+                       u"  49,00,4c,00,45,00,25,00,5c,00,41,00,\\\r\n"
+                       u"  00,00\r\n"
+                       u"\"Sz\"=hex(1):41,00,42,00,00,00\r\n"
+                       u"\"Bad\"=hex(2):4x,00\r\n"
+                       u"\"Number\"=dword:00000007\r\n"
+                       u"\"Quoted\"=\"ends with \\\\\"\r\n"
+                       u"\"After\"=\"still read\"\r\n"));
   EXPECT_EQ(L"/profiles/bob\\A", Read(L"Software\\VanTa6", L"Path"));
   EXPECT_EQ(L"AB", Read(L"Software\\VanTa6", L"Sz"));
   EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"Bad"));

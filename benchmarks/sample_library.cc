@@ -3,9 +3,12 @@
 #include <sys/resource.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cwchar>
 #include <random>
 #include <string>
+
+#include "tools/data_importer/source_reader_util.h"
 
 namespace {
 
@@ -67,13 +70,7 @@ void FillSampleLibrary(ImportModel* model, int files, int lists, int entries, in
       const ShareFileItem& file = *model->m_share_files[random() % files];
       auto song = std::make_shared<SongItem>();
       song->SongID = ++song_id;
-      song->music_file_id = file.old_id;
-      song->TitleName = file.FileNamePure;
-      song->Singer = file.Artist;
-      song->MusicFilePath = file.FileName;
-      song->MusicFileHash = file.MD5;
-      song->MusicFileSize = file.FileSize;
-      song->MusicFileDuration = file.Duration;
+      FillSongFromFile(file, song.get());
       song->SortID = e;
       song->CreationTime = 1300000000 + e;
       songs.push_back(song);
@@ -100,4 +97,26 @@ double PeakMemoryMegabytes() {
   rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
   return usage.ru_maxrss / 1024.0;
+}
+
+bool ResetPeakMemory() {
+  std::FILE* file = std::fopen("/proc/self/clear_refs", "w");
+  if (!file)
+    return false;
+  bool written = std::fputs("5", file) >= 0;
+  return std::fclose(file) == 0 && written;
+}
+
+double PeakMemorySinceResetMegabytes() {
+  std::FILE* file = std::fopen("/proc/self/status", "r");
+  if (!file)
+    return 0;
+  char line[256];
+  long kilobytes = 0;
+  while (std::fgets(line, sizeof(line), file)) {
+    if (std::sscanf(line, "VmHWM: %ld kB", &kilobytes) == 1)
+      break;
+  }
+  std::fclose(file);
+  return kilobytes / 1024.0;
 }

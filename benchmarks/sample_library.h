@@ -15,4 +15,13 @@ void FillSampleLibrary(ImportModel* model, int files, int lists, int entries, in
 // (--benchmark_filter) for a figure of its own.
 double PeakMemoryMegabytes();
 
+// Starts a new high-water mark of this process's resident memory at its
+// present size (Linux: "5" written to /proc/self/clear_refs); false when the
+// system does not allow it.
+[[nodiscard]] bool ResetPeakMemory();
+
+// The resident high-water mark since the last ResetPeakMemory (VmHWM of
+// /proc/self/status), in megabytes; 0 when it cannot be read.
+double PeakMemorySinceResetMegabytes();
+
 #endif  // BENCHMARKS_SAMPLE_LIBRARY_H_

@@ -24,6 +24,19 @@ std::string Quote(const std::string& text) {
   return out;
 }
 
+// The first text column of the first row of |sql|, empty when none.
+std::string QueryText(sqlite3* db, const char* sql) {
+  std::string text;
+  sqlite3_stmt* stmt = nullptr;
+  if (sqlite3_prepare_v2(db, sql, -1, &stmt, nullptr) == SQLITE_OK &&
+      sqlite3_step(stmt) == SQLITE_ROW) {
+    if (const unsigned char* value = sqlite3_column_text(stmt, 0))
+      text = reinterpret_cast<const char*>(value);
+  }
+  sqlite3_finalize(stmt);
+  return text;
+}
+
 }  // namespace
 
 StatementRef::StatementRef(Connection* connection, sqlite3_stmt* stmt)
@@ -76,7 +89,7 @@ bool Connection::OpenInternal(const base::FilePath& path, const std::string* key
   path_ = resolved;
   if (key) {
     // The passphrase exactly as "PRAGMA key = '<key>'" gives it.
-    if (!Execute(("PRAGMA key = " + Quote(*key)).c_str())) {
+    if (!Execute(("PRAGMA key = " + Quote(*key)).c_str()) || !PinCipherFormat("main")) {
       Close();
       return false;
     }
@@ -92,6 +105,25 @@ bool Connection::OpenInternal(const base::FilePath& path, const std::string* key
     return false;
   }
   return true;
+}
+
+bool Connection::PinCipherFormat(const char* schema) {
+  // The version-3 files use the parameters that were the library's defaults
+  // on its 3.x line: 1024-byte pages, 64000 rounds of PBKDF2-HMAC-SHA1 for
+  // the key, an HMAC-SHA1 per page. Later lines changed the defaults, so they
+  // are set here rather than assumed; from 4.0 on one compatibility setting
+  // stands for all of them. Files keep opening with the passphrase alone in
+  // a 3.x tool.
+  std::string version = QueryText(db_, "PRAGMA cipher_version");
+  std::string prefix = std::string("PRAGMA ") + schema + ".";
+  if (version.empty())
+    return false;  // no page encryption in this engine
+  if (version[0] == '3' && version.size() > 1 && version[1] == '.') {
+    return Execute((prefix + "cipher_page_size = 1024; " + prefix + "kdf_iter = 64000; " +
+                    prefix + "cipher_use_hmac = ON;")
+                       .c_str());
+  }
+  return Execute((prefix + "cipher_compatibility = 3").c_str());
 }
 
 bool Connection::ApplySettings() {
@@ -220,6 +252,12 @@ bool Connection::DbEncrypt(const std::wstring& key) {
                        " AS vantu_encrypted KEY " + Quote(utf8_key);
   if (!Execute(attach.c_str())) {
     // Clean-up after the failure answered below.
+    (void)base::DeleteFile(encrypted);
+    return false;
+  }
+  if (!PinCipherFormat("vantu_encrypted")) {
+    // Clean-up after the failure answered below.
+    (void)Execute("DETACH DATABASE vantu_encrypted");
     (void)base::DeleteFile(encrypted);
     return false;
   }

@@ -42,9 +42,11 @@ class Connection {
   [[nodiscard]] bool Open(const base::FilePath& path);
 
   // Opens an encrypted database with |key| as the SQLCipher passphrase,
-  // exactly as "PRAGMA key = '<key>'" gives it, with the library's default
-  // cipher settings. The key is checked by reading the schema: a wrong key,
-  // or a plain file, answers false and leaves the connection closed.
+  // exactly as "PRAGMA key = '<key>'" gives it, in the version-3 file format
+  // (the cipher parameters of the SQLCipher 3.x line, set explicitly, so
+  // that a later library reads the same files). The key is checked by
+  // reading the schema: a wrong key, or a plain file, answers false and
+  // leaves the connection closed.
   // |create_if_missing| false refuses a file that does not exist.
   [[nodiscard]] bool OpenWithKey(const base::FilePath& path, const std::wstring& key,
                                  bool create_if_missing = false);
@@ -75,10 +77,10 @@ class Connection {
   // Turns the open plain database into one encrypted with |key| in place and
   // leaves the connection open on it: the content is exported into a sibling
   // file "<path>.enc" (inside one transaction), the connection closed, the
-  // sibling renamed over the file and reopened with the key. The result opens
-  // with the stock sqlcipher tool and "PRAGMA key = '<key>'" alone (default
-  // cipher page size). False when the database is not open, the export or the
-  // rename fails; the original file is then unchanged (and stays open when
+  // sibling renamed over the file and reopened with the key. The result is
+  // written in the version-3 file format whatever the library's defaults,
+  // and opens with a 3.x sqlcipher tool and "PRAGMA key = '<key>'" alone.
+  // False when the database is not open, the export or the rename fails; the original file is then unchanged (and stays open when
   // it can be reopened).
   [[nodiscard]] bool DbEncrypt(const std::wstring& key);
 
@@ -98,6 +100,9 @@ class Connection {
   [[nodiscard]] bool OpenInternal(const base::FilePath& path, const std::string* key,
                                   bool create_if_missing);
   [[nodiscard]] bool ApplySettings();
+  // Sets the cipher parameters of the version-3 format on database |schema|
+  // ("main" or an attached alias), before its first page is read.
+  [[nodiscard]] bool PinCipherFormat(const char* schema);
 
   sqlite3* db_ = nullptr;
   base::FilePath path_;

@@ -66,6 +66,40 @@ TEST(ConnectionTest, DbEncryptEndToEnd) {
   EXPECT_NE(std::string::npos, output.find("500")) << output;
 }
 
+// The file format does not follow the library's defaults: with other
+// process-wide defaults (as a later library line brings), files are still
+// written in the version-3 format that a separate 3.x tool reads with the
+// passphrase alone, and our own connections still read them.
+TEST(ConnectionTest, CipherFormatIsPinned) {
+  testing_support::ScopedTempDir dir;
+  Connection settings;
+  ASSERT_TRUE(settings.Open(dir.path().Append(L"settings.db")));
+  ASSERT_TRUE(settings.Execute("PRAGMA cipher_default_kdf_iter = 4000;"
+                               "PRAGMA cipher_default_page_size = 4096;"
+                               "PRAGMA cipher_default_use_hmac = OFF;"));
+  base::FilePath path = dir.path().Append(L"pinned.db");
+  {
+    Connection db;
+    ASSERT_TRUE(db.Open(path));
+    ASSERT_TRUE(db.Execute("CREATE TABLE T(x); INSERT INTO T VALUES (41), (42)"));
+    ASSERT_TRUE(db.DbEncrypt(kKey));
+    Statement page_size(db.GetUniqueStatement("PRAGMA cipher_page_size"));
+    ASSERT_TRUE(page_size.Step());
+    EXPECT_EQ("1024", page_size.ColumnString(0));
+  }
+  Connection reader;
+  bool reopened = reader.OpenWithKey(path, kKey);
+  ASSERT_TRUE(settings.Execute("PRAGMA cipher_default_kdf_iter = 64000;"
+                               "PRAGMA cipher_default_page_size = 1024;"
+                               "PRAGMA cipher_default_use_hmac = ON;"));
+  EXPECT_TRUE(reopened);
+  int status = 0;
+  std::string output = SqlcipherQuery(path, "PRAGMA key = '3C5A0F1E9D2B47A6B8E1C4D7F0A29B63';\n",
+                                      "SELECT sum(x) FROM T;", &status);
+  EXPECT_EQ(0, status);
+  EXPECT_NE(std::string::npos, output.find("83")) << output;
+}
+
 TEST(ConnectionTest, NestedTransactionsCommitOnceAndRollBackWhole) {
   testing_support::ScopedTempDir dir;
   Connection db;

@@ -8,6 +8,8 @@
 #include <fstream>
 #include <sstream>
 
+#include <gtest/gtest.h>
+
 #include "base/utf_string_conversions.h"
 
 namespace testing_support {
@@ -82,6 +84,22 @@ std::string ReadBytes(const base::FilePath& path) {
 void WriteBytes(const base::FilePath& path, const std::string& bytes) {
   std::ofstream out(path.AsUTF8Unsafe(), std::ios::binary | std::ios::trunc);
   out << bytes;
+}
+
+void DamageDatabasePage(const base::FilePath& path, int page, size_t offset, size_t length) {
+  std::string bytes = ReadBytes(path);
+  size_t at = static_cast<size_t>(page - 1) * 4096 + offset;
+  ASSERT_LT(at + length, bytes.size());
+  for (size_t i = 0; i < length; ++i)
+    bytes[at + i] = static_cast<char>(0xA5 ^ i);
+  WriteBytes(path, bytes);
+}
+
+void ForgetFreePages(const base::FilePath& path) {
+  std::string bytes = ReadBytes(path);
+  ASSERT_GE(bytes.size(), 40u);
+  bytes.replace(32, 8, std::string(8, '\0'));
+  WriteBytes(path, bytes);
 }
 
 std::string UTF16Bytes(std::wstring_view text, bool big_endian) {

@@ -48,6 +48,12 @@ int RunCommand(const std::string& command, const std::string& input, std::string
 std::string ReadBytes(const base::FilePath& path);
 void WriteBytes(const base::FilePath& path, const std::string& bytes);
 
+// Damage done to a database file with 4096-byte pages, for tests of repair.
+// Overwrites |length| bytes at |offset| of page |page| (counted from 1).
+void DamageDatabasePage(const base::FilePath& path, int page, size_t offset, size_t length);
+// Forgets the list of free pages in the file header: those pages are then
+// never used, which the integrity check reports and one VACUUM repairs.
+void ForgetFreePages(const base::FilePath& path);
 // |text| as UTF-16 code units in little- or big-endian byte order, without a
 // byte-order mark.
 std::string UTF16Bytes(std::wstring_view text, bool big_endian);

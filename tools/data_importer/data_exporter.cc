@@ -94,6 +94,13 @@ void ReadProgressTicker::Tick() {
   }
 }
 
+int64_t CountRows(sql::Connection& db, const char* table) {
+  if (!db.is_open())
+    return 0;
+  DbRowReader row(db, (boost::format("SELECT COUNT(*) AS RowTotal FROM %s") % table).str());
+  return row.Step() ? row.GetInt64("RowTotal") : 0;
+}
+
 std::wstring DumpTableSummary(const base::FilePath& path, const DumpTableList& tables) {
   if (!base::PathExists(path))
     return L"{" + path.value() + L"} do not exists.";

@@ -119,6 +119,10 @@ class ReadProgressTicker {
   int tenths_ = 0;
 };
 
+// The number of rows of |table| in |db|, the total of a ReadProgressTicker
+// over it; 0 when the table cannot be counted.
+int64_t CountRows(sql::Connection& db, const char* table);
+
 // Pairs of (table, counted column) for DumpTableSummary.
 using DumpTableList = std::vector<std::pair<const char*, const char*>>;
 

@@ -4,6 +4,7 @@
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
 #include "tools/data_importer/v7_data_exporter/v7_data_exporter.h"
+#include "tools/data_importer/v8_data_exporter/v8_data_exporter.h"
 #include "tools/data_importer/vt2008_data_exporter/vt2008_data_exporter.h"
 
 namespace {
@@ -36,6 +37,8 @@ std::unique_ptr<DataExporter> CreateExporter(int import_kind, ImportModel* model
       return std::make_unique<V6DataExporter>(model);
     case ProgressRecord::kKindGeneration7:
       return std::make_unique<V7DataExporter>(model);
+    case ProgressRecord::kKindCurrent:
+      return std::make_unique<V8DataExporter>(model);
     default:
       return std::make_unique<UnavailableDataExporter>(model, import_kind);
   }

@@ -43,6 +43,10 @@ inline constexpr wchar_t kKeySourceEmpty[] = L"BeforceImportEmpty";
 inline constexpr wchar_t kKeyForceDeleteDb[] = L"ForceDeleteDb";
 inline constexpr wchar_t kKeyImportStart[] = L"ImportStart";
 
+// Section of the settings file holding the settings carried over from older
+// generations (keys listed in README.md).
+inline constexpr wchar_t kSettingsSection[] = L"Settings";
+
 // Failure bits of "ImportState".
 enum StateBits : uint32_t {
   kStateNotStarted = 1,    // the source or the build's first stage failed

@@ -1,8 +1,12 @@
 #include "tools/data_importer/importer_test_util.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <cstdio>
 
 #include "base/file_util.h"
+#include "base/md5.h"
 #include "base/profile_string.h"
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
@@ -35,6 +39,10 @@ std::wstring TestProfile::DBCheck(const std::wstring& key) const {
   return base::GetPrivateProfileStringW(L"DBCheck", key, L"#missing#", ini().value());
 }
 
+std::wstring TestProfile::Setting(const std::wstring& key) const {
+  return base::GetPrivateProfileStringW(L"Settings", key, L"#missing#", ini().value());
+}
+
 void TestProfile::Touch(const base::FilePath& path) {
   EXPECT_TRUE(base::CreateDirectory(path.DirName()));
   EXPECT_TRUE(base::WriteFile(path, std::string()));
@@ -56,4 +64,73 @@ std::string StoredSchema(sql::Connection* db, const std::string& table) {
   std::vector<std::string> rows =
       QueryRows(db, "SELECT sql FROM sqlite_master WHERE type='table' AND name='" + table + "'");
   return rows.empty() ? std::string() : rows[0];
+}
+
+std::string FolderFingerprint(const base::FilePath& folder) {
+  std::string all;
+  base::FileEnumerator files(folder, L"*");
+  for (base::FilePath file = files.Next(); !file.empty(); file = files.Next()) {
+    std::string bytes;
+    base::ReadFileToString(file, &bytes);
+    all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
+  }
+  return all;
+}
+
+std::vector<std::string> TableNames(sql::Connection* db) {
+  return QueryRows(db, "SELECT name FROM sqlite_master WHERE type='table' ORDER BY name");
+}
+
+std::vector<std::string> TypedRows(sql::Connection* db, const std::string& table) {
+  std::vector<std::string> rows;
+  sqlite3_stmt* stmt = nullptr;
+  std::string query = "SELECT * FROM \"" + table + "\" ORDER BY rowid";
+  if (sqlite3_prepare_v2(db->db(), query.c_str(), -1, &stmt, nullptr) != SQLITE_OK) {
+    rows.push_back("#invalid: " + query);
+    return rows;
+  }
+  while (sqlite3_step(stmt) == SQLITE_ROW) {
+    std::string row;
+    for (int i = 0; i < sqlite3_column_count(stmt); ++i) {
+      if (i)
+        row += '|';
+      switch (sqlite3_column_type(stmt, i)) {
+        case SQLITE_NULL:
+          row += "NULL";
+          break;
+        case SQLITE_INTEGER:
+          row += "i:" + std::to_string(sqlite3_column_int64(stmt, i));
+          break;
+        case SQLITE_FLOAT: {
+          char buffer[64];
+          std::snprintf(buffer, sizeof(buffer), "r:%a", sqlite3_column_double(stmt, i));
+          row += buffer;
+          break;
+        }
+        case SQLITE_TEXT:
+          row += "t:'" + std::string(reinterpret_cast<const char*>(sqlite3_column_text(stmt, i)),
+                                     sqlite3_column_bytes(stmt, i)) + "'";
+          break;
+        default:
+          row += "b:" + std::to_string(sqlite3_column_bytes(stmt, i));
+      }
+    }
+    rows.push_back(row);
+  }
+  sqlite3_finalize(stmt);
+  return rows;
+}
+
+bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& key,
+                         const base::FilePath& plain) {
+  sql::Connection db;
+  if (!db.OpenWithKey(encrypted, key))
+    return false;
+  // An empty file is an empty database; the connection, opened without the
+  // right to create files, could not attach a missing one.
+  if (!base::WriteFile(plain, std::string()))
+    return false;
+  std::string attach = "ATTACH DATABASE '" + plain.AsUTF8Unsafe() + "' AS plain KEY ''";
+  return db.Execute(attach.c_str()) && db.Execute("SELECT sqlcipher_export('plain')") &&
+         db.Execute("DETACH DATABASE plain");
 }

@@ -29,6 +29,8 @@ class TestProfile {
 
   // A value of section "DBCheck", "#missing#" when the key is absent.
   std::wstring DBCheck(const std::wstring& key) const;
+  // A value of section "Settings", "#missing#" when the key is absent.
+  std::wstring Setting(const std::wstring& key) const;
 
   // Creates an empty file (and its folder).
   static void Touch(const base::FilePath& path);
@@ -48,7 +50,25 @@ class Connection;
 // (a NULL reads as empty).
 std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query);
 
+// One line per file directly in |folder|: its name and the MD5 of its bytes,
+// to tell whether a folder was left exactly as it was.
+std::string FolderFingerprint(const base::FilePath& folder);
+
 // The CREATE TABLE text SQLite stored for |table|, empty when absent.
 std::string StoredSchema(sql::Connection* db, const std::string& table);
+
+// The names of the tables of |db|, sorted.
+std::vector<std::string> TableNames(sql::Connection* db);
+
+// Every row of |table| in row order, each value with its storage class:
+// "NULL", "i:<integer>", "r:<real in hexadecimal, exact>", "t:'<text>'" or
+// "b:<length>", joined by "|". Two tables hold the same rows exactly when
+// their answers are equal.
+std::vector<std::string> TypedRows(sql::Connection* db, const std::string& table);
+
+// Writes the plain copy of the encrypted database |encrypted| (opened with
+// |key|) to |plain|; false when either cannot be opened.
+bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& key,
+                         const base::FilePath& plain);
 
 #endif  // TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_

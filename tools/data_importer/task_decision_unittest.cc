@@ -34,6 +34,19 @@ TEST_F(TaskDecisionTest, CurrentGenerationFilesComeFirst) {
   EXPECT_EQ(L"updatevantu8", Decide());
 }
 
+// The older files of this generation are found in any letter case, each on
+// its own.
+TEST_F(TaskDecisionTest, CurrentGenerationFilesInAnyLetterCase) {
+  for (const wchar_t* name : {L"VTMUSIC.DB", L"vtmusic.db", L"Vantu.DB", L"VANTU.db"}) {
+    TestProfile::Touch(Data(name));
+    EXPECT_EQ(L"importvantu8", Decide()) << name;
+    EXPECT_EQ(4, ImportKindOfTask(Decide()));
+    base::DeleteFile(Data(name));
+  }
+  TestProfile::Touch(Data(L"vantu.db.old"));
+  EXPECT_EQ(L"", Decide());
+}
+
 TEST_F(TaskDecisionTest, EarlierGenerationsInOrder) {
   // The 2008 edition is found only when no generation-6 source exists.
   base::FilePath program2008 = profile_.root().Append(L"VanTa").Append(L"VanTa.exe");

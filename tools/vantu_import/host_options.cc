@@ -23,8 +23,9 @@ const char kHostUsage[] =
     "                         Users\n"
     "  --drive C=DIR          the folder standing for Windows drive C: (repeatable)\n"
     "  --i=DIR                folder of an older installation to import from\n"
-    "  --demo                 build a sample user profile in a temporary folder\n"
-    "                         and import it\n"
+    "  --demo[=7|6]           build a sample user profile in a temporary folder\n"
+    "                         holding a generation-7 (default) or generation-6\n"
+    "                         installation, and import it\n"
     "  --quiet                print only the outcome\n"
     "  --help                 this text\n"
     "\n"
@@ -64,8 +65,13 @@ bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, s
       options->quiet = true;
     } else if (arg == "--help" || arg == "-h") {
       options->help = true;
-    } else if (arg == "--demo") {
-      options->demo = true;
+    } else if (arg == "--demo" || arg == "--demo=7") {
+      options->demo = 7;
+    } else if (arg == "--demo=6") {
+      options->demo = 6;
+    } else if (arg.rfind("--demo=", 0) == 0) {
+      *error = "option --demo takes 7 or 6, not \"" + arg.substr(7) + "\"";
+      return false;
     } else if (arg.rfind("--i=", 0) == 0) {
       options->source = arg.substr(4);
     } else if (TakeValue(argc, argv, &i, "--local-appdata", &options->local_appdata, &missing) ||

@@ -18,11 +18,13 @@ struct HostOptions {
   std::vector<std::string> drives;
   bool quiet = false;
   bool help = false;
-  bool demo = false;
+  // --demo[=GENERATION]: 0 no demo, else the generation of the sample
+  // installation (7 by default, 6 on request).
+  int demo = 0;
 };
 
-// Parses argv. Answers false and sets |error| for an unknown option or a
-// missing value. Options take their value as "--opt DIR" or "--opt=DIR".
+// Parses argv. Answers false and sets |error| for an unknown option, a
+// missing value or a demo generation other than 6 or 7. Options take their value as "--opt DIR" or "--opt=DIR".
 bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, std::string* error);
 
 // Completes the options of a copied Windows profile and checks the files

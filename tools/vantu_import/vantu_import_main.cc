@@ -128,7 +128,7 @@ int main(int argc, char** argv) {
       return 2;
     }
     base::FilePath root = base::FilePath::FromUTF8Unsafe(folder);
-    base::FilePath registry = BuildDemoProfile(root, &error);
+    base::FilePath registry = BuildDemoProfile(root, options.demo, &error);
     if (registry.empty()) {
       std::fprintf(stderr, "vantu-import: demo profile: %s\n", error.c_str());
       return 2;

@@ -21,13 +21,21 @@ TEST(HostOptionsTest, ValuesInBothFormsAndBadUsage) {
   EXPECT_EQ("/r.reg", options.registry);
   EXPECT_EQ("/old player", options.source);
   EXPECT_TRUE(options.quiet);
-  EXPECT_FALSE(options.demo);
+  EXPECT_EQ(0, options.demo);
+
+  HostOptions demo;
+  ASSERT_TRUE(Parse({"--demo"}, &demo, &error));
+  EXPECT_EQ(7, demo.demo);
+  ASSERT_TRUE(Parse({"--demo=6"}, &demo, &error));
+  EXPECT_EQ(6, demo.demo);
 
   HostOptions bad;
   EXPECT_FALSE(Parse({"--profile"}, &bad, &error));
   EXPECT_EQ("option --profile needs a value", error);
   EXPECT_FALSE(Parse({"--local-appdatax=/a"}, &bad, &error));
   EXPECT_EQ("unknown option --local-appdatax=/a", error);
+  EXPECT_FALSE(Parse({"--demo=8"}, &bad, &error));
+  EXPECT_EQ("option --demo takes 7 or 6, not \"8\"", error);
 }
 
 TEST(RunOutcomeTest, StateBitsInWordsAndExitStatus) {

@@ -39,16 +39,6 @@ int RootPage(const base::FilePath& path, const std::string& name) {
   return s.Step() ? s.ColumnInt(0) : 0;
 }
 
-// Overwrites |length| bytes at |offset| of page |page| (4096-byte pages).
-void DamagePage(const base::FilePath& path, int page, size_t offset, size_t length) {
-  std::string bytes = testing_support::ReadBytes(path);
-  size_t at = static_cast<size_t>(page - 1) * 4096 + offset;
-  ASSERT_LT(at + length, bytes.size());
-  for (size_t i = 0; i < length; ++i)
-    bytes[at + i] = static_cast<char>(0xA5 ^ i);
-  testing_support::WriteBytes(path, bytes);
-}
-
 TEST(DatabaseHelperTest, HealthyAndReadOnlyFilesOpen) {
   ScopedTempDir dir;
   base::FilePath path = dir.path().Append(L"healthy.db");
@@ -74,11 +64,7 @@ TEST(DatabaseHelperTest, RepairsWhatVacuumCanAndClosesTheRest) {
     ASSERT_TRUE(raw.Open(lost_pages));
     ASSERT_TRUE(raw.Execute("DELETE FROM Songs WHERE id > 2000"));
   }
-  // Forget the free-page list in the file header: its pages are now
-  // never used, which the integrity check reports.
-  std::string bytes = testing_support::ReadBytes(lost_pages);
-  bytes.replace(32, 8, std::string(8, '\0'));
-  testing_support::WriteBytes(lost_pages, bytes);
+  testing_support::ForgetFreePages(lost_pages);
   {
     sql::Connection raw;
     ASSERT_TRUE(raw.Open(lost_pages));
@@ -94,7 +80,7 @@ TEST(DatabaseHelperTest, RepairsWhatVacuumCanAndClosesTheRest) {
 
   base::FilePath table_damaged = dir.path().Append(L"table.db");
   MakeDatabase(table_damaged);
-  DamagePage(table_damaged, RootPage(table_damaged, "Songs"), 0, 64);
+  testing_support::DamageDatabasePage(table_damaged, RootPage(table_damaged, "Songs"), 0, 64);
   DatabaseHelper broken;
   EXPECT_FALSE(broken.OpenAndCheck(table_damaged));
   EXPECT_FALSE(broken.connection()->is_open());

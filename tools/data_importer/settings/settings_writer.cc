@@ -139,7 +139,7 @@ bool WriteImportedSettings(const std::vector<ImportedSettings>& records,
   bool all_written = true;
   for (const ImportedSettings& record : records) {
     for (const auto& [key, value] : SettingsEntries(record)) {
-      if (!base::WritePrivateProfileStringW(kSettingsSection, key.c_str(), value.c_str(),
+      if (!base::WritePrivateProfileStringW(importer_names::kSettingsSection, key.c_str(), value.c_str(),
                                             ini_path.value().c_str()))
         all_written = false;
     }

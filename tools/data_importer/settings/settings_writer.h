@@ -6,11 +6,8 @@
 #include <vector>
 
 #include "base/file_path.h"
+#include "tools/data_importer/importer_names.h"
 #include "tools/data_importer/settings/imported_settings.h"
-
-// The section of the current generation's "Vantu.ini" that holds the
-// settings carried over from older generations.
-inline constexpr wchar_t kSettingsSection[] = L"Settings";
 
 // The keys and values one record writes, in field order. Keys are the field
 // names, arrays expanded ("BandsGain0" ... "BandsGain9", "InnerHotKeys0" ...

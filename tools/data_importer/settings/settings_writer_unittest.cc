@@ -14,7 +14,7 @@ class SettingsWriterTest : public testing::Test {
  protected:
   base::FilePath ini() const { return dir_.path().Append(L"Vantu.ini"); }
   std::wstring Read(const std::wstring& key) const {
-    return base::GetPrivateProfileStringW(kSettingsSection, key, L"#missing#", ini().value());
+    return base::GetPrivateProfileStringW(importer_names::kSettingsSection, key, L"#missing#", ini().value());
   }
 
   testing_support::ScopedTempDir dir_;
@@ -79,7 +79,7 @@ TEST_F(SettingsWriterTest, WritesEveryFieldUnderItsName) {
   std::vector<std::wstring> names;
   for (const auto& entry : SettingsEntries(Sample()))
     names.push_back(entry.first);
-  EXPECT_EQ(names, base::GetPrivateProfileKeys(kSettingsSection, ini().value()));
+  EXPECT_EQ(names, base::GetPrivateProfileKeys(importer_names::kSettingsSection, ini().value()));
   EXPECT_EQ(size_t{127}, names.size());
 
   ImportedSettings with_position = Sample();

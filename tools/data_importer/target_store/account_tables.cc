@@ -3,6 +3,7 @@
 // (the user's saved logins and search history).
 
 #include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
@@ -31,25 +32,7 @@ const TableDef kKeywordSearchHistory = {
 void ImportModel::WriteUserLoginHistory() {
   WriteTable(m_music_db.get(), kUserLoginHistory, m_login_history, EmptyList::kSkipTable,
              [](const LoginRecord& l, RowBuilder* row) {
-               row->Text("Username", l.Username);
-               row->Text("EncodedPassword", l.EncodedPassword);
-               row->Text("HardwareInfo", l.HardwareInfo);
-               row->Int("UserID", l.UserID);
-               row->Int("RegisterStamp", l.RegisterStamp);
-               row->Int("Pattern", l.Pattern);
-               row->Bool("AutoLogin", l.AutoLogin);
-               row->Bool("RememberPassword", l.RememberPassword);
-               row->Int("FunctionBitmap", l.FunctionBitmap);
-               row->Int("Mark", l.Mark);
-               row->Int("ListManageVersion", l.ListManageVersion);
-               row->Int("ListManageCount", l.ListManageCount);
-               row->Int("MobileStatus", l.MobileStatus);
-               row->Bool("LastAccess", l.LastAccess);
-               row->Int("ExtraUserID", l.ExtraUserID);
-               row->Text("ExtraOpenID", l.ExtraOpenID);
-               row->Text("ExtraPassword", l.ExtraPassword);
-               row->Text("ExtraPartner", l.ExtraPartner);
-               row->Text("ExtraPicture", l.ExtraPicture);
+               AppendColumns(l, LoginColumns(), row);
                return true;
              });
 }
@@ -57,9 +40,43 @@ void ImportModel::WriteUserLoginHistory() {
 void ImportModel::WriteKeywordSearchHistory() {
   WriteTable(m_music_db.get(), kKeywordSearchHistory, m_search_keywords, EmptyList::kSkipTable,
              [](const SearchKeywordRecord& k, RowBuilder* row) {
-               row->Text("Keyword", k.Keyword);
-               row->Int("TimeTick", k.TimeTick);
-               row->Int("Type", k.Type);
+               AppendColumns(k, SearchKeywordColumns(), row);
                return true;
              });
+}
+
+const ColumnList<LoginRecord>& LoginColumns() {
+  using R = LoginRecord;
+  static const ColumnList<R> columns = {
+      {"Username", &R::Username},
+      {"EncodedPassword", &R::EncodedPassword},
+      {"HardwareInfo", &R::HardwareInfo},
+      {"UserID", &R::UserID},
+      {"RegisterStamp", &R::RegisterStamp},
+      {"Pattern", &R::Pattern},
+      {"AutoLogin", &R::AutoLogin},
+      {"RememberPassword", &R::RememberPassword},
+      {"FunctionBitmap", &R::FunctionBitmap},
+      {"Mark", &R::Mark},
+      {"ListManageVersion", &R::ListManageVersion},
+      {"ListManageCount", &R::ListManageCount},
+      {"MobileStatus", &R::MobileStatus},
+      {"LastAccess", &R::LastAccess},
+      {"ExtraUserID", &R::ExtraUserID},
+      {"ExtraOpenID", &R::ExtraOpenID},
+      {"ExtraPassword", &R::ExtraPassword},
+      {"ExtraPartner", &R::ExtraPartner},
+      {"ExtraPicture", &R::ExtraPicture},
+  };
+  return columns;
+}
+
+const ColumnList<SearchKeywordRecord>& SearchKeywordColumns() {
+  using R = SearchKeywordRecord;
+  static const ColumnList<R> columns = {
+      {"Keyword", &R::Keyword},
+      {"TimeTick", &R::TimeTick},
+      {"Type", &R::Type},
+  };
+  return columns;
 }

@@ -90,9 +90,10 @@ void ReleaseDatabase(std::unique_ptr<DatabaseHelper>* helper) {
 // Carries the imported settings records into section "Settings" of the
 // data folder's "Vantu.ini". A failure is logged and never fails the build.
 void WriteSettings(const ImportModel& model, const base::FilePath& data_folder) {
-  if (!WriteImportedSettings(model.m_settings, data_folder.Append(L"Vantu.ini")))
-    VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {"
-                                  << data_folder.Append(L"Vantu.ini").value() << L"} failed.";
+  const base::FilePath ini = data_folder.Append(importer_names::kSettingsFileName);
+  if (!WriteImportedSettings(model.m_settings, ini))
+    VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {" << ini.value()
+                                  << L"} failed.";
 }
 
 struct WriterStep {

@@ -251,8 +251,8 @@ TEST_F(BuildSequenceTest, StoredSchemasAreTheExpectedTexts) {
 
 // Final files of an earlier run that a failed build must leave untouched.
 void WriteOldFinalFiles(const base::FilePath& folder) {
-  EXPECT_TRUE(base::WriteFile(folder.Append(L"VTMusicV3.db"), "old music"));
-  EXPECT_TRUE(base::WriteFile(folder.Append(L"playlistV3.db"), "old lists"));
+  ASSERT_TRUE(base::WriteFile(folder.Append(L"VTMusicV3.db"), "old music"));
+  ASSERT_TRUE(base::WriteFile(folder.Append(L"playlistV3.db"), "old lists"));
 }
 
 void ExpectFailedBuildLeftOldFiles(const TestProfile& profile) {

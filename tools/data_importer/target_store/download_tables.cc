@@ -7,6 +7,7 @@
 // number would name an unrelated row of the new library.
 
 #include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
@@ -75,22 +76,25 @@ int ResolveRelevanceFile(const ImportModel& model, int old_id) {
 
 // The columns both download tables share, in their common order from
 // "RelevanceMusicId" to "CDNFlag".
-void AppendTrackColumns(const ImportModel& model, const DownloadRecord& d, RowBuilder* row) {
-  row->Int("RelevanceMusicId", ResolveRelevanceFile(model, d.RelevanceMusicId));
-  row->Int("MVType", d.MVType);
-  row->Int("TrackOrder", d.TrackOrder);
-  row->Int("NumOfTracks", d.NumOfTracks);
-  row->Text("RelevanceFileName", d.RelevanceFileName);
-  row->Text("RelevanceFileHash", d.RelevanceFileHash);
-  row->Int("RelevanceFileSize", d.RelevanceFileSize);
-  row->Int("RelevanceBitRate", d.RelevanceBitRate);
-  row->Int("RelevanceDuration", d.RelevanceDuration);
-  row->Text("OriginalName", d.OriginalName);
-  row->Text("Artist", d.Artist);
-  row->Text("Album", d.Album);
-  row->Int("BitRate", d.BitRate);
-  row->Int("Duration", d.Duration);
-  row->Int("CDNFlag", d.CDNFlag);
+ColumnList<DownloadRecord> TrackColumns() {
+  using R = DownloadRecord;
+  return {
+      {"RelevanceMusicId", &R::RelevanceMusicId},
+      {"MVType", &R::MVType},
+      {"TrackOrder", &R::TrackOrder},
+      {"NumOfTracks", &R::NumOfTracks},
+      {"RelevanceFileName", &R::RelevanceFileName},
+      {"RelevanceFileHash", &R::RelevanceFileHash},
+      {"RelevanceFileSize", &R::RelevanceFileSize},
+      {"RelevanceBitRate", &R::RelevanceBitRate},
+      {"RelevanceDuration", &R::RelevanceDuration},
+      {"OriginalName", &R::OriginalName},
+      {"Artist", &R::Artist},
+      {"Album", &R::Album},
+      {"BitRate", &R::BitRate},
+      {"Duration", &R::Duration},
+      {"CDNFlag", &R::CDNFlag},
+  };
 }
 
 }  // namespace
@@ -101,33 +105,12 @@ void ImportModel::WriteDownloadItems() {
                int file_id = ResolveDownloadFile(*this, d);
                if (file_id == 0)
                  return false;
-               row->Text("FileName", d.FileName);
-               row->Text("DestFileName", d.DestFileName);
-               row->Text("DestFileNameSaveAs", d.DestFileNameSaveAs);
-               row->Text("TempFileName", d.TempFileName);
-               row->Text("MD5", d.MD5);
-               row->Int("FileID", file_id);
-               row->Int("DownloadID", d.DownloadID);
-               row->Int("SuggestFileSize", d.SuggestFileSize);
-               row->Int("FileSize", d.FileSize);
-               row->Int("DownType", d.DownType);
-               row->Int("Method", d.Method);
-               row->Int("OrderPriority", d.OrderPriority);
-               row->Int("SpeedPriority", d.SpeedPriority);
-               row->Int("Percent", d.Percent);
-               row->Int("StartTime", d.StartTime);
-               row->Int("CompleteTime", d.CompleteTime);
-               row->Int("UsedTime", d.UsedTime);
-               row->Int("AccessTime", d.AccessTime);
-               row->Bool("DownFailed", d.DownFailed);
-               row->Bool("Suspended", d.Suspended);
-               row->Int("SortID", d.SortID);
-               row->Int("PackageID", d.PackageID);
-               row->Int("DownMethod", d.DownMethod);
-               row->Int("UserID", d.UserID);
-               row->Int("VipType", d.VipType);
-               AppendTrackColumns(*this, d, row);
-               row->Text("FileSource", d.FileSource);
+               AppendColumnsReplacing<DownloadRecord, int>(
+                   d, DownloadItemColumns(),
+                   {{&DownloadRecord::FileID, file_id},
+                    {&DownloadRecord::RelevanceMusicId,
+                     ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
+                   row);
                return true;
              });
 }
@@ -137,21 +120,73 @@ void ImportModel::WriteDownloadHistoryItems() {
              [this](const DownloadRecord& d, RowBuilder* row) {
                if (ResolveDownloadFile(*this, d) == 0 || !IsFinished(d))
                  return false;
-               row->Int("DownloadID", d.DownloadID);
-               row->Text("FileName", d.FileName);
-               row->Text("DestFileName", d.DestFileName);
-               row->Int("FileSize", d.FileSize);
-               row->Text("MD5", d.MD5);
-               row->Int("DownType", d.DownType);
-               row->Int("StartTime", d.StartTime);
-               row->Int("CompleteTime", d.CompleteTime);
-               row->Int("UsedTime", d.UsedTime);
-               row->Int("AccessTime", d.AccessTime);
-               row->Int("SortID", d.SortID);
-               AppendTrackColumns(*this, d, row);
-               row->Int("UserID", d.UserID);
-               row->Int("VipType", d.VipType);
-               row->Text("FileSource", d.FileSource);
+               AppendColumnsReplacing<DownloadRecord, int>(
+                   d, DownloadHistoryColumns(),
+                   {{&DownloadRecord::RelevanceMusicId,
+                     ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
+                   row);
                return true;
              });
+}
+
+const ColumnList<DownloadRecord>& DownloadItemColumns() {
+  using R = DownloadRecord;
+  static const ColumnList<R> columns = JoinColumns<R>({
+      {
+          {"FileName", &R::FileName},
+          {"DestFileName", &R::DestFileName},
+          {"DestFileNameSaveAs", &R::DestFileNameSaveAs},
+          {"TempFileName", &R::TempFileName},
+          {"MD5", &R::MD5},
+          {"FileID", &R::FileID},
+          {"DownloadID", &R::DownloadID},
+          {"SuggestFileSize", &R::SuggestFileSize},
+          {"FileSize", &R::FileSize},
+          {"DownType", &R::DownType},
+          {"Method", &R::Method},
+          {"OrderPriority", &R::OrderPriority},
+          {"SpeedPriority", &R::SpeedPriority},
+          {"Percent", &R::Percent},
+          {"StartTime", &R::StartTime},
+          {"CompleteTime", &R::CompleteTime},
+          {"UsedTime", &R::UsedTime},
+          {"AccessTime", &R::AccessTime},
+          {"DownFailed", &R::DownFailed},
+          {"Suspended", &R::Suspended},
+          {"SortID", &R::SortID},
+          {"PackageID", &R::PackageID},
+          {"DownMethod", &R::DownMethod},
+          {"UserID", &R::UserID},
+          {"VipType", &R::VipType},
+      },
+      TrackColumns(),
+      {{"FileSource", &R::FileSource}},
+  });
+  return columns;
+}
+
+const ColumnList<DownloadRecord>& DownloadHistoryColumns() {
+  using R = DownloadRecord;
+  static const ColumnList<R> columns = JoinColumns<R>({
+      {
+          {"DownloadID", &R::DownloadID},
+          {"FileName", &R::FileName},
+          {"DestFileName", &R::DestFileName},
+          {"FileSize", &R::FileSize},
+          {"MD5", &R::MD5},
+          {"DownType", &R::DownType},
+          {"StartTime", &R::StartTime},
+          {"CompleteTime", &R::CompleteTime},
+          {"UsedTime", &R::UsedTime},
+          {"AccessTime", &R::AccessTime},
+          {"SortID", &R::SortID},
+      },
+      TrackColumns(),
+      {
+          {"UserID", &R::UserID},
+          {"VipType", &R::VipType},
+          {"FileSource", &R::FileSource},
+      },
+  });
+  return columns;
 }

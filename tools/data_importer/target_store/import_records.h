@@ -12,6 +12,9 @@
 // reader that has no value for a column produces what the table would.
 // Times are carried in the units of the source database.
 
+// The hash of a file that has no hash.
+inline constexpr wchar_t kNoFileHash[] = L"00000000000000000000000000000000";
+
 // One media file known to the player.
 struct ShareFileItem {
   int old_id = 0;  // file id in the source database

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
@@ -44,33 +45,8 @@ const TableDef kAppTools = {
     "CREATE TABLE AppTools(ID INTEGER PRIMARY KEY NOT NULL,Version BIGINT NOT NULL DEFAULT "
     "0,SoftIndex INTEGER NOT NULL DEFAULT 0,Path VARCHAR(260) NULL)"};
 
-const std::wstring kAllZeroHash = L"00000000000000000000000000000000";
-
 void FillShareFileRow(const ShareFileItem& f, RowBuilder* row) {
-  row->Text("FileName", f.FileName);
-  row->Text("FileNamePure", f.FileNamePure);
-  row->Text("Artist", f.Artist);
-  row->Text("Album", f.Album);
-  row->Text("LyricFile", f.LyricFile);
-  row->Text("MD5", f.MD5);
-  row->Text("MpegMD5", f.MpegMD5);
-  row->Text("FileSource", f.FileSource);
-  row->Int("ShareFileType", f.ShareFileType);
-  row->Int("FileSize", f.FileSize);
-  row->Int("CDNFlag", f.CDNFlag);
-  row->Int("MPEGOffset", f.MpegOffset);
-  row->Int("MPEGSize", f.MpegSize);
-  row->Int("Duration", f.Duration);
-  row->Int("CalcuDurationTimes", f.CalcuDurationTimes);
-  row->Int("BitRate", f.BitRate);
-  row->Real("ReplayGain", f.ReplayGain);
-  row->Bool("IsShare", f.IsShare);
-  row->Int("OwnerCount", f.OwnerCount);
-  row->Int("CreateTime", f.CreateTime);
-  row->Int("LastWriteTime", f.LastWriteTime);
-  row->Int("FileHashUpdateTime", f.FileHashUpdateTime);
-  row->Bool("IsListen", f.IsListen);
-  row->Bool("IsUpdatedMD5", f.IsUpdatedMD5);
+  AppendColumns(f, ShareFileColumns(), row);
 }
 
 // Builds every record's insert text first; the rows then receive
@@ -101,7 +77,7 @@ void ImportModel::WriteShareFileItems() {
   m_hash_id_map.reserve(m_hash_id_map.size() + m_share_files.size());
   for (size_t i = 0; i < m_share_files.size(); ++i) {
     const ShareFileItem& file = *m_share_files[i];
-    if (!file.MD5.empty() && file.MD5 != kAllZeroHash)
+    if (!file.MD5.empty() && file.MD5 != kNoFileHash)
       m_hash_id_map[file.MD5] = ids[i];
     if (file.ShareFileType == 2)
       m_mv_id_map[file.old_id] = ids[i];
@@ -116,11 +92,7 @@ void ImportModel::WriteShareFolders() {
   CreateTable(m_music_db.get(), kShareFolders.create_sql);
   std::vector<int> ids = WriteNumberedTable(
       m_music_db.get(), kShareFolders, m_share_folders,
-      [](const ShareFolderItem& f, RowBuilder* row) {
-        row->Text("Path", f.Path);
-        row->Int("LastModifyTime", f.LastModifyTime);
-        row->Int("AddType", f.AddType);
-      });
+      [](const ShareFolderItem& f, RowBuilder* row) { AppendColumns(f, ShareFolderColumns(), row); });
   for (size_t i = 0; i < m_share_folders.size(); ++i)
     m_folder_id_map[m_share_folders[i]->old_id] = ids[i];
 }
@@ -138,18 +110,11 @@ void ImportModel::WriteLocalFiles() {
   WriteTable(m_music_db.get(), kLocalFiles, m_local_files, EmptyList::kSkipTable,
              [&](const LocalFileInfo& f, RowBuilder* row) {
                auto folder = folder_paths.find(f.old_folder_id);
-               row->Text("FilePath", f.FilePath);
-               row->Text("FolderPath", folder == folder_paths.end() ? no_folder : *folder->second);
-               row->Int("FileSize", f.FileSize);
-               row->Int("AddTime", f.AddTime);
-               row->Text("Artist", f.Artist);
-               row->Text("Album", f.Album);
-               row->Text("SimpLetterByArtist", f.SimpLetterByArtist);
-               row->Text("FullLetterByArtist", f.FullLetterByArtist);
-               row->Text("SimpLetterByTitle", f.SimpLetterByTitle);
-               row->Text("FullLetterByTitle", f.FullLetterByTitle);
-               row->Text("SimpTitle", f.SimpTitle);
-               row->Int("LastWriteTime", f.LastWriteTime);
+               AppendColumnsReplacing<LocalFileInfo, std::wstring>(
+                   f, LocalFileColumns(),
+                   {{&LocalFileInfo::FolderPath,
+                     folder == folder_paths.end() ? no_folder : *folder->second}},
+                   row);
                return true;
              });
 }
@@ -157,10 +122,78 @@ void ImportModel::WriteLocalFiles() {
 void ImportModel::WriteAppTools() {
   WriteTable(m_music_db.get(), kAppTools, m_app_tools, EmptyList::kSkipTable,
              [](const AppToolRecord& t, RowBuilder* row) {
-               row->Int("ID", t.ID);
-               row->Int("Version", t.Version);
-               row->Int("SoftIndex", t.SoftIndex);
-               row->Text("Path", t.Path);
+               AppendColumns(t, AppToolColumns(), row);
                return true;
              });
+}
+
+const ColumnList<ShareFileItem>& ShareFileColumns() {
+  using F = ShareFileItem;
+  static const ColumnList<F> columns = {
+      {"FileName", &F::FileName},
+      {"FileNamePure", &F::FileNamePure},
+      {"Artist", &F::Artist},
+      {"Album", &F::Album},
+      {"LyricFile", &F::LyricFile},
+      {"MD5", &F::MD5},
+      {"MpegMD5", &F::MpegMD5},
+      {"FileSource", &F::FileSource},
+      {"ShareFileType", &F::ShareFileType},
+      {"FileSize", &F::FileSize},
+      {"CDNFlag", &F::CDNFlag},
+      {"MPEGOffset", &F::MpegOffset},
+      {"MPEGSize", &F::MpegSize},
+      {"Duration", &F::Duration},
+      {"CalcuDurationTimes", &F::CalcuDurationTimes},
+      {"BitRate", &F::BitRate},
+      {"ReplayGain", &F::ReplayGain},
+      {"IsShare", &F::IsShare},
+      {"OwnerCount", &F::OwnerCount},
+      {"CreateTime", &F::CreateTime},
+      {"LastWriteTime", &F::LastWriteTime},
+      {"FileHashUpdateTime", &F::FileHashUpdateTime},
+      {"IsListen", &F::IsListen},
+      {"IsUpdatedMD5", &F::IsUpdatedMD5},
+  };
+  return columns;
+}
+
+const ColumnList<ShareFolderItem>& ShareFolderColumns() {
+  using F = ShareFolderItem;
+  static const ColumnList<F> columns = {
+      {"Path", &F::Path},
+      {"LastModifyTime", &F::LastModifyTime},
+      {"AddType", &F::AddType},
+  };
+  return columns;
+}
+
+const ColumnList<LocalFileInfo>& LocalFileColumns() {
+  using F = LocalFileInfo;
+  static const ColumnList<F> columns = {
+      {"FilePath", &F::FilePath},
+      {"FolderPath", &F::FolderPath},
+      {"FileSize", &F::FileSize},
+      {"AddTime", &F::AddTime},
+      {"Artist", &F::Artist},
+      {"Album", &F::Album},
+      {"SimpLetterByArtist", &F::SimpLetterByArtist},
+      {"FullLetterByArtist", &F::FullLetterByArtist},
+      {"SimpLetterByTitle", &F::SimpLetterByTitle},
+      {"FullLetterByTitle", &F::FullLetterByTitle},
+      {"SimpTitle", &F::SimpTitle},
+      {"LastWriteTime", &F::LastWriteTime},
+  };
+  return columns;
+}
+
+const ColumnList<AppToolRecord>& AppToolColumns() {
+  using F = AppToolRecord;
+  static const ColumnList<F> columns = {
+      {"ID", &F::ID},
+      {"Version", &F::Version},
+      {"SoftIndex", &F::SoftIndex},
+      {"Path", &F::Path},
+  };
+  return columns;
 }

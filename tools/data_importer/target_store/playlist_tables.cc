@@ -11,6 +11,7 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/song_table.h"
+#include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
@@ -36,11 +37,7 @@ int Lookup(const std::map<int, int>& map, int key) {
 void ImportModel::WriteGeneralListTable() {
   WriteTable(m_playlist_db.get(), kGeneralListTable, m_play_lists, EmptyList::kSkipTable,
              [](const PlayListInfo& list, RowBuilder* row) {
-               row->Int("PlaylistID", list.PlaylistID);
-               row->Text("PlaylistName", list.PlaylistName);
-               row->Text("DownloadPath", list.DownloadPath);
-               row->Int("PlaylistType", list.PlaylistType);
-               row->Int("SortID", list.SortID);
+               AppendColumns(list, GeneralListColumns(), row);
                return true;
              });
 }
@@ -113,4 +110,16 @@ bool ImportModel::ReportListCounts() {
     m_progress->SetPlaylists(counts);
   m_file_flag_map.clear();
   return true;
+}
+
+const ColumnList<PlayListInfo>& GeneralListColumns() {
+  using R = PlayListInfo;
+  static const ColumnList<R> columns = {
+      {"PlaylistID", &R::PlaylistID},
+      {"PlaylistName", &R::PlaylistName},
+      {"DownloadPath", &R::DownloadPath},
+      {"PlaylistType", &R::PlaylistType},
+      {"SortID", &R::SortID},
+  };
+  return columns;
 }

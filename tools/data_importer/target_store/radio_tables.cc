@@ -4,6 +4,7 @@
 // playlist_tables.cc).
 
 #include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
@@ -40,24 +41,7 @@ void ImportModel::WriteRadioChannelTable() {
   // FMStat is not carried over: the player recomputes it.
   WriteTable(m_music_db.get(), kRadioChannelTable, m_radio_channels, EmptyList::kSkipTable,
              [](const RadioChannelInfo& c, RowBuilder* row) {
-               row->Int("ID", c.ID);
-               row->Text("FMID", c.FMID);
-               row->Text("FMName", c.FMName);
-               row->Text("ClassName", c.ClassName);
-               row->Text("Offset", c.Offset);
-               row->Text("ImageURL24", c.ImageURL24);
-               row->Text("ImageURL32", c.ImageURL32);
-               row->Text("Description", c.Description);
-               row->Int("FMType", c.FMType);
-               row->Int("ClassID", c.ClassID);
-               row->Int("Heat", c.Heat);
-               row->Int("SortID", c.SortID);
-               row->Int("IsCloud", c.IsCloud);
-               row->Int("LastPlayPos", c.LastPlayPos);
-               row->Int("FMUserID", c.FMUserID);
-               row->Int("FMListID", c.FMListID);
-               row->Int("FMListVersion", c.FMListVersion);
-               row->Int("FMStatus", c.FMStatus);
+               AppendColumns(c, RadioChannelColumns(), row);
                return true;
              });
 }
@@ -65,15 +49,7 @@ void ImportModel::WriteRadioChannelTable() {
 void ImportModel::WriteDislikeRadioItems() {
   WriteTable(m_music_db.get(), kDislikeRadioItem, m_dislike_radio, EmptyList::kSkipTable,
              [](const DislikeRadioRecord& d, RowBuilder* row) {
-               row->Text("Hash", d.Hash);
-               row->Text("FileNameWithExtension", d.FileNameWithExtension);
-               row->Int("ChannelInformationID", d.ChannelInformationID);
-               row->Int("SongID", d.SongID);
-               row->Int("DislikeType", d.DislikeType);
-               row->Int("FileSize", d.FileSize);
-               row->Int("Duration", d.Duration);
-               row->Int("Bitrate", d.Bitrate);
-               row->Int("CDNFlag", d.CDNFlag);
+               AppendColumns(d, DislikeRadioColumns(), row);
                return true;
              });
 }
@@ -81,9 +57,58 @@ void ImportModel::WriteDislikeRadioItems() {
 void ImportModel::WritePlayedRadioItems() {
   WriteTable(m_music_db.get(), kPlayedNJRadioItem, m_played_radio, EmptyList::kSkipTable,
              [](const PlayedRadioRecord& p, RowBuilder* row) {
-               row->Text("Hash", p.Hash);
-               row->Int("ChannelInformationID", p.ChannelInformationID);
-               row->Int("SongID", p.SongID);
+               AppendColumns(p, PlayedRadioColumns(), row);
                return true;
              });
+}
+
+const ColumnList<RadioChannelInfo>& RadioChannelColumns() {
+  using R = RadioChannelInfo;
+  static const ColumnList<R> columns = {
+      {"ID", &R::ID},
+      {"FMID", &R::FMID},
+      {"FMName", &R::FMName},
+      {"ClassName", &R::ClassName},
+      {"Offset", &R::Offset},
+      {"ImageURL24", &R::ImageURL24},
+      {"ImageURL32", &R::ImageURL32},
+      {"Description", &R::Description},
+      {"FMType", &R::FMType},
+      {"ClassID", &R::ClassID},
+      {"Heat", &R::Heat},
+      {"SortID", &R::SortID},
+      {"IsCloud", &R::IsCloud},
+      {"LastPlayPos", &R::LastPlayPos},
+      {"FMUserID", &R::FMUserID},
+      {"FMListID", &R::FMListID},
+      {"FMListVersion", &R::FMListVersion},
+      {"FMStatus", &R::FMStatus},
+  };
+  return columns;
+}
+
+const ColumnList<DislikeRadioRecord>& DislikeRadioColumns() {
+  using R = DislikeRadioRecord;
+  static const ColumnList<R> columns = {
+      {"Hash", &R::Hash},
+      {"FileNameWithExtension", &R::FileNameWithExtension},
+      {"ChannelInformationID", &R::ChannelInformationID},
+      {"SongID", &R::SongID},
+      {"DislikeType", &R::DislikeType},
+      {"FileSize", &R::FileSize},
+      {"Duration", &R::Duration},
+      {"Bitrate", &R::Bitrate},
+      {"CDNFlag", &R::CDNFlag},
+  };
+  return columns;
+}
+
+const ColumnList<PlayedRadioRecord>& PlayedRadioColumns() {
+  using R = PlayedRadioRecord;
+  static const ColumnList<R> columns = {
+      {"Hash", &R::Hash},
+      {"ChannelInformationID", &R::ChannelInformationID},
+      {"SongID", &R::SongID},
+  };
+  return columns;
 }

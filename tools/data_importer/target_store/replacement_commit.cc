@@ -58,8 +58,7 @@ bool CommitReplacement(const base::FilePath& data_folder,
     VLOG_AT(logging::LOG_FAILURE) << L"Write file {" << record.value()
                                   << L"} FAILED, error code {" << base::GetLastSystemError()
                                   << L"}; no database is replaced.";
-    // Clean-up after the failure answered below.
-    (void)base::DeleteFile(record_new);
+    (void)base::DeleteFile(record_new);  // clean-up after the failure logged above
     return false;
   }
   done("CommitRecord");
@@ -76,9 +75,8 @@ bool CommitReplacement(const base::FilePath& data_folder,
 
 bool CompleteOrUndoReplacement(const base::FilePath& data_folder) {
   base::FilePath record = data_folder.Append(kRecordName);
-  // Never renamed, so no commit; a leftover that stays is overwritten by the
-  // next commit record.
-  (void)base::DeleteFile(base::FilePath(record.value() + L".new"));
+  // A record never renamed into place means no commit began.
+  (void)DeleteWithLog(base::FilePath(record.value() + L".new"));
   if (!base::PathExists(record)) {
     for (const Replacement& pair : kPairs) {
       base::FilePath temp = data_folder.Append(pair.temp_name);

@@ -19,10 +19,10 @@ class ReplacementCommitTest : public testing::Test {
   base::FilePath Path(const wchar_t* name) const { return dir_.path().Append(name); }
 
   void WriteFiles() {
-    EXPECT_TRUE(base::WriteFile(Path(L"VTMusicV3.db"), "old music"));
-    EXPECT_TRUE(base::WriteFile(Path(L"playlistV3.db"), "old lists"));
-    EXPECT_TRUE(base::WriteFile(Path(L"VTMusicV2.db.tmp"), "new music"));
-    EXPECT_TRUE(base::WriteFile(Path(L"playlist.db.tmp"), "new lists"));
+    ASSERT_TRUE(base::WriteFile(Path(L"VTMusicV3.db"), "old music"));
+    ASSERT_TRUE(base::WriteFile(Path(L"playlistV3.db"), "old lists"));
+    ASSERT_TRUE(base::WriteFile(Path(L"VTMusicV2.db.tmp"), "new music"));
+    ASSERT_TRUE(base::WriteFile(Path(L"playlist.db.tmp"), "new lists"));
   }
 
   // Runs the commit in a child process killed right after |step|.
@@ -67,8 +67,8 @@ TEST_F(ReplacementCommitTest, KillAfterEachStepIsCompletedByTheNextRun) {
 // be good: they are deleted and the final files stay as they were.
 TEST_F(ReplacementCommitTest, TemporaryFilesWithoutRecordAreUndone) {
   WriteFiles();
-  EXPECT_TRUE(base::WriteFile(Path(L"VTMusicV2.db.tmp.enc"), "half encrypted"));
-  EXPECT_TRUE(base::WriteFile(Path(L"DatabaseReplace.commit.new"), "half a record"));
+  ASSERT_TRUE(base::WriteFile(Path(L"VTMusicV2.db.tmp.enc"), "half encrypted"));
+  ASSERT_TRUE(base::WriteFile(Path(L"DatabaseReplace.commit.new"), "half a record"));
   EXPECT_TRUE(CompleteOrUndoReplacement(dir_.path()));
   EXPECT_EQ("old music", ReadBytes(Path(L"VTMusicV3.db")));
   EXPECT_EQ("old lists", ReadBytes(Path(L"playlistV3.db")));
@@ -80,9 +80,9 @@ TEST_F(ReplacementCommitTest, TemporaryFilesWithoutRecordAreUndone) {
 // finishes the pair once the obstacle is gone.
 TEST_F(ReplacementCommitTest, FailedRenameKeepsTheRecord) {
   WriteFiles();
-  EXPECT_TRUE(base::DeleteFile(Path(L"playlistV3.db")));
+  ASSERT_TRUE(base::DeleteFile(Path(L"playlistV3.db")));
   ASSERT_TRUE(base::CreateDirectory(Path(L"playlistV3.db")));
-  EXPECT_TRUE(base::WriteFile(Path(L"playlistV3.db").Append(L"x"), "in the way"));
+  ASSERT_TRUE(base::WriteFile(Path(L"playlistV3.db").Append(L"x"), "in the way"));
 
   EXPECT_FALSE(CommitReplacement(dir_.path()));
   EXPECT_EQ("new music", ReadBytes(Path(L"VTMusicV3.db")));

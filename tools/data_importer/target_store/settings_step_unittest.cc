@@ -5,17 +5,12 @@
 #include <string>
 
 #include "base/file_util.h"
-#include "base/profile_string.h"
 #include "tools/data_importer/importer_test_util.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 
 namespace {
-
-std::wstring Setting(const TestProfile& profile, const std::wstring& key) {
-  return base::GetPrivateProfileStringW(L"Settings", key, L"#missing#", profile.ini().value());
-}
 
 // Written after the databases' history tables and before the app tools,
 // every record in order, beside an intact "DBCheck".
@@ -36,13 +31,13 @@ TEST(SettingsStepTest, RecordsWrittenInOrderAfterTheTables) {
   std::wstring volume_before, volume_after;
   ASSERT_EQ(0, BuildDatabases(&model, profile.data_folder(), [&](const char* stage) {
               if (std::string(stage) == "KeywordSearchHistory")
-                volume_before = Setting(profile, L"Volume");
+                volume_before = profile.Setting(L"Volume");
               if (std::string(stage) == "Settings")
-                volume_after = Setting(profile, L"Volume");
+                volume_after = profile.Setting(L"Volume");
             }));
   EXPECT_EQ(L"#missing#", volume_before);
   EXPECT_EQ(L"70", volume_after);
-  EXPECT_EQ(L"1", Setting(profile, L"ShowLyric"));
+  EXPECT_EQ(L"1", profile.Setting(L"ShowLyric"));
   EXPECT_EQ(L"1", profile.DBCheck(L"BeforceImportEmpty"));
 }
 

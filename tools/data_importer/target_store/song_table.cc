@@ -2,6 +2,7 @@
 
 #include <boost/format.hpp>
 
+#include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
 namespace {
@@ -38,46 +39,55 @@ std::string SongTableSchema(const std::string& table) {
 }
 
 void AppendSongColumns(const SongItem& s, int music_file_playable, RowBuilder* row) {
-  row->Text("TitleName", s.TitleName);
-  row->Text("ImageURL", s.ImageURL);
-  row->Text("LyricFileName", s.LyricFileName);
-  row->Text("Singer", s.Singer);
-  row->Int("SortID", s.SortID);
-  row->Int("PlayCount", s.PlayCount);
-  row->Int("CreationTime", s.CreationTime);
-  row->Int("LastPlayTime", s.LastPlayTime);
-  row->Int("LastMatchMVTime", s.LastMatchMVTime);
-  row->Int("ServerFileID", s.ServerFileID);
-  row->Int("SongItemType", s.SongItemType);
-  row->Int("CueBeginTime", s.CueBeginTime);
-  row->Int("CueEndTime", s.CueEndTime);
-  row->Int("NumOfTracks", s.NumOfTracks);
-  row->Int("MVType", s.MVType);
-  row->Int("TrackOrder", s.TrackOrder);
-  row->Int("FileSourceStatisticFlag", s.FileSourceStatisticFlag);
-  row->Text("MusicFilePath", s.MusicFilePath);
-  row->Int("MusicFileSize", s.MusicFileSize);
-  row->Text("MusicFileHash", s.MusicFileHash);
-  row->Int("MusicFileCDNFlag", s.MusicFileCDNFlag);
-  row->Int("MusicFileDuration", s.MusicFileDuration);
-  row->Int("MusicFileBitrate", s.MusicFileBitrate);
-  row->Text("MusicFileSource", s.MusicFileSource);
-  row->Text("MusicFileArtist", s.MusicFileArtist);
-  row->Text("MusicFileAlbum", s.MusicFileAlbum);
-  row->Int("MusicFilePlayable", music_file_playable);
-  row->Int("MusicFileLastModifyTime", s.MusicFileLastModifyTime);
-  row->Text("MVFilePath", s.MVFilePath);
-  row->Int("MVFileSize", s.MVFileSize);
-  row->Text("MVFileHash", s.MVFileHash);
-  row->Int("MVFileCDNFlag", s.MVFileCDNFlag);
-  row->Int("MVFileDuration", s.MVFileDuration);
-  row->Int("MVFileBitrate", s.MVFileBitrate);
-  row->Text("MVFileSource", s.MVFileSource);
-  row->Int("MVFileLastModifyTime", s.MVFileLastModifyTime);
-  row->Int("MandatoryBitrate", s.MandatoryBitrate);
-  row->Int("DownloadState", s.DownloadState);
-  row->Text("SongFileSource", s.SongFileSource);
-  row->Int("NetworkFailure", s.NetworkFailure);
-  row->Text("Genre", s.Genre);
-  row->Int("LastGenreDownloadTime", s.LastGenreDownloadTime);
+  AppendColumnsReplacing<SongItem, int>(
+      s, SongColumns(), {{&SongItem::MusicFilePlayable, music_file_playable}}, row);
+}
+
+const ColumnList<SongItem>& SongColumns() {
+  using S = SongItem;
+  static const ColumnList<S> columns = {
+      {"TitleName", &S::TitleName},
+      {"ImageURL", &S::ImageURL},
+      {"LyricFileName", &S::LyricFileName},
+      {"Singer", &S::Singer},
+      {"SortID", &S::SortID},
+      {"PlayCount", &S::PlayCount},
+      {"CreationTime", &S::CreationTime},
+      {"LastPlayTime", &S::LastPlayTime},
+      {"LastMatchMVTime", &S::LastMatchMVTime},
+      {"ServerFileID", &S::ServerFileID},
+      {"SongItemType", &S::SongItemType},
+      {"CueBeginTime", &S::CueBeginTime},
+      {"CueEndTime", &S::CueEndTime},
+      {"NumOfTracks", &S::NumOfTracks},
+      {"MVType", &S::MVType},
+      {"TrackOrder", &S::TrackOrder},
+      {"FileSourceStatisticFlag", &S::FileSourceStatisticFlag},
+      {"MusicFilePath", &S::MusicFilePath},
+      {"MusicFileSize", &S::MusicFileSize},
+      {"MusicFileHash", &S::MusicFileHash},
+      {"MusicFileCDNFlag", &S::MusicFileCDNFlag},
+      {"MusicFileDuration", &S::MusicFileDuration},
+      {"MusicFileBitrate", &S::MusicFileBitrate},
+      {"MusicFileSource", &S::MusicFileSource},
+      {"MusicFileArtist", &S::MusicFileArtist},
+      {"MusicFileAlbum", &S::MusicFileAlbum},
+      {"MusicFilePlayable", &S::MusicFilePlayable},
+      {"MusicFileLastModifyTime", &S::MusicFileLastModifyTime},
+      {"MVFilePath", &S::MVFilePath},
+      {"MVFileSize", &S::MVFileSize},
+      {"MVFileHash", &S::MVFileHash},
+      {"MVFileCDNFlag", &S::MVFileCDNFlag},
+      {"MVFileDuration", &S::MVFileDuration},
+      {"MVFileBitrate", &S::MVFileBitrate},
+      {"MVFileSource", &S::MVFileSource},
+      {"MVFileLastModifyTime", &S::MVFileLastModifyTime},
+      {"MandatoryBitrate", &S::MandatoryBitrate},
+      {"DownloadState", &S::DownloadState},
+      {"SongFileSource", &S::SongFileSource},
+      {"NetworkFailure", &S::NetworkFailure},
+      {"Genre", &S::Genre},
+      {"LastGenreDownloadTime", &S::LastGenreDownloadTime},
+  };
+  return columns;
 }

@@ -2,6 +2,8 @@
 
 #include <cwchar>
 #include <exception>
+#include <filesystem>
+#include <system_error>
 
 #include "base/file_util.h"
 #include "tools/data_importer/installation_lookup.h"
@@ -26,6 +28,33 @@ std::vector<base::FilePath> ListFiles(const base::FilePath& folder, const wchar_
   for (base::FilePath file = enumerator.Next(); !file.empty(); file = enumerator.Next())
     files.push_back(file);
   return files;
+}
+
+// Entries of |folder| matching |pattern| that are not regular files, such
+// as a folder under a library file's name; the file enumeration passes over
+// them, so they would otherwise go unnoticed.
+std::vector<base::FilePath> ListNonFiles(const base::FilePath& folder, const wchar_t* pattern) {
+  std::vector<base::FilePath> entries;
+  std::error_code error;
+  std::filesystem::path native(base::ResolvePathCase(folder).AsUTF8Unsafe());
+  for (std::filesystem::directory_iterator it(native, error), end; !error && it != end;
+       it.increment(error)) {
+    base::FilePath entry = base::FilePath::FromUTF8Unsafe(it->path().string());
+    std::error_code type_error;
+    if (!it->is_regular_file(type_error) &&
+        base::FileEnumerator::MatchPattern(entry.BaseName().value(), pattern))
+      entries.push_back(entry);
+  }
+  return entries;
+}
+
+// The failure bits of the readers that read a library file: music items and
+// lists from each, the downloads from "VTLibrary.db" as well.
+uint32_t LibraryFileBits(const base::FilePath& file) {
+  uint32_t bits = ProgressRecord::kStateMusicFailed | ProgressRecord::kStateListsFailed;
+  if (base::FileEnumerator::MatchPattern(file.BaseName().value(), L"VTLibrary.db"))
+    bits |= ProgressRecord::kStateTableFailed;
+  return bits;
 }
 
 }  // namespace
@@ -144,8 +173,15 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   }
   base::FilePath program = LocateInstallation();
   std::vector<base::FilePath> sources;
-  if (!program.empty())
+  if (!program.empty()) {
     sources = ListFiles(program, kLibraryPattern);
+    // A library file that exists but cannot be read still loses data: it is
+    // reported with the bits of the readers it would have fed.
+    for (const base::FilePath& entry : ListNonFiles(program, kLibraryPattern)) {
+      V6LOG(logging::LOG_FAILURE) << L"File {" << entry.value() << L"} is not a readable file.";
+      ReportState(LibraryFileBits(entry));
+    }
+  }
   if (sources.empty()) {
     V6LOG(logging::LOG_FAILURE) << L"V6DB files do not exists.";
     logging::OutputDebugStringW(L"v6 DBv2 is not exist!!!");
@@ -154,8 +190,9 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   base::FilePath backup = GetDatedBackupFolder();
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
-    (void)CopyWithLog(source, work.Append(name));  // logged; see above
-    (void)CopyWithLog(source, backup.Append(name));
+    if (!CopyWithLog(source, work.Append(name)))  // logged there
+      ReportState(LibraryFileBits(source));
+    (void)CopyWithLog(source, backup.Append(name));  // the backup only: logged
   }
   return true;
 }
@@ -214,6 +251,9 @@ int32_t V6DataExporter::ReadV2Layout() {
         if (!ReadFinishedDownloads())
           ReportState(ProgressRecord::kStateTableFailed);
         TableRead();
+      } else {
+        V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
+        ReportState(ProgressRecord::kStateTableFailed);
       }
     } else {
       V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
@@ -229,8 +269,9 @@ int32_t V6DataExporter::ReadV2Layout() {
       continue;
     }
     // An unsound file leaves m_db closed: both readers then fail and report
-    // their bits, which is all there is to say about it.
-    (void)OpenSourceWithRepair(library);
+    // their bits.
+    if (!OpenSourceWithRepair(library))
+      V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
     if (!ReadMusicItemsV2(number))
       ReportState(ProgressRecord::kStateMusicFailed);
     TableRead();

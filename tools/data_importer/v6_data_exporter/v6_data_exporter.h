@@ -87,9 +87,6 @@ class V6DataExporter : public DataExporter {
 
   // Advances the read progress by the fixed step of one finished table.
   void TableRead();
-  // Rows of |table| in the open source, for the progress of a long reader;
-  // 0 when it cannot be counted.
-  int64_t CountRows(const char* table);
   // Lets every per-list query of the open source find its list's entries
   // by an index on "PlayListItems"(PlayListID) instead of a scan of all
   // entries. The source open is always our own work copy, never the

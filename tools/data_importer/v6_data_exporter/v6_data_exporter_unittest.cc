@@ -6,7 +6,6 @@
 #include <string>
 
 #include "base/file_util.h"
-#include "base/md5.h"
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
 #include "testing/fixtures/generation6_fixture.h"
@@ -68,17 +67,6 @@ class V6DataExporterTest : public testing::Test {
     TestProfile::Touch(program().Append(L"VanTa6.exe"));
   }
 
-  std::string Fingerprint(const base::FilePath& folder) {
-    std::string all;
-    base::FileEnumerator files(folder, L"*");
-    for (base::FilePath file = files.Next(); !file.empty(); file = files.Next()) {
-      std::string bytes;
-      EXPECT_TRUE(base::ReadFileToString(file, &bytes));
-      all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
-    }
-    return all;
-  }
-
   std::unique_ptr<sql::Connection> OpenFinal(const wchar_t* name) {
     auto db = std::make_unique<sql::Connection>();
     EXPECT_TRUE(db->OpenWithKey(profile_.data_folder().Append(name), kVersion3DatabaseKey));
@@ -103,11 +91,11 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   EXPECT_TRUE(base::WriteFile(program().Append(L"Lyric").Append(L"\u7a3b\u9999.krc"), "krc"));
   EXPECT_TRUE(base::WriteFile(program().Append(L"Lyric").Append(L"notes.txt"), "x"));
   Register();
-  std::string before = Fingerprint(program());
+  std::string before = FolderFingerprint(program());
 
   DataImporterMain();
 
-  EXPECT_EQ(before, Fingerprint(program()));
+  EXPECT_EQ(before, FolderFingerprint(program()));
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
   EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
@@ -216,7 +204,7 @@ TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
   second.lists = {{5, 10, L"Second", 0, 0}};
   second.items = {{1, 5, L"F:\\", L"c.mp3", L"C", Hash(3)}};
   ASSERT_TRUE(second.Write(source.Append(L"VTLibrary2.db")));
-  std::string before = Fingerprint(source);
+  std::string before = FolderFingerprint(source);
 
   std::wstring task = DecideTask(GetDataFolder(), source);
   ASSERT_EQ(L"importvantu6", task);
@@ -225,7 +213,7 @@ TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
   record.set_import_kind(ImportKindOfTask(task));
   RunImport(&record);
 
-  EXPECT_EQ(before, Fingerprint(source));
+  EXPECT_EQ(before, FolderFingerprint(source));
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   auto music = OpenFinal(L"VTMusicV3.db");
   auto playlists = OpenFinal(L"playlistV3.db");
@@ -387,6 +375,44 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
   EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"VTMusicV3.db")));
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"playlistV3.db")));
+}
+
+// A library file that exists but cannot be read is not passed over: a folder
+// under a library file's name, or a copy that does not open, is logged and
+// reported with the bits of the readers it would have fed; the good file is
+// still imported.
+TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
+  V6V2Library good;
+  good.lists = {{1, 3, L"", 0, 0}};
+  good.items = {{1, 1, L"E:\\", L"a.mp3", L"A", Hash(1)}};
+  good.downloads = {{1, Hash(1), L"D:\\Down\\a.mp3", true}};
+  ASSERT_TRUE(good.Write(program().Append(L"VTLibrary.db")));
+  ASSERT_TRUE(base::CreateDirectory(program().Append(L"VTLibrary2.db")));
+  Register();
+  {
+    ProgressRecord record;
+    record.Initialise();
+    ImportModel model(&record);
+    V6DataExporter exporter(&model);
+    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(1u, model.m_share_files.size());
+    EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));  // music items 4 + lists 2
+    EXPECT_NE(std::string::npos, Log().find("VTLibrary2.db} is not a readable file."));
+  }
+
+  // A first library file whose copy is no database: its downloads, music
+  // items and lists are all reported.
+  for (const wchar_t* name : {L"VTLibrary.db", L"VTLibrary2.db"})
+    ASSERT_TRUE(base::DeleteFile(profile_.data_folder().Append(name), true));
+  ASSERT_TRUE(base::DeleteFile(program().Append(L"VTLibrary2.db"), true));
+  ASSERT_TRUE(base::WriteFile(program().Append(L"VTLibrary.db"), std::string(3000, 'x')));
+  ProgressRecord record;
+  record.Initialise();
+  ImportModel model(&record);
+  V6DataExporter exporter(&model);
+  EXPECT_EQ(0, exporter.ExportData());
+  EXPECT_EQ(L"22", profile_.DBCheck(L"ImportState"));  // 16 + 4 + 2
+  EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));
 }
 
 }  // namespace

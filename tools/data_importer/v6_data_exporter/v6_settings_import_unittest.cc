@@ -23,28 +23,24 @@ class V6SettingsImportTest : public testing::Test {
   base::FilePath program() const {
     return profile_.root().Append(L"Program Files").Append(L"VanTa6");
   }
-  std::wstring Setting(const std::wstring& key) const {
-    return base::GetPrivateProfileStringW(L"Settings", key, L"#missing#", profile_.ini().value());
-  }
 
   TestProfile profile_;
 };
 
 TEST_F(V6SettingsImportTest, SettingsArriveInTheNewIni) {
-  EXPECT_TRUE(base::WriteFile(
-      program().Append(L"VanTa.xml"),
-      "<VanTa><Player Volume=\"64\"><AutoPlay>1</AutoPlay></Player>"
-      "<PlayBack SFadeOutTime=\"700\"/><Network><ProxyType>2</ProxyType></Network></VanTa>"));
+  EXPECT_TRUE(base::WriteFile(program().Append(L"VanTa.xml"),
+                  "<VanTa><Player Volume=\"64\"><AutoPlay>1</AutoPlay></Player>"
+                  "<PlayBack SFadeOutTime=\"700\"/><Network><ProxyType>2</ProxyType></Network></VanTa>"));
   DataImporterMain();
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
-  EXPECT_EQ(L"64", Setting(L"Volume"));
-  EXPECT_EQ(L"1", Setting(L"AutoPlay"));
-  EXPECT_EQ(L"0", Setting(L"MusicFadeIn"));
-  EXPECT_EQ(L"700", Setting(L"MusicFadeOut"));
-  EXPECT_EQ(L"1", Setting(L"MusicUserFade"));
-  EXPECT_EQ(L"2", Setting(L"ProxyType"));
-  EXPECT_EQ(L"9000", Setting(L"DownloadPort"));
+  EXPECT_EQ(L"64", profile_.Setting(L"Volume"));
+  EXPECT_EQ(L"1", profile_.Setting(L"AutoPlay"));
+  EXPECT_EQ(L"0", profile_.Setting(L"MusicFadeIn"));
+  EXPECT_EQ(L"700", profile_.Setting(L"MusicFadeOut"));
+  EXPECT_EQ(L"1", profile_.Setting(L"MusicUserFade"));
+  EXPECT_EQ(L"2", profile_.Setting(L"ProxyType"));
+  EXPECT_EQ(L"9000", profile_.Setting(L"DownloadPort"));
 }
 
 TEST_F(V6SettingsImportTest, UnusableSettingsFileLeavesNoSection) {
@@ -52,7 +48,7 @@ TEST_F(V6SettingsImportTest, UnusableSettingsFileLeavesNoSection) {
   DataImporterMain();
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
-  EXPECT_EQ(L"#missing#", Setting(L"Volume"));
+  EXPECT_EQ(L"#missing#", profile_.Setting(L"Volume"));
   EXPECT_TRUE(base::GetPrivateProfileKeys(L"Settings", profile_.ini().value()).empty());
 }
 

@@ -37,14 +37,6 @@ void V6DataExporter::TableRead() {
   AdvanceReadProgress(kTableReadStep);
 }
 
-int64_t V6DataExporter::CountRows(const char* table) {
-  sql::Connection* db = m_db->connection();
-  if (!db->is_open())
-    return 0;
-  DbRowReader row(*db, (boost::format("SELECT COUNT(*) AS RowCount FROM %s") % table).str());
-  return row.Step() ? row.GetInt64("RowCount") : 0;
-}
-
 void V6DataExporter::IndexListEntries() {
   sql::Connection* db = m_db->connection();
   if (!db->is_open() || !db->DoesTableExist("PlayListItems"))
@@ -109,7 +101,7 @@ bool V6DataExporter::ReadMusicItems() {
   DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MusicItems").str());
   if (!row.IsValid())
     return false;
-  ReadProgressTicker ticker(this, CountRows("MusicItems"));
+  ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "MusicItems"));
   size_t count = 0;
   while (row.Step()) {
     ticker.Tick();
@@ -149,7 +141,7 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
                   (boost::format("SELECT * FROM %s") % "PlayListItems").str());
   if (!row.IsValid())
     return false;
-  ReadProgressTicker ticker(this, CountRows("PlayListItems"));
+  ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "PlayListItems"));
   size_t count = 0;
   while (row.Step()) {
     ticker.Tick();

@@ -1,11 +1,15 @@
 #include "tools/data_importer/v7_data_exporter/v7_data_exporter.h"
 
+#include <optional>
+
 #include "base/file_util.h"
 #include "base/path_service.h"
 #include "logging/debug_output.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/settings/v7_settings_migration.h"
+#include "tools/data_importer/target_store/import_model.h"
 
 #define V7LOG(level) VLOG_AT(level) << L"[V7数据导入] "
 
@@ -131,12 +135,16 @@ int32_t V7DataExporter::ExportData() {
   return 0;
 }
 
-// The last played list and position live in the generation-7 settings file,
-// which the settings migration reads; nothing to take from it yet, so
-// m_last_played_list stays -1 (none).
+// m_last_played_list stays -1 (none): see the header.
 void V7DataExporter::ReadLastPlayed() {}
 
-void V7DataExporter::MigrateSettings() {}
+void V7DataExporter::MigrateSettings() {
+  std::optional<ImportedSettings> settings = MigrateV7Settings(Generation7Folder());
+  if (!settings)
+    return;
+  m_model->AddSettings(*settings);
+  AdvanceReadProgress(1);
+}
 
 void V7DataExporter::ReadLoginHistory() {}
 

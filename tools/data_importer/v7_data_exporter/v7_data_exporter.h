@@ -54,13 +54,22 @@ class V7DataExporter : public DataExporter {
   // is neither an earlier work copy nor a source that can be copied.
   bool CopyDatabase();
 
-  // Settings, histories and skins. The generation-7 settings file and the
-  // other migrations are carried over by their own modules; until those are
-  // wired in, each of these does nothing.
+  // Settings, histories and skins.
+  // The last played list and position: not carried, their place in the
+  // generation-7 files is not known. Does nothing.
   void ReadLastPlayed();
+  // Adds the settings of "vantu.ini" in the generation-7 folder to the model
+  // and advances the read progress by 1; no file, no record and no step.
   void MigrateSettings();
+  // The saved logins ("LoginSave.bin"): not carried, the file's format is
+  // not known. Does nothing.
   void ReadLoginHistory();
+  // The search history: not carried, where generation 7 kept it is not
+  // known. Does nothing.
   void ReadSearchHistory();
+  // Skins, singer images and the window layout ("WinPos.Xml"): not carried,
+  // their formats are not known; so no main-window position reaches the
+  // settings record either. Does nothing.
   void MigrateSkins();
 
   // Table readers; false when the query cannot be run or, for the folder

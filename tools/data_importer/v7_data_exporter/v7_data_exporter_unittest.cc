@@ -5,7 +5,6 @@
 #include <string>
 
 #include "base/file_util.h"
-#include "base/md5.h"
 #include "sql/connection.h"
 #include "sql/statement.h"
 #include "testing/fixtures/generation6_fixture.h"
@@ -85,17 +84,6 @@ class V7DataExporterTest : public testing::Test {
   base::FilePath v7() const { return Generation7Folder(profile_.roaming()); }
   base::FilePath data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
 
-  std::string Fingerprint(const base::FilePath& folder) {
-    std::string all;
-    base::FileEnumerator files(folder, L"*");
-    for (base::FilePath file = files.Next(); !file.empty(); file = files.Next()) {
-      std::string bytes;
-      EXPECT_TRUE(base::ReadFileToString(file, &bytes));
-      all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
-    }
-    return all;
-  }
-
   std::unique_ptr<sql::Connection> OpenFinal(const wchar_t* name) {
     auto db = std::make_unique<sql::Connection>();
     EXPECT_TRUE(db->OpenWithKey(data(name), kVersion3DatabaseKey));
@@ -122,11 +110,11 @@ class V7DataExporterTest : public testing::Test {
 TEST_F(V7DataExporterTest, ImportedEndToEnd) {
   ASSERT_TRUE(Sample().Write(v7().Append(L"VTData.db")));
   ASSERT_TRUE(base::WriteFile(v7().Append(L"PlugCusData.VST"), "plug"));
-  std::string before = Fingerprint(v7());
+  std::string before = FolderFingerprint(v7());
 
   DataImporterMain();
 
-  EXPECT_EQ(before, Fingerprint(v7()));
+  EXPECT_EQ(before, FolderFingerprint(v7()));
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
   EXPECT_EQ(L"10:0,11:2,15:1", profile_.DBCheck(L"ImportPlayLists"));

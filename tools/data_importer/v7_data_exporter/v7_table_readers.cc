@@ -31,11 +31,6 @@ void LogSize(const wchar_t* name, size_t count) {
   V7LOG(logging::LOG_PROGRESS) << L"Size of " << name << L" is {" << count << L"}.";
 }
 
-int64_t CountRows(sql::Connection& db, const char* table) {
-  DbRowReader row(db, (boost::format("SELECT COUNT(*) AS RowTotal FROM %s") % table).str());
-  return row.Step() ? row.GetInt64("RowTotal") : 0;
-}
-
 // Text as it can stand between single quotes in a statement.
 std::string QuoteDoubled(const std::string& text) {
   std::string out;

@@ -1,0 +1,45 @@
+// Feeds arbitrary bytes to the profile-string functions as an INI file: reads
+// the sections and keys, then writes, replaces and deletes values in it.
+
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "base/file_util.h"
+#include "base/profile_string.h"
+
+namespace {
+base::FilePath g_file;
+}
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+  setenv("VANTU_LOG_LEVEL", "5", 1);
+  g_file = base::FilePath::FromUTF8Unsafe("/tmp/vantu-profile-fuzz-" +
+                                          std::to_string(getpid()) + ".ini");
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (!base::WriteFile(g_file, std::string(reinterpret_cast<const char*>(data), size)))
+    return 0;
+  const std::wstring& file = g_file.value();
+  const wchar_t* path = file.c_str();
+  for (const std::wstring& section : base::GetPrivateProfileSections(file)) {
+    for (const std::wstring& key : base::GetPrivateProfileKeys(section, file))
+      base::GetPrivateProfileStringW(section, key, L"#", file);
+  }
+  base::GetPrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", file);
+  // The writes may fail on a hostile file; the read-back below only follows
+  // a write that nothing can stop.
+  (void)base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", L"50", path);
+  (void)base::WritePrivateProfileStringW(L" DBCheck ", L"ImportState", L"", path);
+  (void)base::WritePrivateProfileStringW(L"New", L"key", L"\u7a3b\u9999 value", path);
+  (void)base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", nullptr, path);
+  (void)base::WritePrivateProfileStringW(L"New", nullptr, nullptr, path);
+  if (base::GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"#", file) != L"")
+    __builtin_trap();  // a value just written must read back
+  return 0;
+}

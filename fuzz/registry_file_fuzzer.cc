@@ -1,0 +1,38 @@
+// Feeds arbitrary bytes to the registry reader as the registry file and
+// reads the values the importer looks up.
+
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "base/file_util.h"
+#include "base/reg_key.h"
+
+namespace {
+base::FilePath g_file;
+}
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+  setenv("VANTU_LOG_LEVEL", "5", 1);
+  g_file = base::FilePath::FromUTF8Unsafe("/tmp/vantu-registry-fuzz-" +
+                                          std::to_string(getpid()) + ".reg");
+  setenv("VANTU_REGISTRY_FILE", g_file.AsUTF8Unsafe().c_str(), 1);
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (!base::WriteFile(g_file, std::string(reinterpret_cast<const char*>(data), size)))
+    return 0;
+  std::string reason;
+  (void)base::CheckRegistryFile(g_file, &reason);  // any answer will do
+  for (const wchar_t* key : {L"Software\\VanTa6", L"Software\\VanTa", L"software\\vantu\\database_update"}) {
+    base::RegKey reg;
+    std::wstring value;
+    if (reg.Open(key))
+      (void)reg.ReadValue(L"AppFileName", &value);  // missing values are fine
+  }
+  return 0;
+}

@@ -1,0 +1,44 @@
+// Runs the generation-6 reader over arbitrary bytes as its database: the
+// bytes become the work copy "VT6Data.db" of a scratch data folder, which
+// the reader opens with repair and reads into an import model.
+
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "base/file_util.h"
+#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
+
+namespace {
+base::FilePath g_data_folder;
+}
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+  setenv("VANTU_LOG_LEVEL", "5", 1);
+  base::FilePath root = base::FilePath::FromUTF8Unsafe("/tmp/vantu-v6-fuzz-" +
+                                                       std::to_string(getpid()));
+  setenv("LOCALAPPDATA", root.AsUTF8Unsafe().c_str(), 1);
+  setenv("APPDATA", root.Append(L"roaming").AsUTF8Unsafe().c_str(), 1);
+  setenv("VANTU_REGISTRY_FILE", root.Append(L"none.reg").AsUTF8Unsafe().c_str(), 1);
+  g_data_folder = root.Append(L"VanTu8");
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (!base::DeleteFile(g_data_folder, true) || !base::CreateDirectory(g_data_folder))
+    return 0;
+  base::FilePath work = g_data_folder.Append(L"VT6Data.db");
+  if (!base::WriteFile(work, std::string(reinterpret_cast<const char*>(data), size)))
+    return 0;
+  ProgressRecord record;
+  record.Initialise();
+  ImportModel model(&record);
+  V6DataExporter exporter(&model);
+  (void)exporter.ExportData();  // every outcome is allowed; crashes are not
+  return 0;
+}
