@@ -8,13 +8,6 @@
 
 #include "tools/data_importer/settings/ini_reader.h"
 
-// Bad lines are reported through the log; a level above every message keeps
-// the fuzzer from writing a log file into the user's data folder.
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  setenv("VANTU_LOG_LEVEL", "5", 1);
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   IniReader reader;

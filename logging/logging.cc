@@ -1,26 +1,35 @@
 #include "logging/logging.h"
 
+#include <atomic>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <mutex>
 
-#include "base/file_path.h"
 #include "base/file_util.h"
-#include "base/path_service.h"
 #include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
 
 namespace logging {
 
+struct LogState {
+  LogSettings settings;
+  FILE* file = nullptr;
+};
+
 namespace {
 
-// Only the file appends are serialised; the importer itself is
-// single-threaded, but the host may log from another thread.
+// Guards the scope in force and its file.
 std::mutex& LogMutex() {
   static std::mutex mutex;
   return mutex;
 }
+
+LogState* g_state = nullptr;
+// Read without the lock by every log statement: above every level when no
+// scope is active, so nothing is composed.
+std::atomic<int> g_min_level{INT_MAX};
 
 const char* ShortFileName(const char* file) {
   const char* last = file;
@@ -31,16 +40,51 @@ const char* ShortFileName(const char* file) {
   return last;
 }
 
+// Opens the scope's file at its first line (creating its folder, one level,
+// when missing). A file that cannot be opened is tried again at the next
+// line.
+FILE* LogFile(LogState* state) {
+  if (state->file || state->settings.file.empty())
+    return state->file;
+  base::FilePath folder = state->settings.file.DirName();
+  if (!base::DirectoryExists(folder) && !base::CreateDirectory(folder))
+    return nullptr;
+  state->file = std::fopen(state->settings.file.AsUTF8Unsafe().c_str(), "ab");
+  return state->file;
+}
+
 }  // namespace
 
+LogSettings LogSettingsFromEnvironment(const base::FilePath& file) {
+  LogSettings settings;
+  settings.file = file;
+  const char* level = std::getenv("VANTU_LOG_LEVEL");
+  if (level && *level && !base::StringToInt(std::string_view(level), &settings.min_level))
+    settings.min_level = LOG_PROGRESS;  // not a number: the default
+  settings.to_stderr = std::getenv("VANTU_LOG_STDERR") != nullptr;
+  return settings;
+}
+
+ScopedLogging::ScopedLogging(const LogSettings& settings) : state_(new LogState{settings}) {
+  std::lock_guard<std::mutex> lock(LogMutex());
+  previous_ = g_state;
+  g_state = state_;
+  g_min_level = settings.min_level;
+}
+
+ScopedLogging::~ScopedLogging() {
+  {
+    std::lock_guard<std::mutex> lock(LogMutex());
+    if (state_->file)
+      std::fclose(state_->file);
+    g_state = previous_;
+    g_min_level = previous_ ? previous_->settings.min_level : INT_MAX;
+  }
+  delete state_;
+}
+
 int GetMinLogLevel() {
-  const char* text = std::getenv("VANTU_LOG_LEVEL");
-  if (!text || !*text)
-    return 0;
-  int level = 0;
-  // Text that is not a number logs at what the conversion made of it.
-  (void)base::StringToInt(std::string_view(text), &level);
-  return level;
+  return g_min_level.load(std::memory_order_relaxed);
 }
 
 bool ShouldLog(int level) {
@@ -67,19 +111,15 @@ void WriteLogLine(const char* file, int line, int level, const std::wstring& tex
   record += "\n";
 
   std::lock_guard<std::mutex> lock(LogMutex());
-  base::FilePath folder;
-  if (base::PathService::Get(base::DIR_LOCAL_APP_DATA, &folder)) {
-    folder = folder.Append(L"VanTu8");
-    if (base::DirectoryExists(folder) || base::CreateDirectory(folder)) {
-      base::FilePath log_file = base::ResolvePathCase(folder.Append(kLogFileName));
-      if (FILE* f = std::fopen(log_file.AsUTF8Unsafe().c_str(), "ab")) {
-        std::fwrite(record.data(), 1, record.size(), f);
-        std::fclose(f);
-      }
-    }
+  if (!g_state || level < g_state->settings.min_level)
+    return;
+  if (FILE* f = LogFile(g_state)) {
+    // A short write is not retried: logging never fails the caller.
+    (void)std::fwrite(record.data(), 1, record.size(), f);
+    std::fflush(f);
   }
-  if (std::getenv("VANTU_LOG_STDERR"))
-    std::fwrite(record.data(), 1, record.size(), stderr);
+  if (g_state->settings.to_stderr)
+    (void)std::fwrite(record.data(), 1, record.size(), stderr);
 }
 
 LogMessage::LogMessage(const char* file, int line, int level)

@@ -4,17 +4,21 @@
 #include <sstream>
 #include <string>
 
+#include "base/file_path.h"
+
 // The player's logging library. A message has a level (0 progress and counts,
 // 3 failures, 4 assertions), the source file and line, and a wide text
 // stream. It is built only when the minimum level allows it:
 //
 //   VLOG_AT(0) << L"Size of " << name << L" is {" << count << L"}.";
 //
-// Messages are appended, one line each, to "DataImporter.log" in the current
-// generation's data folder ($LOCALAPPDATA/VanTu8, see base/path_service.h),
-// and also to standard error when VANTU_LOG_STDERR is set. The minimum level
-// comes from VANTU_LOG_LEVEL (default 0). Logging never fails the caller: a
-// log file that cannot be written is skipped.
+// Nothing is logged until a run starts logging with a ScopedLogging: it
+// names the log file (the caller decides where it lives), the minimum level
+// and whether lines also go to standard error, all fixed for the scope. The
+// file is opened at the first line, stays open for the scope and is flushed
+// after every line, so a crash loses nothing already logged. Logging never
+// fails the caller: a log file that cannot be opened or written is skipped.
+// Lines may come from several threads; each is written whole.
 
 namespace logging {
 
@@ -24,12 +28,37 @@ enum LogLevel : int {
   LOG_ASSERT = 4,
 };
 
-// The minimum level currently in force (read from the environment).
+// The scope in force (internal to the logging library).
+struct LogState;
+
+struct LogSettings {
+  base::FilePath file;     // empty: no log file
+  int min_level = LOG_PROGRESS;
+  bool to_stderr = false;
+};
+
+// |file| with the level and the stderr switch read once from the
+// environment: VANTU_LOG_LEVEL (default 0) and VANTU_LOG_STDERR (set: on).
+LogSettings LogSettingsFromEnvironment(const base::FilePath& file);
+
+// Logging as |settings| say for the life of the object. Scopes nest: the
+// innermost one is in force, and ending it restores the one around it (or
+// no logging at all).
+class ScopedLogging {
+ public:
+  explicit ScopedLogging(const LogSettings& settings);
+  ~ScopedLogging();
+  ScopedLogging(const ScopedLogging&) = delete;
+  ScopedLogging& operator=(const ScopedLogging&) = delete;
+
+ private:
+  LogState* previous_;
+  LogState* state_;
+};
+
+// The minimum level in force; above every level when no scope is active.
 int GetMinLogLevel();
 bool ShouldLog(int level);
-
-// Name of the log file in the data folder.
-inline constexpr wchar_t kLogFileName[] = L"DataImporter.log";
 
 class LogMessage {
  public:

@@ -10,9 +10,13 @@ namespace exception_report {
 // point starts and the previous handlers are restored when it returns.
 //
 // On POSIX the fatal signals (SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT) write
-// a crash record (time, signal, backtrace of the faulting thread, the
-// executable's folder) into |crash_folder| (created when the first record is
+// a crash record into |crash_folder| (created when the first record is
 // written), then the signal takes its course under the previous disposition.
+// The record holds the time, the signal, the executable's folder, the build
+// id of the module holding this handler, the load map (each loaded module's
+// load address, path and build id, as loaded when the handler was
+// installed) and the backtrace of the faulting thread; a frame's address
+// minus its module's load address is what addr2line takes.
 // Only one handler is active at a time: a second object while one exists
 // does nothing. Installing never fails the caller and does not change
 // the run's course; a record that cannot be written is skipped.

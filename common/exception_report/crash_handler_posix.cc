@@ -1,17 +1,20 @@
-#include "common/exception_report/crash_handler.h"
-
+#include <elf.h>
 #include <execinfo.h>
 #include <fcntl.h>
+#include <link.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "base/utf_string_conversions.h"
+#include "common/exception_report/crash_handler.h"
 
 namespace exception_report {
 
@@ -21,6 +24,8 @@ constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 constexpr int kSignalCount = sizeof(kSignals) / sizeof(kSignals[0]);
 constexpr size_t kPathCapacity = 4096;
 constexpr size_t kAltStackSize = 64 * 1024;
+constexpr size_t kModulesCapacity = 32 * 1024;
+constexpr size_t kBuildIdCapacity = 2 * 64 + 1;  // hex digits of a long build id
 
 // Everything the signal handler reads is prepared when the handler is
 // installed: the handler itself calls only async-signal-safe functions.
@@ -28,6 +33,8 @@ struct HandlerState {
   bool active = false;
   char crash_folder[kPathCapacity] = {};
   char exe_folder[kPathCapacity] = {};
+  char build_id[kBuildIdCapacity] = {};  // of the module holding this handler
+  char modules[kModulesCapacity] = {};   // the load map, one module a line
   struct sigaction previous[kSignalCount] = {};
   stack_t previous_stack = {};
   void* alt_stack = nullptr;
@@ -112,6 +119,89 @@ void AddUtcTime(RecordBuffer* out, time_t seconds) {
   out->Add(" UTC");
 }
 
+// The GNU build id of a loaded module as hex digits, empty when it has none.
+std::string BuildIdOf(const dl_phdr_info* info) {
+  for (int i = 0; i < info->dlpi_phnum; ++i) {
+    const ElfW(Phdr)& segment = info->dlpi_phdr[i];
+    if (segment.p_type != PT_NOTE)
+      continue;
+    const char* note = reinterpret_cast<const char*>(info->dlpi_addr + segment.p_vaddr);
+    const char* end = note + segment.p_memsz;
+    while (note + sizeof(ElfW(Nhdr)) <= end) {
+      const auto* header = reinterpret_cast<const ElfW(Nhdr)*>(note);
+      const char* name = note + sizeof(ElfW(Nhdr));
+      const char* desc = name + ((header->n_namesz + 3) & ~3u);
+      const char* next = desc + ((header->n_descsz + 3) & ~3u);
+      if (next > end)
+        break;
+      if (header->n_type == NT_GNU_BUILD_ID && header->n_namesz == 4 &&
+          std::memcmp(name, "GNU", 4) == 0) {
+        static const char kHex[] = "0123456789abcdef";
+        std::string hex;
+        for (size_t b = 0; b < header->n_descsz && hex.size() + 2 < kBuildIdCapacity; ++b) {
+          const unsigned char byte = static_cast<unsigned char>(desc[b]);
+          hex += kHex[byte >> 4];
+          hex += kHex[byte & 15];
+        }
+        return hex;
+      }
+      note = next;
+    }
+  }
+  return std::string();
+}
+
+bool Contains(const dl_phdr_info* info, const void* address) {
+  const auto where = reinterpret_cast<ElfW(Addr)>(address);
+  for (int i = 0; i < info->dlpi_phnum; ++i) {
+    const ElfW(Phdr)& segment = info->dlpi_phdr[i];
+    const ElfW(Addr) start = info->dlpi_addr + segment.p_vaddr;
+    if (segment.p_type == PT_LOAD && where >= start && where < start + segment.p_memsz)
+      return true;
+  }
+  return false;
+}
+
+void HandleSignal(int signal, siginfo_t*, void*);
+
+struct ModuleMap {
+  std::string text;
+  std::string own_build_id;
+};
+
+// "<load address> <path> <build id>" for every loaded module; the main
+// program, which the loader lists without a name, by its real path.
+int AddModule(dl_phdr_info* info, size_t, void* data) {
+  auto* map = static_cast<ModuleMap*>(data);
+  std::string path = info->dlpi_name ? info->dlpi_name : "";
+  if (path.empty()) {
+    char exe[kPathCapacity];
+    ssize_t length = readlink("/proc/self/exe", exe, sizeof(exe) - 1);
+    path = length > 0 ? std::string(exe, static_cast<size_t>(length)) : "(main program)";
+  }
+  std::string build_id = BuildIdOf(info);
+  if (Contains(info, reinterpret_cast<const void*>(&HandleSignal)))
+    map->own_build_id = build_id;
+  char address[32];
+  std::snprintf(address, sizeof(address), "0x%lx", static_cast<unsigned long>(info->dlpi_addr));
+  map->text += "  " + std::string(address) + " " + path + " " +
+               (build_id.empty() ? std::string("-") : build_id) + "\n";
+  return 0;
+}
+
+// Taken when the handler is installed: the loader's lists may not be read
+// inside a signal handler. Modules loaded later are missing from the map.
+void RecordModules() {
+  ModuleMap map;
+  dl_iterate_phdr(AddModule, &map);
+  size_t length = std::min(map.text.size(), kModulesCapacity - 1);
+  std::memcpy(g_state.modules, map.text.data(), length);
+  g_state.modules[length] = '\0';
+  length = std::min(map.own_build_id.size(), kBuildIdCapacity - 1);
+  std::memcpy(g_state.build_id, map.own_build_id.data(), length);
+  g_state.build_id[length] = '\0';
+}
+
 void WriteCrashRecord(int signal) {
   if (!g_state.crash_folder[0])
     return;
@@ -138,7 +228,13 @@ void WriteCrashRecord(int signal) {
   buffer.AddNumber(static_cast<unsigned long long>(getpid()));
   buffer.Add("\nexecutable folder: ");
   buffer.Add(g_state.exe_folder);
-  buffer.Add("\nbacktrace:\n");
+  buffer.Add("\nbuild id: ");
+  buffer.Add(g_state.build_id[0] ? g_state.build_id : "-");
+  buffer.Add("\nmodules (load address, path, build id):\n");
+  WriteAll(fd, buffer.data(), buffer.length());
+  WriteAll(fd, g_state.modules, std::strlen(g_state.modules));
+  buffer.Clear();
+  buffer.Add("backtrace:\n");
   WriteAll(fd, buffer.data(), buffer.length());
   void* frames[64];
   int count = backtrace(frames, 64);
@@ -173,6 +269,7 @@ ScopedCrashHandler::ScopedCrashHandler(const base::FilePath& exe_folder,
     return;
   CopyPath(exe_folder, g_state.exe_folder);
   CopyPath(crash_folder, g_state.crash_folder);
+  RecordModules();
 
   // The first backtrace() loads the unwinder, which must not happen inside
   // the signal handler.

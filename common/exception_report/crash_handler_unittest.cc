@@ -24,6 +24,33 @@ std::string ReadOnlyCrashRecord(const base::FilePath& folder) {
   return text;
 }
 
+// The record names the build id of the program holding the handler (this
+// test program, linked statically with it), as the linker wrote it, and lists
+// the program in its load map under its real path with that id.
+void ExpectBuildIdAndLoadMap(const std::string& record) {
+  size_t at = record.find("build id: ");
+  ASSERT_NE(std::string::npos, at) << record;
+  std::string id = record.substr(at + 10, record.find('\n', at) - at - 10);
+  ASSERT_FALSE(id.empty());
+  EXPECT_EQ(std::string::npos, id.find_first_not_of("0123456789abcdef")) << id;
+
+  char exe[4096];
+  ssize_t length = readlink("/proc/self/exe", exe, sizeof(exe) - 1);
+  ASSERT_GT(length, 0);
+  std::string program(exe, static_cast<size_t>(length));
+  std::string notes;
+  ASSERT_EQ(0, testing_support::RunCommand("readelf -n '" + program + "'", "", &notes));
+  EXPECT_NE(std::string::npos, notes.find("Build ID: " + id + "\n")) << notes;
+
+  size_t map = record.find("modules (load address, path, build id):\n");
+  size_t backtrace = record.find("backtrace:\n");
+  ASSERT_NE(std::string::npos, map);
+  ASSERT_LT(map, backtrace);
+  EXPECT_NE(std::string::npos,
+            record.substr(map, backtrace - map).find(" " + program + " " + id + "\n"))
+      << record;
+}
+
 void ChainedHandler(int) {
   _exit(42);
 }
@@ -55,6 +82,7 @@ TEST(CrashHandlerTest, FaultWritesRecordAndKeepsItsCourse) {
   EXPECT_NE(std::string::npos, record.find("executable folder: /opt/player"));
   EXPECT_NE(std::string::npos, record.find("backtrace:\n"));
   EXPECT_NE(std::string::npos, record.find("time: 20"));
+  ExpectBuildIdAndLoadMap(record);
 
   base::FilePath chained_folder = temp.path().Append(L"chained");
   child = fork();

@@ -64,7 +64,7 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   // A source that cannot be copied (here: a folder in the work copy's way
   // is missing) ends before any other copy.
   base::FilePath unreachable = folder.Append(L"no such folder").Append(L"Work.db");
-  base::DeleteFile(intermediate);
+  EXPECT_TRUE(base::DeleteFile(intermediate));
   EXPECT_EQ(ProbeExporter::WorkCopy::kCopyFailed,
             exporter.ObtainWorkCopy(unreachable, find, L"Backup.db"));
   EXPECT_FALSE(base::PathExists(intermediate));

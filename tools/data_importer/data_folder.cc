@@ -45,6 +45,12 @@ base::FilePath GetLyricFolder() {
   return base::ResolvePathCase(data.Append(L"Lyric"));
 }
 
+base::FilePath GetLogFile() {
+  base::FilePath folder = DataFolderPath();
+  return folder.empty() ? folder
+                        : base::ResolvePathCase(folder.Append(importer_names::kLogFileName));
+}
+
 base::FilePath GetCrashFolder() {
   base::FilePath folder = DataFolderPath();
   return folder.empty() ? folder : folder.Append(importer_names::kCrashFolderName);

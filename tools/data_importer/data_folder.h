@@ -19,4 +19,9 @@ base::FilePath GetLyricFolder();
 // is created: the handler makes the folder when it writes the first record.
 base::FilePath GetCrashFolder();
 
+// <data folder>/DataImporter.log, the run's log (nothing is created here:
+// logging makes the folder and the file at the first line). Empty when the
+// application-data folder cannot be determined.
+base::FilePath GetLogFile();
+
 #endif  // TOOLS_DATA_IMPORTER_DATA_FOLDER_H_

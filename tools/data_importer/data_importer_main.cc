@@ -104,10 +104,8 @@ void Run() {
   }
 }
 
-}  // namespace
-
-extern "C" __attribute__((visibility("default"))) void DataImporterMain() {
-  // Nothing may escape into the player's thread.
+// Runs the whole import; nothing escapes.
+void RunAndReport() {
   try {
     Run();
   } catch (const std::exception& e) {
@@ -115,5 +113,19 @@ extern "C" __attribute__((visibility("default"))) void DataImporterMain() {
                                  << e.what() << L"}.";
   } catch (...) {
     VLOG_AT(logging::LOG_ASSERT) << L"DataImporterMain: unexpected exception.";
+  }
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) void DataImporterMain() {
+  // Nothing may escape into the player's thread. The log is the data
+  // folder's, opened once for the run, with the level and the stderr switch
+  // read once from the environment.
+  try {
+    logging::ScopedLogging logging(logging::LogSettingsFromEnvironment(GetLogFile()));
+    RunAndReport();
+  } catch (...) {
+    // Only starting the log can get here (no memory): nowhere to report to.
   }
 }

@@ -1,11 +1,11 @@
 #include "tools/data_importer/data_importer_main.h"
 
-#include <signal.h>
-
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include "base/file_util.h"
 #include "base/json_file.h"
+#include "testing/fixtures/generation6_fixture.h"
 #include "tools/data_importer/importer_test_util.h"
 
 namespace {
@@ -89,6 +89,26 @@ TEST_F(DataImporterMainTest, ImportRunGoesFromTenToHundred) {
   EXPECT_EQ(L"", profile_.DBCheck(L"UpdateProgress"));
   EXPECT_FALSE(base::PathExists(Data(L"VTMusicV3.db")));
   EXPECT_FALSE(base::PathExists(Data(L"playlistV3.db")));
+}
+
+// After an import the playlist storage learns the new list database's
+// modification time; its other keys stay.
+TEST_F(DataImporterMainTest, ImportRefreshesPlaylistStorage) {
+  base::FilePath program = profile_.root().Append(L"Program Files").Append(L"VanTa6");
+  ASSERT_TRUE(WriteSampleV6Installation(program, 5));
+  ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program)));
+  ASSERT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  WriteStorage("{\"lists\":[1],\"modify_time\":1.5}");
+  DataImporterMain();
+  ASSERT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+
+  base::FileInfo info;
+  ASSERT_TRUE(base::GetFileInfo(Data(L"playlistV3.db"), &info));
+  base::Value storage;
+  ASSERT_TRUE(base::ReadJsonFile(Data(L"pls_storage"), &storage));
+  EXPECT_EQ(info.last_modified, storage["modify_time"].get<double>());
+  EXPECT_NE(1.5, storage["modify_time"].get<double>());
+  EXPECT_EQ(1, storage["lists"][0].get<int>());
 }
 
 void HostHandler(int) {}

@@ -5,11 +5,13 @@
 #include <vector>
 
 #include "base/file_path.h"
+#include "logging/logging.h"
 #include "testing/test_support.h"
 
 // A user profile of its own for one test: a temporary folder holding the
 // per-user ("local") and roaming application-data folders and a registry
-// file, with the environment pointing at them for the test's life.
+// file, with the environment pointing at them for the test's life. Its log
+// lines go to the profile's data folder, as a run's would.
 class TestProfile {
  public:
   TestProfile();
@@ -37,6 +39,7 @@ class TestProfile {
   testing_support::ScopedTempDir dir_;
   testing_support::ScopedEnv env_;
   std::wstring registry_;
+  logging::ScopedLogging logging_{{data_folder().Append(L"DataImporter.log"), 0, false}};
 };
 
 namespace sql {

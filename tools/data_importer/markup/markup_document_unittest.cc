@@ -84,7 +84,8 @@ TEST(MarkupDocumentTest, RootNameRules) {
   MarkupHandle empty = Parse(L"  <!-- nothing -->  ", L"");
   EXPECT_FALSE(empty.IsNull());
   EXPECT_EQ(0, ChildCount(empty));
-  EXPECT_TRUE(Parse(L"", L"").get() != nullptr);
+  EXPECT_FALSE(Parse(L"", L"").IsNull());
+  EXPECT_EQ(0, ChildCount(Parse(L"", L"")));
   EXPECT_TRUE(Parse(L"<!-- nothing -->", L"Config").IsNull());
 }
 

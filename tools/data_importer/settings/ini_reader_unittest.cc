@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/utf_string_conversions.h"
+#include "logging/logging.h"
 #include "testing/test_support.h"
 
 namespace {
@@ -137,8 +138,7 @@ TEST_F(IniReaderTest, FileListAndMissingFiles) {
 }
 
 TEST_F(IniReaderTest, BadLinesAreReportedAndSkipped) {
-  env_.Set("VANTU_LOG_LEVEL", "0");
-  env_.Set("VANTU_LOG_STDERR", "1");
+  logging::ScopedLogging logging({base::FilePath(), logging::LOG_PROGRESS, true});
   IniReader reader;
   reader.SetFiles({Write(L"bad.ini", "[A]\nok=1\n  [Broken\nnoequals\n=value\nlast=2\n")});
   testing::internal::CaptureStderr();

@@ -131,6 +131,29 @@ TEST_F(BuildSequenceTest, ProgressFloorAndCeiling) {
   }
 }
 
+// Each writer step adds its own weight after its table is written, in the
+// fixed order: a weight moved to a neighbour, or added before the step,
+// changes the sequence.
+TEST_F(BuildSequenceTest, StepWeightsInOrder) {
+  FillModel();
+  record_.SetProgress(50);  // the floor, so that the first weight shows too
+  std::vector<std::string> steps;
+  ASSERT_EQ(0, BuildDatabases(&model_, profile_.data_folder(), [&](const char* stage) {
+    steps.push_back(std::string(stage) + "=" + std::to_string(record_.progress()));
+  }));
+  ASSERT_GE(steps.size(), 18u);
+  const std::vector<std::string> writers(steps.begin() + 1, steps.begin() + 18);
+  EXPECT_EQ((std::vector<std::string>{
+                "ShareFileItems=60", "ShareFolders=62", "GeneralListTable=64",
+                "RecentlyPlayedItem=66", "GeneralList=70", "RadioChannelTable=74",
+                "DislikeRadioItem=76", "RadioChannel=78", "PlayedNJRadioItem=80",
+                "LocalFiles=82", "DownloadItem=84", "DownloadHistoryItem=88",
+                "UserLoginHistory=90", "KeywordSearchHistory=92", "Settings=93", "Skin=94",
+                "AppTools=95"}),
+            writers);
+  EXPECT_EQ("Prepare=50", steps.front());
+}
+
 // "BeforceImportEmpty": no list, or one list without entries, is empty.
 // Without a list table the count report fails: state 8, but the files are
 // still encrypted and moved into place.

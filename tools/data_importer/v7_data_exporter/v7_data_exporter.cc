@@ -67,7 +67,8 @@ bool V7DataExporter::CopyDatabase() {
   base::FilePath plugin = folder.empty() ? folder : folder.Append(kPluginData);
   if (!plugin.empty() && base::PathExists(plugin)) {
     if (!base::DirectoryExists(work))
-      base::CreateDirectory(work);
+      // A folder that cannot be made fails the copy below, which is logged.
+      (void)base::CreateDirectory(work);
     // The plug-in data only travels along: a failed copy is logged and the
     // import goes on.
     (void)CopyWithLog(plugin, work.Append(kPluginDataCopy));
