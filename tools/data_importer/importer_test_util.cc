@@ -71,7 +71,8 @@ std::string FolderFingerprint(const base::FilePath& folder) {
   base::FileEnumerator files(folder, L"*");
   for (base::FilePath file = files.Next(); !file.empty(); file = files.Next()) {
     std::string bytes;
-    base::ReadFileToString(file, &bytes);
+    if (!base::ReadFileToString(file, &bytes))
+      bytes = "#unreadable";
     all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
   }
   return all;

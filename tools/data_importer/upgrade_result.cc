@@ -73,12 +73,16 @@ bool WriteUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& 
   base::FilePath path = data_folder.Append(kUpgradeResultFile);
   base::FilePath temp(path.value() + L".tmp");
   if (!base::WriteJsonFile(temp, root) || !base::ReplaceFile(temp, path)) {
-    base::DeleteFile(temp);
+    // The write already failed; a temporary file that will not go either
+    // is only clutter, removed by a later run.
+    (void)base::DeleteFile(temp);
     return false;
   }
   return true;
 }
 
 void ClearUpgradeResult(const base::FilePath& data_folder) {
-  base::DeleteFile(data_folder.Append(kUpgradeResultFile));
+  // A result that cannot be removed stays: the host shows it only when the
+  // run was a version-2 task, which writes a fresh one.
+  (void)base::DeleteFile(data_folder.Append(kUpgradeResultFile));
 }

@@ -227,8 +227,11 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
 
   std::printf("Task:          %s\n", TaskInWords(ReportTask(report)).c_str());
   // The version-2 tasks say what they did in a file of their own.
+  const std::string task = ReportTask(report);
   std::string upgrade_result;
-  if (base::ReadFileToString(data_folder.Append(names::kUpgradeResultFileName), &upgrade_result))
+  if ((task == base::WideToUTF8(names::kTaskCopyVersion2) ||
+       task == base::WideToUTF8(names::kTaskUpdateVersion2)) &&
+      base::ReadFileToString(data_folder.Append(names::kUpgradeResultFileName), &upgrade_result))
     std::printf("Done:          %s\n", DescribeUpgradeResult(upgrade_result).c_str());
   if (options.dry_run) {
     std::printf("Dry run:       nothing was changed; the import ran on a copy of the data folder "
