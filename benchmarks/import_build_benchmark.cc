@@ -250,6 +250,24 @@ bool RunInChild(Work work, double* peak_mb) {
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
+// One timed run of DataImporterMain in a child process: its time becomes
+// the iteration's, its peak memory goes to |*peak_mb|. False (the benchmark
+// skipped with an error) when the run failed.
+bool TimedImportInChild(benchmark::State* state, double* seconds, double* peak_mb) {
+  auto start = Clock::now();
+  bool ok = RunInChild(
+      [] {
+        DataImporterMain();
+        return true;
+      },
+      peak_mb);
+  *seconds = Seconds(start);
+  state->SetIterationTime(*seconds);
+  if (!ok)
+    state->SkipWithError("the import run failed");
+  return ok;
+}
+
 // The whole run of DataImporterMain on a generation-6 installation of
 // 100,000 music items and 300,000 list entries in as many lists as the
 // argument says: copy, read, build, encrypt. Then, untimed: the read alone
@@ -304,25 +322,15 @@ void BM_Generation6Import(benchmark::State& state) {
     // The run itself goes in a child process, which gives its own peak
     // memory.
     double peak_mb = 0;
-    auto start = Clock::now();
-    bool ok = RunInChild(
-        [] {
-          DataImporterMain();
-          return true;
-        },
-        &peak_mb);
-    double end_to_end = Seconds(start);
-    state.SetIterationTime(end_to_end);
-    if (!ok) {
-      state.SkipWithError("the import run failed");
+    double end_to_end = 0;
+    if (!TimedImportInChild(&state, &end_to_end, &peak_mb))
       return;
-    }
     state.counters["end_to_end_s"] = end_to_end;
     state.counters["peak_MB"] = peak_mb;
 
     fresh_data_folder();
     ImportModel model;
-    start = Clock::now();
+    auto start = Clock::now();
     {
       V6DataExporter exporter(&model);
       if (exporter.ExportData() != 0) {
@@ -376,19 +384,9 @@ void BM_Generation7Import(benchmark::State& state) {
     }
     env.Set("LOCALAPPDATA", local.AsUTF8Unsafe());
     double peak_mb = 0;
-    auto start = Clock::now();
-    bool ok = RunInChild(
-        [] {
-          DataImporterMain();
-          return true;
-        },
-        &peak_mb);
-    double import_s = Seconds(start);
-    state.SetIterationTime(import_s);
-    if (!ok) {
-      state.SkipWithError("the import run failed");
+    double import_s = 0;
+    if (!TimedImportInChild(&state, &import_s, &peak_mb))
       return;
-    }
 
     // What the run read, read again from its work copy, built at the
     // engine's pace.
