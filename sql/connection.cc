@@ -259,7 +259,7 @@ bool Connection::DbEncrypt(const std::wstring& key) {
   // killed earlier attempt may have left the sibling and its rollback
   // journal; both are removed first so the export starts from nothing.
   base::FilePath path = path_;
-  base::FilePath encrypted(path.value() + L".enc");
+  base::FilePath encrypted(path.value() + kEncryptedSiblingSuffix);
   base::FilePath encrypted_journal(encrypted.value() + L"-journal");
   // Leftovers of an earlier attempt, if any; a missing file is fine.
   (void)base::DeleteFile(encrypted_journal);

@@ -14,6 +14,10 @@ struct sqlite3_stmt;
 
 namespace sql {
 
+// Appended to a database's path to name the sibling file that DbEncrypt
+// exports into before renaming it over the database.
+inline constexpr wchar_t kEncryptedSiblingSuffix[] = L".enc";
+
 class StatementRef;
 
 // One connection to an SQLite database file, over SQLCipher (page

@@ -65,6 +65,12 @@ inline constexpr wchar_t kCrashFolderName[] = L"crash";
 inline constexpr wchar_t kMusicDatabaseV3[] = L"VTMusicV3.db";
 inline constexpr wchar_t kPlaylistDatabaseV3[] = L"playlistV3.db";
 inline constexpr wchar_t kMusicDatabaseV2[] = L"VTMusicV2.db";
+inline constexpr wchar_t kPlaylistDatabaseV2[] = L"playlist.db";
+// The files a build writes before they replace the version-3 pair, and the
+// record that makes that replacement one step (replacement_commit.h).
+inline constexpr wchar_t kMusicBuildFile[] = L"VTMusicV2.db.tmp";
+inline constexpr wchar_t kPlaylistBuildFile[] = L"playlist.db.tmp";
+inline constexpr wchar_t kReplaceRecordName[] = L"DatabaseReplace.commit";
 // What a version-2 task did (see upgrade_result.h for its content).
 inline constexpr wchar_t kUpgradeResultFileName[] = L"UpgradeResult.json";
 

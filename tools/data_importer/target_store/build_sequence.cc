@@ -6,15 +6,19 @@
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
+#include "sql/connection.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/target_store/verify_database.h"
-#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/import_report.h"
+#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/settings/settings_writer.h"
 
 namespace {
+
+namespace names = importer_names;
 
 constexpr int kProgressFloor = 50;
 
@@ -52,14 +56,15 @@ bool PrepareFile(const base::FilePath& data_folder, const wchar_t* temp_name,
 }
 
 bool PrepareFiles(ImportModel* model, const base::FilePath& data_folder) {
-  bool music = PrepareFile(data_folder, L"VTMusicV2.db.tmp", L"VTMusicV2.db", &model->m_music_db);
-  bool playlist =
-      PrepareFile(data_folder, L"playlist.db.tmp", L"playlist.db", &model->m_playlist_db);
+  bool music = PrepareFile(data_folder, names::kMusicBuildFile, names::kMusicDatabaseV2,
+                           &model->m_music_db);
+  bool playlist = PrepareFile(data_folder, names::kPlaylistBuildFile, names::kPlaylistDatabaseV2,
+                              &model->m_playlist_db);
   if (music && playlist)
     return true;
   // Neither file is kept when the other could not be made.
-  for (auto [helper, name] : {std::pair{&model->m_music_db, L"VTMusicV2.db.tmp"},
-                              std::pair{&model->m_playlist_db, L"playlist.db.tmp"}}) {
+  for (auto [helper, name] : {std::pair{&model->m_music_db, names::kMusicBuildFile},
+                              std::pair{&model->m_playlist_db, names::kPlaylistBuildFile}}) {
     if (*helper) {
       (*helper)->Close();
       helper->reset();
@@ -93,7 +98,7 @@ void ReleaseDatabase(std::unique_ptr<DatabaseHelper>* helper) {
 // data folder's "Vantu.ini". A failure is logged and never fails the build.
 // The keys carried are named in the import report.
 void WriteSettings(ImportModel* model, const base::FilePath& data_folder) {
-  const base::FilePath ini = data_folder.Append(importer_names::kSettingsFileName);
+  const base::FilePath ini = data_folder.Append(names::kSettingsFileName);
   if (!WriteImportedSettings(model->m_settings, ini)) {
     VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {" << ini.value()
                                   << L"} failed.";
@@ -158,9 +163,9 @@ struct TargetFile {
 
 // In the order they are encrypted.
 constexpr TargetFile kTargetFiles[] = {
-    {&ImportModel::m_playlist_db, L"playlist.db.tmp", L"playlistV3.db",
+    {&ImportModel::m_playlist_db, names::kPlaylistBuildFile, names::kPlaylistDatabaseV3,
      &ImportModel::m_verified_playlist},
-    {&ImportModel::m_music_db, L"VTMusicV2.db.tmp", L"VTMusicV3.db",
+    {&ImportModel::m_music_db, names::kMusicBuildFile, names::kMusicDatabaseV3,
      &ImportModel::m_verified_music},
 };
 
@@ -232,7 +237,7 @@ bool EncryptAndVerify(ImportModel* model, const base::FilePath& data_folder,
   if (!all_good) {
     for (const TargetFile& file : kTargetFiles) {
       base::FilePath temp = data_folder.Append(file.temp_name);
-      if (!base::DeleteFile(temp) || !base::DeleteFile(base::FilePath(temp.value() + L".enc"))) {
+      if (!base::DeleteFile(temp) || !base::DeleteFile(base::FilePath(temp.value() + sql::kEncryptedSiblingSuffix))) {
         VLOG_AT(logging::LOG_FAILURE) << L"Failed to delete {" << temp.value()
                                       << L"}, error code {" << base::GetLastSystemError() << L"}.";
       }

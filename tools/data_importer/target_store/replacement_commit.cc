@@ -3,10 +3,10 @@
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
+#include "sql/connection.h"
+#include "tools/data_importer/importer_names.h"
 
 namespace {
-
-constexpr wchar_t kRecordName[] = L"DatabaseReplace.commit";
 
 struct Replacement {
   const wchar_t* temp_name;
@@ -14,8 +14,8 @@ struct Replacement {
 };
 
 constexpr Replacement kPairs[] = {
-    {L"VTMusicV2.db.tmp", L"VTMusicV3.db"},
-    {L"playlist.db.tmp", L"playlistV3.db"},
+    {importer_names::kMusicBuildFile, importer_names::kMusicDatabaseV3},
+    {importer_names::kPlaylistBuildFile, importer_names::kPlaylistDatabaseV3},
 };
 
 bool Replace(const base::FilePath& data_folder, const Replacement& pair) {
@@ -48,7 +48,7 @@ bool CommitReplacement(const base::FilePath& data_folder,
   // The record is written under another name and renamed into place: the
   // rename makes its name durable (and the temporary files' names with it)
   // before the first final file changes.
-  base::FilePath record = data_folder.Append(kRecordName);
+  base::FilePath record = data_folder.Append(importer_names::kReplaceRecordName);
   base::FilePath record_new(record.value() + L".new");
   std::string text;
   for (const Replacement& pair : kPairs)
@@ -74,13 +74,13 @@ bool CommitReplacement(const base::FilePath& data_folder,
 }
 
 bool CompleteOrUndoReplacement(const base::FilePath& data_folder) {
-  base::FilePath record = data_folder.Append(kRecordName);
+  base::FilePath record = data_folder.Append(importer_names::kReplaceRecordName);
   // A record never renamed into place means no commit began.
   (void)DeleteWithLog(base::FilePath(record.value() + L".new"));
   if (!base::PathExists(record)) {
     for (const Replacement& pair : kPairs) {
       base::FilePath temp = data_folder.Append(pair.temp_name);
-      base::FilePath encrypted(temp.value() + L".enc");
+      base::FilePath encrypted(temp.value() + sql::kEncryptedSiblingSuffix);
       for (const base::FilePath& path : {temp, encrypted}) {
         if (base::PathExists(path)) {
           VLOG_AT(logging::LOG_FAILURE)
