@@ -1,6 +1,7 @@
 #include "tools/data_importer/cloud_list_cleanup.h"
 
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/importer_names.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
 namespace {
@@ -51,8 +52,8 @@ void DropTable(sql::Connection* db, const std::string& table) {
 }  // namespace
 
 CloudListCleanup::CloudListCleanup(const base::FilePath& data_folder)
-    : m_playlist_path(data_folder.Append(L"playlistV3.db")),
-      m_music_path(data_folder.Append(L"VTMusicV3.db")) {}
+    : m_playlist_path(data_folder.Append(importer_names::kPlaylistDatabaseV3)),
+      m_music_path(data_folder.Append(importer_names::kMusicDatabaseV3)) {}
 
 CloudListCleanup::~CloudListCleanup() = default;
 

@@ -5,6 +5,7 @@
 #include "tools/data_importer/cloud_list_cleanup.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/database_helper/database_helper.h"
+#include "tools/data_importer/importer_names.h"
 #include "tools/data_importer/play_queue_conversion.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
@@ -48,12 +49,15 @@ Version2Upgrader::~Version2Upgrader() {
 }
 
 void Version2Upgrader::CopyVersion2Databases(UpgradeResult* result) {
-  if (CopyVersion2File(L"VTMusicV2.db", L"VTMusicV3.db", &result->music_copy))
-    result->music_copy = EncryptCopy(L"VTMusicV3.db");
+  namespace names = importer_names;
+  if (CopyVersion2File(names::kMusicDatabaseV2, names::kMusicDatabaseV3, &result->music_copy))
+    result->music_copy = EncryptCopy(names::kMusicDatabaseV3);
   CopyOutcome playlist_failure = CopyOutcome::kNotRun;
-  bool playlist_copied = CopyVersion2File(L"playlist.db", L"playlistV3.db", &playlist_failure);
+  bool playlist_copied = CopyVersion2File(names::kPlaylistDatabaseV2, names::kPlaylistDatabaseV3,
+                                          &playlist_failure);
   m_db->ResetConnection();
-  result->playlist_copy = playlist_copied ? EncryptCopy(L"playlistV3.db") : playlist_failure;
+  result->playlist_copy =
+      playlist_copied ? EncryptCopy(names::kPlaylistDatabaseV3) : playlist_failure;
 }
 
 bool Version2Upgrader::CopyVersion2File(const wchar_t* from, const wchar_t* to,
@@ -95,7 +99,7 @@ CopyOutcome Version2Upgrader::EncryptCopy(const wchar_t* name) {
 }
 
 void Version2Upgrader::UpgradeVersion3Databases(UpgradeResult* result) {
-  base::FilePath music = m_data_folder.Append(L"VTMusicV3.db");
+  base::FilePath music = m_data_folder.Append(importer_names::kMusicDatabaseV3);
   if (!base::PathExists(music)) {
     result->music_open = OpenOutcome::kMissing;
     return;
