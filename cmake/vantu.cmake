@@ -37,11 +37,39 @@ function(vantu_library)
   target_link_libraries(${A_NAME} PUBLIC ${A_DEPS})
 endfunction()
 
-# vantu_tests(NAME name DEPS libs...): one test program from the folder's
-# *_unittest.cc files. Test helpers (*_test_util.cc) are libraries of their
-# own, declared where they live.
+# vantu_discover_tests(TARGET program [END_TO_END patterns...]): registers
+# each test of a GoogleTest program with CTest on its own ("Suite.Name"),
+# run in a process of its own with a time limit. Tests matching one of the
+# END_TO_END GoogleTest filter patterns (those that run DataImporterMain or
+# the host program on whole profiles) get the label "end-to-end", the others
+# "unit"; a program whose tests all run end to end passes "*". The tests are
+# listed when ctest starts (not at build time), so a build never runs a
+# program, and a sanitizer's start-up cost only slows the listing.
+function(vantu_discover_tests)
+  cmake_parse_arguments(A "" "TARGET" "END_TO_END" ${ARGN})
+  set(common DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+  if(NOT A_END_TO_END)
+    gtest_discover_tests(${A_TARGET} ${common} PROPERTIES LABELS unit TIMEOUT 600)
+    return()
+  endif()
+  list(JOIN A_END_TO_END ":" end_to_end)
+  gtest_discover_tests(${A_TARGET} ${common} TEST_FILTER "${end_to_end}"
+                       PROPERTIES LABELS end-to-end TIMEOUT 600)
+  if(NOT end_to_end STREQUAL "*")
+    gtest_discover_tests(${A_TARGET} ${common} TEST_FILTER "-${end_to_end}"
+                         PROPERTIES LABELS unit TIMEOUT 600)
+  endif()
+endfunction()
+
+# vantu_tests(NAME name DEPS libs... [END_TO_END patterns...]): one test
+# program from the folder's *_unittest.cc files, its tests registered by
+# vantu_discover_tests. Test helpers (*_test_util.cc) are libraries of their
+# own, declared where they live. Nothing is built when BUILD_TESTING is off.
 function(vantu_tests)
-  cmake_parse_arguments(A "" "NAME" "DEPS" ${ARGN})
+  cmake_parse_arguments(A "" "NAME" "DEPS;END_TO_END" ${ARGN})
+  if(NOT BUILD_TESTING)
+    return()
+  endif()
   file(GLOB tests CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*_unittest.cc")
   if(NOT tests)
     return()
@@ -49,8 +77,7 @@ function(vantu_tests)
   add_executable(${A_NAME} ${tests})
   target_link_libraries(${A_NAME} PRIVATE ${A_DEPS} GTest::gtest GTest::gtest_main)
   target_compile_definitions(${A_NAME} PRIVATE
-      VANTU_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
-      VANTU_BINARY_DIR="${CMAKE_BINARY_DIR}")
-  add_test(NAME ${A_NAME} COMMAND ${A_NAME})
-  set_tests_properties(${A_NAME} PROPERTIES TIMEOUT 600)
+      VANTU_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+      VANTU_BINARY_DIR="${PROJECT_BINARY_DIR}")
+  vantu_discover_tests(TARGET ${A_NAME} END_TO_END ${A_END_TO_END})
 endfunction()
