@@ -96,7 +96,16 @@ bool Load(const FilePath& path, IniText* text) {
   // character and makes the next write add 8-bit lines to a UTF-16 file:
   // the file would be damaged for the player. Taking it as UTF-16 (and
   // writing it back without a mark, as found) keeps it whole.
-  if (bytes.size() >= 2 && bytes.size() % 2 == 0 && bytes.size() <= INT_MAX &&
+  //
+  // The detection alone could take an 8-bit file holding NUL bytes for
+  // UTF-16 after a write has made its length even, and the next call would
+  // no longer find what the last one wrote. So the file must also open as
+  // UTF-16 text of an INI file does: with an ASCII character (a '[', a ';',
+  // a key's first letter or a blank) followed by a zero byte. Only the
+  // deletion of its first section changes how a file begins.
+  const bool ascii_then_zero = bytes.size() >= 2 && bytes[0] != 0 &&
+                               static_cast<unsigned char>(bytes[0]) < 0x80 && bytes[1] == 0;
+  if (ascii_then_zero && bytes.size() % 2 == 0 && bytes.size() <= INT_MAX &&
       IsTextUnicode(bytes.data(), static_cast<int>(bytes.size()), nullptr)) {
     text->encoding = IniText::kUtf16NoBom;
     for (char16_t unit : UTF16UnitsFromBytes(bytes, false))
