@@ -208,7 +208,6 @@ bool V7DataExporter::ReadType5ListItems() {
     }
   }
   LogSize(L"RecentPlayListItems", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -241,7 +240,6 @@ bool V7DataExporter::ReadUnfinishedDownloads() {
     ++count;
   }
   LogSize(L"DownFile", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -278,7 +276,6 @@ bool V7DataExporter::ReadFinishedDownloads() {
     ++count;
   }
   LogSize(L"DownHistroy", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -297,7 +294,6 @@ bool V7DataExporter::ReadShareFolders() {
     m_model->m_share_folders.push_back(std::move(folder));
   }
   LogSize(L"ShareFolders", m_model->m_share_folders.size());
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -345,7 +341,6 @@ bool V7DataExporter::ReadFolderItems() {
     ++count;
   }
   LogSize(L"FolderItems", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -365,7 +360,6 @@ bool V7DataExporter::ReadPlayedRadioSongs() {
     ++count;
   }
   LogSize(L"RadioListNJPlayedItems", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -422,7 +416,6 @@ bool V7DataExporter::ReadRadioChannels() {
   }
   for (const ChannelKey& key : keys)
     ReadRadioSongs(key.fm_id, key.fm_type, key.channel_id);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -470,6 +463,5 @@ bool V7DataExporter::ReadDislikedRadioSongs() {
     ++count;
   }
   LogSize(L"RadioListDislikeSongs", count);
-  AdvanceReadProgress(1);
   return true;
 }
