@@ -32,6 +32,9 @@ inline constexpr DropReason kListWithoutEntries = {
 inline constexpr DropReason kDownloadUnresolved = {
     "download_unresolved", "download whose file is not in the library",
     "downloads whose file is not in the library"};
+inline constexpr DropReason kFolderFileMissing = {
+    "folder_file_missing", "watched-folder file that is not in the library",
+    "watched-folder files that are not in the library"};
 inline constexpr DropReason kRowRefused = {
     "row_refused", "row refused by the new database", "rows refused by the new database"};
 }  // namespace drop_reason
@@ -92,6 +95,11 @@ class ImportReport {
   // pair always answers the same id.
   int SourceTable(const base::FilePath& read_path, const std::string& table);
   void AddRead(int origin, int64_t rows, int64_t made);
+  // |rows| records made from |origin| turned out to repeat a record made
+  // from another table (a history row of a download that the download table
+  // holds as well): they are kept once, as that record, and count as merged
+  // instead of made.
+  void AddMerged(int origin, int64_t rows);
 
   // A record of |origin| that was meant for |target| and is not there.
   void AddDrop(int origin, const std::string& target, const DropReason& reason,
@@ -137,6 +145,7 @@ class ImportReport {
     std::string table;
     int64_t rows_read = 0;
     int64_t records_made = 0;
+    int64_t rows_merged = 0;
   };
   struct Flow {
     int64_t written = 0;
