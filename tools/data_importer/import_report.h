@@ -35,6 +35,12 @@ inline constexpr DropReason kDownloadUnresolved = {
 inline constexpr DropReason kFolderFileMissing = {
     "folder_file_missing", "watched-folder file that is not in the library",
     "watched-folder files that are not in the library"};
+inline constexpr DropReason kCopyNotEncrypted = {
+    "copy_not_encrypted", "row of a version-2 database whose encrypted copy was not made",
+    "rows of a version-2 database whose encrypted copy was not made"};
+inline constexpr DropReason kCloudListsMissing = {
+    "cloud_lists_missing", "cloud-list row without a cloud list to belong to",
+    "cloud-list rows without a cloud list to belong to"};
 inline constexpr DropReason kRowRefused = {
     "row_refused", "row refused by the new database", "rows refused by the new database"};
 }  // namespace drop_reason
@@ -118,6 +124,10 @@ class ImportReport {
   // MV (video) files among the rows written to "ShareFileItems".
   void AddLibraryVideos(int64_t videos) { library_videos_ += videos; }
 
+  // What a version-2 task ended with, as the words of "UpgradeResult.json"
+  // (an object); a null value for every other task.
+  void SetUpgradeOutcome(base::Value outcome) { upgrade_ = std::move(outcome); }
+
   void AddSettingsKey(const std::string& key);
   // A "DBCheck" value written by this run (the last one of a key wins).
   void NoteDBCheck(const std::wstring& key, const std::wstring& value);
@@ -171,6 +181,7 @@ class ImportReport {
   // Database -> (read back soundly, why not).
   std::map<std::string, std::pair<bool, std::string>> verified_;
   int64_t library_videos_ = 0;
+  base::Value upgrade_;
   std::vector<std::string> settings_keys_;
   std::vector<std::pair<std::wstring, std::wstring>> dbcheck_;
   std::vector<std::pair<std::string, double>> stages_;

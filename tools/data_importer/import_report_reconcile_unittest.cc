@@ -1,11 +1,12 @@
-// The import report adds up for the generation-7 import and the re-import
-// of the current generation's plain databases: every source row is found
-// again as a written row, a drop with its reason, or (a repeated download
-// history row) merged into the download it repeats.
+// The import report adds up for the generation-7 import, the re-import of
+// the current generation's plain databases and the version-2 tasks: every
+// source row is found again as a written row, a drop with its reason, or (a
+// repeated download history row) merged into the download it repeats.
 
 #include <gtest/gtest.h>
 
 #include <map>
+#include <set>
 #include <string>
 
 #include "base/file_util.h"
@@ -13,12 +14,15 @@
 #include "sql/connection.h"
 #include "sql/statement.h"
 #include "testing/fixtures/generation7_fixture.h"
+#include "testing/fixtures/version2_fixture.h"
 #include "tools/data_importer/data_importer_main.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/importer_test_util.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
+#include "tools/data_importer/version2_upgrade.h"
 
 namespace {
 
@@ -57,8 +61,20 @@ std::map<std::string, std::pair<int64_t, int64_t>> SourceTables(const base::Valu
   return tables;
 }
 
+// Rows per user table of a database, opened plain or with the version-3 key.
+std::map<std::string, int64_t> Rows(const base::FilePath& path, bool keyed) {
+  std::map<std::string, int64_t> rows;
+  sql::Connection db;
+  if (keyed ? !db.OpenWithKey(path, kVersion3DatabaseKey) : !db.Open(path))
+    return rows;
+  for (const std::string& table : TableNames(&db))
+    rows[table] = TableRowCount(&db, table);
+  return rows;
+}
+
 class ImportReportReconcileTest : public testing::Test {
  protected:
+  base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
 
   base::Value ReadReport() {
     base::Value report;
@@ -232,6 +248,136 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
                                    kVersion3DatabaseKey));
   EXPECT_EQ(1, CountQuery(&finished, "select count(*) from DownloadItem where FileName = "
                                      "'Only in the history'"));
+}
+
+// The copy of the version-2 databases: each table's rows, counted in the
+// source, are all written and counted again in the finished encrypted file;
+// a file that loses rows after the copy is caught by that count; a copy
+// that cannot be encrypted drops its rows with their reason.
+TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
+  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  std::map<std::string, int64_t> read = Rows(Data(L"VTMusicV2.db"), false);
+  for (const auto& [table, rows] : Rows(Data(L"playlist.db"), false))
+    read[table] = rows;
+  ASSERT_LT(5u, read.size());
+
+  DataImporterMain();
+  base::Value report = ReadReport();
+  ASSERT_TRUE(report.is_object());
+  EXPECT_EQ("copyv8dbv2", report["task"]["name"]);
+  EXPECT_EQ("encrypted", report["upgrade"]["music"]);
+  EXPECT_EQ("encrypted", report["upgrade"]["playlist"]);
+  ASSERT_EQ(2u, report["sources"].size());
+  EXPECT_EQ("version 2", report["sources"][0]["layout"]);
+  EXPECT_EQ(read.size(), report["source_tables"].size());
+  for (const auto& table : report["source_tables"])
+    EXPECT_EQ(read[table["table"]], table["rows_read"]) << table.dump();
+  ExpectReportReconciles(report, profile_.data_folder());
+  std::map<std::string, int64_t> written = Rows(Data(L"VTMusicV3.db"), true);
+  for (const auto& [table, rows] : Rows(Data(L"playlistV3.db"), true))
+    written[table] = rows;
+  ASSERT_EQ(read.size(), report["target_tables"].size());
+  for (const auto& target : report["target_tables"]) {
+    EXPECT_EQ(written[target["table"]], target["rows_counted"]) << target.dump();
+    EXPECT_EQ(true, target["matches"]) << target.dump();
+  }
+  EXPECT_TRUE(report["dropped"].empty());
+  std::string stages;
+  for (const auto& stage : report["stages"])
+    stages += stage["name"].get<std::string>() + ",";
+  EXPECT_EQ("TaskDecision,Copy,Count,", stages);
+
+  // A row lost from the finished file after the copy.
+  {
+    ImportReport lost;
+    ProgressRecord record;
+    record.set_report(&lost);
+    record.Initialise();
+    (void)RunVersion2Copy(&record, [&](const char* stage) {
+      ASSERT_STREQ("Copy", stage);
+      sql::Connection db;
+      ASSERT_TRUE(db.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
+      ASSERT_TRUE(db.Execute("DELETE FROM ShareFileItems WHERE rowid = (SELECT max(rowid) "
+                             "FROM ShareFileItems)"));
+    });
+    base::Value json = lost.ToJson();
+    const base::Value* files = Find(json["target_tables"], "table", "ShareFileItems");
+    ASSERT_TRUE(files);
+    EXPECT_EQ(read["ShareFileItems"], (*files)["rows_sent"]);
+    EXPECT_EQ(read["ShareFileItems"] - 1, (*files)["rows_counted"]);
+    EXPECT_EQ(false, (*files)["matches"]);
+  }
+
+  // The encrypted sibling of the music copy cannot be made: its rows are
+  // dropped, the finished file is not counted, the playlist copy still is.
+  ASSERT_TRUE(base::DeleteFile(Data(L"VTMusicV3.db")));
+  ASSERT_TRUE(base::DeleteFile(Data(L"playlistV3.db")));
+  TestProfile::Touch(Data(L"VTMusicV3.db.enc").Append(L"blocker"));
+  DataImporterMain();
+  report = ReadReport();
+  EXPECT_EQ("encrypt_failed", report["upgrade"]["music"]);
+  const base::Value* files = Find(report["flows"], "from", "ShareFileItems");
+  ASSERT_TRUE(files);
+  EXPECT_EQ(0, (*files)["written"]);
+  EXPECT_EQ(read["ShareFileItems"], (*files)["dropped_by_reason"]["copy_not_encrypted"]);
+  const base::Value* music = Find(report["target_databases"], "database", "VTMusicV3.db");
+  ASSERT_TRUE(music);
+  EXPECT_EQ(false, (*music)["read_back"]);
+  const base::Value* lists = Find(report["target_tables"], "table", "GeneralListTable");
+  ASSERT_TRUE(lists);
+  EXPECT_EQ(true, (*lists)["matches"]);
+}
+
+// The upgrade of the version-3 databases: the cloud tables moved, each with
+// the rows read in the music database and counted in the finished playlist
+// database; without a cloud list to use it, the moved "CloudOperation" is
+// dropped again, and counted as dropped with its reason.
+TEST_F(ImportReportReconcileTest, Version3UpgradeCountsTheMovedTables) {
+  ASSERT_TRUE(WriteSampleVersion3Databases(profile_.data_folder(), kVersion3DatabaseKey));
+  std::map<std::string, int64_t> before = Rows(Data(L"VTMusicV3.db"), true);
+  DataImporterMain();
+  base::Value report = ReadReport();
+  ASSERT_TRUE(report.is_object());
+  EXPECT_EQ("updatevantu8", report["task"]["name"]);
+  EXPECT_EQ("moved", report["upgrade"]["cloud_lists"]);
+  EXPECT_EQ(2, report["upgrade"]["cloud_lists_moved"]);
+  ASSERT_EQ(1u, report["sources"].size());
+  EXPECT_EQ("version 3", report["sources"][0]["layout"]);
+  std::map<std::string, int64_t> after = Rows(Data(L"playlistV3.db"), true);
+  std::set<std::string> moved;
+  for (const auto& flow : report["flows"]) {
+    std::string table = flow["to"];
+    moved.insert(table);
+    EXPECT_EQ(flow["from"], flow["to"]);
+    EXPECT_EQ(before[table], flow["read"]) << table;
+    EXPECT_EQ(before[table], flow["written"]) << table;
+  }
+  EXPECT_EQ((std::set<std::string>{"CloudAccompanimentItemSet", "CloudListTable",
+                                   "CloudOperation", "NewCloudList_3", "NewCloudList_7"}),
+            moved);
+  ASSERT_EQ(moved.size(), report["target_tables"].size());
+  for (const auto& target : report["target_tables"]) {
+    EXPECT_EQ(after[target["table"]], target["rows_counted"]) << target.dump();
+    EXPECT_EQ(true, target["matches"]) << target.dump();
+  }
+
+  CurrentMusicDatabase music;
+  music.cloud_lists = {{0, L"zero", 2}};
+  ASSERT_TRUE(music.Write(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
+  ASSERT_TRUE(CurrentPlaylistDatabase().Write(Data(L"playlistV3.db"), kVersion3DatabaseKey));
+  DataImporterMain();
+  report = ReadReport();
+  const base::Value* operations = Find(report["flows"], "from", "CloudOperation");
+  ASSERT_TRUE(operations);
+  EXPECT_EQ(3, (*operations)["read"]);
+  EXPECT_EQ(0, (*operations)["written"]);
+  EXPECT_EQ(3, (*operations)["dropped_by_reason"]["cloud_lists_missing"]);
+  const base::Value* none = Find(report["target_tables"], "table", "CloudOperation");
+  ASSERT_TRUE(none);
+  EXPECT_EQ(0, (*none)["rows_sent"]);
+  const base::Value* lists = Find(report["target_tables"], "table", "CloudListTable");
+  ASSERT_TRUE(lists);
+  EXPECT_EQ(true, (*lists)["matches"]);
 }
 
 }  // namespace
