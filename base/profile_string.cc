@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <climits>
 #include <optional>
 
 #include <utf8.h>
@@ -10,6 +11,7 @@
 #include "base/file_path.h"
 #include "base/file_util.h"
 #include "base/string_util.h"
+#include "base/text_encoding.h"
 #include "base/utf_string_conversions.h"
 
 namespace base {
@@ -28,14 +30,18 @@ namespace {
 // code page and is read and extended as code page 1252, unmappable
 // characters becoming '?', as Windows does.
 struct IniText {
-  enum Encoding { kUtf8, kCp1252, kUtf8Bom, kUtf16, kUtf16Be };
+  enum Encoding { kUtf8, kCp1252, kUtf8Bom, kUtf16, kUtf16Be, kUtf16NoBom };
   Encoding encoding = kUtf8;
   std::wstring units;
+
+  bool IsUtf16() const {
+    return encoding == kUtf16 || encoding == kUtf16Be || encoding == kUtf16NoBom;
+  }
 
   // Caller text (wide) in the file's units.
   std::wstring ToUnits(std::wstring_view text) const {
     std::wstring out;
-    if (encoding == kUtf16 || encoding == kUtf16Be) {
+    if (IsUtf16()) {
       for (char16_t u : WideToUTF16(text))
         out.push_back(static_cast<wchar_t>(u));
     } else if (encoding == kCp1252) {
@@ -50,7 +56,7 @@ struct IniText {
 
   // File units back to wide text.
   std::wstring FromUnits(std::wstring_view units_text) const {
-    if (encoding == kUtf16 || encoding == kUtf16Be) {
+    if (IsUtf16()) {
       std::u16string utf16;
       for (wchar_t u : units_text)
         utf16.push_back(static_cast<char16_t>(u));
@@ -84,6 +90,28 @@ bool Load(const FilePath& path, IniText* text) {
       text->units.push_back(static_cast<wchar_t>(unit));
     return true;
   }
+  // Without a mark, the system's text detection decides whether the bytes
+  // are UTF-16LE. The profile functions we reproduce were recorded reading
+  // such a file as 8-bit text, which turns every second byte into a NUL
+  // character and makes the next write add 8-bit lines to a UTF-16 file:
+  // the file would be damaged for the player. Taking it as UTF-16 (and
+  // writing it back without a mark, as found) keeps it whole.
+  //
+  // The detection alone could take an 8-bit file holding NUL bytes for
+  // UTF-16 after a write has made its length even, and the next call would
+  // no longer find what the last one wrote. So the file must also open as
+  // UTF-16 text of an INI file does: with an ASCII character (a '[', a ';',
+  // a key's first letter or a blank) followed by a zero byte. Only the
+  // deletion of its first section changes how a file begins.
+  const bool ascii_then_zero = bytes.size() >= 2 && bytes[0] != 0 &&
+                               static_cast<unsigned char>(bytes[0]) < 0x80 && bytes[1] == 0;
+  if (ascii_then_zero && bytes.size() % 2 == 0 && bytes.size() <= INT_MAX &&
+      IsTextUnicode(bytes.data(), static_cast<int>(bytes.size()), nullptr)) {
+    text->encoding = IniText::kUtf16NoBom;
+    for (char16_t unit : UTF16UnitsFromBytes(bytes, false))
+      text->units.push_back(static_cast<wchar_t>(unit));
+    return true;
+  }
   size_t start = 0;
   if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) {
     text->encoding = IniText::kUtf8Bom;
@@ -100,9 +128,12 @@ bool Load(const FilePath& path, IniText* text) {
 // reader in another process sees the old or the new file, never half of one.
 bool Save(const FilePath& path, const IniText& text) {
   std::string bytes;
-  if (text.encoding == IniText::kUtf16 || text.encoding == IniText::kUtf16Be) {
-    bool little = text.encoding == IniText::kUtf16;
-    bytes = little ? "\xFF\xFE" : "\xFE\xFF";
+  if (text.IsUtf16()) {
+    bool little = text.encoding != IniText::kUtf16Be;
+    if (text.encoding == IniText::kUtf16)
+      bytes = "\xFF\xFE";
+    else if (text.encoding == IniText::kUtf16Be)
+      bytes = "\xFE\xFF";
     for (wchar_t u : text.units) {
       char lo = static_cast<char>(u & 0xFF), hi = static_cast<char>((u >> 8) & 0xFF);
       bytes.push_back(little ? lo : hi);
@@ -238,6 +269,10 @@ bool WritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, cons
   if (!exists && (!key || !value))
     return true;  // nothing to delete
 
+  // Deletions trim their names as reads and writes do. The recorded
+  // implementation compares a deletion's names untrimmed (" A " deletes
+  // nothing from "[A]"); one rule for every call is what a caller expects,
+  // and a key that the call was meant to remove is not left behind.
   const std::wstring section_units = text.ToUnits(Trim(section));
   std::vector<Line> lines = SplitLines(text.units);
   SectionSpan span = FindSection(text.units, lines, section_units);

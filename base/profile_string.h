@@ -13,9 +13,12 @@ namespace base {
 // that another process may read the file while we run:
 //  - a missing file is created (UTF-8, our stand-in for the ANSI code page:
 //    ASCII content is byte-identical); a file starting with the UTF-16LE
-//    byte-order mark stays UTF-16LE, one with the UTF-8 mark keeps it;
+//    byte-order mark stays UTF-16LE, one with the UTF-8 mark keeps it; a
+//    file without a mark that IsTextUnicode takes for UTF-16LE is read and
+//    written as UTF-16LE without a mark;
 //  - section and key are found case-insensitively, with blanks around the
-//    names ignored; the first section of that name is used;
+//    names ignored (for deletions too); the first section of that name is
+//    used;
 //  - an existing key gets the new value in place; a new key goes after the
 //    last line of its section; a missing section is added at the end;
 //  - an empty value writes "key=" and keeps the key; a null value deletes

@@ -119,5 +119,37 @@ TEST(ProfileStringTest, EditsInPlace) {
   EXPECT_EQ(L"\u00e9", GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"", wide.value()));
 }
 
+// Two cases beyond the recorded behaviour. A UTF-16LE file without a
+// byte-order mark, as the system's text detection takes it, is read and
+// extended as UTF-16LE and written back without a mark (read as 8-bit text
+// it would gain 8-bit lines in the middle of UTF-16). A deletion trims its
+// names as reads and writes do.
+TEST(ProfileStringTest, UnmarkedUtf16AndTrimmedDeletes) {
+  testing_support::ScopedTempDir temp;
+  FilePath ini = temp.path().Append(L"Vantu.ini");
+  std::u16string content = u"[Settings]\r\nSkin=\u7a3b\u9999\r\nVolume=5\r\n";
+  auto bytes_of = [](const std::u16string& text) {
+    return std::string(reinterpret_cast<const char*>(text.data()), text.size() * 2);
+  };
+  ASSERT_TRUE(WriteFile(ini, bytes_of(content)));
+  EXPECT_EQ(L"\u7a3b\u9999", GetPrivateProfileStringW(L"Settings", L"Skin", L"", ini.value()));
+  EXPECT_TRUE(WritePrivateProfileStringW(L"Settings", L"Lyric", L"\u00e9", ini.value().c_str()));
+  EXPECT_TRUE(WritePrivateProfileStringW(L" Settings ", L"\tVolume ", nullptr, ini.value().c_str()));
+  std::string bytes;
+  EXPECT_TRUE(ReadFileToString(ini, &bytes));
+  EXPECT_EQ(bytes_of(u"[Settings]\r\nSkin=\u7a3b\u9999\r\nLyric=\u00e9\r\n"), bytes);
+
+  // A section deleted by a blank-padded name.
+  EXPECT_TRUE(WritePrivateProfileStringW(L"  settings", nullptr, nullptr, ini.value().c_str()));
+  EXPECT_TRUE(ReadFileToString(ini, &bytes));
+  EXPECT_EQ("", bytes);
+
+  // 8-bit text stays 8-bit: ASCII is not mistaken for UTF-16.
+  ASSERT_TRUE(WriteFile(ini, "[A]\r\nkey=value\r\n"));
+  EXPECT_TRUE(WritePrivateProfileStringW(L"A", L"b", L"c", ini.value().c_str()));
+  EXPECT_TRUE(ReadFileToString(ini, &bytes));
+  EXPECT_EQ("[A]\r\nkey=value\r\nb=c\r\n", bytes);
+}
+
 }  // namespace
 }  // namespace base

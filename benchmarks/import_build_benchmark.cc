@@ -5,13 +5,13 @@
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cwchar>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <string>
@@ -233,39 +233,61 @@ void BM_WholeBuild(benchmark::State& state) {
 }
 BENCHMARK(BM_WholeBuild)->Unit(benchmark::kSecond)->Iterations(1)->UseRealTime();
 
-// Runs |work| in a child process, so that its memory is its own: answers
-// whether it succeeded and stores the child's peak resident size (MB).
+// Runs |work| in a child process, so that the memory it takes is never
+// this process's; answers whether it succeeded.
 template <typename Work>
-bool RunInChild(Work work, double* peak_mb) {
+bool RunInChild(Work work) {
   std::fflush(nullptr);
   pid_t child = fork();
   if (child == 0)
     _exit(work() ? 0 : 1);
   int status = 0;
-  rusage usage = {};
-  if (child < 0 || wait4(child, &status, 0, &usage) != child)
+  if (child < 0 || waitpid(child, &status, 0) != child)
     return false;
-  if (peak_mb)
-    *peak_mb = usage.ru_maxrss / 1024.0;
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-// One timed run of DataImporterMain in a child process: its time becomes
-// the iteration's, its peak memory goes to |*peak_mb|. False (the benchmark
-// skipped with an error) when the run failed.
+constexpr char kImportChildSwitch[] = "--import-child";
+
+// One timed run of DataImporterMain in a fresh process (this program again,
+// started with kImportChildSwitch): its time becomes the iteration's, its
+// peak memory goes to |*peak_mb|. A forked child alone would not do: it
+// starts with the parent's resident pages (the model and the baseline of an
+// earlier run) and its peak would count them. False (the benchmark skipped
+// with an error) when the run failed.
 bool TimedImportInChild(benchmark::State* state, double* seconds, double* peak_mb) {
+  testing_support::ScopedTempDir scratch;
+  const std::string peak_file = scratch.path().Append(L"peak").AsUTF8Unsafe();
+  std::fflush(nullptr);
   auto start = Clock::now();
-  bool ok = RunInChild(
-      [] {
-        DataImporterMain();
-        return true;
-      },
-      peak_mb);
+  pid_t child = fork();
+  if (child == 0) {
+    execl("/proc/self/exe", "import_build_benchmark", kImportChildSwitch, peak_file.c_str(),
+          static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  int status = 0;
+  bool ok = child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) &&
+            WEXITSTATUS(status) == 0;
   *seconds = Seconds(start);
+  std::string peak;
+  *peak_mb = ok && base::ReadFileToString(base::FilePath::FromUTF8Unsafe(peak_file), &peak)
+                 ? std::strtod(peak.c_str(), nullptr)
+                 : 0;
   state->SetIterationTime(*seconds);
   if (!ok)
     state->SkipWithError("the import run failed");
   return ok;
+}
+
+// The child's side of TimedImportInChild: the run, then its peak memory
+// written to |peak_file|.
+int RunImportChild(const char* peak_file) {
+  DataImporterMain();
+  return base::WriteFile(base::FilePath::FromUTF8Unsafe(peak_file),
+                         std::to_string(PeakMemoryMegabytes()))
+             ? 0
+             : 1;
 }
 
 // The whole run of DataImporterMain on a generation-6 installation of
@@ -297,7 +319,7 @@ void BM_Generation6Import(benchmark::State& state) {
       source.items.push_back({item, 1 + item % lists, 1 + item * 7 % kFiles, item, item % 5});
     return source.Write(program.Append(L"VTData.db"));
   };
-  if (!RunInChild(write_source, nullptr)) {
+  if (!RunInChild(write_source)) {
     state.SkipWithError("cannot write the generation-6 source");
     return;
   }
@@ -367,7 +389,7 @@ void BM_Generation7Import(benchmark::State& state) {
   size.list_entries = 3 * songs - (songs + songs / 10 + songs / 11);
   size.downloads = songs / 5;
   size.channels = 50;
-  if (!RunInChild([&] { return WriteSampleV7Installation(roaming, size); }, nullptr)) {
+  if (!RunInChild([&] { return WriteSampleV7Installation(roaming, size); })) {
     state.SkipWithError("cannot write the generation-7 source");
     return;
   }
@@ -424,4 +446,13 @@ BENCHMARK(BM_Generation7Import)
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  if (argc == 3 && std::string(argv[1]) == kImportChildSwitch)
+    return RunImportChild(argv[2]);
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

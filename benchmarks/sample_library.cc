@@ -1,12 +1,13 @@
 #include "benchmarks/sample_library.h"
 
-#include <sys/resource.h>
+#include <cstdlib>
 
 #include <cmath>
 #include <cwchar>
 #include <random>
 #include <string>
 
+#include "base/file_util.h"
 #include "tools/data_importer/source_reader_util.h"
 
 namespace {
@@ -93,7 +94,11 @@ void FillSampleLibrary(ImportModel* model, int files, int lists, int entries, in
 }
 
 double PeakMemoryMegabytes() {
-  rusage usage = {};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss / 1024.0;
+  // VmHWM rather than the resource usage's maximum: after an exec the latter
+  // still holds the peak of the process image before it.
+  std::string status;
+  if (!base::ReadFileToString(base::FilePath(L"/proc/self/status"), &status))
+    return 0;
+  size_t at = status.find("VmHWM:");
+  return at == std::string::npos ? 0 : std::strtod(status.c_str() + at + 6, nullptr) / 1024.0;
 }

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "base/file_util.h"
+#include "fuzz/fuzz_scratch.h"
 #include "base/profile_string.h"
 
 namespace {
@@ -17,8 +18,7 @@ base::FilePath g_file;
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("VANTU_LOG_LEVEL", "5", 1);
-  g_file = base::FilePath::FromUTF8Unsafe("/tmp/vantu-profile-fuzz-" +
-                                          std::to_string(getpid()) + ".ini");
+  g_file = FuzzScratchPath("vantu-profile-fuzz.ini");
   // The scratch file goes with the process.
   std::atexit([] { (void)base::DeleteFile(g_file); });
   return 0;

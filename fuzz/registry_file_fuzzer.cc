@@ -9,6 +9,7 @@
 #include <string>
 
 #include "base/file_util.h"
+#include "fuzz/fuzz_scratch.h"
 #include "base/reg_key.h"
 
 namespace {
@@ -17,8 +18,7 @@ base::FilePath g_file;
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("VANTU_LOG_LEVEL", "5", 1);
-  g_file = base::FilePath::FromUTF8Unsafe("/tmp/vantu-registry-fuzz-" +
-                                          std::to_string(getpid()) + ".reg");
+  g_file = FuzzScratchPath("vantu-registry-fuzz.reg");
   // The scratch file goes with the process.
   std::atexit([] { (void)base::DeleteFile(g_file); });
   setenv("VANTU_REGISTRY_FILE", g_file.AsUTF8Unsafe().c_str(), 1);

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "base/file_util.h"
+#include "fuzz/fuzz_scratch.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
@@ -21,8 +22,7 @@ base::FilePath g_root;
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("VANTU_LOG_LEVEL", "5", 1);
-  base::FilePath root = base::FilePath::FromUTF8Unsafe("/tmp/vantu-v6-fuzz-" +
-                                                       std::to_string(getpid()));
+  base::FilePath root = FuzzScratchPath("vantu-v6-fuzz");
   setenv("LOCALAPPDATA", root.AsUTF8Unsafe().c_str(), 1);
   setenv("APPDATA", root.Append(L"roaming").AsUTF8Unsafe().c_str(), 1);
   setenv("VANTU_REGISTRY_FILE", root.Append(L"none.reg").AsUTF8Unsafe().c_str(), 1);

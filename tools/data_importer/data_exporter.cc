@@ -94,6 +94,10 @@ void DataExporter::AdvanceReadProgress(int delta) {
     record->Advance(allowed, 0);
 }
 
+void DataExporter::TableRead() {
+  AdvanceReadProgress(kTableReadStep);
+}
+
 ReadProgressTicker::ReadProgressTicker(AdvanceCallback advance, int64_t total_rows)
     : advance_(std::move(advance)), total_rows_(total_rows) {}
 

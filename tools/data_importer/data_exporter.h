@@ -92,6 +92,13 @@ class DataExporter {
   // of 0 or less.
   void AdvanceReadProgress(int delta);
 
+  // How far the read progress moves after each table reader.
+  static constexpr int kTableReadStep = 5;
+
+  // One table reader has finished: advances the read progress by
+  // kTableReadStep (within the ceiling above).
+  void TableRead();
+
   // The run's import report (the model's), where readers count what they
   // read, made and dropped with SourceTableTally. Never null.
   ImportReport* Report();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <utility>
@@ -10,9 +11,11 @@
 #include "base/file_util.h"
 #include "base/md5.h"
 #include "base/profile_string.h"
+#include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
 #include "sql/statement.h"
+#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
 TestProfile::TestProfile() {
@@ -44,6 +47,39 @@ std::wstring TestProfile::DBCheck(const std::wstring& key) const {
 
 std::wstring TestProfile::Setting(const std::wstring& key) const {
   return base::GetPrivateProfileStringW(L"Settings", key, L"#missing#", ini().value());
+}
+
+ProgressTrace::ProgressTrace(ProgressRecord* record, const TestProfile& profile)
+    : record_(record) {
+  record_->set_key_observer([this, &profile](const wchar_t* key, const std::wstring&) {
+    if (std::wstring(key) != L"ImportProgress")
+      return;
+    int value = -1;
+    if (!base::StringToInt(profile.DBCheck(key), &value))
+      value = -1;
+    seen_.push_back(value);
+  });
+}
+
+ProgressTrace::~ProgressTrace() {
+  record_->set_key_observer(nullptr);
+}
+
+std::vector<int> ExpectedReadProgress(int start, const std::vector<int>& deltas) {
+  std::vector<int> values;
+  int progress = start;
+  for (int delta : deltas) {
+    int next = std::min(progress + delta, 49);
+    if (next <= progress)
+      continue;
+    progress = next;
+    values.push_back(progress);
+  }
+  return values;
+}
+
+std::vector<int> Tenths() {
+  return std::vector<int>(10, 1);
 }
 
 void TestProfile::Touch(const base::FilePath& path) {

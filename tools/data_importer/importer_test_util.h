@@ -44,6 +44,31 @@ class TestProfile {
   logging::ScopedLogging logging_{{data_folder().Append(L"DataImporter.log"), 0, false}};
 };
 
+class ProgressRecord;
+
+// Watches |record| and keeps every "ImportProgress" value it writes, each as
+// the profile's "DBCheck" section holds it at that moment (what the player
+// would read while it waits); a value that is not a number is kept as -1.
+class ProgressTrace {
+ public:
+  ProgressTrace(ProgressRecord* record, const TestProfile& profile);
+  ~ProgressTrace();
+
+  const std::vector<int>& seen() const { return seen_; }
+
+ private:
+  ProgressRecord* record_;
+  std::vector<int> seen_;
+};
+
+// The "ImportProgress" values a reader writes from |start| when it advances
+// by |deltas| in turn: each sum kept at or below 49, an advance that cannot
+// move it writes nothing.
+std::vector<int> ExpectedReadProgress(int start, const std::vector<int>& deltas);
+
+// The ten single steps of a long reader that walks ten or more rows.
+std::vector<int> Tenths();
+
 namespace sql {
 class Connection;
 }

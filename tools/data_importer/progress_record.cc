@@ -34,6 +34,8 @@ void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
   report()->NoteDBCheck(key, value);
   // A profile write that fails is ignored (see the header).
   (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str());
+  if (key_observer_)
+    key_observer_(key, value);
 }
 
 void ProgressRecord::Initialise() {

@@ -2,8 +2,10 @@
 #define TOOLS_DATA_IMPORTER_PROGRESS_RECORD_H_
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "tools/data_importer/importer_names.h"
 class ImportReport;
@@ -70,6 +72,12 @@ class ProgressRecord {
   // Writes one key of the section (used by the steps above).
   void WriteKey(const wchar_t* key, const std::wstring& value);
 
+  // Called after each key has gone to the file, with the key and its value:
+  // lets a caller watch the section while a step runs (as the player does by
+  // reading the file). Empty by default.
+  using KeyObserver = std::function<void(const wchar_t* key, const std::wstring& value)>;
+  void set_key_observer(KeyObserver observer) { key_observer_ = std::move(observer); }
+
   // The run's import report, where every "DBCheck" value written is noted
   // too. Never null: a record that was given none keeps one of its own.
   ImportReport* report();
@@ -93,6 +101,7 @@ class ProgressRecord {
   std::wstring ini_path_;
   int32_t import_kind_ = kKindNone;
   ImportReport* report_ = nullptr;
+  KeyObserver key_observer_;
   std::unique_ptr<ImportReport> own_report_;
 };
 

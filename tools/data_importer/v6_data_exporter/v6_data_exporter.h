@@ -85,8 +85,6 @@ class V6DataExporter : public DataExporter {
   bool ReadUnfinishedDownloads(bool v2);
   bool ReadFinishedDownloads();
 
-  // Advances the read progress by the fixed step of one finished table.
-  void TableRead();
   // Lets every per-list query of the open source find its list's entries
   // by an index on "PlayListItems"(PlayListID) instead of a scan of all
   // entries. The source open is always our own work copy, never the

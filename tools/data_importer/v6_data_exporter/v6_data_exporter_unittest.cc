@@ -299,36 +299,40 @@ TEST_F(V6DataExporterTest, V2ListsWithCollidingIdsAndDownloadsByHash) {
 
 // The read moves "ImportProgress" by 5 after each table reader and by 1 per
 // tenth of a long reader's rows (music items; lists with their entries),
-// and never past 49, where the build takes over.
+// and never past 49, where the build takes over. Each value is in "DBCheck"
+// while the read goes on, as the player sees it.
 TEST_F(V6DataExporterTest, ProgressMovesWhileReading) {
-  ASSERT_TRUE(SampleV1().Write(program().Append(L"VTData.db")));
-  Register();
-  for (int start : {0, 10}) {
-    ProgressRecord record;
-    record.Initialise();
-    record.SetProgress(start);
-    ImportModel model(&record);
-    V6DataExporter exporter(&model);
-    ASSERT_EQ(0, exporter.ExportData());
-    // Five tables (25), the music items (10), the lists (10).
-    int expected = std::min(start + 45, 49);
-    EXPECT_EQ(expected, record.progress()) << start;
-    EXPECT_EQ(std::to_wstring(expected), profile_.DBCheck(L"ImportProgress")) << start;
+  V6V1Database db;
+  for (int id = 1; id <= 20; ++id)
+    db.music.push_back(Music(id, L"Song " + std::to_wstring(id)));
+  for (int list = 0; list < 10; ++list) {
+    db.lists.push_back({100 + list, 0, L"List " + std::to_wstring(list), 0, list + 1});
+    for (int entry = 0; entry < 2; ++entry)
+      db.items.push_back({list * 2 + entry + 1, 100 + list, list * 2 + entry + 1, entry, 0});
   }
+  ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
+  Register();
 
-  // A source without lists: no list reader rows, only its table step.
-  EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
-  V6V1Database bare = SampleV1();
-  bare.lists.clear();
-  bare.items.clear();
-  ASSERT_TRUE(bare.Write(program().Append(L"VTData.db")));
   ProgressRecord record;
   record.Initialise();
-  record.SetProgress(0);
+  record.SetProgress(10);  // as the entry point does before the read
   ImportModel model(&record);
   V6DataExporter exporter(&model);
+  ProgressTrace trace(&record, profile_);
   ASSERT_EQ(0, exporter.ExportData());
-  EXPECT_EQ(35, record.progress());
+
+  // Music videos, the music items (by tenths, then their table step), the
+  // lists (by tenths, then their step), the two download tables.
+  std::vector<int> deltas = {5};
+  for (int long_reader = 0; long_reader < 2; ++long_reader) {
+    for (int tenth : Tenths())
+      deltas.push_back(tenth);
+    deltas.push_back(5);
+  }
+  deltas.insert(deltas.end(), {5, 5});
+  EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
+  EXPECT_EQ(49, trace.seen().back());  // the last step only reaches the ceiling
+  EXPECT_EQ(L"49", profile_.DBCheck(L"ImportProgress"));
 }
 
 // Missing tables cost their own records and bits only; a database without

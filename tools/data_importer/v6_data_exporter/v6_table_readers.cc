@@ -29,9 +29,6 @@ void LogSize(const wchar_t* name, size_t count) {
 constexpr char kV2MusicItemsTable[] = "PlayListItems (music items)";
 constexpr char kV2ListEntriesTable[] = "PlayListItems (list entries)";
 
-// How far the progress moves after each table reader.
-constexpr int kTableReadStep = 5;
-
 // The index that makes each list's entry query a lookup; its name marks it
 // as ours in the work copy.
 constexpr char kListEntryIndex[] =
@@ -39,10 +36,6 @@ constexpr char kListEntryIndex[] =
     "ON PlayListItems(PlayListID)";
 
 }  // namespace
-
-void V6DataExporter::TableRead() {
-  AdvanceReadProgress(kTableReadStep);
-}
 
 void V6DataExporter::IndexListEntries() {
   sql::Connection* db = m_db->connection();

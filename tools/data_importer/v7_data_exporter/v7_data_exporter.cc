@@ -121,9 +121,12 @@ int32_t V7DataExporter::ExportData() {
       {&V7DataExporter::ReadDislikedRadioSongs, ProgressRecord::kStateTableFailed},
   };
   ReadLastPlayed();
+  // The progress moves after each reader, whether or not it could read its
+  // table; the long readers have moved it by tenths of their rows as well.
   for (const Step& step : kSteps) {
     if (!(this->*step.read)())
       ReportState(step.failure_bit);
+    TableRead();
   }
 
   MigrateSettings();

@@ -44,6 +44,12 @@ class V7DataExporter : public DataExporter {
  protected:
   const wchar_t* LogTag() const override;
 
+  // Adds the settings of "vantu.ini" in the generation-7 folder to the model
+  // and advances the read progress by 1; no file, no record and no step.
+  // (Protected so that a test can run this step on its own: after a whole
+  // read the progress usually stands at the ceiling already.)
+  void MigrateSettings();
+
  private:
   // What the list readers need of an imported music item.
   struct MusicEntry {
@@ -64,9 +70,6 @@ class V7DataExporter : public DataExporter {
   // The last played list and position: not carried, their place in the
   // generation-7 files is not known. Does nothing.
   void ReadLastPlayed();
-  // Adds the settings of "vantu.ini" in the generation-7 folder to the model
-  // and advances the read progress by 1; no file, no record and no step.
-  void MigrateSettings();
   // The saved logins ("LoginSave.bin"): not carried, the file's format is
   // not known. Does nothing.
   void ReadLoginHistory();

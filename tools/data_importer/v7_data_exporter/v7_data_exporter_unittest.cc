@@ -182,6 +182,38 @@ TEST_F(V7DataExporterTest, ImportedEndToEnd) {
             log.find("[V7数据导入]  Size of PlayListItems(ID=11) is {TOTAL:3, LOADED:2}."));
 }
 
+// "ImportProgress" moves by tenths of the music items and of the lists and
+// by 5 after each reader, each value in "DBCheck" while the read goes on, and
+// stops at 49 although readers are left.
+TEST_F(V7DataExporterTest, ProgressMovesWhileReading) {
+  V7Database db;
+  for (int id = 1; id <= 20; ++id)
+    db.music.push_back(Music(id, L"Song " + std::to_wstring(id)));
+  for (int list = 0; list < 10; ++list) {
+    db.lists.push_back({100 + list, 0, L"List " + std::to_wstring(list), list});
+    db.items.push_back({list + 1, 100 + list, list + 1, 0, 0});
+  }
+  ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
+
+  ProgressRecord record;
+  record.Initialise();
+  record.SetProgress(10);
+  ImportModel model(&record);
+  ProgressTrace trace(&record, profile_);
+  ASSERT_EQ(0, Export(&model));
+
+  std::vector<int> deltas;
+  for (int long_reader = 0; long_reader < 2; ++long_reader) {
+    for (int tenth : Tenths())
+      deltas.push_back(tenth);
+    deltas.push_back(5);
+  }
+  deltas.insert(deltas.end(), 8, 5);  // the other eight readers
+  EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
+  EXPECT_EQ(L"49", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(20u, model.m_share_files.size());
+}
+
 // Missing tables cost their own records and bit 16 only; a source without
 // "FileItems" imports nothing and the run writes no databases.
 TEST_F(V7DataExporterTest, MissingTables) {

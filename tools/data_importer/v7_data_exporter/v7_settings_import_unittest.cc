@@ -48,23 +48,36 @@ class V7SettingsImportTest : public testing::Test {
   TestProfile profile_;
 };
 
-// The settings file adds one record and exactly one progress step.
-TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
-  ProgressRecord without_file;
-  without_file.Initialise();
-  ImportModel first(&without_file);
-  const int progress_without = Export(&first);
-  EXPECT_TRUE(first.m_settings.empty());
+// The settings step alone, as the exporter runs it after the table readers.
+class SettingsStep : public V7DataExporter {
+ public:
+  using V7DataExporter::V7DataExporter;
+  using V7DataExporter::MigrateSettings;
+};
 
-  ASSERT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT7Data.db")));
+// The settings file adds one record and exactly one progress step; without
+// it, neither.
+TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
+  ProgressRecord record;
+  record.Initialise();
+  record.SetProgress(20);
+  ImportModel model(&record);
+  SettingsStep step(&model);
+  step.MigrateSettings();
+  EXPECT_EQ(20, record.progress());
+  EXPECT_TRUE(model.m_settings.empty());
+
   WriteSettings();
-  ProgressRecord with_file;
-  with_file.Initialise();
-  ImportModel second(&with_file);
-  EXPECT_EQ(progress_without + 1, Export(&second));
-  ASSERT_EQ(1u, second.m_settings.size());
-  EXPECT_EQ(66, second.m_settings[0].Volume);
-  EXPECT_FALSE(second.m_settings[0].MainWindowPositionSet);
+  step.MigrateSettings();
+  EXPECT_EQ(21, record.progress());
+  ASSERT_EQ(1u, model.m_settings.size());
+  EXPECT_EQ(66, model.m_settings[0].Volume);
+  EXPECT_FALSE(model.m_settings[0].MainWindowPositionSet);
+  // The whole export carries the same record.
+  ImportModel whole(&record);
+  EXPECT_EQ(49, Export(&whole));
+  ASSERT_EQ(1u, whole.m_settings.size());
+  EXPECT_EQ(66, whole.m_settings[0].Volume);
 }
 
 TEST_F(V7SettingsImportTest, SettingsArriveInTheNewIni) {

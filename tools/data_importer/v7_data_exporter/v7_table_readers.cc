@@ -264,7 +264,6 @@ bool V7DataExporter::ReadType5ListItems() {
     }
   }
   LogSize(L"RecentPlayListItems", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -300,7 +299,6 @@ bool V7DataExporter::ReadUnfinishedDownloads() {
     ++count;
   }
   LogSize(L"DownFile", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -340,7 +338,6 @@ bool V7DataExporter::ReadFinishedDownloads() {
     ++count;
   }
   LogSize(L"DownHistroy", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -362,7 +359,6 @@ bool V7DataExporter::ReadShareFolders() {
     m_model->m_share_folders.push_back(std::move(folder));
   }
   LogSize(L"ShareFolders", m_model->m_share_folders.size());
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -416,7 +412,6 @@ bool V7DataExporter::ReadFolderItems() {
     ++count;
   }
   LogSize(L"FolderItems", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -439,7 +434,6 @@ bool V7DataExporter::ReadPlayedRadioSongs() {
     ++count;
   }
   LogSize(L"RadioListNJPlayedItems", count);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -499,7 +493,6 @@ bool V7DataExporter::ReadRadioChannels() {
   }
   for (const ChannelKey& key : keys)
     ReadRadioSongs(key.fm_id, key.fm_type, key.channel_id);
-  AdvanceReadProgress(1);
   return true;
 }
 
@@ -553,6 +546,5 @@ bool V7DataExporter::ReadDislikedRadioSongs() {
     ++count;
   }
   LogSize(L"RadioListDislikeSongs", count);
-  AdvanceReadProgress(1);
   return true;
 }

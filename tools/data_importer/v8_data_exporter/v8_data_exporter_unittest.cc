@@ -167,6 +167,52 @@ TEST_F(V8DataExporterTest, ListsAlone) {
   EXPECT_TRUE(model_.m_list_songs[9].empty());
 }
 
+// "ImportProgress" moves by tenths of the files and of the list entries, by
+// 5 after each table reader, and stops at 49; each value is in "DBCheck"
+// while the read goes on. The list file alone shows the list readers' steps,
+// the library alone those of its readers (every one of them runs, also for a
+// table that is not there).
+TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
+  std::vector<std::string> lists = {
+      "CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text)",
+      "INSERT INTO GeneralListTable VALUES (1, 'One'), (2, 'Two')",
+      "CREATE TABLE GeneralList_1(SongID integer PRIMARY KEY, MusicFilePath text)",
+      "CREATE TABLE GeneralList_2(SongID integer PRIMARY KEY, MusicFilePath text)"};
+  for (int song = 1; song <= 20; ++song)
+    lists.push_back("INSERT INTO GeneralList_" + std::to_string(song % 2 + 1) +
+                    " VALUES (" + std::to_string(song) + ", 'C:\\s.mp3')");
+  MakeDatabase(Data(L"VANTU.db"), lists);
+  record_.SetProgress(10);
+  {
+    ProgressTrace trace(&record_, profile_);
+    EXPECT_EQ(0, Export());
+    std::vector<int> deltas = {5};  // the list table
+    for (int tenth : Tenths())
+      deltas.push_back(tenth);
+    deltas.push_back(5);
+    EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
+    EXPECT_EQ(L"30", profile_.DBCheck(L"ImportProgress"));
+  }
+
+  ASSERT_TRUE(base::DeleteFile(Data(L"VANTU.db")));
+  ASSERT_TRUE(base::DeleteFile(Data(L"VT8Playlist.db")));
+  std::vector<std::string> library = {
+      "CREATE TABLE ShareFileItems(id integer PRIMARY KEY, FileName text)"};
+  for (int file = 1; file <= 10; ++file)
+    library.push_back("INSERT INTO ShareFileItems VALUES (" + std::to_string(file) + ", 'C:\\" +
+                      std::to_string(file) + ".mp3')");
+  MakeDatabase(Data(L"VTMusic.db"), library);
+  record_.SetProgress(10);
+  ImportModel model(&record_);
+  ProgressTrace trace(&record_, profile_);
+  V8DataExporter exporter(&model);
+  EXPECT_EQ(0, exporter.ExportData());
+  std::vector<int> deltas = Tenths();
+  deltas.insert(deltas.end(), 12, 5);  // the files' table and the eleven others
+  EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
+  EXPECT_EQ(10u, model.m_share_files.size());
+}
+
 // A library file that one VACUUM repairs is imported whole; its original
 // stays as it was, damage included.
 TEST_F(V8DataExporterTest, RepairableLibraryImportedEndToEnd) {

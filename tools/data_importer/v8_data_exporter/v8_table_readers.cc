@@ -4,7 +4,7 @@
 
 #include <charconv>
 #include <climits>
-#include <iterator>
+#include <functional>
 #include <set>
 #include <vector>
 
@@ -128,29 +128,36 @@ void V8DataExporter::ReadMusicDatabase() {
   }
   if (!ReadShareFileItems())
     ReportState(ProgressRecord::kStateMusicFailed);
-  // Each of the other tables reports the shared bit; every reader runs.
+  TableRead();
+  // Each of the other tables reports the shared bit; every reader runs, and
+  // the progress moves after each one.
   ImportModel& model = *m_model;
-  const bool read[] = {
-      ReadShareFolders(),
-      ReadLocalFiles(),
-      ReadTable("AppTools", AppToolColumns(), &model.m_app_tools),
-      ReadTable("RadioChannelTable", RadioChannelColumns(), &model.m_radio_channels,
-                [](DbRowReader* row, RadioChannelInfo* channel) {
-                  channel->FMStat = row->GetString16("FMStat");
-                }),
-      ReadTable("DislikeRadioItem", DislikeRadioColumns(), &model.m_dislike_radio),
-      ReadTable("PlayedNJRadioItem", PlayedRadioColumns(), &model.m_played_radio),
-      ReadSongTable("RecentlyPlayedItem", &model.m_recent_songs, nullptr),
-      ReadDownloads(),
-      ReadTable("UserLoginHistory", LoginColumns(), &model.m_login_history),
-      ReadTable("KeywordSearchHistory", SearchKeywordColumns(), &model.m_search_keywords),
-      ReadSongTables("RadioChannel_", &model.m_radio_songs),
+  const std::function<bool()> readers[] = {
+      [&] { return ReadShareFolders(); },
+      [&] { return ReadLocalFiles(); },
+      [&] { return ReadTable("AppTools", AppToolColumns(), &model.m_app_tools); },
+      [&] {
+        return ReadTable("RadioChannelTable", RadioChannelColumns(), &model.m_radio_channels,
+                         [](DbRowReader* row, RadioChannelInfo* channel) {
+                           channel->FMStat = row->GetString16("FMStat");
+                         });
+      },
+      [&] { return ReadTable("DislikeRadioItem", DislikeRadioColumns(), &model.m_dislike_radio); },
+      [&] { return ReadTable("PlayedNJRadioItem", PlayedRadioColumns(), &model.m_played_radio); },
+      [&] { return ReadSongTable("RecentlyPlayedItem", &model.m_recent_songs, nullptr); },
+      [&] { return ReadDownloads(); },
+      [&] { return ReadTable("UserLoginHistory", LoginColumns(), &model.m_login_history); },
+      [&] {
+        return ReadTable("KeywordSearchHistory", SearchKeywordColumns(),
+                         &model.m_search_keywords);
+      },
+      [&] { return ReadSongTables("RadioChannel_", &model.m_radio_songs); },
   };
-  for (bool ok : read) {
-    if (!ok)
+  for (const auto& read : readers) {
+    if (!read())
       ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
   }
-  AdvanceReadProgress(static_cast<int>(std::size(read)));
 }
 
 void V8DataExporter::ReadListDatabase() {
@@ -162,8 +169,10 @@ void V8DataExporter::ReadListDatabase() {
   }
   if (!ReadTable("GeneralListTable", GeneralListColumns(), &m_model->m_play_lists))
     ReportState(ProgressRecord::kStateListsFailed);
+  TableRead();
   if (!ReadSongTables("GeneralList_", &m_model->m_list_songs))
     ReportState(ProgressRecord::kStateListsFailed);
+  TableRead();
 }
 
 // Files keep their old id ("id") for the id maps; a table without the column
