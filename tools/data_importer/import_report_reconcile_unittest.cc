@@ -36,17 +36,8 @@ std::string FirstText(sql::Connection* db, const std::string& query) {
   return row.Step() ? row.ColumnString(0) : std::string();
 }
 
-const base::Value* Find(const base::Value& list, const std::string& key,
-                        const std::string& value) {
-  for (const auto& entry : list) {
-    if (entry[key] == value)
-      return &entry;
-  }
-  return nullptr;
-}
-
 int64_t Dropped(const base::Value& report, const std::string& reason) {
-  const base::Value* drop = Find(report["dropped"], "reason", reason);
+  const base::Value* drop = FindEntry(report["dropped"], "reason", reason);
   return drop ? (*drop)["count"].get<int64_t>() : 0;
 }
 
@@ -76,11 +67,7 @@ class ImportReportReconcileTest : public testing::Test {
  protected:
   base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
 
-  base::Value ReadReport() {
-    base::Value report;
-    EXPECT_TRUE(base::ReadJsonFile(profile_.data_folder().Append(L"ImportReport.json"), &report));
-    return report;
-  }
+  base::Value ReadReport() { return ReadImportReport(profile_.data_folder()); }
 
   TestProfile profile_;
 };
@@ -145,7 +132,7 @@ TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
   EXPECT_EQ(1, Dropped(report, "list_type_not_imported"));
   EXPECT_EQ(1, Dropped(report, "folder_file_missing"));
   EXPECT_EQ(1, Dropped(report, "download_unresolved"));
-  const base::Value* other_type = Find(report["dropped"], "reason", "list_type_not_imported");
+  const base::Value* other_type = FindEntry(report["dropped"], "reason", "list_type_not_imported");
   ASSERT_TRUE(other_type);
   EXPECT_EQ("Cloud list", (*other_type)["examples"][0]["name"]);
   EXPECT_EQ("PlayLists", (*other_type)["examples"][0]["table"]);
@@ -237,7 +224,7 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
   ExpectReportReconciles(report, profile_.data_folder());
 
   EXPECT_EQ(1, Dropped(report, "download_unresolved"));
-  const base::Value* missing = Find(report["dropped"], "reason", "list_entry_song_missing");
+  const base::Value* missing = FindEntry(report["dropped"], "reason", "list_entry_song_missing");
   ASSERT_TRUE(missing);
   EXPECT_EQ(1, (*missing)["count"]);
   EXPECT_EQ(entry_table, (*missing)["examples"][0]["table"]);
@@ -301,7 +288,7 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
                              "FROM ShareFileItems)"));
     });
     base::Value json = lost.ToJson();
-    const base::Value* files = Find(json["target_tables"], "table", "ShareFileItems");
+    const base::Value* files = FindEntry(json["target_tables"], "table", "ShareFileItems");
     ASSERT_TRUE(files);
     EXPECT_EQ(read["ShareFileItems"], (*files)["rows_sent"]);
     EXPECT_EQ(read["ShareFileItems"] - 1, (*files)["rows_counted"]);
@@ -316,14 +303,14 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
   DataImporterMain();
   report = ReadReport();
   EXPECT_EQ("encrypt_failed", report["upgrade"]["music"]);
-  const base::Value* files = Find(report["flows"], "from", "ShareFileItems");
+  const base::Value* files = FindEntry(report["flows"], "from", "ShareFileItems");
   ASSERT_TRUE(files);
   EXPECT_EQ(0, (*files)["written"]);
   EXPECT_EQ(read["ShareFileItems"], (*files)["dropped_by_reason"]["copy_not_encrypted"]);
-  const base::Value* music = Find(report["target_databases"], "database", "VTMusicV3.db");
+  const base::Value* music = FindEntry(report["target_databases"], "database", "VTMusicV3.db");
   ASSERT_TRUE(music);
   EXPECT_EQ(false, (*music)["read_back"]);
-  const base::Value* lists = Find(report["target_tables"], "table", "GeneralListTable");
+  const base::Value* lists = FindEntry(report["target_tables"], "table", "GeneralListTable");
   ASSERT_TRUE(lists);
   EXPECT_EQ(true, (*lists)["matches"]);
 }
@@ -367,15 +354,15 @@ TEST_F(ImportReportReconcileTest, Version3UpgradeCountsTheMovedTables) {
   ASSERT_TRUE(CurrentPlaylistDatabase().Write(Data(L"playlistV3.db"), kVersion3DatabaseKey));
   DataImporterMain();
   report = ReadReport();
-  const base::Value* operations = Find(report["flows"], "from", "CloudOperation");
+  const base::Value* operations = FindEntry(report["flows"], "from", "CloudOperation");
   ASSERT_TRUE(operations);
   EXPECT_EQ(3, (*operations)["read"]);
   EXPECT_EQ(0, (*operations)["written"]);
   EXPECT_EQ(3, (*operations)["dropped_by_reason"]["cloud_lists_missing"]);
-  const base::Value* none = Find(report["target_tables"], "table", "CloudOperation");
+  const base::Value* none = FindEntry(report["target_tables"], "table", "CloudOperation");
   ASSERT_TRUE(none);
   EXPECT_EQ(0, (*none)["rows_sent"]);
-  const base::Value* lists = Find(report["target_tables"], "table", "CloudListTable");
+  const base::Value* lists = FindEntry(report["target_tables"], "table", "CloudListTable");
   ASSERT_TRUE(lists);
   EXPECT_EQ(true, (*lists)["matches"]);
 }

@@ -199,6 +199,22 @@ std::string Family(const std::string& table) {
 
 }  // namespace
 
+base::Value ReadImportReport(const base::FilePath& data_folder) {
+  base::Value report;
+  EXPECT_TRUE(base::ReadJsonFile(data_folder.Append(L"ImportReport.json"), &report));
+  return report;
+}
+
+const base::Value* FindEntry(const base::Value& list, const std::string& key,
+                             const std::string& value, const std::string& key2,
+                             const std::string& value2) {
+  for (const auto& entry : list) {
+    if (entry[key] == value && (key2.empty() || entry[key2] == value2))
+      return &entry;
+  }
+  return nullptr;
+}
+
 int64_t TableRowCount(sql::Connection* db, const std::string& table) {
   sql::Statement count(db->GetUniqueStatement(("SELECT count(*) FROM \"" + table + "\"").c_str()));
   return count.Step() ? count.ColumnInt64(0) : -1;

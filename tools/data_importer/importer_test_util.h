@@ -104,6 +104,16 @@ bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& ke
 std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
                             const std::string& query);
 
+// The "ImportReport.json" of |data_folder| (a failed expectation and a null
+// value when it cannot be read).
+base::Value ReadImportReport(const base::FilePath& data_folder);
+
+// The first entry of the array |list| whose |key| is |value| (and, when
+// |key2| is given, whose |key2| is |value2|); null when there is none.
+const base::Value* FindEntry(const base::Value& list, const std::string& key,
+                             const std::string& value, const std::string& key2 = "",
+                             const std::string& value2 = "");
+
 // Expects every number of an import report (ImportReport::ToJson) to add
 // up, against the finished databases in |data_folder|:
 //  - per pair, read = written + dropped, and the reasons sum to dropped;
