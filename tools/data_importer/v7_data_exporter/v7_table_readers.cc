@@ -47,9 +47,6 @@ constexpr char kListsLeftOutQuery[] =
     "where not ifnull((PlayListType = 0 and PlayListid in (select Playlistid from "
     "PlayListItems)) or PlayListType = 1, 0) and ifnull(PlayListType, -1) <> 5";
 
-// The one list type that has entries of its own reader.
-constexpr int kRecentlyPlayedListType = 5;
-
 // A list entry of |row| whose music item was not imported, dropped on its
 // way to |target|.
 void DropEntry(SourceTableTally* tally, const std::string& target, DbRowReader& row) {
