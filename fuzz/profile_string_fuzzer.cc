@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "base/file_util.h"
 #include "fuzz/fuzz_scratch.h"
@@ -41,7 +42,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   (void)base::WritePrivateProfileStringW(L"New", L"key", L"\u7a3b\u9999 value", path);
   (void)base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", nullptr, path);
   (void)base::WritePrivateProfileStringW(L"New", nullptr, nullptr, path);
-  if (base::GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"#", file) != L"")
-    __builtin_trap();  // a value just written must read back
+  // A value just written must read back, in every file whose encoding the
+  // writes cannot change: one with a byte-order mark, or one without NUL
+  // bytes (8-bit text). An unmarked file with NUL bytes is taken for UTF-16
+  // or for 8-bit text by its content, as the system's text detection does,
+  // and a write that changes the content may change the verdict.
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  const bool marked = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
+                      bytes.starts_with("\xEF\xBB\xBF");
+  if ((marked || bytes.find('\0') == std::string_view::npos) &&
+      base::GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"#", file) != L"")
+    __builtin_trap();
   return 0;
 }

@@ -70,6 +70,7 @@ CloudListOutcome CloudListCleanup::Run() {
   if (!m_music_db || !m_music_db->connection()->is_open())
     return CloudListOutcome::kNotRun;
   m_cloud_list_ids.clear();
+  m_moved.clear();
   if (!m_playlist_db.connection()->is_open())
     return CloudListOutcome::kNoPlaylistDatabase;
   if (!m_playlist_db.Attach(m_music_path, kMusicAlias))
@@ -94,7 +95,7 @@ CloudListOutcome CloudListCleanup::CopyCloudTables() {
     return CloudListOutcome::kNothingToMove;
   if (!playlist->BeginTransaction())
     return CloudListOutcome::kCopyFailed;
-  bool copied = m_playlist_db.CopyTable("", kCloudListTable);
+  bool copied = CopyAndNote(kCloudListTable);
   if (copied)
     m_cloud_list_ids = ReadListIds(playlist);
   for (int32_t id : m_cloud_list_ids) {
@@ -106,12 +107,25 @@ CloudListOutcome CloudListCleanup::CopyCloudTables() {
   // A failed copy rolls back the tables copied before it, so the playlist
   // database holds all of the cloud tables or none (and a later run can
   // try again, which a half-filled "CloudListTable" would refuse).
-  if (!copied) {
-    playlist->RollbackTransaction();
+  if (!copied || !playlist->CommitTransaction()) {
+    if (!copied)
+      playlist->RollbackTransaction();
+    m_moved.clear();
     return CloudListOutcome::kCopyFailed;
   }
-  return playlist->CommitTransaction() ? CloudListOutcome::kMoved
-                                       : CloudListOutcome::kCopyFailed;
+  return CloudListOutcome::kMoved;
+}
+
+bool CloudListCleanup::CopyAndNote(const std::string& table) {
+  // The rows are counted where the copy reads them, before the copy, for
+  // the import report only.
+  DbRowReader count(*m_playlist_db.connection(), std::string("SELECT count(*) AS n FROM ") +
+                                                     kMusicAlias + "." + SqlTableName(table));
+  int64_t rows = count.Step() ? count.GetInt64("n") : 0;
+  if (!m_playlist_db.CopyTable("", table))
+    return false;
+  m_moved.push_back({table, rows, false});
+  return true;
 }
 
 bool CloudListCleanup::CopyTableIfMissing(const std::string& table) {
@@ -119,7 +133,7 @@ bool CloudListCleanup::CopyTableIfMissing(const std::string& table) {
       m_playlist_db.connection()->DoesTableExist(table.c_str())) {
     return true;
   }
-  return m_playlist_db.CopyTable("", table);
+  return CopyAndNote(table);
 }
 
 void CloudListCleanup::RemoveFromMusicDatabase() {
@@ -146,8 +160,15 @@ void CloudListCleanup::DropSongTablesWithoutLists() {
   sql::Connection* playlist = m_playlist_db.connection();
   if (!playlist->DoesTableExist(kCloudListTable) || !ReadListIds(playlist).empty())
     return;
-  for (const std::string& table : ReadTableNames(playlist, kSongTablesQuery))
+  std::vector<std::string> dropped = ReadTableNames(playlist, kSongTablesQuery);
+  for (const std::string& table : dropped)
     DropTable(playlist, table);
-  if (playlist->DoesTableExist(kCloudOperation))
+  if (playlist->DoesTableExist(kCloudOperation)) {
     (void)playlist->Execute("DROP TABLE CloudOperation");
+    dropped.push_back(kCloudOperation);
+  }
+  for (MovedTable& moved : m_moved) {
+    for (const std::string& table : dropped)
+      moved.dropped = moved.dropped || moved.name == table;
+  }
 }

@@ -51,6 +51,9 @@ class CloudListCleanup {
   // The ids above 0 read from the copied "CloudListTable" by the last Run.
   const std::vector<int32_t>& cloud_list_ids() const { return m_cloud_list_ids; }
 
+  // The tables the last Run copied; empty unless it answered kMoved.
+  const std::vector<MovedTable>& moved_tables() const { return m_moved; }
+
   // The connection to the playlist database (for tests).
   DatabaseHelper* playlist_db() { return &m_playlist_db; }
 
@@ -61,6 +64,9 @@ class CloudListCleanup {
   // Copies |table| unless the music database lacks it or the playlist
   // database already has it (true then). False when the copy fails.
   bool CopyTableIfMissing(const std::string& table);
+  // CopyTable on the playlist connection; a table copied is noted in
+  // m_moved with its rows in the music database.
+  bool CopyAndNote(const std::string& table);
   void RemoveFromMusicDatabase();
   void DropSongTablesWithoutLists();
 
@@ -69,6 +75,7 @@ class CloudListCleanup {
   DatabaseHelper m_playlist_db;
   DatabaseHelper* m_music_db = nullptr;
   std::vector<int32_t> m_cloud_list_ids;
+  std::vector<MovedTable> m_moved;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_CLOUD_LIST_CLEANUP_H_

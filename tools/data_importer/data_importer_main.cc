@@ -25,8 +25,11 @@
 
 namespace {
 
-// Keeps what a version-2 task did for the host; the run goes on without it.
-void KeepUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& result) {
+// Keeps what a version-2 task did for the host, in the import report and
+// in a file of its own; the run goes on without the file.
+void KeepUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& result,
+                       ProgressRecord* record) {
+  record->report()->SetUpgradeOutcome(UpgradeResultJson(result));
   if (!WriteUpgradeResult(data_folder, result)) {
     VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: writing {" << kUpgradeResultFile
                                   << L"} FAILED.";
@@ -36,11 +39,11 @@ void KeepUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& r
 void RunTask(const std::wstring& task, const base::FilePath& data_folder,
              ProgressRecord* record) {
   if (IsTask(task, kTaskUpdateVersion2)) {
-    KeepUpgradeResult(data_folder, RunVersion3Upgrade(record));
+    KeepUpgradeResult(data_folder, RunVersion3Upgrade(record), record);
     return;  // the playlist storage stays untouched
   }
   if (IsTask(task, kTaskCopyVersion2)) {
-    KeepUpgradeResult(data_folder, RunVersion2Copy(record));
+    KeepUpgradeResult(data_folder, RunVersion2Copy(record), record);
   } else if (base::PathExists(data_folder.Append(importer_names::kMusicDatabaseV2))) {
     // Already imported by an earlier release.
     record->WriteImportStart();

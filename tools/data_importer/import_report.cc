@@ -75,6 +75,13 @@ void ImportReport::AddRead(int origin, int64_t rows, int64_t made) {
   source_tables_[origin].records_made += made;
 }
 
+void ImportReport::AddMerged(int origin, int64_t rows) {
+  if (origin <= 0 || static_cast<size_t>(origin) >= source_tables_.size())
+    origin = 0;
+  source_tables_[origin].records_made -= rows;
+  source_tables_[origin].rows_merged += rows;
+}
+
 void ImportReport::AddDrop(int origin, const std::string& target, const DropReason& reason,
                            const DropExample& example) {
   AddDrops(origin, target, reason, 1, {example});
@@ -164,7 +171,8 @@ base::Value ImportReport::ToJson() const {
     tables.push_back({{"source", Utf8(t.source)},
                       {"table", t.table},
                       {"rows_read", t.rows_read},
-                      {"records_made", t.records_made}});
+                      {"records_made", t.records_made},
+                      {"rows_merged", t.rows_merged}});
   }
   report["source_tables"] = std::move(tables);
 
@@ -232,6 +240,7 @@ base::Value ImportReport::ToJson() const {
   }
   report["dropped"] = std::move(drops);
 
+  report["upgrade"] = upgrade_;
   report["settings_keys"] = settings_keys_;
   base::Value dbcheck = base::Value::object();
   for (const auto& [key, value] : dbcheck_)

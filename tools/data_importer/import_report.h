@@ -32,6 +32,15 @@ inline constexpr DropReason kListWithoutEntries = {
 inline constexpr DropReason kDownloadUnresolved = {
     "download_unresolved", "download whose file is not in the library",
     "downloads whose file is not in the library"};
+inline constexpr DropReason kFolderFileMissing = {
+    "folder_file_missing", "watched-folder file that is not in the library",
+    "watched-folder files that are not in the library"};
+inline constexpr DropReason kCopyNotEncrypted = {
+    "copy_not_encrypted", "row of a version-2 database whose encrypted copy was not made",
+    "rows of a version-2 database whose encrypted copy was not made"};
+inline constexpr DropReason kCloudListsMissing = {
+    "cloud_lists_missing", "cloud-list row without a cloud list to belong to",
+    "cloud-list rows without a cloud list to belong to"};
 inline constexpr DropReason kRowRefused = {
     "row_refused", "row refused by the new database", "rows refused by the new database"};
 }  // namespace drop_reason
@@ -92,6 +101,11 @@ class ImportReport {
   // pair always answers the same id.
   int SourceTable(const base::FilePath& read_path, const std::string& table);
   void AddRead(int origin, int64_t rows, int64_t made);
+  // |rows| records made from |origin| turned out to repeat a record made
+  // from another table (a history row of a download that the download table
+  // holds as well): they are kept once, as that record, and count as merged
+  // instead of made.
+  void AddMerged(int origin, int64_t rows);
 
   // A record of |origin| that was meant for |target| and is not there.
   void AddDrop(int origin, const std::string& target, const DropReason& reason,
@@ -109,6 +123,10 @@ class ImportReport {
 
   // MV (video) files among the rows written to "ShareFileItems".
   void AddLibraryVideos(int64_t videos) { library_videos_ += videos; }
+
+  // What a version-2 task ended with, as the words of "UpgradeResult.json"
+  // (an object); a null value for every other task.
+  void SetUpgradeOutcome(base::Value outcome) { upgrade_ = std::move(outcome); }
 
   void AddSettingsKey(const std::string& key);
   // A "DBCheck" value written by this run (the last one of a key wins).
@@ -137,6 +155,7 @@ class ImportReport {
     std::string table;
     int64_t rows_read = 0;
     int64_t records_made = 0;
+    int64_t rows_merged = 0;
   };
   struct Flow {
     int64_t written = 0;
@@ -162,6 +181,7 @@ class ImportReport {
   // Database -> (read back soundly, why not).
   std::map<std::string, std::pair<bool, std::string>> verified_;
   int64_t library_videos_ = 0;
+  base::Value upgrade_;
   std::vector<std::string> settings_keys_;
   std::vector<std::pair<std::wstring, std::wstring>> dbcheck_;
   std::vector<std::pair<std::string, double>> stages_;

@@ -35,92 +35,13 @@ V6Music Music(int id, const std::wstring& title) {
   return m;
 }
 
-// "GeneralList_11" and "GeneralList_-3" belong to the family "GeneralList".
-std::string Family(const std::string& table) {
-  size_t underscore = table.rfind('_');
-  if (underscore == std::string::npos || underscore + 1 == table.size())
-    return table;
-  std::string id = table.substr(underscore + 1);
-  if (id.find_first_not_of("-0123456789") != std::string::npos)
-    return table;
-  return table.substr(0, underscore);
-}
-
-int64_t CountRows(sql::Connection* db, const std::string& table) {
-  sql::Statement count(db->GetUniqueStatement(("SELECT count(*) FROM \"" + table + "\"").c_str()));
-  return count.Step() ? count.ColumnInt64(0) : -1;
-}
-
-// Every number of a report adds up:
-//  - per pair, read = written + dropped, and the reasons sum to dropped;
-//  - per source table, the rows read are all found again in the pairs of
-//    each target family it feeds (DownloadHistoryItem takes only the
-//    finished downloads, so it is left out);
-//  - the reasons' counts sum to the pairs' drops;
-//  - each target table holds, in the finished files, what its writers sent.
-void ExpectReconciles(const base::Value& report, const base::FilePath& data_folder) {
-  int64_t pair_drops = 0;
-  std::map<std::pair<std::string, std::string>, std::map<std::string, int64_t>> family_reads;
-  for (const auto& flow : report["flows"]) {
-    int64_t by_reason = 0;
-    for (const auto& [reason, count] : flow["dropped_by_reason"].items())
-      by_reason += count.get<int64_t>();
-    EXPECT_EQ(flow["dropped"], by_reason) << flow.dump();
-    EXPECT_EQ(flow["read"].get<int64_t>(), flow["written"].get<int64_t>() + by_reason)
-        << flow.dump();
-    pair_drops += by_reason;
-    std::string family = Family(flow["to"]);
-    if (family != "DownloadHistoryItem")
-      family_reads[{flow["source"], flow["from"]}][family] += flow["read"].get<int64_t>();
-  }
-  for (const auto& table : report["source_tables"]) {
-    auto reads = family_reads.find({table["source"], table["table"]});
-    if (table["rows_read"] == 0 && reads == family_reads.end())
-      continue;
-    ASSERT_NE(family_reads.end(), reads) << table.dump();
-    for (const auto& [family, read] : reads->second)
-      EXPECT_EQ(table["rows_read"], read) << table.dump() << " to " << family;
-  }
-  int64_t reason_drops = 0;
-  for (const auto& drop : report["dropped"])
-    reason_drops += drop["count"].get<int64_t>();
-  EXPECT_EQ(pair_drops, reason_drops);
-
-  sql::Connection music, playlists;
-  ASSERT_TRUE(music.OpenWithKey(data_folder.Append(L"VTMusicV3.db"), kVersion3DatabaseKey));
-  ASSERT_TRUE(playlists.OpenWithKey(data_folder.Append(L"playlistV3.db"), kVersion3DatabaseKey));
-  for (const auto& target : report["target_tables"]) {
-    std::string table = target["table"];
-    sql::Connection* db = Family(table) == "GeneralList" || table == "GeneralListTable"
-                              ? &playlists
-                              : &music;
-    EXPECT_EQ(target["rows_sent"], CountRows(db, table)) << table;
-    if (!target["rows_counted"].is_null()) {
-      EXPECT_EQ(target["rows_sent"], target["rows_counted"]) << table;
-    }
-  }
-}
-
-const base::Value* Find(const base::Value& list, const std::string& key, const std::string& value,
-                        const std::string& key2 = "", const std::string& value2 = "") {
-  for (const auto& entry : list) {
-    if (entry[key] == value && (key2.empty() || entry[key2] == value2))
-      return &entry;
-  }
-  return nullptr;
-}
-
 class ImportReportTest : public testing::Test {
  protected:
   base::FilePath program() const {
     return profile_.root().Append(L"Program Files").Append(L"VanTa6");
   }
 
-  base::Value ReadReport() {
-    base::Value report;
-    EXPECT_TRUE(base::ReadJsonFile(profile_.data_folder().Append(L"ImportReport.json"), &report));
-    return report;
-  }
+  base::Value ReadReport() { return ReadImportReport(profile_.data_folder()); }
 
   TestProfile profile_;
 };
@@ -168,34 +89,37 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
       {"Downing", 2}, {"DownHistory", 2}};
   ASSERT_EQ(rows_read.size(), report["source_tables"].size()) << report["source_tables"].dump();
   for (const auto& [table, rows] : rows_read) {
-    const base::Value* entry = Find(report["source_tables"], "table", table);
+    const base::Value* entry = FindEntry(report["source_tables"], "table", table);
     ASSERT_TRUE(entry) << table;
     EXPECT_EQ(rows, (*entry)["rows_read"]) << table;
   }
-  ExpectReconciles(report, profile_.data_folder());
+  ExpectReportReconciles(report, profile_.data_folder());
 
-  const base::Value* lists = Find(report["flows"], "from", "PlayLists", "to", "GeneralListTable");
+  const base::Value* lists =
+      FindEntry(report["flows"], "from", "PlayLists", "to", "GeneralListTable");
   ASSERT_TRUE(lists);
   EXPECT_EQ(2, (*lists)["written"]);
   EXPECT_EQ(1, (*lists)["dropped_by_reason"]["list_type_not_imported"]);
   EXPECT_EQ(1, (*lists)["dropped_by_reason"]["list_without_entries"]);
-  const base::Value* entries = Find(report["flows"], "from", "PlayListItems", "to", "GeneralList_11");
+  const base::Value* entries =
+      FindEntry(report["flows"], "from", "PlayListItems", "to", "GeneralList_11");
   ASSERT_TRUE(entries);
   EXPECT_EQ(3, (*entries)["read"]);
   EXPECT_EQ(2, (*entries)["written"]);
-  const base::Value* downloads = Find(report["flows"], "from", "Downing", "to", "DownloadItem");
+  const base::Value* downloads =
+      FindEntry(report["flows"], "from", "Downing", "to", "DownloadItem");
   ASSERT_TRUE(downloads);
   EXPECT_EQ(1, (*downloads)["written"]);
   EXPECT_EQ(1, (*downloads)["dropped_by_reason"]["download_unresolved"]);
 
-  const base::Value* missing = Find(report["dropped"], "reason", "list_entry_song_missing");
+  const base::Value* missing = FindEntry(report["dropped"], "reason", "list_entry_song_missing");
   ASSERT_TRUE(missing);
   EXPECT_EQ(1, (*missing)["count"]);
   EXPECT_EQ("list entry whose song is not in the library", (*missing)["text"]);
   ASSERT_EQ(1u, (*missing)["examples"].size());
   EXPECT_EQ("PlayListItems", (*missing)["examples"][0]["table"]);
   EXPECT_EQ(3, (*missing)["examples"][0]["old_id"]);
-  const base::Value* unresolved = Find(report["dropped"], "reason", "download_unresolved");
+  const base::Value* unresolved = FindEntry(report["dropped"], "reason", "download_unresolved");
   ASSERT_TRUE(unresolved);
   EXPECT_EQ(2, (*unresolved)["count"]);
   EXPECT_EQ("downloads whose file is not in the library", (*unresolved)["text"]);
@@ -285,10 +209,10 @@ TEST_F(ImportReportTest, V2RepairedAndUnreadableLibrariesAreNamed) {
   EXPECT_TRUE((*by_name["VTLibrary2.db"])["unreadable"]);
 
   // Both songs of the repaired file are there, with its list.
-  const base::Value* kept = Find(json["flows"], "to", "GeneralList_5");
+  const base::Value* kept = FindEntry(json["flows"], "to", "GeneralList_5");
   ASSERT_TRUE(kept);
   EXPECT_EQ(2, (*kept)["written"]);
-  ExpectReconciles(json, profile_.data_folder());
+  ExpectReportReconciles(json, profile_.data_folder());
   EXPECT_EQ(4, report.WrittenRows("ShareFileItems"));
   // The unreadable file's music items and lists.
   EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));
@@ -318,13 +242,13 @@ TEST_F(ImportReportTest, CountOfTheFinishedFileCatchesLostRows) {
                             "ShareFileItems)"));
   });
   base::Value json = report.ToJson();
-  const base::Value* files = Find(json["target_tables"], "table", "ShareFileItems");
+  const base::Value* files = FindEntry(json["target_tables"], "table", "ShareFileItems");
   ASSERT_TRUE(files) << json["target_tables"].dump();
   EXPECT_EQ(2, (*files)["rows_sent"]);
   EXPECT_EQ(1, (*files)["rows_counted"]);
   EXPECT_EQ(false, (*files)["matches"]);
   EXPECT_EQ("VTMusicV3.db", (*files)["database"]);
-  const base::Value* lists = Find(json["target_tables"], "table", "GeneralListTable");
+  const base::Value* lists = FindEntry(json["target_tables"], "table", "GeneralListTable");
   ASSERT_TRUE(lists);
   EXPECT_EQ(true, (*lists)["matches"]);
 }

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
+#include <utility>
 
 #include "base/file_util.h"
 #include "base/md5.h"
@@ -14,6 +16,7 @@
 #include "sql/connection.h"
 #include "sql/statement.h"
 #include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/target_store/build_sequence.h"
 
 TestProfile::TestProfile() {
   EXPECT_TRUE(base::CreateDirectory(local()));
@@ -179,4 +182,86 @@ std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
   testing_support::RunCommand("sqlcipher '" + path.AsUTF8Unsafe() + "'", input + query + "\n",
                               &output);
   return output;
+}
+
+namespace {
+
+// "GeneralList_11" and "GeneralList_-3" belong to the family "GeneralList".
+std::string Family(const std::string& table) {
+  size_t underscore = table.rfind('_');
+  if (underscore == std::string::npos || underscore + 1 == table.size())
+    return table;
+  std::string id = table.substr(underscore + 1);
+  if (id.find_first_not_of("-0123456789") != std::string::npos)
+    return table;
+  return table.substr(0, underscore);
+}
+
+}  // namespace
+
+base::Value ReadImportReport(const base::FilePath& data_folder) {
+  base::Value report;
+  EXPECT_TRUE(base::ReadJsonFile(data_folder.Append(L"ImportReport.json"), &report));
+  return report;
+}
+
+const base::Value* FindEntry(const base::Value& list, const std::string& key,
+                             const std::string& value, const std::string& key2,
+                             const std::string& value2) {
+  for (const auto& entry : list) {
+    if (entry[key] == value && (key2.empty() || entry[key2] == value2))
+      return &entry;
+  }
+  return nullptr;
+}
+
+int64_t TableRowCount(sql::Connection* db, const std::string& table) {
+  sql::Statement count(db->GetUniqueStatement(("SELECT count(*) FROM \"" + table + "\"").c_str()));
+  return count.Step() ? count.ColumnInt64(0) : -1;
+}
+
+void ExpectReportReconciles(const base::Value& report, const base::FilePath& data_folder) {
+  int64_t pair_drops = 0;
+  std::map<std::pair<std::string, std::string>, std::map<std::string, int64_t>> family_reads;
+  for (const auto& flow : report["flows"]) {
+    int64_t by_reason = 0;
+    for (const auto& [reason, count] : flow["dropped_by_reason"].items())
+      by_reason += count.get<int64_t>();
+    EXPECT_EQ(flow["dropped"], by_reason) << flow.dump();
+    EXPECT_EQ(flow["read"].get<int64_t>(), flow["written"].get<int64_t>() + by_reason)
+        << flow.dump();
+    EXPECT_NE("(not recorded)", flow["from"]) << flow.dump();
+    pair_drops += by_reason;
+    std::string family = Family(flow["to"]);
+    if (family != "DownloadHistoryItem")
+      family_reads[{flow["source"], flow["from"]}][family] += flow["read"].get<int64_t>();
+  }
+  for (const auto& table : report["source_tables"]) {
+    int64_t kept = table["rows_read"].get<int64_t>() - table["rows_merged"].get<int64_t>();
+    EXPECT_LE(table["records_made"].get<int64_t>(), kept) << table.dump();
+    auto reads = family_reads.find({table["source"], table["table"]});
+    if (kept == 0 && reads == family_reads.end())
+      continue;
+    ASSERT_NE(family_reads.end(), reads) << table.dump();
+    for (const auto& [family, read] : reads->second)
+      EXPECT_EQ(kept, read) << table.dump() << " to " << family;
+  }
+  int64_t reason_drops = 0;
+  for (const auto& drop : report["dropped"])
+    reason_drops += drop["count"].get<int64_t>();
+  EXPECT_EQ(pair_drops, reason_drops);
+
+  sql::Connection music, playlists;
+  ASSERT_TRUE(music.OpenWithKey(data_folder.Append(L"VTMusicV3.db"), kVersion3DatabaseKey));
+  ASSERT_TRUE(playlists.OpenWithKey(data_folder.Append(L"playlistV3.db"), kVersion3DatabaseKey));
+  for (const auto& target : report["target_tables"]) {
+    std::string table = target["table"];
+    sql::Connection* db = Family(table) == "GeneralList" || table == "GeneralListTable"
+                              ? &playlists
+                              : &music;
+    EXPECT_EQ(target["rows_sent"], TableRowCount(db, table)) << table;
+    if (!target["rows_counted"].is_null()) {
+      EXPECT_EQ(target["rows_sent"], target["rows_counted"]) << table;
+    }
+  }
 }

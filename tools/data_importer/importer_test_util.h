@@ -1,10 +1,12 @@
 #ifndef TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_
 #define TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "base/file_path.h"
+#include "base/json_file.h"
 #include "logging/logging.h"
 #include "testing/test_support.h"
 
@@ -101,5 +103,31 @@ bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& ke
 // messages included).
 std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
                             const std::string& query);
+
+// The "ImportReport.json" of |data_folder| (a failed expectation and a null
+// value when it cannot be read).
+base::Value ReadImportReport(const base::FilePath& data_folder);
+
+// The first entry of the array |list| whose |key| is |value| (and, when
+// |key2| is given, whose |key2| is |value2|); null when there is none.
+const base::Value* FindEntry(const base::Value& list, const std::string& key,
+                             const std::string& value, const std::string& key2 = "",
+                             const std::string& value2 = "");
+
+// Expects every number of an import report (ImportReport::ToJson) to add
+// up, against the finished databases in |data_folder|:
+//  - per pair, read = written + dropped, and the reasons sum to dropped;
+//  - every record came from a source table a reader counted (no pair from
+//    "(not recorded)");
+//  - per source table, the rows read, less those merged into a record of
+//    another table, are all found again in the pairs of each target family
+//    it feeds (DownloadHistoryItem takes only the finished downloads, so it
+//    is left out), and no more records were made than rows read;
+//  - the reasons' counts sum to the pairs' drops;
+//  - each target table holds, in the finished files, what its writers sent.
+void ExpectReportReconciles(const base::Value& report, const base::FilePath& data_folder);
+
+// The number of rows of |table| in |db|; -1 when it cannot be counted.
+int64_t TableRowCount(sql::Connection* db, const std::string& table);
 
 #endif  // TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_

@@ -27,3 +27,7 @@ void FillSongFromFile(const ShareFileItem& file, SongItem* song) {
   song->MusicFileBitrate = file.BitRate;
   song->MusicFileLastModifyTime = file.LastWriteTime;
 }
+
+std::wstring MusicItemName(int id) {
+  return L"music item " + std::to_wstring(id);
+}

@@ -26,4 +26,8 @@ std::wstring BaseNameWithoutExtension(const std::wstring& path);
 // the file's title and artist as the entry's.
 void FillSongFromFile(const ShareFileItem& file, SongItem* song);
 
+// How the import report names a music item it has nothing else of, such as
+// the one a dropped list entry refers to: "music item <id>".
+std::wstring MusicItemName(int id);
+
 #endif  // TOOLS_DATA_IMPORTER_SOURCE_READER_UTIL_H_

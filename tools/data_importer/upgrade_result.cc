@@ -59,7 +59,7 @@ const char* OutcomeWord(CloudListOutcome outcome) {
   return "not_run";
 }
 
-bool WriteUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& result) {
+base::Value UpgradeResultJson(const UpgradeResult& result) {
   base::Value root = base::Value::object();
   root["task"] = base::WideToUTF8(result.task);
   if (IsTask(result.task, kTaskCopyVersion2)) {
@@ -70,6 +70,11 @@ bool WriteUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& 
     root["cloud_lists"] = OutcomeWord(result.cloud_lists);
     root["cloud_lists_moved"] = result.cloud_lists_moved;
   }
+  return root;
+}
+
+bool WriteUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& result) {
+  base::Value root = UpgradeResultJson(result);
   base::FilePath path = data_folder.Append(kUpgradeResultFile);
   base::FilePath temp(path.value() + L".tmp");
   if (!base::WriteJsonFile(temp, root) || !base::ReplaceFile(temp, path)) {

@@ -1,9 +1,12 @@
 #ifndef TOOLS_DATA_IMPORTER_UPGRADE_RESULT_H_
 #define TOOLS_DATA_IMPORTER_UPGRADE_RESULT_H_
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "base/file_path.h"
+#include "base/json_file.h"
 #include "tools/data_importer/importer_names.h"
 
 // What one of the two version-2 tasks did. Neither task reports anything in
@@ -53,6 +56,16 @@ enum class CloudListOutcome {
   kMoved,              // "moved"
 };
 
+// A cloud table the upgrade task copied into the playlist database, with
+// the rows it held in the music database; |dropped| when the playlist
+// database dropped it again after the copy because no cloud list was left
+// to use it.
+struct MovedTable {
+  std::string name;
+  int64_t rows = 0;
+  bool dropped = false;
+};
+
 struct UpgradeResult {
   std::wstring task;  // the task name
   // Copy task.
@@ -62,6 +75,8 @@ struct UpgradeResult {
   OpenOutcome music_open = OpenOutcome::kNotRun;
   CloudListOutcome cloud_lists = CloudListOutcome::kNotRun;
   int cloud_lists_moved = 0;  // lists with an id above 0 that were moved
+  // The tables copied (for the import report; not in "UpgradeResult.json").
+  std::vector<MovedTable> moved_tables;
 };
 
 const char* OutcomeWord(CopyOutcome outcome);
@@ -69,6 +84,9 @@ const char* OutcomeWord(OpenOutcome outcome);
 const char* OutcomeWord(CloudListOutcome outcome);
 
 inline constexpr const wchar_t* kUpgradeResultFile = importer_names::kUpgradeResultFileName;
+
+// |result| as the JSON object shown above.
+base::Value UpgradeResultJson(const UpgradeResult& result);
 
 // Writes |result| as "UpgradeResult.json" in |data_folder| (through a
 // temporary file and a rename). False when it cannot be written.

@@ -1,15 +1,19 @@
 #include "tools/data_importer/version2_upgrade.h"
 
+#include <chrono>
+
 #include "base/file_util.h"
 #include "logging/logging.h"
 #include "tools/data_importer/cloud_list_cleanup.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/database_helper/database_helper.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/importer_names.h"
 #include "tools/data_importer/play_queue_conversion.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/upgrade_report.h"
 
 namespace {
 
@@ -28,14 +32,47 @@ UpgradeResult RunWrapped(ProgressRecord* record, const wchar_t* task, Step step)
   return result;
 }
 
+// Seconds since |start|, which moves on to now.
+double Lap(std::chrono::steady_clock::time_point* start) {
+  auto now = std::chrono::steady_clock::now();
+  double seconds = std::chrono::duration<double>(now - *start).count();
+  *start = now;
+  return seconds;
+}
+
 }  // namespace
 
-UpgradeResult RunVersion2Copy(ProgressRecord* record) {
-  return RunWrapped(record, kTaskCopyVersion2, &Version2Upgrader::CopyVersion2Databases);
+UpgradeResult RunVersion2Copy(ProgressRecord* record, const BuildStageCallback& stage_done) {
+  ImportReport* report = record->report();
+  base::FilePath folder = GetDataFolder();
+  auto start = std::chrono::steady_clock::now();
+  const base::FilePath music = folder.Append(importer_names::kMusicDatabaseV2);
+  const base::FilePath playlist = folder.Append(importer_names::kPlaylistDatabaseV2);
+  VerifiedDatabase music_read = CountPlainDatabase(music);
+  VerifiedDatabase playlist_read = CountPlainDatabase(playlist);
+  UpgradeResult result =
+      RunWrapped(record, kTaskCopyVersion2, &Version2Upgrader::CopyVersion2Databases);
+  report->AddStage("Copy", Lap(&start));
+  if (stage_done)
+    stage_done("Copy");
+  Lap(&start);
+  ReportCopiedDatabase(report, music, music_read,
+                       folder.Append(importer_names::kMusicDatabaseV3), result.music_copy);
+  ReportCopiedDatabase(report, playlist, playlist_read,
+                       folder.Append(importer_names::kPlaylistDatabaseV3), result.playlist_copy);
+  report->AddStage("Count", Lap(&start));
+  return result;
 }
 
 UpgradeResult RunVersion3Upgrade(ProgressRecord* record) {
-  return RunWrapped(record, kTaskUpdateVersion2, &Version2Upgrader::UpgradeVersion3Databases);
+  ImportReport* report = record->report();
+  auto start = std::chrono::steady_clock::now();
+  UpgradeResult result =
+      RunWrapped(record, kTaskUpdateVersion2, &Version2Upgrader::UpgradeVersion3Databases);
+  report->AddStage("Upgrade", Lap(&start));
+  ReportMovedTables(report, GetDataFolder(), result);
+  report->AddStage("Count", Lap(&start));
+  return result;
 }
 
 Version2Upgrader::Version2Upgrader(const base::FilePath& data_folder)
@@ -121,8 +158,10 @@ void Version2Upgrader::UpgradeVersion3Databases(UpgradeResult* result) {
   if (m_cloud_list) {
     m_cloud_list->SetUp(m_db.get());
     result->cloud_lists = m_cloud_list->Run();
-    if (result->cloud_lists == CloudListOutcome::kMoved)
+    if (result->cloud_lists == CloudListOutcome::kMoved) {
       result->cloud_lists_moved = static_cast<int>(m_cloud_list->cloud_list_ids().size());
+      result->moved_tables = m_cloud_list->moved_tables();
+    }
   }
   VLOG_AT(logging::LOG_PROGRESS) << kTag << L" Cloud lists: {"
                                  << OutcomeWord(result->cloud_lists) << L"}, {"

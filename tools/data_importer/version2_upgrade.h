@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "base/file_path.h"
+#include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/upgrade_result.h"
 
 class CloudListCleanup;
@@ -17,8 +18,16 @@ class ProgressRecord;
 // "DBCheck"; the answer says what was done (the driver keeps it as
 // "UpgradeResult.json"), and the log says why.
 
+// Both also fill the record's import report (upgrade_report.h): the tables
+// copied, the rows read and those counted in the finished files afterwards,
+// and the time of the stages "Copy" or "Upgrade" (the task itself) and
+// "Count".
+
 // "copyv8dbv2": encrypted version-3 copies of the plain version-2 databases.
-UpgradeResult RunVersion2Copy(ProgressRecord* record);
+// |stage_done| is called with "Copy" once the copies are made and closed,
+// before they are counted.
+UpgradeResult RunVersion2Copy(ProgressRecord* record,
+                              const BuildStageCallback& stage_done = nullptr);
 
 // "updatevantu8": the clean-ups each new release runs on the version-3
 // databases (play-queue conversion, cloud-list move).

@@ -226,13 +226,10 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
     return ExitStatusOf(report);
 
   std::printf("Task:          %s\n", TaskInWords(ReportTask(report)).c_str());
-  // The version-2 tasks say what they did in a file of their own.
-  const std::string task = ReportTask(report);
-  std::string upgrade_result;
-  if ((task == base::WideToUTF8(names::kTaskCopyVersion2) ||
-       task == base::WideToUTF8(names::kTaskUpdateVersion2)) &&
-      base::ReadFileToString(data_folder.Append(names::kUpgradeResultFileName), &upgrade_result))
-    std::printf("Done:          %s\n", DescribeUpgradeResult(upgrade_result).c_str());
+  // What a version-2 task ended with, from the report like every other
+  // figure (the report of any other task holds null there).
+  if (report.contains("upgrade") && report["upgrade"].is_object())
+    std::printf("Done:          %s\n", DescribeUpgradeResult(report["upgrade"].dump()).c_str());
   if (options.dry_run) {
     std::printf("Dry run:       nothing was changed; the import ran on a copy of the data folder "
                 "in %s (%s)\n",

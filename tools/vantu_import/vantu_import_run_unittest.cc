@@ -168,6 +168,8 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
   EXPECT_NE(std::string::npos,
             output_.find("Task:          upgrade of the version-3 databases (updatevantu8)"));
   EXPECT_NE(std::string::npos, output_.find("  UpdateProgress = 100\n")) << output_;
+  // What the task did, as its report holds it.
+  EXPECT_NE(std::string::npos, output_.find("Done:          no cloud lists to move\n")) << output_;
   EXPECT_EQ(std::string::npos, output_.find("ImportEnd")) << output_;
 
   // An earlier release's playlist database stops the build.

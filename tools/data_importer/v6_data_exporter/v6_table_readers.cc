@@ -307,7 +307,7 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
       std::wstring title = v2 ? row.GetString16("Title") : std::wstring();
       if (title.empty())
         title = v2 ? row.GetString16("FileName")
-                   : L"music item " + std::to_wstring(row.GetInt("MusicItemID"));
+                   : MusicItemName(row.GetInt("MusicItemID"));
       tally.Dropped(target, drop_reason::kListEntrySongMissing, row.GetInt("ItemID"), title);
       continue;
     }

@@ -22,7 +22,13 @@
 // fails, the copy stays corrupt after one repair or holds no "FileItems";
 // otherwise 0. A table reader that fails reports its bit (4 music items,
 // 2 lists, 16 every other table) and the next reader still runs.
+//
+// Every table reader counts in the import report the rows it read, the
+// records it made and the rows it left out with their reason. The lists of
+// type 5 are no lists of the new library: they are counted by their
+// entries, which become the recently-played list.
 class DbRowReader;
+class SourceTableTally;
 
 class V7DataExporter : public DataExporter {
  public:
@@ -79,6 +85,9 @@ class V7DataExporter : public DataExporter {
   // items and radio tables, when the table is absent.
   bool ReadMusicItems();
   bool ReadPlayLists();
+  // Counts the lists the list reader leaves out in |tally| as dropped, with
+  // their reason (no entries, or a type that is not imported).
+  void DropListsLeftOut(SourceTableTally* tally);
   void ReadListItems(int list_id);
   bool ReadType5ListItems();
   bool ReadUnfinishedDownloads();

@@ -11,6 +11,7 @@
 
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/source_reader_util.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/v7_data_exporter/v7_data_exporter.h"
@@ -29,6 +30,28 @@ std::wstring MarkUnlinked(std::wstring text) {
 
 void LogSize(const wchar_t* name, size_t count) {
   V7LOG(logging::LOG_PROGRESS) << L"Size of " << name << L" is {" << count << L"}.";
+}
+
+// "PlayListItems" is read once per list for the lists' entries and once for
+// the entries of the recently-played lists; the report counts the two reads
+// apart.
+constexpr char kListEntriesTable[] = "PlayListItems";
+constexpr char kRecentEntriesTable[] = "PlayListItems (recently played)";
+
+// The lists the list reader's query leaves out, for the import report only:
+// the complement of its condition (a NULL counts as not taken), less the
+// lists of what was played last (type 5), which are no lists of the new
+// library; their entries are counted as the recently-played list's.
+constexpr char kListsLeftOutQuery[] =
+    "select PlayListID, PlayListName, ifnull(PlayListType, -1) as ListType from PlayLists "
+    "where not ifnull((PlayListType = 0 and PlayListid in (select Playlistid from "
+    "PlayListItems)) or PlayListType = 1, 0) and ifnull(PlayListType, -1) <> 5";
+
+// A list entry of |row| whose music item was not imported, dropped on its
+// way to |target|.
+void DropEntry(SourceTableTally* tally, const std::string& target, DbRowReader& row) {
+  tally->Dropped(target, drop_reason::kListEntrySongMissing, row.GetInt("ItemID"),
+                 MusicItemName(row.GetInt("FileItemID")));
 }
 
 // Text as it can stand between single quotes in a statement.
@@ -69,8 +92,10 @@ bool V7DataExporter::ReadMusicItems() {
   if (!row.IsValid())
     return false;
   ReadProgressTicker ticker(this, CountRows(db, "FileItems"));
+  SourceTableTally tally(Report(), db.path(), "FileItems");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = row.GetInt("FileItemID");
     auto kind = kinds.find(file->old_id);
@@ -99,6 +124,7 @@ bool V7DataExporter::ReadMusicItems() {
     entry.mv_id = row.GetInt("MVItemID");
     entry.play_count = row.GetInt("PlayCount");
     entry.start_time = row.GetInt64("StartTime");
+    tally.Made(file.get());
     m_model->m_share_files.push_back(std::move(file));
     ++count;
     ticker.Tick();
@@ -140,8 +166,10 @@ bool V7DataExporter::ReadPlayLists() {
                   "Playlistid from PlayListItems)) or PlayListType = 1 order by PlayListType");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), db.path(), "PlayLists");
   std::vector<int> list_ids;
   while (row.Step()) {
+    tally.Read();
     auto list = std::make_shared<PlayListInfo>();
     list->PlaylistID = row.GetInt("PlayListID");
     list->PlaylistName = row.GetString16("PlayListName");
@@ -152,10 +180,12 @@ bool V7DataExporter::ReadPlayLists() {
       list->PlaylistName = kDefaultListName;
     }
     list_ids.push_back(list->PlaylistID);
+    tally.Made(list.get());
     m_model->m_list_songs[list->PlaylistID];  // its table exists even when empty
     m_model->m_play_lists.push_back(std::move(list));
   }
   LogSize(L"PlayLists", list_ids.size());
+  DropListsLeftOut(&tally);
 
   // The entries are read one list at a time, by list id. Generation 7 kept no
   // index for that, and without one every list would scan all entries of
@@ -173,6 +203,17 @@ bool V7DataExporter::ReadPlayLists() {
   return true;
 }
 
+void V7DataExporter::DropListsLeftOut(SourceTableTally* tally) {
+  DbRowReader row(*m_db->connection(), kListsLeftOutQuery);
+  while (row.Step()) {
+    tally->Read();
+    tally->Dropped("GeneralListTable",
+                   row.GetInt("ListType") == 0 ? drop_reason::kListWithoutEntries
+                                               : drop_reason::kListTypeNotImported,
+                   row.GetInt("PlayListID"), row.GetString16("PlayListName"));
+  }
+}
+
 void V7DataExporter::ReadListItems(int list_id) {
   DbRowReader row(*m_db->connection(),
                   (boost::format("select * from PlayListItems where playListID = %d order by "
@@ -180,11 +221,18 @@ void V7DataExporter::ReadListItems(int list_id) {
                    list_id)
                       .str());
   SongList& songs = m_model->m_list_songs[list_id];
+  SourceTableTally tally(Report(), m_db->connection()->path(), kListEntriesTable);
+  const std::string target = "GeneralList_" + std::to_string(list_id);
   size_t total = 0;
   while (row.Step()) {
     ++total;
-    if (auto song = MakeListEntry(row))
+    tally.Read();
+    if (auto song = MakeListEntry(row)) {
+      tally.Made(song.get());
       songs.push_back(std::move(song));
+    } else {
+      DropEntry(&tally, target, row);
+    }
   }
   V7LOG(logging::LOG_PROGRESS) << L" Size of PlayListItems(ID=" << list_id << L") is {TOTAL:"
                                << total << L", LOADED:" << songs.size() << L"}.";
@@ -200,11 +248,16 @@ bool V7DataExporter::ReadType5ListItems() {
                   "PlayLists where PlayListType=5) order by PlayListId, SortId");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), m_db->connection()->path(), kRecentEntriesTable);
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     if (auto song = MakeListEntry(row)) {
+      tally.Made(song.get());
       m_model->m_recent_songs.push_back(std::move(song));
       ++count;
+    } else {
+      DropEntry(&tally, "RecentlyPlayedItem", row);
     }
   }
   LogSize(L"RecentPlayListItems", count);
@@ -218,8 +271,10 @@ bool V7DataExporter::ReadUnfinishedDownloads() {
   DbRowReader row(*m_db->connection(), "select * from Downing");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), m_db->connection()->path(), "Downing");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto download = std::make_shared<DownloadRecord>();
     download->file_id = row.GetInt("MusicID");
     download->FileID = download->file_id;
@@ -236,6 +291,7 @@ bool V7DataExporter::ReadUnfinishedDownloads() {
     download->TempFileName = row.GetString16("TempFileName");
     download->Percent = row.GetInt("Percent");
     download->DownFailed = row.GetInt("DownFailed") != 0;
+    tally.Made(download.get());
     m_model->m_downloads.push_back(std::move(download));
     ++count;
   }
@@ -255,8 +311,10 @@ bool V7DataExporter::ReadFinishedDownloads() {
   file_by_path.reserve(m_music_items.size());
   for (const auto& [id, music] : m_music_items)
     file_by_path.emplace(music.file->FileName, id);
+  SourceTableTally tally(Report(), m_db->connection()->path(), "DownHistory");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto download = std::make_shared<DownloadRecord>();
     download->DestFileName = row.GetString16("FileName");
     download->FileName = BaseNameWithoutExtension(download->DestFileName);
@@ -272,6 +330,7 @@ bool V7DataExporter::ReadFinishedDownloads() {
     download->StartTime = row.GetInt64("StartTime");
     download->CompleteTime = row.GetInt64("CompleteTime");
     download->Percent = 100;
+    tally.Made(download.get());
     m_model->m_downloads.push_back(std::move(download));
     ++count;
   }
@@ -284,13 +343,16 @@ bool V7DataExporter::ReadShareFolders() {
   DbRowReader row(*m_db->connection(), "select * from ShareFolders");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), m_db->connection()->path(), "ShareFolders");
   while (row.Step()) {
+    tally.Read();
     auto folder = std::make_shared<ShareFolderItem>();
     folder->old_id = row.GetInt("ShareFolderID");
     folder->Path = row.GetString16("FolderPath");
     folder->LastModifyTime = row.GetInt64("LastModifyTime");
     folder->AddType = row.GetInt("AddType");
     m_share_folders.emplace(folder->old_id, folder);
+    tally.Made(folder.get());
     m_model->m_share_folders.push_back(std::move(folder));
   }
   LogSize(L"ShareFolders", m_model->m_share_folders.size());
@@ -311,11 +373,16 @@ bool V7DataExporter::ReadFolderItems() {
   DbRowReader row(db, "select * from FolderItems");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), db.path(), "FolderItems");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto music = m_music_items.find(row.GetInt("FileItemID"));
-    if (music == m_music_items.end())
+    if (music == m_music_items.end()) {
+      tally.Dropped("LocalFiles", drop_reason::kFolderFileMissing, row.GetInt("FileItemID"),
+                    MusicItemName(row.GetInt("FileItemID")));
       continue;
+    }
     ShareFileItem& file = *music->second.file;
     auto local = std::make_shared<LocalFileInfo>();
     local->old_file_id = file.old_id;
@@ -337,6 +404,7 @@ bool V7DataExporter::ReadFolderItems() {
       file.Artist = local->Artist;
     if (file.Album.empty())
       file.Album = local->Album;
+    tally.Made(local.get());
     m_model->m_local_files.push_back(std::move(local));
     ++count;
   }
@@ -352,10 +420,13 @@ bool V7DataExporter::ReadPlayedRadioSongs() {
   DbRowReader row(db, "select * from RadioListNJPlayedItems");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), db.path(), "RadioListNJPlayedItems");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto played = std::make_shared<PlayedRadioRecord>();
     played->Hash = HashOrZero(row.GetString16("filehash"));
+    tally.Made(played.get());
     m_model->m_played_radio.push_back(std::move(played));
     ++count;
   }
@@ -384,8 +455,10 @@ bool V7DataExporter::ReadRadioChannels() {
     int fm_type;
     int channel_id;
   };
+  SourceTableTally tally(Report(), db.path(), "RadioList");
   std::vector<ChannelKey> keys;
   while (row.Step()) {
+    tally.Read();
     auto channel = std::make_shared<RadioChannelInfo>();
     channel->ID = ++m_next_radio_channel_id;
     channel->FMID = row.GetString16("fmid");
@@ -406,6 +479,7 @@ bool V7DataExporter::ReadRadioChannels() {
     channel->FMListVersion = row.GetInt("ugclistversion");
     channel->FMStatus = row.GetInt("ugcstatus");
     keys.push_back({row.GetString("fmid"), channel->FMType, channel->ID});
+    tally.Made(channel.get());
     m_model->m_radio_songs[channel->ID];  // its table exists even without songs
     m_model->m_radio_channels.push_back(std::move(channel));
   }
@@ -430,7 +504,9 @@ void V7DataExporter::ReadRadioSongs(const std::string& fm_id, int fm_type, int c
                    QuoteDoubled(fm_id) % fm_type)
                       .str());
   SongList& songs = m_model->m_radio_songs[channel_id];
+  SourceTableTally tally(Report(), m_db->connection()->path(), "RadioListSongs");
   while (row.Step()) {
+    tally.Read();
     auto song = std::make_shared<SongItem>();
     song->SongID = static_cast<int>(songs.size()) + 1;
     song->SortID = song->SongID;
@@ -441,6 +517,7 @@ void V7DataExporter::ReadRadioSongs(const std::string& fm_id, int fm_type, int c
     song->TitleName = row.GetString16("filename");
     song->ServerFileID = row.GetInt("fileid");
     song->ImageURL = row.GetString16("imgurl80");
+    tally.Made(song.get());
     songs.push_back(std::move(song));
   }
 }
@@ -454,11 +531,14 @@ bool V7DataExporter::ReadDislikedRadioSongs() {
   DbRowReader row(db, "select * from RadioListDislikeSongs");
   if (!row.IsValid())
     return false;
+  SourceTableTally tally(Report(), db.path(), "RadioListDislikeSongs");
   size_t count = 0;
   while (row.Step()) {
+    tally.Read();
     auto dislike = std::make_shared<DislikeRadioRecord>();
     dislike->Hash = HashOrZero(row.GetString16("FileHash"));
     dislike->DislikeType = row.GetInt("filetype");
+    tally.Made(dislike.get());
     m_model->m_dislike_radio.push_back(std::move(dislike));
     ++count;
   }

@@ -42,6 +42,10 @@ class DbRowReader;
 // else by path, else by hash; a
 // local file its folder by path; a download its file by its FileID, else by
 // destination path, else (in the writer) by hash.
+//
+// Every row read is counted in the import report under its table and file;
+// a history row that repeats a finished "DownloadItem" row counts as merged
+// into that download.
 class V8DataExporter : public DataExporter {
  public:
   explicit V8DataExporter(ImportModel* model);

@@ -11,6 +11,7 @@
 #include "logging/logging.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/import_report.h"
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/v8_data_exporter/v8_data_exporter.h"
 
@@ -97,11 +98,14 @@ bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record
     V8LOG(logging::LOG_FAILURE) << L"Table {" << table.c_str() << L"} cannot be read.";
     return false;
   }
+  SourceTableTally tally(Report(), m_db->connection()->path(), table);
   size_t count = 0;
   while (row->Step()) {
+    tally.Read();
     auto record = std::make_shared<Record>();
     ReadColumns(row.get(), columns, record.get());
     finish(row.get(), record.get());
+    tally.Made(record.get());
     list->push_back(record);
     ++count;
   }
@@ -272,6 +276,7 @@ bool V8DataExporter::ReadDownloads() {
     auto same = finished.find(history_key(*entry));
     if (same != finished.end()) {
       finished.erase(same);
+      Report()->AddMerged(entry->origin, 1);
       continue;
     }
     items.push_back(entry);
