@@ -112,4 +112,9 @@ std::string UTF16Bytes(std::wstring_view text, bool big_endian) {
   return bytes;
 }
 
+std::wstring NumberedHash(int n, wchar_t fill) {
+  const std::wstring digits = std::to_wstring(n);
+  return std::wstring(32 - digits.size(), fill) + digits;
+}
+
 }  // namespace testing_support

@@ -57,6 +57,9 @@ void ForgetFreePages(const base::FilePath& path);
 // |text| as UTF-16 code units in little- or big-endian byte order, without a
 // byte-order mark.
 std::string UTF16Bytes(std::wstring_view text, bool big_endian);
+// A 32-character song hash that names |n|: its digits, padded on the left
+// with |fill| (sources of different tests can use different fills).
+std::wstring NumberedHash(int n, wchar_t fill);
 
 }  // namespace testing_support
 

@@ -11,6 +11,7 @@
 #include "sql/connection.h"
 #include "sql/statement.h"
 #include "testing/fixtures/generation6_fixture.h"
+#include "testing/test_support.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/import_run.h"
@@ -22,8 +23,7 @@
 namespace {
 
 std::wstring Hash(int n) {
-  std::wstring hash = std::to_wstring(n);
-  return std::wstring(32 - hash.size(), L'B') + hash;
+  return testing_support::NumberedHash(n, L'B');
 }
 
 V6Music Music(int id, const std::wstring& title) {

@@ -44,8 +44,7 @@ base::FilePath PathAfter(const std::string& output, const std::string& label) {
 }
 
 std::wstring Hash(int n) {
-  std::wstring hash = std::to_wstring(n);
-  return std::wstring(32 - hash.size(), L'C') + hash;
+  return testing_support::NumberedHash(n, L'C');
 }
 
 class HostRunTest : public testing::Test {

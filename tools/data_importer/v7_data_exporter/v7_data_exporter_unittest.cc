@@ -9,6 +9,7 @@
 #include "sql/statement.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/fixtures/generation7_fixture.h"
+#include "testing/test_support.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/import_run.h"
@@ -24,8 +25,7 @@ const char kDefaultName[] = "\xE9\xBB\x98\xE8\xAE\xA4\xE5\x88\x97\xE8\xA1\xA8"; 
 const char kMark[] = "\xE7\x94\xA8\xE6\x88\xB7\xE5\x8F\x96\xE6\xB6\x88\xE5\x85\xB3\xE8\x81\x94";
 
 std::wstring Hash(int n) {
-  std::wstring hash = std::to_wstring(n);
-  return std::wstring(32 - hash.size(), L'A') + hash;
+  return testing_support::NumberedHash(n, L'A');
 }
 
 V7Music Music(int id, const std::wstring& title) {
