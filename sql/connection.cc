@@ -260,7 +260,7 @@ bool Connection::DbEncrypt(const std::wstring& key) {
   // journal; both are removed first so the export starts from nothing.
   base::FilePath path = path_;
   base::FilePath encrypted(path.value() + kEncryptedSiblingSuffix);
-  base::FilePath encrypted_journal(encrypted.value() + L"-journal");
+  base::FilePath encrypted_journal(encrypted.value() + kJournalSuffix);
   // Leftovers of an earlier attempt, if any; a missing file is fine.
   (void)base::DeleteFile(encrypted_journal);
   (void)base::DeleteFile(encrypted);

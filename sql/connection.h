@@ -17,6 +17,8 @@ namespace sql {
 // Appended to a database's path to name the sibling file that DbEncrypt
 // exports into before renaming it over the database.
 inline constexpr wchar_t kEncryptedSiblingSuffix[] = L".enc";
+// Appended to a database's path to name its rollback journal.
+inline constexpr wchar_t kJournalSuffix[] = L"-journal";
 
 class StatementRef;
 

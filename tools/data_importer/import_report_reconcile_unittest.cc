@@ -281,7 +281,8 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
     record.set_report(&lost);
     record.Initialise();
     (void)RunVersion2Copy(&record, [&](const char* stage) {
-      ASSERT_STREQ("Copy", stage);
+      if (std::string(stage) != "Copy")
+        return;  // a step of the commit that puts the copies in place
       sql::Connection db;
       ASSERT_TRUE(db.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
       ASSERT_TRUE(db.Execute("DELETE FROM ShareFileItems WHERE rowid = (SELECT max(rowid) "
@@ -299,7 +300,7 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
   // dropped, the finished file is not counted, the playlist copy still is.
   ASSERT_TRUE(base::DeleteFile(Data(L"VTMusicV3.db")));
   ASSERT_TRUE(base::DeleteFile(Data(L"playlistV3.db")));
-  TestProfile::Touch(Data(L"VTMusicV3.db.enc").Append(L"blocker"));
+  TestProfile::Touch(Data(L"VTMusicV2.db.tmp.enc").Append(L"blocker"));
   DataImporterMain();
   report = ReadReport();
   EXPECT_EQ("encrypt_failed", report["upgrade"]["music"]);

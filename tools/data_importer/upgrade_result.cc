@@ -19,6 +19,8 @@ const char* OutcomeWord(CopyOutcome outcome) {
       return "no_source";
     case CopyOutcome::kCopyFailed:
       return "copy_failed";
+    case CopyOutcome::kReplaceFailed:
+      return "replace_failed";
   }
   return "not_run";
 }

@@ -31,6 +31,9 @@ enum class CopyOutcome {
                   // failed; the copy stays plain
   kNoSource,      // "no_source": the version-2 file does not exist
   kCopyFailed,    // "copy_failed": the version-2 file could not be copied
+  kReplaceFailed, // "replace_failed": copied, but the copy could not be
+                  // renamed over its version-3 file; a commit record that
+                  // was written makes the next run finish the rename
 };
 
 // The music database of the upgrade task.

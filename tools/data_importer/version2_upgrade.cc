@@ -12,6 +12,7 @@
 #include "tools/data_importer/play_queue_conversion.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
+#include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/task_decision.h"
 #include "tools/data_importer/upgrade_report.h"
 
@@ -26,7 +27,7 @@ UpgradeResult RunWrapped(ProgressRecord* record, const wchar_t* task, Step step)
   result.task = task;
   record->SetUpdateProgress(10);
   auto upgrader = std::make_unique<Version2Upgrader>(GetDataFolder());
-  (upgrader.get()->*step)(&result);
+  step(upgrader.get(), &result);
   record->SetUpdateProgress(100);
   upgrader.reset();
   return result;
@@ -50,8 +51,10 @@ UpgradeResult RunVersion2Copy(ProgressRecord* record, const BuildStageCallback& 
   const base::FilePath playlist = folder.Append(importer_names::kPlaylistDatabaseV2);
   VerifiedDatabase music_read = CountPlainDatabase(music);
   VerifiedDatabase playlist_read = CountPlainDatabase(playlist);
-  UpgradeResult result =
-      RunWrapped(record, kTaskCopyVersion2, &Version2Upgrader::CopyVersion2Databases);
+  UpgradeResult result = RunWrapped(
+      record, kTaskCopyVersion2, [&](Version2Upgrader* upgrader, UpgradeResult* outcome) {
+        upgrader->CopyVersion2Databases(outcome, stage_done);
+      });
   report->AddStage("Copy", Lap(&start));
   if (stage_done)
     stage_done("Copy");
@@ -67,8 +70,11 @@ UpgradeResult RunVersion2Copy(ProgressRecord* record, const BuildStageCallback& 
 UpgradeResult RunVersion3Upgrade(ProgressRecord* record) {
   ImportReport* report = record->report();
   auto start = std::chrono::steady_clock::now();
-  UpgradeResult result =
-      RunWrapped(record, kTaskUpdateVersion2, &Version2Upgrader::UpgradeVersion3Databases);
+  UpgradeResult result = RunWrapped(
+      record, kTaskUpdateVersion2,
+      [](Version2Upgrader* upgrader, UpgradeResult* outcome) {
+        upgrader->UpgradeVersion3Databases(outcome);
+      });
   report->AddStage("Upgrade", Lap(&start));
   ReportMovedTables(report, GetDataFolder(), result);
   report->AddStage("Count", Lap(&start));
@@ -85,16 +91,39 @@ Version2Upgrader::~Version2Upgrader() {
   m_db.reset();
 }
 
-void Version2Upgrader::CopyVersion2Databases(UpgradeResult* result) {
+void Version2Upgrader::CopyVersion2Databases(UpgradeResult* result,
+                                             const CommitStepCallback& step_done) {
   namespace names = importer_names;
-  if (CopyVersion2File(names::kMusicDatabaseV2, names::kMusicDatabaseV3, &result->music_copy))
-    result->music_copy = EncryptCopy(names::kMusicDatabaseV3);
-  CopyOutcome playlist_failure = CopyOutcome::kNotRun;
-  bool playlist_copied = CopyVersion2File(names::kPlaylistDatabaseV2, names::kPlaylistDatabaseV3,
-                                          &playlist_failure);
+  // Each copy is made and encrypted under the build's temporary name, and
+  // the finished copies replace the version-3 files in one commit
+  // (replacement_commit.h). Copying straight over "VTMusicV3.db" and
+  // encrypting it there would leave, after a kill between the two steps or
+  // between the two files, a plain file or half a pair under the final
+  // names; the next run would take them for an upgraded installation and
+  // never finish the copy. The outcome of a run that is not interrupted is
+  // the same: a copy that failed its check or its encryption still takes
+  // its final name, plain.
+  const bool music_copied =
+      CopyVersion2File(names::kMusicDatabaseV2, names::kMusicBuildFile, &result->music_copy);
+  if (music_copied)
+    result->music_copy = EncryptCopy(names::kMusicBuildFile);
   m_db->ResetConnection();
-  result->playlist_copy =
-      playlist_copied ? EncryptCopy(names::kPlaylistDatabaseV3) : playlist_failure;
+  const bool playlist_copied = CopyVersion2File(names::kPlaylistDatabaseV2,
+                                                names::kPlaylistBuildFile, &result->playlist_copy);
+  if (playlist_copied)
+    result->playlist_copy = EncryptCopy(names::kPlaylistBuildFile);
+  // The copies are renamed closed.
+  m_db->ResetConnection();
+  if (!music_copied && !playlist_copied)
+    return;
+  if (!CommitReplacement(m_data_folder, step_done, {music_copied, playlist_copied})) {
+    // Logged by the commit; a record that was written makes the next run
+    // finish the renames.
+    if (music_copied)
+      result->music_copy = CopyOutcome::kReplaceFailed;
+    if (playlist_copied)
+      result->playlist_copy = CopyOutcome::kReplaceFailed;
+  }
 }
 
 bool Version2Upgrader::CopyVersion2File(const wchar_t* from, const wchar_t* to,

@@ -5,6 +5,7 @@
 
 #include "base/file_path.h"
 #include "tools/data_importer/target_store/build_sequence.h"
+#include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/upgrade_result.h"
 
 class CloudListCleanup;
@@ -24,8 +25,9 @@ class ProgressRecord;
 // "Count".
 
 // "copyv8dbv2": encrypted version-3 copies of the plain version-2 databases.
-// |stage_done| is called with "Copy" once the copies are made and closed,
-// before they are counted.
+// |stage_done| is told the steps of the commit that renames the copies into
+// place ("CommitRecord", "ReplaceMusic", ...; replacement_commit.h) and
+// "Copy" once the copies are in place and closed, before they are counted.
 UpgradeResult RunVersion2Copy(ProgressRecord* record,
                               const BuildStageCallback& stage_done = nullptr);
 
@@ -44,14 +46,18 @@ class Version2Upgrader {
   Version2Upgrader(const Version2Upgrader&) = delete;
   Version2Upgrader& operator=(const Version2Upgrader&) = delete;
 
-  // Copies "VTMusicV2.db" over "VTMusicV3.db", opens the copy with the
+  // Copies "VTMusicV2.db" to "VTMusicV2.db.tmp", opens the copy with the
   // integrity check and the one-VACUUM repair, and encrypts it in place with
   // the version-3 key when it passed; then the same for "playlist.db" and
-  // "playlistV3.db" on a fresh connection. A copy that fails its check stays
-  // plain and closed. A version-2 file that is missing or cannot be copied
-  // leaves its version-3 file as it was: no empty database is made in its
-  // place, so a later run can still copy it.
-  void CopyVersion2Databases(UpgradeResult* result);
+  // "playlist.db.tmp" on a fresh connection. The copies then replace
+  // "VTMusicV3.db" and "playlistV3.db" in one commit, so that a killed run
+  // leaves either both or neither (the next run completes a begun commit or
+  // deletes the copies). A copy that fails its check stays plain and closed.
+  // A version-2 file that is missing or cannot be copied leaves its
+  // version-3 file as it was: no empty database is made in its place, so a
+  // later run can still copy it. |step_done| is told the commit's steps.
+  void CopyVersion2Databases(UpgradeResult* result,
+                             const CommitStepCallback& step_done = nullptr);
 
   // Opens an existing "VTMusicV3.db" with the key, checks it (one VACUUM to
   // repair), then runs the play-queue conversion and the cloud-list move on

@@ -1,8 +1,14 @@
 #include "tools/data_importer/version2_upgrade.h"
 
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <functional>
 #include <memory>
+#include <random>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -14,6 +20,7 @@
 #include "tools/data_importer/cloud_list_cleanup.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/importer_test_util.h"
+#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
 namespace {
@@ -97,7 +104,9 @@ TEST_F(Version2TaskTest, CopyEncryptsBothCopiesAndRefreshesPlaylistStorage) {
   EXPECT_EQ("List 1\nList 2\n",
             SqlcipherOutput(Data(L"playlistV3.db"), kVersion3DatabaseKey,
                             "SELECT PlaylistName FROM GeneralListTable ORDER BY SortID;"));
-  EXPECT_FALSE(base::PathExists(Data(L"VTMusicV3.db.enc")));
+  for (const wchar_t* work : {L"VTMusicV2.db.tmp", L"playlist.db.tmp", L"VTMusicV2.db.tmp.enc",
+                              L"DatabaseReplace.commit"})
+    EXPECT_FALSE(base::PathExists(Data(work))) << base::FilePath(work).AsUTF8Unsafe();
 
   base::FileInfo info;
   ASSERT_TRUE(base::GetFileInfo(Data(L"playlistV3.db"), &info));
@@ -146,7 +155,7 @@ TEST_F(Version2TaskTest, CopyFailuresLeaveVersion2FilesAndPlainCopies) {
   ASSERT_TRUE(SampleMusicDatabase().Write(Data(L"VTMusicV2.db"), L""));
   ASSERT_TRUE(base::DeleteFile(Data(L"VTMusicV3.db")));
   ASSERT_TRUE(base::DeleteFile(Data(L"playlistV3.db")));
-  TestProfile::Touch(Data(L"VTMusicV3.db.enc").Append(L"blocker"));
+  TestProfile::Touch(Data(L"VTMusicV2.db.tmp.enc").Append(L"blocker"));
   DataImporterMain();
   EXPECT_EQ(PlainContent(L"VTMusicV2.db"), PlainContent(L"VTMusicV3.db"));
   EXPECT_NE(std::string::npos, Result().find("\"music\":\"encrypt_failed\""));
@@ -171,6 +180,105 @@ TEST_F(Version2TaskTest, CopyTwiceMakesFreshCopies) {
             QueryRows(Keyed(L"VTMusicV3.db").get(), "SELECT count(*) FROM ShareFileItems"));
   EXPECT_EQ(std::vector<std::string>{"3"},
             QueryRows(Keyed(L"playlistV3.db").get(), "SELECT count(*) FROM GeneralListTable"));
+}
+
+// A copy killed at any point, then run again, never leaves one version-3
+// file without the other or a plain one under its final name: the next run
+// either redoes the copy (a kill before the commit) or completes the commit
+// and, finding both version-3 files, upgrades them, as it would after a
+// copy that finished. No work file is left, the version-2 files keep their
+// bytes. Kill points: each step of the commit that renames the copies into
+// place, and random amounts of processor time into a whole run.
+TEST_F(Version2TaskTest, KilledCopyIsCompletedOrRedoneByTheNextRun) {
+  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  const std::string music_v2 = ReadBytes(Data(L"VTMusicV2.db"));
+  const std::string playlist_v2 = ReadBytes(Data(L"playlist.db"));
+  using State = std::pair<std::set<std::string>, std::set<std::string>>;
+  // Both version-3 files as they are now, or empty sets for one that does
+  // not open with the key.
+  auto state = [&] {
+    auto music = Keyed(L"VTMusicV3.db");
+    auto playlist = Keyed(L"playlistV3.db");
+    return State(music ? Content(music.get()) : std::set<std::string>(),
+                 playlist ? Content(playlist.get()) : std::set<std::string>());
+  };
+  auto reset = [&] {
+    for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"}) {
+      if (base::PathExists(Data(name))) {
+        ASSERT_TRUE(base::DeleteFile(Data(name)));
+      }
+    }
+  };
+
+  // A whole copy, for its outcome and its processor time; then the upgrade
+  // that the run after it makes.
+  pid_t child = fork();
+  ASSERT_NE(-1, child);
+  if (child == 0) {
+    DataImporterMain();
+    _exit(0);
+  }
+  int status = 0;
+  rusage usage{};
+  ASSERT_EQ(child, wait4(child, &status, 0, &usage));
+  ASSERT_TRUE(WIFEXITED(status));
+  const long run_micros = usage.ru_utime.tv_sec * 1000000L + usage.ru_utime.tv_usec +
+                          usage.ru_stime.tv_sec * 1000000L + usage.ru_stime.tv_usec;
+  const State copied = state();
+  ASSERT_EQ(PlainContent(L"VTMusicV2.db"), copied.first);
+  ASSERT_EQ(PlainContent(L"playlist.db"), copied.second);
+  DataImporterMain();
+  const State upgraded = state();
+  ASSERT_NE(copied, upgraded);  // the cloud lists moved
+
+  const std::vector<std::string> steps = {"CommitRecord", "ReplaceMusic", "ReplacePlaylist"};
+  std::mt19937 random(29);
+  constexpr int kRandomPoints = 8;
+  for (size_t point = 0; point < steps.size() + kRandomPoints; ++point) {
+    reset();
+    const bool at_step = point < steps.size();
+    const long micros =
+        std::uniform_int_distribution<long>(200, std::max(400L, run_micros))(random);
+    const std::string where = at_step ? steps[point] : "after " + std::to_string(micros) + " us";
+    child = fork();
+    ASSERT_NE(-1, child);
+    if (child == 0) {
+      if (at_step) {
+        ProgressRecord record;
+        record.Initialise();
+        (void)RunVersion2Copy(&record, [&](const char* step) {
+          if (where == step)
+            raise(SIGKILL);
+        });
+      } else {
+        itimerval timer{{0, 0}, {micros / 1000000, micros % 1000000}};
+        setitimer(ITIMER_PROF, &timer, nullptr);  // SIGPROF ends the process
+        DataImporterMain();
+      }
+      _exit(0);
+    }
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    if (at_step) {
+      EXPECT_TRUE(WIFSIGNALED(status)) << where;
+    }
+
+    DataImporterMain();  // the next run
+
+    const State after = state();
+    if (at_step) {
+      EXPECT_TRUE(after == upgraded) << where;
+    } else {
+      EXPECT_TRUE(after == copied || after == upgraded) << where;
+    }
+    for (const wchar_t* work : {L"VTMusicV2.db.tmp", L"playlist.db.tmp", L"VTMusicV2.db.tmp.enc",
+                                L"playlist.db.tmp.enc", L"VTMusicV2.db.tmp-journal",
+                                L"playlist.db.tmp-journal", L"DatabaseReplace.commit"})
+      EXPECT_FALSE(base::PathExists(Data(work))) << where << " " << base::FilePath(work).AsUTF8Unsafe();
+    EXPECT_EQ(music_v2, ReadBytes(Data(L"VTMusicV2.db"))) << where;
+    EXPECT_EQ(playlist_v2, ReadBytes(Data(L"playlist.db"))) << where;
+    if (HasFailure())
+      break;
+  }
 }
 
 // Lines of |content| for the tables named in |tables|.

@@ -143,6 +143,7 @@ const WordText kCopyWords[] = {
     {"encrypt_failed", "copied but left plain: the encryption failed"},
     {"no_source", "not made: there is no version-2 file to copy"},
     {"copy_failed", "not made: the version-2 file could not be copied"},
+    {"replace_failed", "not in place: the copy could not be renamed; the next run retries"},
 };
 
 const WordText kOpenWords[] = {

@@ -1,5 +1,7 @@
 #include "tools/data_importer/target_store/replacement_commit.h"
 
+#include <iterator>
+
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
@@ -40,7 +42,7 @@ bool DeleteWithLog(const base::FilePath& path) {
 }  // namespace
 
 bool CommitReplacement(const base::FilePath& data_folder,
-                       const std::function<void(const char*)>& step_done) {
+                       const std::function<void(const char*)>& step_done, ReplacedFiles files) {
   auto done = [&](const char* step) {
     if (step_done)
       step_done(step);
@@ -50,10 +52,13 @@ bool CommitReplacement(const base::FilePath& data_folder,
   // before the first final file changes.
   base::FilePath record = data_folder.Append(importer_names::kReplaceRecordName);
   base::FilePath record_new(record.value() + L".new");
+  const bool included[] = {files.music, files.playlist};
   std::string text;
-  for (const Replacement& pair : kPairs)
-    text += base::WideToUTF8(pair.temp_name) + " > " +
-            base::WideToUTF8(pair.final_name) + "\n";
+  for (size_t i = 0; i < std::size(kPairs); ++i) {
+    if (included[i])
+      text += base::WideToUTF8(kPairs[i].temp_name) + " > " +
+              base::WideToUTF8(kPairs[i].final_name) + "\n";
+  }
   if (!base::WriteFile(record_new, text) || !base::ReplaceFile(record_new, record)) {
     VLOG_AT(logging::LOG_FAILURE) << L"Write file {" << record.value()
                                   << L"} FAILED, error code {" << base::GetLastSystemError()
@@ -62,12 +67,14 @@ bool CommitReplacement(const base::FilePath& data_folder,
     return false;
   }
   done("CommitRecord");
-  if (!Replace(data_folder, kPairs[0]))
-    return false;
-  done("ReplaceMusic");
-  if (!Replace(data_folder, kPairs[1]))
-    return false;
-  done("ReplacePlaylist");
+  const char* const steps[] = {"ReplaceMusic", "ReplacePlaylist"};
+  for (size_t i = 0; i < std::size(kPairs); ++i) {
+    if (!included[i])
+      continue;
+    if (!Replace(data_folder, kPairs[i]))
+      return false;
+    done(steps[i]);
+  }
   bool removed = DeleteWithLog(record);
   done("CommitDone");
   return removed;
@@ -81,7 +88,9 @@ bool CompleteOrUndoReplacement(const base::FilePath& data_folder) {
     for (const Replacement& pair : kPairs) {
       base::FilePath temp = data_folder.Append(pair.temp_name);
       base::FilePath encrypted(temp.value() + sql::kEncryptedSiblingSuffix);
-      for (const base::FilePath& path : {temp, encrypted}) {
+      for (const base::FilePath& path :
+           {temp, encrypted, base::FilePath(temp.value() + sql::kJournalSuffix),
+            base::FilePath(encrypted.value() + sql::kJournalSuffix)}) {
         if (base::PathExists(path)) {
           VLOG_AT(logging::LOG_FAILURE)
               << L"File {" << path.value() << L"} of an interrupted build is deleted.";

@@ -16,23 +16,37 @@
 // finished import.
 //
 // The pairs, in order: "VTMusicV2.db.tmp" -> "VTMusicV3.db", then
-// "playlist.db.tmp" -> "playlistV3.db".
+// "playlist.db.tmp" -> "playlistV3.db". The build writes both temporary
+// files; the version-2 copy writes those whose version-2 file it could copy.
 
-// Writes the record, renames both files and removes the record. The caller
-// has verified both temporary files. |step_done|, when given, is told
-// "CommitRecord", "ReplaceMusic", "ReplacePlaylist" and "CommitDone" as each
-// step ends (tests stop the process there). False when a step fails; the
-// failure is logged, and a record that could be written stays so that the
-// next run completes the commit.
+// Told the name of each step of a commit as it ends.
+using CommitStepCallback = std::function<void(const char* step)>;
+
+// Which pairs a commit renames.
+struct ReplacedFiles {
+  bool music = true;
+  bool playlist = true;
+};
+
+// Writes the record, renames the files of |files| and removes the record.
+// The caller has finished those temporary files. |step_done|, when given, is
+// told "CommitRecord", "ReplaceMusic", "ReplacePlaylist" and "CommitDone" as
+// each step ends (a rename left out is not told; tests stop the process
+// there). False when a step fails; the failure is logged, and a record that
+// could be written stays so that the next run completes the commit.
 [[nodiscard]] bool CommitReplacement(
     const base::FilePath& data_folder,
-    const std::function<void(const char* step)>& step_done = nullptr);
+    const CommitStepCallback& step_done = nullptr,
+    ReplacedFiles files = {});
 
 // Run at the start of every run, before the task decision. With a record:
 // renames whichever temporary file of the pair is still there over its final
 // file, in the pair order, then removes the record. Without one: deletes the
-// temporary files of an interrupted build ("VTMusicV2.db.tmp",
-// "playlist.db.tmp" and their ".enc" siblings), which were never verified.
+// temporary files of an interrupted build or copy ("VTMusicV2.db.tmp",
+// "playlist.db.tmp", their ".enc" siblings and the rollback journals of all
+// four), which were never finished. A journal goes with its file: left
+// beside the next run's fresh file of the same name, the engine would take
+// it for that file's hot journal and roll foreign pages into it.
 // Logs what it did. False when a record was found and could not be
 // completed (it is kept for the next run).
 [[nodiscard]] bool CompleteOrUndoReplacement(const base::FilePath& data_folder);
