@@ -64,15 +64,19 @@ TEST_F(ReplacementCommitTest, KillAfterEachStepIsCompletedByTheNextRun) {
 }
 
 // Without a record, a build was interrupted before its files were known to
-// be good: they are deleted and the final files stay as they were.
+// be good: they are deleted, with the rollback journal that a fresh file of
+// the same name would otherwise inherit, and the final files stay as they
+// were.
 TEST_F(ReplacementCommitTest, TemporaryFilesWithoutRecordAreUndone) {
   WriteFiles();
   ASSERT_TRUE(base::WriteFile(Path(L"VTMusicV2.db.tmp.enc"), "half encrypted"));
+  ASSERT_TRUE(base::WriteFile(Path(L"playlist.db.tmp-journal"), "pages of a killed vacuum"));
   ASSERT_TRUE(base::WriteFile(Path(L"DatabaseReplace.commit.new"), "half a record"));
   EXPECT_TRUE(CompleteOrUndoReplacement(dir_.path()));
   EXPECT_EQ("old music", ReadBytes(Path(L"VTMusicV3.db")));
   EXPECT_EQ("old lists", ReadBytes(Path(L"playlistV3.db")));
   EXPECT_FALSE(base::PathExists(Path(L"VTMusicV2.db.tmp.enc")));
+  EXPECT_FALSE(base::PathExists(Path(L"playlist.db.tmp-journal")));
   ExpectNoWorkFiles();
 }
 
