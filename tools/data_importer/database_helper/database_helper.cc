@@ -52,7 +52,27 @@ bool DatabaseHelper::CheckOrRepair() {
   return false;
 }
 
+bool DatabaseHelper::ClaimsPagesBeyondFile() {
+  base::FileInfo info;
+  if (!base::GetFileInfo(connection_->path(), &info))
+    return false;  // nothing to compare with; the check itself decides
+  sql::Statement count(connection_->GetUniqueStatement("PRAGMA page_count"));
+  sql::Statement size(connection_->GetUniqueStatement("PRAGMA page_size"));
+  if (!count.is_valid() || !size.is_valid() || !count.Step() || !size.Step())
+    return false;  // the check itself will fail on such a file
+  const int64_t claimed = count.ColumnInt64(0);
+  const int64_t page_size = size.ColumnInt64(0);
+  return page_size > 0 && claimed > (info.size + page_size - 1) / page_size;
+}
+
 bool DatabaseHelper::CheckIntegrity() {
+  // A database whose header claims more pages than its file holds (a
+  // truncated or damaged file) can never pass: the pages past the end are
+  // used by no table. The engine would still map every claimed page before
+  // it walks them, up to 2^32 of them: seconds and hundreds of megabytes for
+  // a damaged file of a few kilobytes. Answered from the file's size instead.
+  if (ClaimsPagesBeyondFile())
+    return false;
   sql::Statement check(connection_->GetCachedStatement(sql::StatementID("database_helper", 358),
                                                        "PRAGMA Integrity_Check"));
   if (!check.is_valid() || !check.Step())

@@ -51,7 +51,8 @@ class DatabaseHelper {
 
   // Runs the cached "PRAGMA Integrity_Check" and passes only when its first
   // row reads "ok" (any letter case). False for an invalid statement, no row,
-  // or a list of problems.
+  // or a list of problems, and, without running the check, for a database
+  // whose header claims more pages than its file holds.
   [[nodiscard]] bool CheckIntegrity();
 
   // Attaches the database at |path| under |alias|. Refused (false) when an
@@ -80,6 +81,9 @@ class DatabaseHelper {
  private:
   // Clears the file's attributes and sets the page and cache sizes.
   void PrepareOpen(const base::FilePath& path);
+  // True when the open database's header claims more pages than its file
+  // holds.
+  bool ClaimsPagesBeyondFile();
 
   std::unique_ptr<sql::Connection> connection_;
   std::string attached_alias_;
