@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -15,6 +18,7 @@
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
 #include "sql/statement.h"
+#include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
@@ -264,4 +268,20 @@ void ExpectReportReconciles(const base::Value& report, const base::FilePath& dat
       EXPECT_EQ(target["rows_sent"], target["rows_counted"]) << table;
     }
   }
+}
+
+long ProcessorMicrosOfWholeRun() {
+  pid_t child = fork();
+  if (child == 0) {
+    DataImporterMain();
+    _exit(0);
+  }
+  int status = 0;
+  rusage usage{};
+  if (child == -1 || wait4(child, &status, 0, &usage) != child || !WIFEXITED(status)) {
+    ADD_FAILURE() << "the whole run in a child process did not end normally";
+    return -1;
+  }
+  return usage.ru_utime.tv_sec * 1000000L + usage.ru_utime.tv_usec +
+         usage.ru_stime.tv_sec * 1000000L + usage.ru_stime.tv_usec;
 }
