@@ -61,8 +61,9 @@ void ReportCopiedDatabase(ImportReport* report, const base::FilePath& source,
     }
   }
   if (!encrypted) {
-    report->SetCountedRows(FileName(target), {}, false,
-                           std::string("no encrypted copy: ") + OutcomeWord(outcome));
+    const char* why = outcome == CopyOutcome::kReplaceFailed ? "not in place: "
+                                                              : "no encrypted copy: ";
+    report->SetCountedRows(FileName(target), {}, false, std::string(why) + OutcomeWord(outcome));
     return;
   }
   VerifiedDatabase written = VerifyEncryptedDatabase(target);

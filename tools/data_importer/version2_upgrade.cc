@@ -116,14 +116,15 @@ void Version2Upgrader::CopyVersion2Databases(UpgradeResult* result,
   m_db->ResetConnection();
   if (!music_copied && !playlist_copied)
     return;
-  if (!CommitReplacement(m_data_folder, step_done, {music_copied, playlist_copied})) {
-    // Logged by the commit; a record that was written makes the next run
-    // finish the renames.
-    if (music_copied)
-      result->music_copy = CopyOutcome::kReplaceFailed;
-    if (playlist_copied)
-      result->playlist_copy = CopyOutcome::kReplaceFailed;
-  }
+  if (CommitReplacement(m_data_folder, step_done, {music_copied, playlist_copied}))
+    return;
+  // Logged by the commit; a record that was written makes the next run
+  // finish the renames. A copy still under its temporary name is not in
+  // place.
+  if (base::PathExists(m_data_folder.Append(names::kMusicBuildFile)))
+    result->music_copy = CopyOutcome::kReplaceFailed;
+  if (base::PathExists(m_data_folder.Append(names::kPlaylistBuildFile)))
+    result->playlist_copy = CopyOutcome::kReplaceFailed;
 }
 
 bool Version2Upgrader::CopyVersion2File(const wchar_t* from, const wchar_t* to,

@@ -271,6 +271,27 @@ TEST_F(Version2TaskTest, KilledCopyIsCompletedOrRedoneByTheNextRun) {
   }
 }
 
+// A copy that cannot be renamed over its version-3 file (a folder in the
+// way) is reported as not in place; the commit record makes a later run put
+// it there once the obstacle is gone, after the music copy that did go in.
+TEST_F(Version2TaskTest, CopyThatCannotTakeItsNameIsFinishedLater) {
+  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  TestProfile::Touch(Data(L"playlistV3.db").Append(L"in the way"));
+  UpgradeResult result;
+  Version2Upgrader(profile_.data_folder()).CopyVersion2Databases(&result);
+  EXPECT_EQ(CopyOutcome::kEncrypted, result.music_copy);
+  EXPECT_EQ(CopyOutcome::kReplaceFailed, result.playlist_copy);
+  EXPECT_TRUE(Keyed(L"VTMusicV3.db"));
+  EXPECT_TRUE(base::PathExists(Data(L"DatabaseReplace.commit")));
+
+  ASSERT_TRUE(base::DeleteFile(Data(L"playlistV3.db"), true));
+  EXPECT_TRUE(CompleteOrUndoReplacement(profile_.data_folder()));
+  auto playlist = Keyed(L"playlistV3.db");
+  ASSERT_TRUE(playlist);
+  EXPECT_EQ(PlainContent(L"playlist.db"), Content(playlist.get()));
+  EXPECT_FALSE(base::PathExists(Data(L"DatabaseReplace.commit")));
+}
+
 // Lines of |content| for the tables named in |tables|.
 std::set<std::string> Only(const std::set<std::string>& content,
                            const std::set<std::string>& tables) {
