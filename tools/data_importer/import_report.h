@@ -36,8 +36,8 @@ inline constexpr DropReason kFolderFileMissing = {
     "folder_file_missing", "watched-folder file that is not in the library",
     "watched-folder files that are not in the library"};
 inline constexpr DropReason kCopyNotEncrypted = {
-    "copy_not_encrypted", "row of a version-2 database whose encrypted copy was not made",
-    "rows of a version-2 database whose encrypted copy was not made"};
+    "copy_not_encrypted", "row of a version-2 database whose encrypted copy is not in place",
+    "rows of a version-2 database whose encrypted copy is not in place"};
 inline constexpr DropReason kCloudListsMissing = {
     "cloud_lists_missing", "cloud-list row without a cloud list to belong to",
     "cloud-list rows without a cloud list to belong to"};

@@ -297,7 +297,8 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
   }
 
   // The encrypted sibling of the music copy cannot be made: its rows are
-  // dropped, the finished file is not counted, the playlist copy still is.
+  // dropped and neither finished file is counted, since the playlist copy
+  // is withheld with it.
   ASSERT_TRUE(base::DeleteFile(Data(L"VTMusicV3.db")));
   ASSERT_TRUE(base::DeleteFile(Data(L"playlistV3.db")));
   TestProfile::Touch(Data(L"VTMusicV2.db.tmp.enc").Append(L"blocker"));
@@ -311,9 +312,15 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
   const base::Value* music = FindEntry(report["target_databases"], "database", "VTMusicV3.db");
   ASSERT_TRUE(music);
   EXPECT_EQ(false, (*music)["read_back"]);
-  const base::Value* lists = FindEntry(report["target_tables"], "table", "GeneralListTable");
+  EXPECT_EQ("withheld", report["upgrade"]["playlist"]);
+  const base::Value* lists = FindEntry(report["flows"], "from", "GeneralListTable");
   ASSERT_TRUE(lists);
-  EXPECT_EQ(true, (*lists)["matches"]);
+  EXPECT_EQ(0, (*lists)["written"]);
+  EXPECT_EQ((*lists)["read"], (*lists)["dropped_by_reason"]["copy_not_encrypted"]);
+  const base::Value* playlist =
+      FindEntry(report["target_databases"], "database", "playlistV3.db");
+  ASSERT_TRUE(playlist);
+  EXPECT_EQ(false, (*playlist)["read_back"]);
 }
 
 // The upgrade of the version-3 databases: the cloud tables moved, each with

@@ -61,8 +61,10 @@ void ReportCopiedDatabase(ImportReport* report, const base::FilePath& source,
     }
   }
   if (!encrypted) {
-    const char* why = outcome == CopyOutcome::kReplaceFailed ? "not in place: "
-                                                              : "no encrypted copy: ";
+    const char* why =
+        outcome == CopyOutcome::kReplaceFailed || outcome == CopyOutcome::kWithheld
+            ? "not in place: "
+            : "no encrypted copy: ";
     report->SetCountedRows(FileName(target), {}, false, std::string(why) + OutcomeWord(outcome));
     return;
   }

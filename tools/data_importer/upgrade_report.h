@@ -15,7 +15,7 @@ class ImportReport;
 // name. The rows read are counted in the source; the rows written are those
 // the copy carried, and the finished encrypted file is counted afterwards,
 // so a table that lost rows shows as a count that does not match. Rows
-// whose copy was not made (the copy failed or was left plain) or that the
+// whose encrypted copy is not in place (not made, left plain or withheld) or that the
 // task dropped again count as dropped with their reason. Nothing here
 // changes a database; every failure only shows in the report.
 

@@ -21,6 +21,8 @@ const char* OutcomeWord(CopyOutcome outcome) {
       return "copy_failed";
     case CopyOutcome::kReplaceFailed:
       return "replace_failed";
+    case CopyOutcome::kWithheld:
+      return "withheld";
   }
   return "not_run";
 }

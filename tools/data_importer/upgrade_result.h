@@ -28,12 +28,15 @@ enum class CopyOutcome {
   kEncrypted,     // "encrypted": copied, checked and encrypted
   kLeftPlain,     // "left_plain": copied, failed the integrity check
   kEncryptFailed, // "encrypt_failed": copied and checked, the encryption
-                  // failed; the copy stays plain
+                  // failed; the copy is deleted
   kNoSource,      // "no_source": the version-2 file does not exist
   kCopyFailed,    // "copy_failed": the version-2 file could not be copied
   kReplaceFailed, // "replace_failed": copied, but the copy could not be
                   // renamed over its version-3 file; a commit record that
                   // was written makes the next run finish the rename
+  kWithheld,      // "withheld": copied, but not put in place because the
+                  // other file could not be copied or encrypted; the next
+                  // run copies both again
 };
 
 // The music database of the upgrade task.

@@ -100,9 +100,7 @@ void Version2Upgrader::CopyVersion2Databases(UpgradeResult* result,
   // encrypting it there would leave, after a kill between the two steps or
   // between the two files, a plain file or half a pair under the final
   // names; the next run would take them for an upgraded installation and
-  // never finish the copy. The outcome of a run that is not interrupted is
-  // the same: a copy that failed its check or its encryption still takes
-  // its final name, plain.
+  // never finish the copy.
   const bool music_copied =
       CopyVersion2File(names::kMusicDatabaseV2, names::kMusicBuildFile, &result->music_copy);
   if (music_copied)
@@ -114,6 +112,29 @@ void Version2Upgrader::CopyVersion2Databases(UpgradeResult* result,
     result->playlist_copy = EncryptCopy(names::kPlaylistBuildFile);
   // The copies are renamed closed.
   m_db->ResetConnection();
+
+  // A version-2 file that exists but could not be copied or encrypted (a
+  // full disk, typically) puts neither copy in place: a plain file under a
+  // final name, or one file of the pair alone, would make every later run
+  // take the upgrade path, and the player would never see the version-2
+  // data. With nothing in place the next run copies both again. A copy that
+  // failed its integrity check is different: it is the version-2 file's own
+  // damage, which no later run can mend, so it takes its final name, plain.
+  auto unfinished = [](CopyOutcome outcome) {
+    return outcome == CopyOutcome::kCopyFailed || outcome == CopyOutcome::kEncryptFailed;
+  };
+  if (unfinished(result->music_copy) || unfinished(result->playlist_copy)) {
+    for (auto [name, outcome] : {std::pair{names::kMusicBuildFile, &result->music_copy},
+                                 std::pair{names::kPlaylistBuildFile, &result->playlist_copy}}) {
+      // Clean-up: a copy that stays behind is deleted by the next run.
+      (void)base::DeleteFile(m_data_folder.Append(name));
+      if (!unfinished(*outcome) && *outcome != CopyOutcome::kNoSource)
+        *outcome = CopyOutcome::kWithheld;
+    }
+    VLOG_AT(logging::LOG_FAILURE) << kTag << L" The version-2 databases were not both copied; "
+                                  << L"no version-3 file is replaced.";
+    return;
+  }
   if (!music_copied && !playlist_copied)
     return;
   if (CommitReplacement(m_data_folder, step_done, {music_copied, playlist_copied}))
@@ -157,8 +178,7 @@ CopyOutcome Version2Upgrader::EncryptCopy(const wchar_t* name) {
   // over the copy only when it is complete: a run killed meanwhile leaves the
   // plain copy, never a half-encrypted file.
   if (!m_db->connection()->DbEncrypt(kVersion3DatabaseKey)) {
-    VLOG_AT(logging::LOG_FAILURE) << kTag << L" Encrypting {" << path.value()
-                                  << L"} FAILED; left plain.";
+    VLOG_AT(logging::LOG_FAILURE) << kTag << L" Encrypting {" << path.value() << L"} FAILED.";
     return CopyOutcome::kEncryptFailed;
   }
   VLOG_AT(logging::LOG_PROGRESS) << kTag << L" {" << path.value() << L"} copied and encrypted.";

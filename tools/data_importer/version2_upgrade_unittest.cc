@@ -1,6 +1,7 @@
 #include "tools/data_importer/version2_upgrade.h"
 
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -127,7 +128,8 @@ TEST_F(Version2TaskTest, CopyEncryptsBothCopiesAndRefreshesPlaylistStorage) {
 
 // Without "playlist.db" the music copy is still encrypted and no playlist
 // database is made; a corrupt "VTMusicV2.db" is copied but left plain; an
-// encryption that fails leaves a sound plain copy.
+// encryption that fails (a full disk, say) puts neither copy in place, so
+// that the next run copies both again.
 TEST_F(Version2TaskTest, CopyFailuresLeaveVersion2FilesAndPlainCopies) {
   ASSERT_TRUE(SampleMusicDatabase().Write(Data(L"VTMusicV2.db"), L""));
   DataImporterMain();
@@ -150,14 +152,59 @@ TEST_F(Version2TaskTest, CopyFailuresLeaveVersion2FilesAndPlainCopies) {
   EXPECT_TRUE(Keyed(L"playlistV3.db"));
   EXPECT_NE(std::string::npos, Result().find("\"music\":\"left_plain\""));
 
-  // The encrypted sibling cannot be made: the copy stays plain and sound.
+  // The encrypted sibling of the music copy cannot be made: the playlist
+  // copy, encrypted, is withheld too; once the obstacle is gone the next run
+  // makes both.
   ASSERT_TRUE(SampleMusicDatabase().Write(Data(L"VTMusicV2.db"), L""));
   ASSERT_TRUE(base::DeleteFile(Data(L"VTMusicV3.db")));
   ASSERT_TRUE(base::DeleteFile(Data(L"playlistV3.db")));
-  TestProfile::Touch(Data(L"VTMusicV2.db.tmp.enc").Append(L"blocker"));
+  const base::FilePath blocker = Data(L"VTMusicV2.db.tmp.enc");
+  TestProfile::Touch(blocker.Append(L"blocker"));
   DataImporterMain();
-  EXPECT_EQ(PlainContent(L"VTMusicV2.db"), PlainContent(L"VTMusicV3.db"));
-  EXPECT_NE(std::string::npos, Result().find("\"music\":\"encrypt_failed\""));
+  EXPECT_EQ("{\"music\":\"encrypt_failed\",\"playlist\":\"withheld\",\"task\":\"copyv8dbv2\"}",
+            Result());
+  for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db", L"VTMusicV2.db.tmp",
+                              L"playlist.db.tmp", L"DatabaseReplace.commit"})
+    EXPECT_FALSE(base::PathExists(Data(name))) << base::FilePath(name).AsUTF8Unsafe();
+  ASSERT_TRUE(base::DeleteFile(blocker, true));
+  DataImporterMain();
+  EXPECT_EQ("{\"music\":\"encrypted\",\"playlist\":\"encrypted\",\"task\":\"copyv8dbv2\"}",
+            Result());
+  auto music = Keyed(L"VTMusicV3.db");
+  ASSERT_TRUE(music);
+  EXPECT_EQ(PlainContent(L"VTMusicV2.db"), Content(music.get()));
+}
+
+// A disk that fills up during the copy (a file-size limit in a child
+// process: the music copy no longer fits, the playlist copy does) leaves no
+// version-3 file at all, so the run after it, with room again, copies both.
+TEST_F(Version2TaskTest, FullDiskDuringCopyPutsNothingInPlace) {
+  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  const size_t music_size = ReadBytes(Data(L"VTMusicV2.db")).size();
+  const size_t playlist_size = ReadBytes(Data(L"playlist.db")).size();
+  ASSERT_GT(music_size, playlist_size + 4096);
+  pid_t child = fork();
+  ASSERT_NE(-1, child);
+  if (child == 0) {
+    signal(SIGXFSZ, SIG_IGN);  // writes past the limit fail with EFBIG instead
+    const rlim_t limit = music_size - 2048;
+    rlimit size_limit{limit, limit};
+    setrlimit(RLIMIT_FSIZE, &size_limit);
+    DataImporterMain();
+    _exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(child, waitpid(child, &status, 0));
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ("{\"music\":\"copy_failed\",\"playlist\":\"withheld\",\"task\":\"copyv8dbv2\"}",
+            Result());
+  EXPECT_FALSE(base::PathExists(Data(L"VTMusicV3.db")));
+  EXPECT_FALSE(base::PathExists(Data(L"playlistV3.db")));
+
+  DataImporterMain();
+  EXPECT_EQ("{\"music\":\"encrypted\",\"playlist\":\"encrypted\",\"task\":\"copyv8dbv2\"}",
+            Result());
+  EXPECT_TRUE(Keyed(L"VTMusicV3.db") && Keyed(L"playlistV3.db"));
 }
 
 // Running the copy twice replaces the version-3 files by fresh copies.

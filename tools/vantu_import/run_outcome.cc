@@ -140,10 +140,11 @@ struct WordText {
 const WordText kCopyWords[] = {
     {"encrypted", "copied and encrypted"},
     {"left_plain", "copied but left plain: the copy failed its integrity check"},
-    {"encrypt_failed", "copied but left plain: the encryption failed"},
+    {"encrypt_failed", "not made: the encryption failed; the next run tries again"},
     {"no_source", "not made: there is no version-2 file to copy"},
     {"copy_failed", "not made: the version-2 file could not be copied"},
     {"replace_failed", "not in place: the copy could not be renamed; the next run retries"},
+    {"withheld", "not in place: the other database could not be copied; the next run tries again"},
 };
 
 const WordText kOpenWords[] = {
