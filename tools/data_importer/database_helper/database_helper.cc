@@ -53,13 +53,15 @@ bool DatabaseHelper::CheckOrRepair() {
 }
 
 bool DatabaseHelper::ClaimsPagesBeyondFile() {
-  base::FileInfo info;
-  if (!base::GetFileInfo(connection_->path(), &info))
-    return false;  // nothing to compare with; the check itself decides
+  // The pragmas first: their read rolls back a hot journal, which may
+  // change the file's size.
   sql::Statement count(connection_->GetUniqueStatement("PRAGMA page_count"));
   sql::Statement size(connection_->GetUniqueStatement("PRAGMA page_size"));
   if (!count.is_valid() || !size.is_valid() || !count.Step() || !size.Step())
     return false;  // the check itself will fail on such a file
+  base::FileInfo info;
+  if (!base::GetFileInfo(connection_->path(), &info))
+    return false;  // nothing to compare with; the check itself decides
   const int64_t claimed = count.ColumnInt64(0);
   const int64_t page_size = size.ColumnInt64(0);
   return page_size > 0 && claimed > (info.size + page_size - 1) / page_size;
