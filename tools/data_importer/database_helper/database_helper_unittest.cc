@@ -39,6 +39,16 @@ int RootPage(const base::FilePath& path, const std::string& name) {
   return s.Step() ? s.ColumnInt(0) : 0;
 }
 
+// Opens |path| with the integrity check and answers its number of songs,
+// or -1 unless it opened only after the repair.
+int SongsAfterRepair(const base::FilePath& path) {
+  DatabaseHelper helper;
+  if (!helper.OpenAndCheck(path) || !helper.repaired())
+    return -1;
+  DbRowReader count(*helper.connection(), "SELECT count(*) AS n FROM Songs");
+  return count.Step() ? count.GetInt("n") : -1;
+}
+
 TEST(DatabaseHelperTest, HealthyAndReadOnlyFilesOpen) {
   ScopedTempDir dir;
   base::FilePath path = dir.path().Append(L"healthy.db");
@@ -73,12 +83,7 @@ TEST(DatabaseHelperTest, RepairsWhatVacuumCanAndClosesTheRest) {
     ASSERT_TRUE(check.Step());
     ASSERT_NE("ok", check.ColumnString(0));  // the damage is real
   }
-  DatabaseHelper repaired;
-  EXPECT_TRUE(repaired.OpenAndCheck(lost_pages));
-  EXPECT_TRUE(repaired.repaired());
-  DbRowReader count(*repaired.connection(), "SELECT count(*) AS n FROM Songs");
-  ASSERT_TRUE(count.Step());
-  EXPECT_EQ(2000, count.GetInt("n"));
+  EXPECT_EQ(2000, SongsAfterRepair(lost_pages));
 
   // A header that claims 2^31 + 2^28 pages (its size field trusted, as the
   // change counter it names is current; the engine's own size check misses
@@ -90,12 +95,7 @@ TEST(DatabaseHelperTest, RepairsWhatVacuumCanAndClosesTheRest) {
   bytes.replace(28, 4, std::string("\x90\x00\x00\x00", 4));
   bytes.replace(92, 4, bytes.substr(24, 4));
   testing_support::WriteBytes(claims_more, bytes);
-  DatabaseHelper claimed;
-  EXPECT_TRUE(claimed.OpenAndCheck(claims_more));
-  EXPECT_TRUE(claimed.repaired());
-  DbRowReader songs(*claimed.connection(), "SELECT count(*) AS n FROM Songs");
-  ASSERT_TRUE(songs.Step());
-  EXPECT_EQ(3000, songs.GetInt("n"));
+  EXPECT_EQ(3000, SongsAfterRepair(claims_more));
 
   base::FilePath table_damaged = dir.path().Append(L"table.db");
   MakeDatabase(table_damaged);
