@@ -8,7 +8,6 @@
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
-#include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/import_report.h"
 #include "tools/data_importer/progress_record.h"
@@ -69,12 +68,46 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
 
 bool DataExporter::OpenSourceWithRepair(const base::FilePath& path) {
   ResetDatabase();
+  m_source_path = path;
   bool opened = m_db->OpenAndCheck(path);
   if (!opened)
     Report()->MarkSource(path, ImportReport::kUnreadable);
   else if (m_db->repaired())
     Report()->MarkSource(path, ImportReport::kRepaired);
   return opened;
+}
+
+DataExporter::RowsRead DataExporter::ReadRows(const RowQuery& query,
+                                              const RowHandler& handle_row) {
+  RowsRead result;
+  sql::Connection& db = *m_db->connection();
+  DbRowReader row(db, query.sql);
+  if (!row.IsValid()) {
+    VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Table {" << base::UTF8ToWide(query.table)
+                                  << L"} cannot be read.";
+    return result;
+  }
+  const base::FilePath& source = m_source_path.empty() ? db.path() : m_source_path;
+  SourceTableTally tally(Report(), source, query.table);
+  while (row.Step()) {
+    tally.Read();
+    ++result.read;
+    if (handle_row(row, tally))
+      ++result.kept;
+    if (query.ticker)
+      query.ticker->Tick();
+  }
+  result.ok = row.Succeeded();
+  if (!result.ok) {
+    VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Reading {" << base::UTF8ToWide(query.table)
+                                  << L"} stopped at an error after {" << result.read
+                                  << L"} rows.";
+  }
+  if (!query.size_name.empty()) {
+    VLOG_AT(logging::LOG_PROGRESS) << LogTag() << L"Size of " << query.size_name << L" is {"
+                                   << result.kept << L"}.";
+  }
+  return result;
 }
 
 ImportReport* DataExporter::Report() {

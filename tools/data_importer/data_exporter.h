@@ -11,8 +11,11 @@
 #include "base/file_path.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 
+class DbRowReader;
 class ImportModel;
 class ImportReport;
+class ReadProgressTicker;
+class SourceTableTally;
 
 // The interface of every source reader (one per earlier generation). The
 // driver creates the exporter on the run's import model and calls, in this
@@ -99,6 +102,35 @@ class DataExporter {
   // kTableReadStep (within the ceiling above).
   void TableRead();
 
+  // One query over the open source, walked row by row.
+  struct RowQuery {
+    std::string sql{};    // the whole statement text
+    std::string table{};  // the source table the report counts the rows under
+    // When not empty, "Size of <size_name> is {<kept>}." is logged after
+    // the rows.
+    std::wstring size_name{};
+    // Ticks once per row when set (the read progress by tenths).
+    ReadProgressTicker* ticker = nullptr;
+  };
+  // What ReadRows got.
+  struct RowsRead {
+    bool ok = false;  // prepared and walked to the end without an error
+    size_t read = 0;  // rows handed to the row handler
+    size_t kept = 0;  // rows the handler made a record of
+  };
+  // Makes the record of one row (tally->Made) or drops the row with its
+  // reason (tally->Dropped); answers whether it kept one. The row is already
+  // counted as read.
+  using RowHandler = std::function<bool(DbRowReader& row, SourceTableTally& tally)>;
+
+  // The loop of every table reader: prepares |query| on the open source,
+  // hands each row to |handle_row|, counts it in the import report under the
+  // query's table and logs the size. Not ok when the statement cannot be
+  // prepared (a missing table) or the rows stop at an error, a damaged page
+  // of a file that passed the integrity check: the rows before the error are
+  // kept, and the failure is logged with the table's name.
+  [[nodiscard]] RowsRead ReadRows(const RowQuery& query, const RowHandler& handle_row);
+
   // The run's import report (the model's), where readers count what they
   // read, made and dropped with SourceTableTally. Never null.
   ImportReport* Report();
@@ -107,6 +139,9 @@ class DataExporter {
 
   ImportModel* m_model;                  // not owned; outlives the exporter
   std::unique_ptr<DatabaseHelper> m_db;  // the open source copy
+  // The file the report counts the rows of m_db under: our work copy of
+  // the source, also while a salvage copy of it is what m_db reads.
+  base::FilePath m_source_path;
 
  private:
   std::unique_ptr<ImportReport> spare_report_;  // without a model

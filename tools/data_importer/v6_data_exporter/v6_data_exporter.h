@@ -79,7 +79,8 @@ class V6DataExporter : public DataExporter {
   bool ReadMusicItems();
   bool ReadMusicItemsV2(int library_number);
   bool ReadPlayLists(bool v2, int library_number);
-  void ReadListItems(const ListRef& list, bool v2, int library_number);
+  // False when the entries stop at an error; the ones before are kept.
+  bool ReadListItems(const ListRef& list, bool v2, int library_number);
   // |v2|: the "V2" layout, whose music items carry made-up old ids, so a
   // pending download is found by its hash only.
   bool ReadUnfinishedDownloads(bool v2);

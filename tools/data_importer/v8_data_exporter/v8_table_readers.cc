@@ -5,9 +5,11 @@
 #include <charconv>
 #include <climits>
 #include <functional>
+#include <optional>
 #include <set>
 #include <vector>
 
+#include "base/utf_string_conversions.h"
 #include "logging/logging.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
@@ -18,10 +20,6 @@
 #define V8LOG(level) VLOG_AT(level) << L"[V8数据导入] "
 
 namespace {
-
-void LogSize(const char* table, size_t count) {
-  V8LOG(logging::LOG_PROGRESS) << L"Size of " << table << L" is {" << count << L"}.";
-}
 
 // The id of a table named |prefix| + decimal id, as the writers name them
 // ("GeneralList_-3"); false for any other name, a name with leading zeros
@@ -72,45 +70,37 @@ int V8DataExporter::FindFile(const FileLookup& files, const std::wstring& path,
   return Find(files.by_hash, hash);
 }
 
-std::unique_ptr<DbRowReader> V8DataExporter::OpenTable(const std::string& table) {
+std::optional<std::string> V8DataExporter::TableQuery(const std::string& table) {
   sql::Connection* db = m_db->connection();
   if (!db->DoesTableExist(table.c_str())) {
     V8LOG(logging::LOG_FAILURE) << L"Table {" << table.c_str() << L"} do not exists.";
-    return nullptr;
+    return std::nullopt;
   }
   // Row order is the order the rows were written in, so rows whose ids the
   // new database assigns get the same ones again. A table without row ids
   // is read in its key order.
   std::string select = "SELECT * FROM " + SqlTableName(table);
-  auto reader = std::make_unique<DbRowReader>(*db, select + " ORDER BY rowid");
-  if (!reader->IsValid())
-    reader = std::make_unique<DbRowReader>(*db, select);
-  return reader;
+  if (DbRowReader(*db, select + " ORDER BY rowid").IsValid())
+    return select + " ORDER BY rowid";
+  return select;
 }
 
 template <typename Record, typename Finish>
 bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record>& columns,
                                RecordList<Record>* list, Finish finish) {
-  std::unique_ptr<DbRowReader> row = OpenTable(table);
-  if (!row)
+  std::optional<std::string> select = TableQuery(table);
+  if (!select)
     return true;  // an absent table is no failure
-  if (!row->IsValid()) {
-    V8LOG(logging::LOG_FAILURE) << L"Table {" << table.c_str() << L"} cannot be read.";
-    return false;
-  }
-  SourceTableTally tally(Report(), m_db->connection()->path(), table);
-  size_t count = 0;
-  while (row->Step()) {
-    tally.Read();
-    auto record = std::make_shared<Record>();
-    ReadColumns(row.get(), columns, record.get());
-    finish(row.get(), record.get());
-    tally.Made(record.get());
-    list->push_back(record);
-    ++count;
-  }
-  LogSize(table.c_str(), count);
-  return true;
+  RowQuery query{*select, table, base::UTF8ToWide(table)};
+  return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
+           auto record = std::make_shared<Record>();
+           ReadColumns(&row, columns, record.get());
+           finish(&row, record.get());
+           tally.Made(record.get());
+           list->push_back(record);
+           return true;
+         })
+      .ok;
 }
 
 template <typename Record>
