@@ -1,10 +1,14 @@
 #include "tools/data_importer/data_exporter.h"
 
 #include <algorithm>
+#include <fstream>
+#include <optional>
+#include <sstream>
 
 #include <boost/format.hpp>
 
 #include "base/file_util.h"
+#include "base/md5.h"
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
@@ -32,6 +36,28 @@ const wchar_t* DataExporter::LogTag() const {
   return L"";
 }
 
+bool DataExporter::CopyDatabaseWithLog(const base::FilePath& from, const base::FilePath& to) {
+  if (!CopyWithLog(from, to))
+    return false;
+  // The old player may have left a rollback journal (a transaction it did
+  // not finish) or a write-ahead log (transactions not yet in the file)
+  // beside its database. Either goes with the copy, so that the copy opens
+  // as what the player last wrote; a stale one beside an earlier copy goes.
+  for (const wchar_t* suffix : {L"-journal", L"-wal"}) {
+    base::FilePath companion(from.value() + suffix);
+    base::FilePath copy(to.value() + suffix);
+    if (base::PathExists(companion)) {
+      if (!CopyWithLog(companion, copy))
+        return false;
+    } else if (base::PathExists(copy) && !base::DeleteFile(copy)) {
+      VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Stale file {" << copy.value()
+                                    << L"} cannot be removed.";
+      return false;
+    }
+  }
+  return true;
+}
+
 bool DataExporter::CopyWithLog(const base::FilePath& from, const base::FilePath& to) {
   if (base::CopyFile(from, to))
     return true;
@@ -44,21 +70,62 @@ bool DataExporter::CopyWithLog(const base::FilePath& from, const base::FilePath&
 DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
     const base::FilePath& work_copy, const std::function<base::FilePath()>& find_source,
     const std::wstring& backup_name, const std::string& layout) {
-  WorkCopy result = WorkCopy::kReused;
-  base::FilePath source = work_copy;
-  if (!base::PathExists(work_copy)) {
-    source = find_source();
-    if (source.empty() || !base::PathExists(source))
+  // A work copy of an earlier run is read again only while it still
+  // reflects its source: the user may have put a good backup in place of a
+  // damaged file since, or the old player may have written more. So the
+  // copy is compared with its source (size, time, first and last page, as
+  // recorded beside it when it was made); a copy whose source is gone is all
+  // that is left and is read again.
+  const base::FilePath source = find_source();
+  const bool have_source = !source.empty() && base::PathExists(source);
+  const base::FilePath record = SourceRecordPath(work_copy);
+  std::string why;
+  if (base::PathExists(work_copy)) {
+    if (!have_source) {
+      why = "reused: its source no longer exists";
+    } else {
+      std::string recorded;
+      std::optional<std::string> now = SourceFingerprint(source);
+      if (!base::ReadFileToString(record, &recorded))
+        why = "copied again: no record of the source it was made from";
+      else if (!now || *now != recorded)
+        why = "copied again: the source changed since the copy";
+      else
+        why = "reused: the source is unchanged since the copy";
+    }
+  } else {
+    if (!have_source)
       return WorkCopy::kNoSource;
-    if (!CopyWithLog(source, work_copy)) {
+    why = "copied";
+  }
+
+  WorkCopy result = WorkCopy::kReused;
+  if (why.rfind("reused", 0) != 0) {
+    VLOG_AT(logging::LOG_PROGRESS) << LogTag() << L"Work copy {" << work_copy.value() << L"} "
+                                   << base::UTF8ToWide(why) << L".";
+    // The record goes first: a copy without one is never trusted again.
+    if (base::PathExists(record) && !base::DeleteFile(record)) {
+      VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Record {" << record.value()
+                                    << L"} cannot be removed.";
+    }
+    std::optional<std::string> fingerprint = SourceFingerprint(source);
+    if (!CopyDatabaseWithLog(source, work_copy)) {
       Report()->AddSource(source, work_copy, layout, ImportReport::kUnreadable);
+      Report()->NoteWorkCopy(work_copy, "the source could not be copied");
       return WorkCopy::kCopyFailed;
+    }
+    // Without a record the next run copies the source again: slower, no
+    // harm.
+    if (!fingerprint || !base::WriteFile(record, *fingerprint)) {
+      VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Record {" << record.value()
+                                    << L"} not written.";
     }
     result = WorkCopy::kCopied;
   }
-  Report()->AddSource(source, work_copy, layout,
+  Report()->AddSource(have_source ? source : work_copy, work_copy, layout,
                       result == WorkCopy::kCopied ? ImportReport::kCopied
                                                   : ImportReport::kReusedCopy);
+  Report()->NoteWorkCopy(work_copy, why);
   // Both copies are only for safekeeping and inspection: the export goes on
   // without them, CopyWithLog has logged the failure.
   (void)CopyWithLog(work_copy, GetDatedBackupFolder().Append(backup_name));
@@ -108,6 +175,45 @@ DataExporter::RowsRead DataExporter::ReadRows(const RowQuery& query,
                                    << result.kept << L"}.";
   }
   return result;
+}
+
+base::FilePath SourceRecordPath(const base::FilePath& work_copy) {
+  return base::FilePath(work_copy.value() + L".source");
+}
+
+std::optional<std::string> SourceFingerprint(const base::FilePath& source) {
+  base::FileInfo info;
+  if (!base::GetFileInfo(source, &info) || info.is_directory)
+    return std::nullopt;
+  std::ifstream file(base::ResolvePathCase(source).AsUTF8Unsafe(), std::ios::binary);
+  if (!file)
+    return std::nullopt;
+  constexpr int64_t kPage = 4096;
+  auto page_digest = [&file](int64_t offset, int64_t length) -> std::optional<std::string> {
+    std::string bytes(static_cast<size_t>(length), '\0');
+    file.seekg(offset);
+    if (!file.read(bytes.data(), length))
+      return std::nullopt;
+    return base::MD5String(bytes);
+  };
+  std::optional<std::string> first = page_digest(0, std::min(kPage, info.size));
+  std::optional<std::string> last =
+      page_digest(std::max<int64_t>(0, info.size - kPage), std::min(kPage, info.size));
+  if (!first || !last)
+    return std::nullopt;
+  std::ostringstream text;
+  text.precision(17);
+  text << "size " << info.size << "\nmodified " << info.last_modified << "\nfirst page " << *first
+       << "\nlast page " << *last << "\n";
+  // A journal or write-ahead log beside the source is part of what it holds.
+  for (const wchar_t* suffix : {L"-journal", L"-wal"}) {
+    base::FileInfo companion;
+    if (base::GetFileInfo(base::FilePath(source.value() + suffix), &companion)) {
+      text << base::WideToUTF8(suffix) << " " << companion.size << " "
+           << companion.last_modified << "\n";
+    }
+  }
+  return text.str();
 }
 
 ImportReport* DataExporter::Report() {
@@ -161,22 +267,31 @@ int64_t CountRows(sql::Connection& db, const char* table) {
 std::wstring DumpTableSummary(const base::FilePath& path, const DumpTableList& tables) {
   if (!base::PathExists(path))
     return L"{" + path.value() + L"} do not exists.";
+  // The summary is taken of the user's original file, so it is read as it
+  // lies: opened read-only and immutable, its attributes left alone, never
+  // repaired. A compaction of a damaged file can drop rows for good; every
+  // repair happens on our own work copy instead.
   DatabaseHelper helper;
-  if (!helper.OpenAndCheck(path)) {
-    helper.Close();
+  if (!helper.OpenReadOnly(path))
     return L"Failed to open database file {" + path.value() + L"}.\n";
-  }
+  const bool sound = helper.CheckIntegrity();
   std::wstring summary = L"SUMMARY OF DB FILE {" + path.value() + L"}: \n";
+  if (!sound)
+    summary += L"\tThe file fails the integrity check; it is left as it is and read as far as "
+               L"it can be.\n";
   sql::Connection* connection = helper.connection();
   for (const auto& [table, column] : tables) {
     if (!connection->DoesTableExist(table))
       continue;
     std::string query = (boost::format("SELECT COUNT( %s ) AS CNT FROM %s") % column % table).str();
     DbRowReader reader(*connection, query);
-    int count = reader.Step() ? reader.GetInt("CNT") : 0;
-    summary += L"\t" + base::UTF8ToWide(table) + L": COUNT(" +
-               base::UTF8ToWide(column) + L") is {" +
-               std::to_wstring(count) + L"}.\n";
+    std::wstring line = L"\t" + base::UTF8ToWide(table) + L": COUNT(" + base::UTF8ToWide(column);
+    if (reader.Step())
+      summary += line + L") is {" + std::to_wstring(reader.GetInt("CNT")) + L"}.\n";
+    else if (!sound)
+      summary += line + L") cannot be read.\n";
+    else
+      summary += line + L") is {0}.\n";
   }
   return summary;
 }

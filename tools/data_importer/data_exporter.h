@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -62,18 +63,23 @@ class DataExporter {
   // Copies |from| to |to|. A failure is logged at level 3 as
   // "Copy file {from} to {to} FAILED, error code {n}." and answered false.
   [[nodiscard]] bool CopyWithLog(const base::FilePath& from, const base::FilePath& to);
+  // CopyWithLog of a database file together with its rollback journal or
+  // write-ahead log when it has one ("-journal", "-wal"); a journal left
+  // beside |to| by an earlier copy is removed. False when any of it fails.
+  [[nodiscard]] bool CopyDatabaseWithLog(const base::FilePath& from, const base::FilePath& to);
 
-  // Makes |work_copy| the file the exporter reads. When it exists already
-  // (an earlier run left it) it is used as it is and |find_source| is not
-  // called, so the old installation is not even looked at. Otherwise the
-  // source |find_source| names is copied to it; an empty or missing source
-  // ends with kNoSource, a failed copy with kCopyFailed (nothing more is
-  // copied then). In the two good cases the work copy is then copied into
-  // the dated backup folder as |backup_name| and to the intermediate copy
-  // "DataImporter.db" of the data folder; failures of these two copies are
-  // logged and do not change the answer. The import report records the
-  // source under |layout|: reused, copied, or unreadable when the copy
-  // failed.
+  // Makes |work_copy| the file the exporter reads. A work copy an earlier
+  // run left is used again when the source |find_source| names no longer
+  // exists, or is unchanged since the copy was made (SourceFingerprint,
+  // recorded beside the copy); otherwise (no record, a changed source) the
+  // source is copied again, with its journal. An empty or missing source
+  // and no copy ends with kNoSource, a failed copy with kCopyFailed
+  // (nothing more is copied then). In the two good cases the work copy is
+  // then copied into the dated backup folder as |backup_name| and to the
+  // intermediate copy "DataImporter.db" of the data folder; failures of
+  // these two copies are logged and do not change the answer. The import
+  // report records the source under |layout| (reused, copied, or unreadable
+  // when the copy failed) and why the copy was reused or made.
   [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
                                         const std::function<base::FilePath()>& find_source,
                                         const std::wstring& backup_name,
@@ -172,6 +178,16 @@ class ReadProgressTicker {
   int64_t rows_ = 0;
   int tenths_ = 0;
 };
+
+// The file beside |work_copy| that records what its source was when the
+// copy was made: "<work copy>.source".
+base::FilePath SourceRecordPath(const base::FilePath& work_copy);
+
+// What tells a source file apart from a later state of it: its size,
+// modification time and the digests of its first and last 4096 bytes, and
+// the size and time of a journal or write-ahead log beside it. None when
+// the file cannot be read.
+std::optional<std::string> SourceFingerprint(const base::FilePath& source);
 
 // The number of rows of |table| in |db|, the total of a ReadProgressTicker
 // over it; 0 when the table cannot be counted.

@@ -35,11 +35,7 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   base::FilePath source = profile.root().Append(L"Source.db");
   base::FilePath backup = GetDatedBackupFolder().Append(L"Backup.db");
   base::FilePath intermediate = folder.Append(L"DataImporter.db");
-  int lookups = 0;
-  auto find = [&] {
-    ++lookups;
-    return source;
-  };
+  auto find = [&] { return source; };
 
   // No earlier copy, no source: nothing is created.
   EXPECT_EQ(ProbeExporter::WorkCopy::kNoSource, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
@@ -52,14 +48,31 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   EXPECT_EQ("first", testing_support::ReadBytes(backup));
   EXPECT_EQ("first", testing_support::ReadBytes(intermediate));
 
-  // A second run keeps its work copy and never asks for the source.
-  testing_support::WriteBytes(source, "second");
+  // A second run keeps its work copy while the source is unchanged...
   testing_support::WriteBytes(intermediate, "stale");
-  lookups = 0;
   EXPECT_EQ(ProbeExporter::WorkCopy::kReused, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
-  EXPECT_EQ(0, lookups);
-  EXPECT_EQ("first", testing_support::ReadBytes(work));
   EXPECT_EQ("first", testing_support::ReadBytes(intermediate));
+
+  // ...copies it again once the source changed, even to the same size, or
+  // when the record of the source is gone, taking its journal along...
+  testing_support::WriteBytes(source, "fresh");
+  testing_support::WriteBytes(base::FilePath(source.value() + L"-journal"), "journal");
+  EXPECT_EQ(ProbeExporter::WorkCopy::kCopied, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ("fresh", testing_support::ReadBytes(work));
+  EXPECT_EQ("journal", testing_support::ReadBytes(base::FilePath(work.value() + L"-journal")));
+  EXPECT_EQ(ProbeExporter::WorkCopy::kReused, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  testing_support::WriteBytes(work, "damaged");
+  ASSERT_TRUE(base::DeleteFile(SourceRecordPath(work)));
+  ASSERT_TRUE(base::DeleteFile(base::FilePath(source.value() + L"-journal")));
+  EXPECT_EQ(ProbeExporter::WorkCopy::kCopied, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ("fresh", testing_support::ReadBytes(work));
+  EXPECT_FALSE(base::PathExists(base::FilePath(work.value() + L"-journal")));  // stale, removed
+
+  // ...and reads it again when the source is gone: it is all that is left.
+  ASSERT_TRUE(base::DeleteFile(source));
+  EXPECT_EQ(ProbeExporter::WorkCopy::kReused, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ("fresh", testing_support::ReadBytes(work));
+  testing_support::WriteBytes(source, "fresh");
 
   // A source that cannot be copied (here: a folder in the work copy's way
   // is missing) ends before any other copy.

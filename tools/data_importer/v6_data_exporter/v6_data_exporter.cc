@@ -193,7 +193,7 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   base::FilePath backup = GetDatedBackupFolder();
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
-    bool copied = CopyWithLog(source, work.Append(name));  // logged there
+    bool copied = CopyDatabaseWithLog(source, work.Append(name));  // logged there
     if (!copied)
       ReportState(LibraryFileBits(source));
     Report()->AddSource(source, work.Append(name), "V2",
