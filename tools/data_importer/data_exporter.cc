@@ -1,6 +1,8 @@
 #include "tools/data_importer/data_exporter.h"
 
 #include <algorithm>
+#include <cctype>
+#include <string_view>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -13,6 +15,7 @@
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/database_helper/salvage_copy.h"
 #include "tools/data_importer/import_report.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -20,7 +23,10 @@
 DataExporter::DataExporter(ImportModel* model)
     : m_model(model), m_db(std::make_unique<DatabaseHelper>()) {}
 
-DataExporter::~DataExporter() = default;
+DataExporter::~DataExporter() {
+  ResetDatabase();
+  DiscardSalvageCopy();
+}
 
 void DataExporter::ReportState(uint32_t bits) {
   if (m_model)
@@ -135,13 +141,96 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
 
 bool DataExporter::OpenSourceWithRepair(const base::FilePath& path) {
   ResetDatabase();
+  DiscardSalvageCopy();
   m_source_path = path;
-  bool opened = m_db->OpenAndCheck(path);
-  if (!opened)
-    Report()->MarkSource(path, ImportReport::kUnreadable);
-  else if (m_db->repaired())
-    Report()->MarkSource(path, ImportReport::kRepaired);
-  return opened;
+  if (m_db->OpenAndCheck(path)) {
+    if (m_db->repaired())
+      Report()->MarkSource(path, ImportReport::kRepaired);
+    return true;
+  }
+  // Beyond the one compaction the file would be given up whole, with every
+  // readable row in it: users come to us because the old player broke, so
+  // what can still be read is copied out row by row and read from there.
+  if (base::PathExists(path)) {
+    base::FilePath salvage(path.value() + L".salvage");
+    SalvageResult result = SalvageCopy(path, salvage);
+    ResetDatabase();
+    if (result.ok && !result.tables.empty() && m_db->OpenAndCheck(salvage)) {
+      m_salvage_copy = salvage;
+      m_salvaged = std::move(result.tables);
+      for (const SalvagedTable& table : m_salvaged) {
+        Report()->AddSalvagedTable(path, table.name, table.rows_copied,
+                                   static_cast<int64_t>(table.lost_rowids.size()),
+                                   table.complete);
+        VLOG_AT(logging::LOG_FAILURE)
+            << LogTag() << L"Salvaged {" << base::UTF8ToWide(table.name) << L"} of {"
+            << path.value() << L"}: {" << table.rows_copied << L"} rows"
+            << (table.complete ? L"" : L", damaged") << L", {" << table.lost_rowids.size()
+            << L"} known lost.";
+      }
+      return true;
+    }
+    ResetDatabase();
+    if (!base::DeleteFile(salvage))
+      VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"{" << salvage.value() << L"} not removed.";
+  }
+  Report()->MarkSource(path, ImportReport::kUnreadable);
+  return false;
+}
+
+void DataExporter::DiscardSalvageCopy() {
+  m_salvaged.clear();
+  if (m_salvage_copy.empty())
+    return;
+  if (!base::DeleteFile(m_salvage_copy))
+    VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"{" << m_salvage_copy.value()
+                                  << L"} not removed.";
+  m_salvage_copy = base::FilePath();
+}
+
+void DataExporter::ReportSalvageLosses(const std::vector<SalvageRule>& rules) {
+  for (const SalvagedTable& table : m_salvaged) {
+    if (!table.lost_rows())
+      continue;
+    const SalvageRule* rule = nullptr;
+    for (const SalvageRule& candidate : rules) {
+      std::string_view pattern = candidate.table;
+      bool prefix = !pattern.empty() && pattern.back() == '*';
+      if (prefix)
+        pattern.remove_suffix(1);
+      std::string name = table.name;
+      if (prefix && name.size() > pattern.size())
+        name.resize(pattern.size());
+      if (name.size() == pattern.size() &&
+          std::equal(name.begin(), name.end(), pattern.begin(), [](char a, char b) {
+            return std::tolower(static_cast<unsigned char>(a)) ==
+                   std::tolower(static_cast<unsigned char>(b));
+          })) {
+        rule = &candidate;
+        break;
+      }
+    }
+    if (!rule)
+      continue;  // no reader of this generation reads the table
+    ReportState(rule->failure_bit);
+    SourceTableTally tally(Report(), m_source_path,
+                           rule->counted_as ? rule->counted_as : table.name);
+    for (int64_t id : table.lost_rowids) {
+      tally.Read();
+      tally.Dropped(rule->target ? rule->target : table.name, drop_reason::kSourceRowsUnreadable,
+                    id, std::wstring());
+    }
+  }
+}
+
+bool DataExporter::NothingSalvaged() const {
+  if (m_salvage_copy.empty())
+    return false;
+  for (const SalvagedTable& table : m_salvaged) {
+    if (table.rows_copied > 0)
+      return false;
+  }
+  return true;
 }
 
 DataExporter::RowsRead DataExporter::ReadRows(const RowQuery& query,
@@ -175,6 +264,18 @@ DataExporter::RowsRead DataExporter::ReadRows(const RowQuery& query,
                                    << result.kept << L"}.";
   }
   return result;
+}
+
+std::wstring UncopiedSourceWords(const base::FilePath& source) {
+  return L"{" + source.value() +
+         L"} could not be copied, so nothing was imported; if the old player is still "
+         L"running, close the old player and start again.";
+}
+
+std::wstring UnreadableSourceWords(const base::FilePath& source) {
+  return L"Not one record of {" + source.value() +
+         L"} could be read, so nothing was imported; put a good copy of the file (a backup) "
+         L"in its place and start again.";
 }
 
 base::FilePath SourceRecordPath(const base::FilePath& work_copy) {

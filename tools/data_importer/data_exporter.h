@@ -11,6 +11,7 @@
 
 #include "base/file_path.h"
 #include "tools/data_importer/database_helper/database_helper.h"
+#include "tools/data_importer/database_helper/salvage_copy.h"
 
 class DbRowReader;
 class ImportModel;
@@ -86,10 +87,35 @@ class DataExporter {
                                         const std::string& layout = std::string());
 
   // Opens |path| into a fresh m_db with the integrity check and one repair
-  // (DatabaseHelper::OpenAndCheck). False when the file stays unsound; m_db
-  // is closed then. The import report marks the file repaired or
-  // unreadable.
+  // (DatabaseHelper::OpenAndCheck). A file that stays unsound is not given
+  // up: its readable rows are copied into "<path>.salvage" (SalvageCopy),
+  // which m_db then reads, and the report lists per table the rows
+  // salvaged and known lost. False only when not even a salvage copy can be
+  // made; m_db is closed then and the report marks the file unreadable.
+  // The salvage copy is removed when the next source opens and with the
+  // exporter.
   [[nodiscard]] bool OpenSourceWithRepair(const base::FilePath& path);
+
+  // How the losses of a salvaged table are reported: the failure bit of
+  // the reader of |table| (a trailing "*" matches every table the prefix
+  // starts), the source table the report counts the lost rows under
+  // (|counted_as|, else the table's own name) and the target they were
+  // meant for (|target|, else the table's own name).
+  struct SalvageRule {
+    const char* table;
+    uint32_t failure_bit;
+    const char* counted_as = nullptr;
+    const char* target = nullptr;
+  };
+  // After the readers of a salvaged source: every table that lost rows
+  // reports its reader's failure bit, and its rows known lost are counted
+  // as read and dropped ("source_rows_unreadable", with their row ids).
+  // Tables that no rule names are read by no reader and report nothing.
+  void ReportSalvageLosses(const std::vector<SalvageRule>& rules);
+  // Whether the open source is a salvage copy that holds no row at all.
+  [[nodiscard]] bool NothingSalvaged() const;
+  // Whether the open source is a salvage copy.
+  bool salvaged() const { return !m_salvage_copy.empty(); }
 
   // The highest progress a reader may report: the build sequence starts at
   // 50, so reading stops one short of it.
@@ -150,6 +176,10 @@ class DataExporter {
   base::FilePath m_source_path;
 
  private:
+  void DiscardSalvageCopy();
+
+  base::FilePath m_salvage_copy;          // the salvage copy m_db reads, if any
+  std::vector<SalvagedTable> m_salvaged;  // what it got, table by table
   std::unique_ptr<ImportReport> spare_report_;  // without a model
 };
 
@@ -178,6 +208,12 @@ class ReadProgressTicker {
   int64_t rows_ = 0;
   int tenths_ = 0;
 };
+
+// What the import report tells the user when a source was found but could
+// not be copied (the old player may still hold it open) or not one row of
+// it could be read.
+std::wstring UncopiedSourceWords(const base::FilePath& source);
+std::wstring UnreadableSourceWords(const base::FilePath& source);
 
 // The file beside |work_copy| that records what its source was when the
 // copy was made: "<work copy>.source".

@@ -204,10 +204,18 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
 }
 
 int32_t V6DataExporter::ReadV1Layout() {
+  // A source that was found but of which nothing could be read answers 1:
+  // an empty library in place of the new databases would make the next run
+  // an upgrade, and the library would never come across, not even once the
+  // user puts a good file back.
+  int32_t result = 1;
   if (!base::PathExists(m_work_db)) {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
-  } else if (OpenSourceWithRepair(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
+    Report()->SetFailure(UncopiedSourceWords(m_source_db.empty() ? m_work_db : m_source_db));
+  } else if (OpenSourceWithRepair(m_work_db) && !NothingSalvaged() &&
+             m_db->connection()->DoesTableExist("MusicItems")) {
+    result = 0;
     if (!ReadMusicVideos())
       ReportState(ProgressRecord::kStateTableFailed);
     TableRead();
@@ -224,15 +232,24 @@ int32_t V6DataExporter::ReadV1Layout() {
     if (!ReadFinishedDownloads())
       ReportState(ProgressRecord::kStateTableFailed);
     TableRead();
+    ReportSalvageLosses({
+        {"MVItems", ProgressRecord::kStateTableFailed, nullptr, "ShareFileItems"},
+        {"MusicItems", ProgressRecord::kStateMusicFailed, nullptr, "ShareFileItems"},
+        {"PlayLists", ProgressRecord::kStateListsFailed, nullptr, "GeneralListTable"},
+        {"PlayListItems", ProgressRecord::kStateListsFailed, nullptr, "GeneralList"},
+        {"Downing", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+        {"DownHistory", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+    });
   } else {
     V6LOG(logging::LOG_FAILURE) << L"Table {MusicItems} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
+    Report()->SetFailure(UnreadableSourceWords(m_source_db.empty() ? m_work_db : m_source_db));
   }
   if (m_read_extras) {
     ReadSettings();
     ReadLoginHistory();
   }
-  return 0;
+  return result;
 }
 
 int32_t V6DataExporter::ReadV2Layout() {
@@ -244,6 +261,7 @@ int32_t V6DataExporter::ReadV2Layout() {
     return 1;
   }
 
+  bool any_read = false;
   // The downloads live in the first library file only.
   for (const base::FilePath& library : libraries) {
     if (library.BaseName().value() != L"VTLibrary.db")
@@ -257,6 +275,8 @@ int32_t V6DataExporter::ReadV2Layout() {
         if (!ReadFinishedDownloads())
           ReportState(ProgressRecord::kStateTableFailed);
         TableRead();
+        // The file's other tables are read again below; its losses are
+        // reported there.
       } else {
         V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
         ReportState(ProgressRecord::kStateTableFailed);
@@ -276,7 +296,9 @@ int32_t V6DataExporter::ReadV2Layout() {
     }
     // An unsound file leaves m_db closed: both readers then fail and report
     // their bits.
-    if (!OpenSourceWithRepair(library))
+    if (OpenSourceWithRepair(library) && !NothingSalvaged())
+      any_read = true;
+    else
       V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
     if (!ReadMusicItemsV2(number))
       ReportState(ProgressRecord::kStateMusicFailed);
@@ -285,10 +307,23 @@ int32_t V6DataExporter::ReadV2Layout() {
     if (!ReadPlayLists(true, number))
       ReportState(ProgressRecord::kStateListsFailed);
     TableRead();
+    ReportSalvageLosses({
+        {"PlayListItems", ProgressRecord::kStateMusicFailed | ProgressRecord::kStateListsFailed,
+         kV2MusicItemsTable, "ShareFileItems"},
+        {"PlayLists", ProgressRecord::kStateListsFailed, nullptr, "GeneralListTable"},
+        {"Downing", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+        {"DownHistory", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+    });
   }
   if (m_read_extras) {
     ReadSettings();
     ReadLoginHistory();
+  }
+  // Library files of which nothing could be read: see ReadV1Layout.
+  if (!any_read) {
+    ReportState(ProgressRecord::kStateNotStarted);
+    Report()->SetFailure(UnreadableSourceWords(libraries.front()));
+    return 1;
   }
   return 0;
 }

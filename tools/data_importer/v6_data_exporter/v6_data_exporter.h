@@ -41,6 +41,11 @@ class V6DataExporter : public DataExporter {
   const wchar_t* LogTag() const override;
 
  private:
+  // In the "V2" layout "PlayListItems" is read twice, once for the music
+  // items and once per list for its entries ("PlayListItems (list
+  // entries)"); the report counts the two reads apart.
+  static constexpr char kV2MusicItemsTable[] = "PlayListItems (music items)";
+
   // What a list reader remembers of an imported music item.
   struct MusicEntry {
     std::shared_ptr<ShareFileItem> file;

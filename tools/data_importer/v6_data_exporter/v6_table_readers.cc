@@ -19,10 +19,6 @@
 
 namespace {
 
-// In the "V2" layout "PlayListItems" is read twice, once for the music
-// items and once per list for its entries; the report counts the two reads
-// apart.
-constexpr char kV2MusicItemsTable[] = "PlayListItems (music items)";
 constexpr char kV2ListEntriesTable[] = "PlayListItems (list entries)";
 
 // The index that makes each list's entry query a lookup; its name marks it

@@ -77,8 +77,9 @@ class V8DataExporter : public DataExporter {
   // the file exists in neither form.
   bool PrepareWorkCopy(const wchar_t* original, const base::FilePath& work_copy);
 
-  void ReadMusicDatabase();
-  void ReadListDatabase();
+  // False when the file could not be read at all (not even salvaged).
+  bool ReadMusicDatabase();
+  bool ReadListDatabase();
 
   // Table readers; false when the table exists but cannot be read (an
   // absent table reads nothing and is no failure).

@@ -109,12 +109,12 @@ bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record
   return ReadTable(table, columns, list, [](DbRowReader*, Record*) {});
 }
 
-void V8DataExporter::ReadMusicDatabase() {
-  if (!OpenSourceWithRepair(m_music_copy)) {
+bool V8DataExporter::ReadMusicDatabase() {
+  if (!OpenSourceWithRepair(m_music_copy) || NothingSalvaged()) {
     V8LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_music_copy.value()
                                 << L"}.";
     ReportState(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed);
-    return;
+    return false;
   }
   if (!ReadShareFileItems())
     ReportState(ProgressRecord::kStateMusicFailed);
@@ -148,14 +148,32 @@ void V8DataExporter::ReadMusicDatabase() {
       ReportState(ProgressRecord::kStateTableFailed);
     TableRead();
   }
+  // The tables come back under their own names; the history rows are
+  // downloads of "DownloadItem", where their family is counted.
+  ReportSalvageLosses({
+      {"ShareFileItems", ProgressRecord::kStateMusicFailed},
+      {"DownloadHistoryItem", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+      {"RadioChannel_*", ProgressRecord::kStateTableFailed, nullptr, "RadioChannel"},
+      {"ShareFolders", ProgressRecord::kStateTableFailed},
+      {"LocalFiles", ProgressRecord::kStateTableFailed},
+      {"AppTools", ProgressRecord::kStateTableFailed},
+      {"RadioChannelTable", ProgressRecord::kStateTableFailed},
+      {"DislikeRadioItem", ProgressRecord::kStateTableFailed},
+      {"PlayedNJRadioItem", ProgressRecord::kStateTableFailed},
+      {"RecentlyPlayedItem", ProgressRecord::kStateTableFailed},
+      {"DownloadItem", ProgressRecord::kStateTableFailed},
+      {"UserLoginHistory", ProgressRecord::kStateTableFailed},
+      {"KeywordSearchHistory", ProgressRecord::kStateTableFailed},
+  });
+  return true;
 }
 
-void V8DataExporter::ReadListDatabase() {
-  if (!OpenSourceWithRepair(m_list_copy)) {
+bool V8DataExporter::ReadListDatabase() {
+  if (!OpenSourceWithRepair(m_list_copy) || NothingSalvaged()) {
     V8LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_list_copy.value()
                                 << L"}.";
     ReportState(ProgressRecord::kStateListsFailed);
-    return;
+    return false;
   }
   if (!ReadTable("GeneralListTable", GeneralListColumns(), &m_model->m_play_lists))
     ReportState(ProgressRecord::kStateListsFailed);
@@ -163,6 +181,11 @@ void V8DataExporter::ReadListDatabase() {
   if (!ReadSongTables("GeneralList_", &m_model->m_list_songs))
     ReportState(ProgressRecord::kStateListsFailed);
   TableRead();
+  ReportSalvageLosses({
+      {"GeneralListTable", ProgressRecord::kStateListsFailed},
+      {"GeneralList_*", ProgressRecord::kStateListsFailed, nullptr, "GeneralList"},
+  });
+  return true;
 }
 
 // Files keep their old id ("id") for the id maps; a table without the column
