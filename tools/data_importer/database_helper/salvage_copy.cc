@@ -161,12 +161,14 @@ class TableSalvage {
       }
       const bool ended = walk.Succeeded();
       if (rows > 0) {
-        std::string range = " WHERE " + rowid_ + " <= " + std::to_string(last);
-        if (!first)
-          range += " AND " + rowid_ + " >= " + std::to_string(from);
-        // These rows were just read, so the copy reads them again; should it
-        // fail all the same, they are lost with the damaged part.
-        (void)db_->Execute((Insert() + range + " ORDER BY " + rowid_).c_str());
+        // The rows just read, read again by the copy. A bound on the row id
+        // would make the engine look at the next row to see the range end,
+        // which lies in the damaged part; a limit stops at the last row.
+        std::string range = first ? std::string() : " WHERE " + rowid_ + " >= " + std::to_string(from);
+        // Should the copy fail all the same, these rows are lost with the
+        // damaged part: they are not in the copy, and the index names them.
+        (void)db_->Execute(
+            (Insert() + range + " ORDER BY " + rowid_ + " LIMIT " + std::to_string(rows)).c_str());
       }
       if (ended || last == kMaxRowId)
         return;
