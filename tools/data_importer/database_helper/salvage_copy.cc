@@ -90,7 +90,7 @@ class TableSalvage {
     if (without_rowid || rowid_.empty()) {
       // No row ids to walk by: the table comes whole or not at all.
       result.complete = db_->Execute(
-          ("INSERT INTO " + target_ + "(" + columns_ + ") SELECT " + columns_ + " FROM " +
+          ("INSERT OR IGNORE INTO " + target_ + "(" + columns_ + ") SELECT " + columns_ + " FROM " +
            source_)
               .c_str());
     } else if (!db_->Execute((Insert() + " ORDER BY " + rowid_).c_str())) {
@@ -126,8 +126,11 @@ class TableSalvage {
     return true;
   }
 
+  // Damage can leave rows that break the table's constraints (a row id
+  // twice, from a duplicated page; a damaged value in a unique or NOT NULL
+  // column): such a row is left out rather than failing its whole range.
   std::string Insert() const {
-    return "INSERT INTO " + target_ + "(" + rowid_ + ", " + columns_ + ") SELECT " + rowid_ +
+    return "INSERT OR IGNORE INTO " + target_ + "(" + rowid_ + ", " + columns_ + ") SELECT " + rowid_ +
            ", " + columns_ + " FROM " + source_;
   }
   std::string Select(int64_t from) const {
@@ -249,10 +252,32 @@ class TableSalvage {
 
 }  // namespace
 
-SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& fresh) {
+// A truncated file: its header claims more pages than it holds, and the
+// engine refuses its whole schema when a table's first page lies past the
+// end. Padded with empty pages to the size it claims, every page it still
+// holds can be read again. Answers the padded copy's path beside |fresh|,
+// or |damaged| itself when it needs no padding or cannot be padded.
+static base::FilePath PaddedWhenTruncated(const base::FilePath& damaged,
+                                          const base::FilePath& fresh) {
+  std::string bytes;
+  if (!base::ReadFileToString(damaged, &bytes) || bytes.size() < 100)
+    return damaged;
+  auto byte = [&bytes](size_t at) { return static_cast<unsigned char>(bytes[at]); };
+  uint64_t page_size = (byte(16) << 8) | byte(17);
+  if (page_size == 1)
+    page_size = 65536;
+  const uint64_t pages = (uint64_t{byte(28)} << 24) | (byte(29) << 16) | (byte(30) << 8) | byte(31);
+  // Sizes a header can claim; beyond a gigabyte the damage is in the header.
+  if (page_size < 512 || (page_size & (page_size - 1)) || pages * page_size <= bytes.size() ||
+      pages * page_size > (uint64_t{1} << 30))
+    return damaged;
+  bytes.resize(pages * page_size, '\0');
+  base::FilePath padded(fresh.value() + L".padded");
+  return base::WriteFile(padded, bytes) ? padded : damaged;
+}
+
+static SalvageResult SalvageReadable(const base::FilePath& damaged, const base::FilePath& fresh) {
   SalvageResult result;
-  if (!base::PathExists(damaged) || !base::DeleteFile(fresh))
-    return result;
   sql::Connection db;
   if (!db.Open(fresh) || !db.AttachDatabase(damaged, kDamaged))
     return result;
@@ -285,5 +310,16 @@ SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& f
   if (!db.CommitTransaction())
     return result;
   result.ok = db.DetachDatabase(kDamaged);
+  return result;
+}
+
+SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& fresh) {
+  SalvageResult result;
+  if (!base::PathExists(damaged) || !base::DeleteFile(fresh))
+    return result;
+  const base::FilePath readable = PaddedWhenTruncated(damaged, fresh);
+  result = SalvageReadable(readable, fresh);
+  if (readable != damaged && !base::DeleteFile(readable))
+    result.ok = false;  // a work file left behind: the caller must not trust the copy
   return result;
 }
