@@ -81,6 +81,15 @@ std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query
 // to tell whether a folder was left exactly as it was.
 std::string FolderFingerprint(const base::FilePath& folder);
 
+// For each of |files| and the journal, write-ahead log and shared-memory
+// files a database engine would put beside it: whether it exists, the MD5 of
+// its bytes and its permission bits. Equal answers before and after a run
+// mean the run wrote, created and changed the attributes of none of them.
+std::string SourceFilesState(const std::vector<base::FilePath>& files);
+
+// Takes the write permission off |files| (as a read-only attribute does).
+void MakeReadOnly(const std::vector<base::FilePath>& files);
+
 // The CREATE TABLE text SQLite stored for |table|, empty when absent.
 std::string StoredSchema(sql::Connection* db, const std::string& table);
 

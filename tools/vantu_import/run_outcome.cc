@@ -117,6 +117,18 @@ std::string Damage(const base::Value& report) {
       text += "; " + name + " could not be read: its records are missing";
     else if (At(source, "repaired") == true)
       text += "; " + name + " was damaged and repaired: some of its records may be missing";
+    else if (At(source, "salvaged") == true)
+      text += "; " + name + " was damaged beyond repair and read row by row";
+  }
+  for (const auto& table : At(report, "salvage")) {
+    if (At(table, "complete") == true && Number(At(table, "rows_known_lost")) == 0)
+      continue;
+    text += "; its table " + Text(At(table, "table")) + " gave " +
+            std::to_string(Number(At(table, "rows_salvaged"))) + " rows";
+    if (Number(At(table, "rows_known_lost")))
+      text += ", " + std::to_string(Number(At(table, "rows_known_lost"))) + " known lost";
+    if (At(table, "complete") == false)
+      text += ", more may be lost";
   }
   for (const auto& target : At(report, "target_tables")) {
     if (At(target, "matches") == false) {
@@ -260,8 +272,10 @@ std::string VerdictLine(const base::Value& report) {
   std::string end = DBCheckValue(report, "ImportEnd");
   std::string state = DBCheckValue(report, "ImportState");
   if (end == "5") {
+    std::string failure = Text(At(report, "failure"));
     return "Import failed, nothing was replaced: ImportState " +
-           DescribeImportState(base::UTF8ToWide(state)) + Damage(report) + ".";
+           DescribeImportState(base::UTF8ToWide(state)) + Damage(report) + "." +
+           (failure.empty() ? std::string() : " " + failure);
   }
   std::string line = "Imported " + ImportedCounts(report) + Skipped(report) + Damage(report);
   uint32_t source_bits = StateBits(report) &
