@@ -11,7 +11,7 @@
 
 #include "base/file_util.h"
 #include "fuzz/fuzz_scratch.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
 

@@ -1,7 +1,7 @@
 #include "tools/data_importer/cloud_list_cleanup.h"
 
 #include "tools/data_importer/database_helper/db_row_reader.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
 namespace {

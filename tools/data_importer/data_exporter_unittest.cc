@@ -7,7 +7,7 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
 namespace {
@@ -125,7 +125,7 @@ TEST(DataExporterTest, DumpSummaries) {
 TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   record.SetProgress(10);
   ImportModel model(&record);
   ProbeExporter exporter(&model);

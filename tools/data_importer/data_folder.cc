@@ -3,7 +3,7 @@
 #include "base/file_util.h"
 #include "base/path_service.h"
 #include "base/time.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 namespace {
 

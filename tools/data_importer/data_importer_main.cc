@@ -11,13 +11,13 @@
 #include "common/exception_report/crash_handler.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/import_run.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/installation_lookup.h"
 #include "tools/data_importer/leftover_files.h"
 #include "tools/data_importer/playlist_storage.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/task_decision.h"
 #include "tools/data_importer/upgrade_result.h"
@@ -93,7 +93,7 @@ void Run() {
   report.AddStage("TaskDecision", decision_time.count());
   ProgressRecord record;
   record.set_report(&report);
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   if (!replacement_complete)
     record.ReportFailure(ProgressRecord::kStateBuildFailed);
   ClearUpgradeResult(data_folder);

@@ -16,10 +16,11 @@
 #include "base/file_util.h"
 #include "base/md5.h"
 #include "testing/fixtures/generation6_fixture.h"
+#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/import_run.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
@@ -107,7 +108,7 @@ TEST_F(FaultSafetyTest, KilledRunIsCompletedOrRedoneByTheNextRun) {
       where = stages[point];
       status = InChild([&] {
         ProgressRecord record;
-        record.Initialise();
+        record.Initialise(GetDataFolder());
         record.set_import_kind(ProgressRecord::kKindGeneration6);
         RunImport(&record, [&](const char* stage) {
           if (where == stage)
@@ -205,7 +206,7 @@ TEST_F(FaultSafetyTest, DamagedSourcesNeverCrashOrLeaveBrokenFiles) {
       }
     } else {
       ProgressRecord record;
-      record.Initialise();
+      record.Initialise(GetDataFolder());
       ImportModel model(&record);
       V6DataExporter exporter(&model);
       (void)exporter.ExportData();  // any outcome; the damage decides

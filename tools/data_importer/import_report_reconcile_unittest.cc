@@ -15,10 +15,11 @@
 #include "sql/statement.h"
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/fixtures/version2_fixture.h"
+#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
@@ -159,7 +160,7 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
     ImportModel model;
     FillGeneratedModel(&model, 7);
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     model.m_progress = &record;
     ASSERT_EQ(0, BuildDatabases(&model, profile_.data_folder()));
     model.m_progress = nullptr;
@@ -279,7 +280,7 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
     ImportReport lost;
     ProgressRecord record;
     record.set_report(&lost);
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     (void)RunVersion2Copy(&record, [&](const char* stage) {
       if (std::string(stage) != "Copy")
         return;  // a step of the commit that puts the copies in place

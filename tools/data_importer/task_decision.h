@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/file_path.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 // Task names of a run (defined with the other shared names).
 using importer_names::kTaskCopyVersion2;

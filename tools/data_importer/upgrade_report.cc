@@ -4,7 +4,7 @@
 
 #include "base/file_util.h"
 #include "sql/connection.h"
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/run_record/import_report.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "base/file_path.h"
 #include "base/json_file.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 // What one of the two version-2 tasks did. Neither task reports anything in
 // "DBCheck" beyond "UpdateProgress", so the driver keeps this record in the

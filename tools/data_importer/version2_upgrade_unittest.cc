@@ -17,10 +17,11 @@
 #include "base/json_file.h"
 #include "sql/connection.h"
 #include "testing/fixtures/version2_fixture.h"
+#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/cloud_list_cleanup.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
 namespace {
@@ -281,7 +282,7 @@ TEST_F(Version2TaskTest, KilledCopyIsCompletedOrRedoneByTheNextRun) {
     if (child == 0) {
       if (at_step) {
         ProgressRecord record;
-        record.Initialise();
+        record.Initialise(GetDataFolder());
         (void)RunVersion2Copy(&record, [&](const char* step) {
           if (where == step)
             raise(SIGKILL);

@@ -7,7 +7,7 @@
 #include "base/profile_string.h"
 #include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 namespace names = importer_names;
 

@@ -14,17 +14,18 @@
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
 #include "testing/test_support.h"
+#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 
 namespace {
 
 class BuildSequenceTest : public testing::Test {
  protected:
   void SetUp() override {
-    record_.Initialise();
+    record_.Initialise(GetDataFolder());
     model_.m_progress = &record_;
   }
 
@@ -122,7 +123,7 @@ TEST_F(BuildSequenceTest, ProgressFloorAndCeiling) {
   for (auto [start, end] : {std::pair{45, L"90"}, std::pair{95, L"99"}}) {
     TestProfile profile;
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     record.SetProgress(start);
     ImportModel model(&record);
     AddList(&model, 1, L"list", 0);
@@ -166,7 +167,7 @@ TEST_F(BuildSequenceTest, EmptySourcesAndFailingListReport) {
   for (const Case& c : {Case{0, 0, L"1"}, Case{1, 0, L"1"}, Case{1, 2, L"0"}, Case{2, 0, L"0"}}) {
     TestProfile profile;
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     AddFile(&model, 1, L"a.mp3", HashOf(1));
     for (int list = 0; list < c.lists; ++list) {
@@ -191,7 +192,7 @@ TEST_F(BuildSequenceTest, EarlierVersion2DatabaseStopsTheBuild) {
   for (const wchar_t* blocking : {L"VTMusicV2.db", L"playlist.db"}) {
     TestProfile profile;
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     AddFile(&model, 1, L"a.mp3", HashOf(1));
     TestProfile::Touch(profile.data_folder().Append(blocking));

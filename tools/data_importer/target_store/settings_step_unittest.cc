@@ -5,8 +5,9 @@
 #include <string>
 
 #include "base/file_util.h"
+#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 
@@ -17,7 +18,7 @@ namespace {
 TEST(SettingsStepTest, RecordsWrittenInOrderAfterTheTables) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   ImportModel model(&record);
   ImportedSettings first;
   first.Volume = 30;

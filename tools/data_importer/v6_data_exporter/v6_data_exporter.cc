@@ -10,8 +10,8 @@
 #include "logging/debug_output.h"
 #include "logging/logging.h"
 #include "tools/data_importer/data_folder.h"
-#include "tools/data_importer/import_report.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/import_report.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/settings/v6_settings_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
 

@@ -15,7 +15,7 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/import_run.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/task_decision.h"
 
 namespace {
@@ -173,7 +173,7 @@ TEST_F(V6DataExporterTest, V1WinsAndTheWorkCopyIsReused) {
   Register();
   for (int run = 0; run < 2; ++run) {
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     V6DataExporter exporter(&model);
     ASSERT_EQ(0, exporter.ExportData()) << run;
@@ -209,7 +209,7 @@ TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
   std::wstring task = DecideTask(GetDataFolder(), source);
   ASSERT_EQ(L"importvantu6", task);
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   record.set_import_kind(ImportKindOfTask(task));
   RunImport(&record);
 
@@ -314,7 +314,7 @@ TEST_F(V6DataExporterTest, ProgressMovesWhileReading) {
   Register();
 
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   record.SetProgress(10);  // as the entry point does before the read
   ImportModel model(&record);
   V6DataExporter exporter(&model);
@@ -344,7 +344,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
   Register();
   {
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     V6DataExporter exporter(&model);
     EXPECT_EQ(0, exporter.ExportData());
@@ -360,7 +360,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
   ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
   {
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     V6DataExporter exporter(&model);
     EXPECT_EQ(0, exporter.ExportData());
@@ -372,7 +372,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
   EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
   EXPECT_TRUE(base::DeleteFile(program(), true));
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration6);
   RunImport(&record);
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
@@ -395,7 +395,7 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   Register();
   {
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     V6DataExporter exporter(&model);
     EXPECT_EQ(0, exporter.ExportData());
@@ -411,7 +411,7 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   ASSERT_TRUE(base::DeleteFile(program().Append(L"VTLibrary2.db"), true));
   ASSERT_TRUE(base::WriteFile(program().Append(L"VTLibrary.db"), std::string(3000, 'x')));
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   ImportModel model(&record);
   V6DataExporter exporter(&model);
   EXPECT_EQ(0, exporter.ExportData());

@@ -14,7 +14,7 @@
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/import_run.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 
@@ -196,7 +196,7 @@ TEST_F(V7DataExporterTest, ProgressMovesWhileReading) {
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
 
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   record.SetProgress(10);
   ImportModel model(&record);
   ProgressTrace trace(&record, profile_);
@@ -222,7 +222,7 @@ TEST_F(V7DataExporterTest, MissingTables) {
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
   {
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     EXPECT_EQ(0, Export(&model));
     EXPECT_EQ(L"16", profile_.DBCheck(L"ImportState"));
@@ -241,7 +241,7 @@ TEST_F(V7DataExporterTest, MissingTables) {
   db.omit_tables = {"FileItems"};
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration7);
   RunImport(&record);
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
@@ -272,7 +272,7 @@ TEST_F(V7DataExporterTest, WorkCopyReusedAndNoSource) {
 
   ASSERT_TRUE(base::DeleteFile(data(L"VT7Data.db")));
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   ImportModel model(&record);
   EXPECT_EQ(1, Export(&model));
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
@@ -325,7 +325,7 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
   LoseFreePages(source);
   {
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     EXPECT_EQ(0, Export(&model));
     EXPECT_EQ(4u, model.m_share_files.size());
@@ -350,7 +350,7 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
     testing_support::WriteBytes(source, bytes);
   }
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration7);
   RunImport(&record);
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
@@ -378,7 +378,7 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
     ASSERT_TRUE(raw.Execute("UPDATE PlayLists SET PlayListType = 1"));
   }
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   ImportModel model(&record);
   ASSERT_EQ(0, Export(&model));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));

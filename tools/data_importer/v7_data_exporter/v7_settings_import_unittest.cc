@@ -8,9 +8,10 @@
 #include "base/file_util.h"
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/test_support.h"
+#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/v7_data_exporter/v7_data_exporter.h"
 
@@ -59,7 +60,7 @@ class SettingsStep : public V7DataExporter {
 // it, neither.
 TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   record.SetProgress(20);
   ImportModel model(&record);
   SettingsStep step(&model);

@@ -11,9 +11,10 @@
 #include "base/file_util.h"
 #include "sql/connection.h"
 #include "testing/test_support.h"
+#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
@@ -32,7 +33,7 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
   // folder.
   void BuildAndStorePlain(ImportModel* model) {
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     model->m_progress = &record;
     ASSERT_EQ(0, BuildDatabases(model, profile_.data_folder()));
     model->m_progress = nullptr;

@@ -12,7 +12,7 @@
 #include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
 namespace {
@@ -22,7 +22,7 @@ using testing_support::ReadBytes;
 class V8DataExporterTest : public testing::Test {
  protected:
   void SetUp() override {
-    record_.Initialise();
+    record_.Initialise(GetDataFolder());
     model_.m_progress = &record_;
   }
 

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "logging/logging.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/v8_data_exporter/v8_data_exporter.h"
 

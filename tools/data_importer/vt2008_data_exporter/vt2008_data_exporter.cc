@@ -1,7 +1,7 @@
 #include "tools/data_importer/vt2008_data_exporter/vt2008_data_exporter.h"
 
 #include "logging/logging.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 
 VT2008DataExporter::VT2008DataExporter(ImportModel* model) : DataExporter(model) {}
 

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_PROGRESS_RECORD_H_
-#define TOOLS_DATA_IMPORTER_PROGRESS_RECORD_H_
+#ifndef TOOLS_DATA_IMPORTER_RUN_RECORD_PROGRESS_RECORD_H_
+#define TOOLS_DATA_IMPORTER_RUN_RECORD_PROGRESS_RECORD_H_
 
 #include <cstdint>
 #include <functional>
@@ -7,7 +7,8 @@
 #include <string>
 #include <utility>
 
-#include "tools/data_importer/importer_names.h"
+#include "base/file_path.h"
+#include "tools/data_importer/run_record/importer_names.h"
 class ImportReport;
 
 // How far the run has got and how it ended, as the player reads it from
@@ -33,11 +34,12 @@ class ProgressRecord {
   ProgressRecord(const ProgressRecord&) = delete;
   ProgressRecord& operator=(const ProgressRecord&) = delete;
 
-  // Computes the settings-file path (creating the data folder) and resets
-  // the section: "ImportProgress", "ImportState", "UpdateProgress",
-  // "ImportPlayLists" and "ForceDeleteDb" empty, then "BeforceImportEmpty"
-  // = "-1".
-  void Initialise();
+  // Takes "Vantu.ini" in |data_folder| (which the caller has made) as the
+  // settings file and resets the section: "ImportProgress", "ImportState",
+  // "UpdateProgress", "ImportPlayLists" and "ForceDeleteDb" empty, then
+  // "BeforceImportEmpty" = "-1". With an empty |data_folder| nothing is
+  // written, now or later.
+  void Initialise(const base::FilePath& data_folder);
 
   // Adds |delta| to the progress; a sum below |floor| becomes |floor|, one
   // of 100 or more becomes 99 (only the entry point writes "100"). Writes
@@ -105,4 +107,4 @@ class ProgressRecord {
   std::unique_ptr<ImportReport> own_report_;
 };
 
-#endif  // TOOLS_DATA_IMPORTER_PROGRESS_RECORD_H_
+#endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_PROGRESS_RECORD_H_

@@ -1,4 +1,4 @@
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/run_record/import_report.h"
 
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_IMPORT_REPORT_H_
-#define TOOLS_DATA_IMPORTER_IMPORT_REPORT_H_
+#ifndef TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_
+#define TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_
 
 #include <cstdint>
 #include <map>
@@ -251,4 +251,4 @@ class TargetTableTally {
   Counts* last_ = nullptr;
 };
 
-#endif  // TOOLS_DATA_IMPORTER_IMPORT_REPORT_H_
+#endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_

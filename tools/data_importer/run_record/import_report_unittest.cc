@@ -1,4 +1,4 @@
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/run_record/import_report.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/import_run.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/task_decision.h"
 
@@ -185,7 +185,7 @@ TEST_F(ImportReportTest, V2RepairedAndUnreadableLibrariesAreNamed) {
   ImportReport report;
   ProgressRecord record;
   record.set_report(&report);
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   std::wstring task = DecideTask(GetDataFolder(), source);
   ASSERT_EQ(L"importvantu6", task);
   record.set_import_kind(ImportKindOfTask(task));
@@ -231,7 +231,7 @@ TEST_F(ImportReportTest, CountOfTheFinishedFileCatchesLostRows) {
   ImportReport report;
   ProgressRecord record;
   record.set_report(&report);
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   record.set_import_kind(ImportKindOfTask(L"importvantu6"));
   RunImport(&record, [&](const char* stage) {
     if (std::string(stage) != "ListCountReport")

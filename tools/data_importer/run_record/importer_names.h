@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_IMPORTER_NAMES_H_
-#define TOOLS_DATA_IMPORTER_IMPORTER_NAMES_H_
+#ifndef TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORTER_NAMES_H_
+#define TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORTER_NAMES_H_
 
 #include <cstdint>
 
@@ -76,4 +76,4 @@ inline constexpr wchar_t kUpgradeResultFileName[] = L"UpgradeResult.json";
 
 }  // namespace importer_names
 
-#endif  // TOOLS_DATA_IMPORTER_IMPORTER_NAMES_H_
+#endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORTER_NAMES_H_

@@ -1,10 +1,9 @@
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 
 #include "base/file_util.h"
 #include "base/profile_string.h"
 #include "base/string_number_conversions.h"
-#include "tools/data_importer/data_folder.h"
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/run_record/import_report.h"
 
 using importer_names::kDBCheckSection;
 using importer_names::kKeyForceDeleteDb;
@@ -38,10 +37,9 @@ void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
     key_observer_(key, value);
 }
 
-void ProgressRecord::Initialise() {
-  base::FilePath folder = GetDataFolder();
-  if (!folder.empty())
-    ini_path_ = base::ResolvePathCase(folder.Append(kSettingsFileName)).value();
+void ProgressRecord::Initialise(const base::FilePath& data_folder) {
+  if (!data_folder.empty())
+    ini_path_ = base::ResolvePathCase(data_folder.Append(kSettingsFileName)).value();
   WriteKey(kKeyImportProgress, L"");
   WriteKey(kKeyImportState, L"");
   WriteKey(kKeyUpdateProgress, L"");
