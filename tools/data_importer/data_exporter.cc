@@ -7,7 +7,7 @@
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/run_record/import_report.h"

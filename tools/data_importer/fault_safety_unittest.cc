@@ -16,7 +16,7 @@
 #include "base/file_util.h"
 #include "base/md5.h"
 #include "testing/fixtures/generation6_fixture.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/import_run.h"
 #include "tools/data_importer/importer_test_util.h"

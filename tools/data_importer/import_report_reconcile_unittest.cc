@@ -15,7 +15,7 @@
 #include "sql/statement.h"
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/fixtures/version2_fixture.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/importer_test_util.h"

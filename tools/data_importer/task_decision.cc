@@ -4,7 +4,7 @@
 
 #include "base/file_util.h"
 #include "base/path_service.h"
-#include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/environment/installation_lookup.h"
 
 bool IsTask(const std::wstring& task, const wchar_t* name) {
   size_t length = std::wcslen(name);

@@ -5,7 +5,7 @@
 #include "base/file_util.h"
 #include "logging/logging.h"
 #include "tools/data_importer/cloud_list_cleanup.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/run_record/importer_names.h"

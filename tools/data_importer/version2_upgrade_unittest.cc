@@ -17,7 +17,7 @@
 #include "base/json_file.h"
 #include "sql/connection.h"
 #include "testing/fixtures/version2_fixture.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/cloud_list_cleanup.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/importer_test_util.h"

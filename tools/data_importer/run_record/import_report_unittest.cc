@@ -12,7 +12,7 @@
 #include "sql/statement.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/test_support.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/import_run.h"
 #include "tools/data_importer/importer_test_util.h"

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "testing/test_support.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
 #include "tools/data_importer/importer_test_util.h"

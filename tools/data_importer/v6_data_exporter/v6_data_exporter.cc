@@ -6,10 +6,10 @@
 #include <system_error>
 
 #include "base/file_util.h"
-#include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/environment/installation_lookup.h"
 #include "logging/debug_output.h"
 #include "logging/logging.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/settings/v6_settings_reader.h"

@@ -10,7 +10,7 @@
 #include "sql/connection.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "tools/data_importer/target_store/build_sequence.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/import_run.h"

@@ -6,7 +6,7 @@
 #include "base/path_service.h"
 #include "logging/debug_output.h"
 #include "logging/logging.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/settings/v7_settings_migration.h"
 #include "tools/data_importer/target_store/import_model.h"

@@ -2,7 +2,7 @@
 
 #include "base/file_util.h"
 #include "logging/logging.h"
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
 #define V8LOG(level) VLOG_AT(level) << L"[V8数据导入] "

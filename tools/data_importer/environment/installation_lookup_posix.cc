@@ -1,4 +1,4 @@
-#include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/environment/installation_lookup.h"
 
 base::FilePath FindGeneration6ProgramByShortcut() {
   return base::FilePath();

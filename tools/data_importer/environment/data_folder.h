@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_DATA_FOLDER_H_
-#define TOOLS_DATA_IMPORTER_DATA_FOLDER_H_
+#ifndef TOOLS_DATA_IMPORTER_ENVIRONMENT_DATA_FOLDER_H_
+#define TOOLS_DATA_IMPORTER_ENVIRONMENT_DATA_FOLDER_H_
 
 #include "base/file_path.h"
 
@@ -24,4 +24,4 @@ base::FilePath GetCrashFolder();
 // application-data folder cannot be determined.
 base::FilePath GetLogFile();
 
-#endif  // TOOLS_DATA_IMPORTER_DATA_FOLDER_H_
+#endif  // TOOLS_DATA_IMPORTER_ENVIRONMENT_DATA_FOLDER_H_

@@ -1,4 +1,4 @@
-#include "tools/data_importer/data_folder.h"
+#include "tools/data_importer/environment/data_folder.h"
 
 #include "base/file_util.h"
 #include "base/path_service.h"

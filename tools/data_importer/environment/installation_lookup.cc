@@ -1,4 +1,4 @@
-#include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/environment/installation_lookup.h"
 
 #include "base/reg_key.h"
 #include "base/windows_path.h"
