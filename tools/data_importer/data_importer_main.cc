@@ -20,8 +20,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/task_decision.h"
-#include "tools/data_importer/upgrade_result.h"
-#include "tools/data_importer/version2_upgrade.h"
+#include "tools/data_importer/version3_upgrade/upgrade_result.h"
+#include "tools/data_importer/version3_upgrade/upgrade_tasks.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ void KeepUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& r
 
 void RunTask(const std::wstring& task, const base::FilePath& data_folder,
              ProgressRecord* record) {
-  if (IsTask(task, kTaskUpdateVersion2)) {
+  if (IsTask(task, kTaskUpgradeVersion3)) {
     KeepUpgradeResult(data_folder, RunVersion3Upgrade(record), record);
     return;  // the playlist storage stays untouched
   }

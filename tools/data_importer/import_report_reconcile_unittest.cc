@@ -23,7 +23,7 @@
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
-#include "tools/data_importer/version2_upgrade.h"
+#include "tools/data_importer/version3_upgrade/upgrade_tasks.h"
 
 namespace {
 

@@ -49,7 +49,7 @@ void CopyLibraryFiles(const base::FilePath& source, const base::FilePath& target
 std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath& source_folder) {
   if (ExistsIn(data_folder, importer_names::kMusicDatabaseV3) ||
       ExistsIn(data_folder, importer_names::kPlaylistDatabaseV3))
-    return kTaskUpdateVersion2;
+    return kTaskUpgradeVersion3;
   if (ExistsIn(data_folder, importer_names::kMusicDatabaseV2))
     return kTaskCopyVersion2;
   if (ExistsIn(data_folder, L"VTMusic.db") || ExistsIn(data_folder, L"vantu.db"))

@@ -12,7 +12,7 @@ using importer_names::kTaskImport2008;
 using importer_names::kTaskImportCurrent;
 using importer_names::kTaskImportGeneration6;
 using importer_names::kTaskImportGeneration7;
-using importer_names::kTaskUpdateVersion2;
+using importer_names::kTaskUpgradeVersion3;
 
 // Case-sensitive comparison of a task name: length first, then each
 // character.

@@ -12,7 +12,7 @@
 namespace importer_names {
 
 // Task names of a run, compared case-sensitively.
-inline constexpr wchar_t kTaskUpdateVersion2[] = L"updatevantu8";
+inline constexpr wchar_t kTaskUpgradeVersion3[] = L"updatevantu8";
 inline constexpr wchar_t kTaskCopyVersion2[] = L"copyv8dbv2";
 inline constexpr wchar_t kTaskImportCurrent[] = L"importvantu8";
 inline constexpr wchar_t kTaskImportGeneration7[] = L"importvantu7";

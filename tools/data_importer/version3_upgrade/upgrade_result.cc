@@ -1,4 +1,4 @@
-#include "tools/data_importer/upgrade_result.h"
+#include "tools/data_importer/version3_upgrade/upgrade_result.h"
 
 #include "base/file_util.h"
 #include "base/json_file.h"

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_UPGRADE_RESULT_H_
-#define TOOLS_DATA_IMPORTER_UPGRADE_RESULT_H_
+#ifndef TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_RESULT_H_
+#define TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_RESULT_H_
 
 #include <cstdint>
 #include <string>
@@ -102,4 +102,4 @@ base::Value UpgradeResultJson(const UpgradeResult& result);
 // Removes a record left by an earlier run.
 void ClearUpgradeResult(const base::FilePath& data_folder);
 
-#endif  // TOOLS_DATA_IMPORTER_UPGRADE_RESULT_H_
+#endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_RESULT_H_

@@ -1,12 +1,12 @@
-#ifndef TOOLS_DATA_IMPORTER_VERSION2_UPGRADE_H_
-#define TOOLS_DATA_IMPORTER_VERSION2_UPGRADE_H_
+#ifndef TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_TASKS_H_
+#define TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_TASKS_H_
 
 #include <memory>
 
 #include "base/file_path.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
-#include "tools/data_importer/upgrade_result.h"
+#include "tools/data_importer/version3_upgrade/upgrade_result.h"
 
 class CloudListCleanup;
 class DatabaseHelper;
@@ -39,12 +39,12 @@ UpgradeResult RunVersion3Upgrade(ProgressRecord* record);
 // is the one the steps open) and the cloud-list cleanup; on destruction the
 // cleanup goes first, then the DatabaseHelper, which closes its database.
 // The version-2 files are only ever read.
-class Version2Upgrader {
+class UpgradeTasks {
  public:
-  explicit Version2Upgrader(const base::FilePath& data_folder);
-  ~Version2Upgrader();
-  Version2Upgrader(const Version2Upgrader&) = delete;
-  Version2Upgrader& operator=(const Version2Upgrader&) = delete;
+  explicit UpgradeTasks(const base::FilePath& data_folder);
+  ~UpgradeTasks();
+  UpgradeTasks(const UpgradeTasks&) = delete;
+  UpgradeTasks& operator=(const UpgradeTasks&) = delete;
 
   // Copies "VTMusicV2.db" to "VTMusicV2.db.tmp", opens the copy with the
   // integrity check and the one-VACUUM repair, and encrypts it in place with
@@ -78,4 +78,4 @@ class Version2Upgrader {
   std::unique_ptr<CloudListCleanup> m_cloud_list;
 };
 
-#endif  // TOOLS_DATA_IMPORTER_VERSION2_UPGRADE_H_
+#endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_TASKS_H_

@@ -1,4 +1,4 @@
-#include "tools/data_importer/play_queue_conversion.h"
+#include "tools/data_importer/version3_upgrade/play_queue_conversion.h"
 
 #include "logging/logging.h"
 #include "sql/connection.h"

@@ -1,4 +1,4 @@
-#include "tools/data_importer/upgrade_report.h"
+#include "tools/data_importer/version3_upgrade/upgrade_report.h"
 
 #include <map>
 

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_CLOUD_LIST_CLEANUP_H_
-#define TOOLS_DATA_IMPORTER_CLOUD_LIST_CLEANUP_H_
+#ifndef TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_CLOUD_LIST_CLEANUP_H_
+#define TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_CLOUD_LIST_CLEANUP_H_
 
 #include <cstdint>
 #include <string>
@@ -7,7 +7,7 @@
 
 #include "base/file_path.h"
 #include "tools/data_importer/database_helper/database_helper.h"
-#include "tools/data_importer/upgrade_result.h"
+#include "tools/data_importer/version3_upgrade/upgrade_result.h"
 
 // Moves the user's cloud lists out of the keyed music database
 // "VTMusicV3.db" into the playlist database "playlistV3.db", both in the data
@@ -78,4 +78,4 @@ class CloudListCleanup {
   std::vector<MovedTable> m_moved;
 };
 
-#endif  // TOOLS_DATA_IMPORTER_CLOUD_LIST_CLEANUP_H_
+#endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_CLOUD_LIST_CLEANUP_H_

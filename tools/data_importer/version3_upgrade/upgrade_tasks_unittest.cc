@@ -1,4 +1,4 @@
-#include "tools/data_importer/version2_upgrade.h"
+#include "tools/data_importer/version3_upgrade/upgrade_tasks.h"
 
 #include <signal.h>
 #include <sys/resource.h>
@@ -18,7 +18,7 @@
 #include "sql/connection.h"
 #include "testing/fixtures/version2_fixture.h"
 #include "tools/data_importer/environment/data_folder.h"
-#include "tools/data_importer/cloud_list_cleanup.h"
+#include "tools/data_importer/version3_upgrade/cloud_list_cleanup.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
@@ -212,7 +212,7 @@ TEST_F(Version2TaskTest, FullDiskDuringCopyPutsNothingInPlace) {
 TEST_F(Version2TaskTest, CopyTwiceMakesFreshCopies) {
   ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
   UpgradeResult result;
-  Version2Upgrader(profile_.data_folder()).CopyVersion2Databases(&result);
+  UpgradeTasks(profile_.data_folder()).CopyVersion2Databases(&result);
   ASSERT_EQ(CopyOutcome::kEncrypted, result.music_copy);
   ASSERT_TRUE(Keyed(L"VTMusicV3.db")->Execute("DELETE FROM ShareFileItems"));
   {
@@ -220,7 +220,7 @@ TEST_F(Version2TaskTest, CopyTwiceMakesFreshCopies) {
     ASSERT_TRUE(v2.Open(Data(L"playlist.db")));
     ASSERT_TRUE(v2.Execute("INSERT INTO GeneralListTable(PlayListID) VALUES (30)"));
   }
-  Version2Upgrader(profile_.data_folder()).CopyVersion2Databases(&result);
+  UpgradeTasks(profile_.data_folder()).CopyVersion2Databases(&result);
   EXPECT_EQ(CopyOutcome::kEncrypted, result.music_copy);
   EXPECT_EQ(CopyOutcome::kEncrypted, result.playlist_copy);
   EXPECT_EQ(std::vector<std::string>{"40"},
@@ -326,7 +326,7 @@ TEST_F(Version2TaskTest, CopyThatCannotTakeItsNameIsFinishedLater) {
   ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
   TestProfile::Touch(Data(L"playlistV3.db").Append(L"in the way"));
   UpgradeResult result;
-  Version2Upgrader(profile_.data_folder()).CopyVersion2Databases(&result);
+  UpgradeTasks(profile_.data_folder()).CopyVersion2Databases(&result);
   EXPECT_EQ(CopyOutcome::kEncrypted, result.music_copy);
   EXPECT_EQ(CopyOutcome::kReplaceFailed, result.playlist_copy);
   EXPECT_TRUE(Keyed(L"VTMusicV3.db"));

@@ -1,4 +1,4 @@
-#include "tools/data_importer/cloud_list_cleanup.h"
+#include "tools/data_importer/version3_upgrade/cloud_list_cleanup.h"
 
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/run_record/importer_names.h"

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_PLAY_QUEUE_CONVERSION_H_
-#define TOOLS_DATA_IMPORTER_PLAY_QUEUE_CONVERSION_H_
+#ifndef TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_PLAY_QUEUE_CONVERSION_H_
+#define TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_PLAY_QUEUE_CONVERSION_H_
 
 namespace sql {
 class Connection;
@@ -15,4 +15,4 @@ class Connection;
 // changes nothing. It never fails the upgrade.
 void ConvertPlayQueue(sql::Connection* music_db);
 
-#endif  // TOOLS_DATA_IMPORTER_PLAY_QUEUE_CONVERSION_H_
+#endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_PLAY_QUEUE_CONVERSION_H_

@@ -1,20 +1,20 @@
-#include "tools/data_importer/version2_upgrade.h"
+#include "tools/data_importer/version3_upgrade/upgrade_tasks.h"
 
 #include <chrono>
 
 #include "base/file_util.h"
 #include "logging/logging.h"
-#include "tools/data_importer/cloud_list_cleanup.h"
+#include "tools/data_importer/version3_upgrade/cloud_list_cleanup.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/run_record/importer_names.h"
-#include "tools/data_importer/play_queue_conversion.h"
+#include "tools/data_importer/version3_upgrade/play_queue_conversion.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/task_decision.h"
-#include "tools/data_importer/upgrade_report.h"
+#include "tools/data_importer/version3_upgrade/upgrade_report.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ UpgradeResult RunWrapped(ProgressRecord* record, const wchar_t* task, Step step)
   UpgradeResult result;
   result.task = task;
   record->SetUpdateProgress(10);
-  auto upgrader = std::make_unique<Version2Upgrader>(GetDataFolder());
+  auto upgrader = std::make_unique<UpgradeTasks>(GetDataFolder());
   step(upgrader.get(), &result);
   record->SetUpdateProgress(100);
   upgrader.reset();
@@ -52,7 +52,7 @@ UpgradeResult RunVersion2Copy(ProgressRecord* record, const BuildStageCallback& 
   VerifiedDatabase music_read = CountPlainDatabase(music);
   VerifiedDatabase playlist_read = CountPlainDatabase(playlist);
   UpgradeResult result = RunWrapped(
-      record, kTaskCopyVersion2, [&](Version2Upgrader* upgrader, UpgradeResult* outcome) {
+      record, kTaskCopyVersion2, [&](UpgradeTasks* upgrader, UpgradeResult* outcome) {
         upgrader->CopyVersion2Databases(outcome, stage_done);
       });
   report->AddStage("Copy", Lap(&start));
@@ -71,8 +71,8 @@ UpgradeResult RunVersion3Upgrade(ProgressRecord* record) {
   ImportReport* report = record->report();
   auto start = std::chrono::steady_clock::now();
   UpgradeResult result = RunWrapped(
-      record, kTaskUpdateVersion2,
-      [](Version2Upgrader* upgrader, UpgradeResult* outcome) {
+      record, kTaskUpgradeVersion3,
+      [](UpgradeTasks* upgrader, UpgradeResult* outcome) {
         upgrader->UpgradeVersion3Databases(outcome);
       });
   report->AddStage("Upgrade", Lap(&start));
@@ -81,17 +81,17 @@ UpgradeResult RunVersion3Upgrade(ProgressRecord* record) {
   return result;
 }
 
-Version2Upgrader::Version2Upgrader(const base::FilePath& data_folder)
+UpgradeTasks::UpgradeTasks(const base::FilePath& data_folder)
     : m_data_folder(data_folder),
       m_db(std::make_unique<DatabaseHelper>()),
       m_cloud_list(std::make_unique<CloudListCleanup>(data_folder)) {}
 
-Version2Upgrader::~Version2Upgrader() {
+UpgradeTasks::~UpgradeTasks() {
   m_cloud_list.reset();
   m_db.reset();
 }
 
-void Version2Upgrader::CopyVersion2Databases(UpgradeResult* result,
+void UpgradeTasks::CopyVersion2Databases(UpgradeResult* result,
                                              const CommitStepCallback& step_done) {
   namespace names = importer_names;
   // Each copy is made and encrypted under the build's temporary name, and
@@ -148,7 +148,7 @@ void Version2Upgrader::CopyVersion2Databases(UpgradeResult* result,
     result->playlist_copy = CopyOutcome::kReplaceFailed;
 }
 
-bool Version2Upgrader::CopyVersion2File(const wchar_t* from, const wchar_t* to,
+bool UpgradeTasks::CopyVersion2File(const wchar_t* from, const wchar_t* to,
                                         CopyOutcome* outcome) {
   base::FilePath source = m_data_folder.Append(from);
   base::FilePath target = m_data_folder.Append(to);
@@ -167,7 +167,7 @@ bool Version2Upgrader::CopyVersion2File(const wchar_t* from, const wchar_t* to,
   return true;
 }
 
-CopyOutcome Version2Upgrader::EncryptCopy(const wchar_t* name) {
+CopyOutcome UpgradeTasks::EncryptCopy(const wchar_t* name) {
   base::FilePath path = m_data_folder.Append(name);
   if (!m_db->OpenAndCheck(path)) {
     VLOG_AT(logging::LOG_FAILURE) << kTag << L" {" << path.value()
@@ -185,7 +185,7 @@ CopyOutcome Version2Upgrader::EncryptCopy(const wchar_t* name) {
   return CopyOutcome::kEncrypted;
 }
 
-void Version2Upgrader::UpgradeVersion3Databases(UpgradeResult* result) {
+void UpgradeTasks::UpgradeVersion3Databases(UpgradeResult* result) {
   base::FilePath music = m_data_folder.Append(importer_names::kMusicDatabaseV3);
   if (!base::PathExists(music)) {
     result->music_open = OpenOutcome::kMissing;

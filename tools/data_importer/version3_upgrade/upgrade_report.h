@@ -1,11 +1,11 @@
-#ifndef TOOLS_DATA_IMPORTER_UPGRADE_REPORT_H_
-#define TOOLS_DATA_IMPORTER_UPGRADE_REPORT_H_
+#ifndef TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_REPORT_H_
+#define TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_REPORT_H_
 
 #include <string>
 
 #include "base/file_path.h"
 #include "tools/data_importer/target_store/verify_database.h"
-#include "tools/data_importer/upgrade_result.h"
+#include "tools/data_importer/version3_upgrade/upgrade_result.h"
 
 class ImportReport;
 
@@ -34,4 +34,4 @@ void ReportCopiedDatabase(ImportReport* report, const base::FilePath& source,
 void ReportMovedTables(ImportReport* report, const base::FilePath& data_folder,
                        const UpgradeResult& result);
 
-#endif  // TOOLS_DATA_IMPORTER_UPGRADE_REPORT_H_
+#endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_REPORT_H_
