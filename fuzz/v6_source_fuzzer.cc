@@ -13,7 +13,7 @@
 #include "fuzz/fuzz_scratch.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
-#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
+#include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 
 namespace {
 base::FilePath g_data_folder;

@@ -23,7 +23,7 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/verify_database.h"
-#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
+#include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 
 namespace {
 

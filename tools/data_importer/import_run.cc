@@ -5,7 +5,7 @@
 
 #include "logging/logging.h"
 #include "tools/data_importer/target_store/build_sequence.h"
-#include "tools/data_importer/data_exporter.h"
+#include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/target_store/import_model.h"

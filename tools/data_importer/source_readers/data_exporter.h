@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_DATA_EXPORTER_H_
-#define TOOLS_DATA_IMPORTER_DATA_EXPORTER_H_
+#ifndef TOOLS_DATA_IMPORTER_SOURCE_READERS_DATA_EXPORTER_H_
+#define TOOLS_DATA_IMPORTER_SOURCE_READERS_DATA_EXPORTER_H_
 
 #include <cstdint>
 #include <functional>
@@ -154,4 +154,4 @@ std::wstring DumpTableSummary(const base::FilePath& path, const DumpTableList& t
 // The generation-7 tables, in summary order.
 const DumpTableList& Generation7DumpTables();
 
-#endif  // TOOLS_DATA_IMPORTER_DATA_EXPORTER_H_
+#endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_DATA_EXPORTER_H_

@@ -1,7 +1,7 @@
-#ifndef TOOLS_DATA_IMPORTER_VT2008_DATA_EXPORTER_VT2008_DATA_EXPORTER_H_
-#define TOOLS_DATA_IMPORTER_VT2008_DATA_EXPORTER_VT2008_DATA_EXPORTER_H_
+#ifndef TOOLS_DATA_IMPORTER_SOURCE_READERS_VT2008_DATA_EXPORTER_VT2008_DATA_EXPORTER_H_
+#define TOOLS_DATA_IMPORTER_SOURCE_READERS_VT2008_DATA_EXPORTER_VT2008_DATA_EXPORTER_H_
 
-#include "tools/data_importer/data_exporter.h"
+#include "tools/data_importer/source_readers/data_exporter.h"
 
 // The 2008 edition's reader. The edition is detected (its registry key), but
 // its files ("CacheList.dat", "Library.xml", "VT2008LoginSave.bin") are not
@@ -19,4 +19,4 @@ class VT2008DataExporter : public DataExporter {
   base::FilePath GetDatabasePath() override;
 };
 
-#endif  // TOOLS_DATA_IMPORTER_VT2008_DATA_EXPORTER_VT2008_DATA_EXPORTER_H_
+#endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_VT2008_DATA_EXPORTER_VT2008_DATA_EXPORTER_H_

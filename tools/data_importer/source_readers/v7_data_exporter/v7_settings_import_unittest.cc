@@ -13,7 +13,7 @@
 #include "tools/data_importer/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
-#include "tools/data_importer/v7_data_exporter/v7_data_exporter.h"
+#include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/data_importer/source_reader_util.h"
+#include "tools/data_importer/source_readers/source_reader_util.h"
 
 #include "tools/data_importer/target_store/import_records.h"
 

@@ -1,4 +1,4 @@
-#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
+#include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 
 #include <cwchar>
 #include <exception>

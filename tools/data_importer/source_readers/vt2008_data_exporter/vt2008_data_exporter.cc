@@ -1,4 +1,4 @@
-#include "tools/data_importer/vt2008_data_exporter/vt2008_data_exporter.h"
+#include "tools/data_importer/source_readers/vt2008_data_exporter/vt2008_data_exporter.h"
 
 #include "logging/logging.h"
 #include "tools/data_importer/run_record/progress_record.h"

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_V6_DATA_EXPORTER_V6_DATA_EXPORTER_H_
-#define TOOLS_DATA_IMPORTER_V6_DATA_EXPORTER_V6_DATA_EXPORTER_H_
+#ifndef TOOLS_DATA_IMPORTER_SOURCE_READERS_V6_DATA_EXPORTER_V6_DATA_EXPORTER_H_
+#define TOOLS_DATA_IMPORTER_SOURCE_READERS_V6_DATA_EXPORTER_V6_DATA_EXPORTER_H_
 
 #include <cstdint>
 #include <map>
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "base/file_path.h"
-#include "tools/data_importer/data_exporter.h"
+#include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_records.h"
 
 class RowReaderInterface;
@@ -117,4 +117,4 @@ class V6DataExporter : public DataExporter {
   int m_next_v2_file_id = 1;
 };
 
-#endif  // TOOLS_DATA_IMPORTER_V6_DATA_EXPORTER_V6_DATA_EXPORTER_H_
+#endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_V6_DATA_EXPORTER_V6_DATA_EXPORTER_H_

@@ -12,9 +12,9 @@
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/run_record/import_report.h"
-#include "tools/data_importer/source_reader_util.h"
+#include "tools/data_importer/source_readers/source_reader_util.h"
 #include "tools/data_importer/target_store/import_model.h"
-#include "tools/data_importer/v7_data_exporter/v7_data_exporter.h"
+#include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
 #define V7LOG(level) VLOG_AT(level) << L"[V7数据导入] "
 

@@ -1,4 +1,4 @@
-#include "tools/data_importer/v8_data_exporter/v8_data_exporter.h"
+#include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
 
 #include <gtest/gtest.h>
 

@@ -13,7 +13,7 @@
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/target_store/table_columns.h"
-#include "tools/data_importer/v8_data_exporter/v8_data_exporter.h"
+#include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
 
 #define V8LOG(level) VLOG_AT(level) << L"[V8数据导入] "
 

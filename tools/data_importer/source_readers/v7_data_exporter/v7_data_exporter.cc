@@ -1,4 +1,4 @@
-#include "tools/data_importer/v7_data_exporter/v7_data_exporter.h"
+#include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
 #include <optional>
 

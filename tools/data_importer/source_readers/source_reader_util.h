@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_SOURCE_READER_UTIL_H_
-#define TOOLS_DATA_IMPORTER_SOURCE_READER_UTIL_H_
+#ifndef TOOLS_DATA_IMPORTER_SOURCE_READERS_SOURCE_READER_UTIL_H_
+#define TOOLS_DATA_IMPORTER_SOURCE_READERS_SOURCE_READER_UTIL_H_
 
 #include <string>
 
@@ -30,4 +30,4 @@ void FillSongFromFile(const ShareFileItem& file, SongItem* song);
 // the one a dropped list entry refers to: "music item <id>".
 std::wstring MusicItemName(int id);
 
-#endif  // TOOLS_DATA_IMPORTER_SOURCE_READER_UTIL_H_
+#endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_SOURCE_READER_UTIL_H_

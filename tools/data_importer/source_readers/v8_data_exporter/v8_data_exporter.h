@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_V8_DATA_EXPORTER_V8_DATA_EXPORTER_H_
-#define TOOLS_DATA_IMPORTER_V8_DATA_EXPORTER_V8_DATA_EXPORTER_H_
+#ifndef TOOLS_DATA_IMPORTER_SOURCE_READERS_V8_DATA_EXPORTER_V8_DATA_EXPORTER_H_
+#define TOOLS_DATA_IMPORTER_SOURCE_READERS_V8_DATA_EXPORTER_V8_DATA_EXPORTER_H_
 
 #include <cstdint>
 #include <map>
@@ -8,7 +8,7 @@
 #include <unordered_set>
 
 #include "base/file_path.h"
-#include "tools/data_importer/data_exporter.h"
+#include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/record_columns.h"
 
@@ -118,4 +118,4 @@ class V8DataExporter : public DataExporter {
   int m_no_folder_id = 0;
 };
 
-#endif  // TOOLS_DATA_IMPORTER_V8_DATA_EXPORTER_V8_DATA_EXPORTER_H_
+#endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_V8_DATA_EXPORTER_V8_DATA_EXPORTER_H_

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_
-#define TOOLS_DATA_IMPORTER_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_
+#ifndef TOOLS_DATA_IMPORTER_SOURCE_READERS_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_
+#define TOOLS_DATA_IMPORTER_SOURCE_READERS_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_
 
 #include <cstdint>
 #include <map>
@@ -7,7 +7,7 @@
 #include <string>
 
 #include "base/file_path.h"
-#include "tools/data_importer/data_exporter.h"
+#include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_records.h"
 
 // Imports a generation-7 installation: the database "VTData.db" in the
@@ -114,4 +114,4 @@ class V7DataExporter : public DataExporter {
   int32_t m_last_played_position = 0;   // entry index in that list
 };
 
-#endif  // TOOLS_DATA_IMPORTER_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_
+#endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_

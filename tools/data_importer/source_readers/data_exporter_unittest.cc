@@ -1,4 +1,4 @@
-#include "tools/data_importer/data_exporter.h"
+#include "tools/data_importer/source_readers/data_exporter.h"
 
 #include <gtest/gtest.h>
 
