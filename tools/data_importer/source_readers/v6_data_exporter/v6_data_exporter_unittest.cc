@@ -13,10 +13,10 @@
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/target_store/import_model.h"
-#include "tools/data_importer/import_run.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "tools/data_importer/driver/import_run.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
-#include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/driver/task_decision.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/driver/task_decision.h"
 
 #include <cwchar>
 

@@ -1,4 +1,4 @@
-#include "tools/data_importer/exporter_factory.h"
+#include "tools/data_importer/driver/exporter_factory.h"
 
 #include "logging/logging.h"
 #include "tools/data_importer/run_record/progress_record.h"

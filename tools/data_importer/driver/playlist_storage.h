@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_PLAYLIST_STORAGE_H_
-#define TOOLS_DATA_IMPORTER_PLAYLIST_STORAGE_H_
+#ifndef TOOLS_DATA_IMPORTER_DRIVER_PLAYLIST_STORAGE_H_
+#define TOOLS_DATA_IMPORTER_DRIVER_PLAYLIST_STORAGE_H_
 
 #include "base/file_path.h"
 
@@ -11,4 +11,4 @@
 // read. Answers whether the file was rewritten.
 bool RefreshPlaylistStorage(const base::FilePath& data_folder);
 
-#endif  // TOOLS_DATA_IMPORTER_PLAYLIST_STORAGE_H_
+#endif  // TOOLS_DATA_IMPORTER_DRIVER_PLAYLIST_STORAGE_H_

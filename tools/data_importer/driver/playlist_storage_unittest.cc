@@ -1,4 +1,4 @@
-#include "tools/data_importer/playlist_storage.h"
+#include "tools/data_importer/driver/playlist_storage.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_EXPORTER_FACTORY_H_
-#define TOOLS_DATA_IMPORTER_EXPORTER_FACTORY_H_
+#ifndef TOOLS_DATA_IMPORTER_DRIVER_EXPORTER_FACTORY_H_
+#define TOOLS_DATA_IMPORTER_DRIVER_EXPORTER_FACTORY_H_
 
 #include <memory>
 
@@ -12,4 +12,4 @@ class ImportModel;
 // this library gets one that reports state 1 and imports nothing.
 std::unique_ptr<DataExporter> CreateExporter(int import_kind, ImportModel* model);
 
-#endif  // TOOLS_DATA_IMPORTER_EXPORTER_FACTORY_H_
+#endif  // TOOLS_DATA_IMPORTER_DRIVER_EXPORTER_FACTORY_H_

@@ -1,4 +1,4 @@
-#include "tools/data_importer/import_run.h"
+#include "tools/data_importer/driver/import_run.h"
 
 #include <chrono>
 #include <memory>
@@ -11,7 +11,7 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/run_record/progress_record.h"
-#include "tools/data_importer/exporter_factory.h"
+#include "tools/data_importer/driver/exporter_factory.h"
 
 void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
   ImportModel model;

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_TASK_DECISION_H_
-#define TOOLS_DATA_IMPORTER_TASK_DECISION_H_
+#ifndef TOOLS_DATA_IMPORTER_DRIVER_TASK_DECISION_H_
+#define TOOLS_DATA_IMPORTER_DRIVER_TASK_DECISION_H_
 
 #include <string>
 
@@ -29,4 +29,4 @@ int ImportKindOfTask(const std::wstring& task);
 // there is nothing to do.
 std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath& source_folder);
 
-#endif  // TOOLS_DATA_IMPORTER_TASK_DECISION_H_
+#endif  // TOOLS_DATA_IMPORTER_DRIVER_TASK_DECISION_H_

@@ -1,4 +1,4 @@
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
