@@ -4,23 +4,7 @@
 #include <string>
 
 #include "base/file_path.h"
-#include "tools/data_importer/run_record/importer_names.h"
-
-// Task names of a run (defined with the other shared names).
-using importer_names::kTaskCopyVersion2;
-using importer_names::kTaskImport2008;
-using importer_names::kTaskImportCurrent;
-using importer_names::kTaskImportGeneration6;
-using importer_names::kTaskImportGeneration7;
-using importer_names::kTaskUpgradeVersion3;
-
-// Case-sensitive comparison of a task name: length first, then each
-// character.
-bool IsTask(const std::wstring& task, const wchar_t* name);
-
-// The import kind of an import task (1 2008 edition, 2 generation 6,
-// 3 generation 7, 4 current generation), 0 for any other name.
-int ImportKindOfTask(const std::wstring& task);
+#include "tools/data_importer/run_record/task_names.h"
 
 // Decides the run's task from what lies in |data_folder|, the roaming
 // application-data folder, the registry and |source_folder| (the "i" switch;
