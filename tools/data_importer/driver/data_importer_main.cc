@@ -54,7 +54,11 @@ void RunTask(const std::wstring& task, const base::FilePath& data_folder,
     RunImport(record);
     record->SetProgress(100);
   }
-  RefreshPlaylistStorage(data_folder);
+  // The refresh only tells the player that its lists changed; the run's
+  // outcome stays as it is whatever it answers.
+  StorageRefresh refresh = RefreshPlaylistStorage(data_folder);
+  VLOG_AT(refresh == StorageRefresh::kWriteFailed ? logging::LOG_FAILURE : logging::LOG_PROGRESS)
+      << L"Playlist storage: {" << StorageRefreshText(refresh) << L"}.";
 }
 
 void Run() {

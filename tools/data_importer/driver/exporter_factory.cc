@@ -15,10 +15,10 @@ class UnavailableDataExporter : public DataExporter {
  public:
   UnavailableDataExporter(ImportModel* model, int kind) : DataExporter(model), kind_(kind) {}
 
-  int32_t ExportData() override {
+  ExportResult ExportData() override {
     VLOG_AT(logging::LOG_FAILURE) << L"No reader for import kind {" << kind_ << L"}.";
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
   std::wstring Dump(const base::FilePath& path) override { return std::wstring(); }
   base::FilePath GetDatabasePath() override { return base::FilePath(); }

@@ -162,7 +162,7 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
     ProgressRecord record;
     record.Initialise(GetDataFolder());
     model.m_progress = &record;
-    ASSERT_EQ(0, BuildDatabases(&model, profile_.data_folder()));
+    ASSERT_TRUE(IsOk(BuildDatabases(&model, profile_.data_folder())));
     model.m_progress = nullptr;
   }
   base::FilePath first = profile_.root().Append(L"first");

@@ -33,10 +33,14 @@ void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
   std::wstring summary = exporter->Dump(source);
   if (!summary.empty())
     VLOG_AT(logging::LOG_PROGRESS) << summary;
-  int32_t exported = exporter->ExportData();
+  ExportResult exported = exporter->ExportData();
   timed_stage_done("Export");
-  if (exported == 0) {
-    BuildDatabases(&model, GetDataFolder(), timed_stage_done);
+  if (exported == ExportResult::kExported) {
+    // The build records its failures in "DBCheck" itself; the log says why.
+    base::Status built = BuildDatabases(&model, GetDataFolder(), timed_stage_done);
+    if (!built.ok())
+      VLOG_AT(logging::LOG_FAILURE) << L"Build of the new databases FAILED: {" << built.message()
+                                    << L"}.";
     // What the finished files held when they were read back (before they
     // replaced the old ones), beside what the writers sent.
     for (const auto& [name, verified] :

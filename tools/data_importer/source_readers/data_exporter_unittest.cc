@@ -16,7 +16,7 @@ namespace {
 class ProbeExporter : public DataExporter {
  public:
   explicit ProbeExporter(ImportModel* model = nullptr) : DataExporter(model) {}
-  int32_t ExportData() override { return 0; }
+  ExportResult ExportData() override { return ExportResult::kExported; }
   std::wstring Dump(const base::FilePath&) override { return std::wstring(); }
   base::FilePath GetDatabasePath() override { return base::FilePath(); }
 

@@ -63,7 +63,7 @@ TEST_F(PlaylistWritersTest, SongListsTranslateAndDrop) {
   ProgressRecord record;
   record.Initialise(GetDataFolder());
   model_.m_progress = &record;
-  EXPECT_TRUE(model_.ReportListCounts());
+  EXPECT_TRUE(model_.ReportListCounts().ok());
   EXPECT_EQ(L"7:0,-3:2", profile_.DBCheck(L"ImportPlayLists"));
   EXPECT_TRUE(model_.m_file_flag_map.empty());
 }
@@ -72,10 +72,10 @@ TEST_F(PlaylistWritersTest, ListCountReportFailsWithoutListTable) {
   ProgressRecord record;
   record.Initialise(GetDataFolder());
   model_.m_progress = &record;
-  EXPECT_FALSE(model_.ReportListCounts());
+  EXPECT_FALSE(model_.ReportListCounts().ok());
   EXPECT_EQ(L"0", profile_.DBCheck(L"ImportPlayLists"));
   model_.m_playlist_db.reset();
-  EXPECT_FALSE(model_.ReportListCounts());
+  EXPECT_FALSE(model_.ReportListCounts().ok());
 }
 
 // A download is kept when its file is found by old id or else by hash; only

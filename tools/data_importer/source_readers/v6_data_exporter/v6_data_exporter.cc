@@ -88,7 +88,7 @@ void V6DataExporter::ClearLookups() {
   m_v2_music_items.clear();
 }
 
-int32_t V6DataExporter::ExportData() {
+ExportResult V6DataExporter::ExportData() {
   ClearLookups();
   CopyLyrics();
 
@@ -97,10 +97,10 @@ int32_t V6DataExporter::ExportData() {
   if (!v1 && !v2) {
     logging::OutputDebugStringW(L"CopyV6DB Failed!!!");
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
   V6LOG(logging::LOG_PROGRESS) << L"V6 DB version is {" << (v1 ? L"V1" : L"V2") << L"}.";
-  int32_t result = v1 ? ReadV1Layout() : ReadV2Layout();
+  ExportResult result = v1 ? ReadV1Layout() : ReadV2Layout();
 
   ClearLookups();
   V6LOG(logging::LOG_PROGRESS) << L"V6DataExporter::ExportData DONE!";
@@ -203,7 +203,7 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   return true;
 }
 
-int32_t V6DataExporter::ReadV1Layout() {
+ExportResult V6DataExporter::ReadV1Layout() {
   if (!base::PathExists(m_work_db)) {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
@@ -232,16 +232,16 @@ int32_t V6DataExporter::ReadV1Layout() {
     ReadSettings();
     ReadLoginHistory();
   }
-  return 0;
+  return ExportResult::kExported;
 }
 
-int32_t V6DataExporter::ReadV2Layout() {
+ExportResult V6DataExporter::ReadV2Layout() {
   base::FilePath work = GetDataFolder();
   std::vector<base::FilePath> libraries = ListFiles(work, kLibraryPattern);
   if (libraries.empty()) {
     V6LOG(logging::LOG_FAILURE) << L"Files of V6 DB V2 not found.";
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
 
   // The downloads live in the first library file only.
@@ -290,7 +290,7 @@ int32_t V6DataExporter::ReadV2Layout() {
     ReadSettings();
     ReadLoginHistory();
   }
-  return 0;
+  return ExportResult::kExported;
 }
 
 void V6DataExporter::ReadSettings() {

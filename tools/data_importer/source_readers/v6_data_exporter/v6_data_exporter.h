@@ -31,7 +31,7 @@ class V6DataExporter : public DataExporter {
   explicit V6DataExporter(ImportModel* model);
   ~V6DataExporter() override;
 
-  int32_t ExportData() override;
+  [[nodiscard]] ExportResult ExportData() override;
   // Generation 6 has no summary: always empty.
   std::wstring Dump(const base::FilePath& path) override;
   // The "V1" database of the installation named in the registry, or empty.
@@ -65,8 +65,8 @@ class V6DataExporter : public DataExporter {
   bool CopyV2DatabasesUnguarded();
 
   // Layouts.
-  int32_t ReadV1Layout();
-  int32_t ReadV2Layout();
+  ExportResult ReadV1Layout();
+  ExportResult ReadV2Layout();
   // Adds the settings of the installation's "VanTa.xml" to the model; a
   // missing or unusable file adds nothing and the export goes on.
   void ReadSettings();

@@ -176,7 +176,7 @@ TEST_F(V6DataExporterTest, V1WinsAndTheWorkCopyIsReused) {
     record.Initialise(GetDataFolder());
     ImportModel model(&record);
     V6DataExporter exporter(&model);
-    ASSERT_EQ(0, exporter.ExportData()) << run;
+    ASSERT_EQ(ExportResult::kExported, exporter.ExportData()) << run;
     EXPECT_EQ(5u, model.m_share_files.size()) << run;
     EXPECT_EQ(3u, model.m_play_lists.size()) << run;
     EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
@@ -319,7 +319,7 @@ TEST_F(V6DataExporterTest, ProgressMovesWhileReading) {
   ImportModel model(&record);
   V6DataExporter exporter(&model);
   ProgressTrace trace(&record, profile_);
-  ASSERT_EQ(0, exporter.ExportData());
+  ASSERT_EQ(ExportResult::kExported, exporter.ExportData());
 
   // Music videos, the music items (by tenths, then their table step), the
   // lists (by tenths, then their step), the two download tables.
@@ -347,7 +347,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     record.Initialise(GetDataFolder());
     ImportModel model(&record);
     V6DataExporter exporter(&model);
-    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_EQ(4u, model.m_share_files.size());
     EXPECT_EQ(3u, model.m_play_lists.size());
     EXPECT_TRUE(model.m_downloads.empty());
@@ -363,7 +363,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     record.Initialise(GetDataFolder());
     ImportModel model(&record);
     V6DataExporter exporter(&model);
-    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_TRUE(model.m_share_files.empty());
     EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
     EXPECT_NE(std::string::npos, Log().find("Table {MusicItems} do not exists."));
@@ -398,7 +398,7 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
     record.Initialise(GetDataFolder());
     ImportModel model(&record);
     V6DataExporter exporter(&model);
-    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_EQ(1u, model.m_share_files.size());
     EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));  // music items 4 + lists 2
     EXPECT_NE(std::string::npos, Log().find("VTLibrary2.db} is not a readable file."));
@@ -414,7 +414,7 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   record.Initialise(GetDataFolder());
   ImportModel model(&record);
   V6DataExporter exporter(&model);
-  EXPECT_EQ(0, exporter.ExportData());
+  EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
   EXPECT_EQ(L"22", profile_.DBCheck(L"ImportState"));  // 16 + 4 + 2
   EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));
 }

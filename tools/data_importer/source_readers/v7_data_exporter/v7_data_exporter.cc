@@ -78,30 +78,30 @@ bool V7DataExporter::CopyDatabase() {
   return true;
 }
 
-int32_t V7DataExporter::ExportData() {
+ExportResult V7DataExporter::ExportData() {
   ClearLookups();
   // GetDataFolder creates the work folder when it is missing.
   if (GetDataFolder().empty() || !CopyDatabase()) {
     ReportState(ProgressRecord::kStateNotStarted);
     logging::OutputDebugStringW(L"CopyV7DatabasePluginSingerImages Failed!!!");
-    return 1;
+    return ExportResult::kNothingExported;
   }
   if (!base::PathExists(m_work_db)) {
     V7LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
   if (!OpenSourceWithRepair(m_work_db)) {
     V7LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_work_db.value()
                                 << L"}.";
     m_db->Close();
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
   if (!m_db->connection()->DoesTableExist("FileItems")) {
     V7LOG(logging::LOG_FAILURE) << L"Table {FileItems} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
 
   struct Step {
@@ -135,7 +135,7 @@ int32_t V7DataExporter::ExportData() {
   MigrateSkins();
   ClearLookups();
   V7LOG(logging::LOG_PROGRESS) << L"V7DataExporter::ExportData DONE!";
-  return 0;
+  return ExportResult::kExported;
 }
 
 // m_last_played_list stays -1 (none): see the header.

@@ -35,7 +35,7 @@ class V7DataExporter : public DataExporter {
   explicit V7DataExporter(ImportModel* model);
   ~V7DataExporter() override;
 
-  int32_t ExportData() override;
+  [[nodiscard]] ExportResult ExportData() override;
   // The table summary of the generation-7 tables.
   std::wstring Dump(const base::FilePath& path) override;
   // <roaming application data>/Vantu7/VTData.db.

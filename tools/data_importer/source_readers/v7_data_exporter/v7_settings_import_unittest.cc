@@ -42,7 +42,7 @@ class V7SettingsImportTest : public testing::Test {
   // Runs the exporter alone; answers the progress it reached.
   int Export(ImportModel* model) {
     V7DataExporter exporter(model);
-    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     return model->m_progress->progress();
   }
 

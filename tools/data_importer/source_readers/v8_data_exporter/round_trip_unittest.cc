@@ -35,7 +35,7 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
     ProgressRecord record;
     record.Initialise(GetDataFolder());
     model->m_progress = &record;
-    ASSERT_EQ(0, BuildDatabases(model, profile_.data_folder()));
+    ASSERT_TRUE(IsOk(BuildDatabases(model, profile_.data_folder())));
     model->m_progress = nullptr;
     ASSERT_TRUE(base::CreateDirectory(First(L"")));
     for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"})

@@ -73,7 +73,7 @@ bool V8DataExporter::PrepareWorkCopy(const wchar_t* original, const base::FilePa
   return false;
 }
 
-int32_t V8DataExporter::ExportData() {
+ExportResult V8DataExporter::ExportData() {
   GetDatabasePath();
   m_list_copy = GetDataFolder().Append(kListCopy);
   bool music = PrepareWorkCopy(kMusicDatabase, m_music_copy);
@@ -83,7 +83,7 @@ int32_t V8DataExporter::ExportData() {
   if (!lists)
     ReportState(ProgressRecord::kStateNotStarted);
   if (!music && !lists)
-    return 1;
+    return ExportResult::kNothingExported;
 
   // The library comes first: the list readers find their files in it.
   if (music) {
@@ -96,5 +96,5 @@ int32_t V8DataExporter::ExportData() {
   }
   ResetDatabase();
   V8LOG(logging::LOG_PROGRESS) << L"V8DataExporter::ExportData DONE!";
-  return 0;
+  return ExportResult::kExported;
 }

@@ -51,7 +51,7 @@ class V8DataExporter : public DataExporter {
   explicit V8DataExporter(ImportModel* model);
   ~V8DataExporter() override;
 
-  int32_t ExportData() override;
+  [[nodiscard]] ExportResult ExportData() override;
   // The table summary of a current-generation database.
   std::wstring Dump(const base::FilePath& path) override;
   // The work copy of "VTMusic.db" (the summary is only taken of copies).
