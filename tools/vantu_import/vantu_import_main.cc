@@ -25,7 +25,7 @@
 #include "base/time.h"
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/vantu_import/data_folder_check.h"
 #include "tools/vantu_import/demo_profile.h"
 #include "tools/vantu_import/host_options.h"
