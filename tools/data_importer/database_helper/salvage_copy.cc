@@ -233,8 +233,17 @@ class TableSalvage {
     while (have.Step())
       copied.insert(have.ColumnInt64(0));
     std::set<int64_t> known(lost->begin(), lost->end());
+    // Ordered by the index's first column, so that the engine walks the
+    // index alone (without an order or a condition it may find no plan for
+    // the named index).
+    std::string order;
+    sql::Statement info(db_->GetUniqueStatement(
+        ("PRAGMA damaged.index_info(" + Quoted(index) + ")").c_str()));
+    if (info.Step() && !info.ColumnString(2).empty())
+      order = " ORDER BY " + Quoted(info.ColumnString(2));
     sql::Statement listed(db_->GetUniqueStatement(
-        ("SELECT " + rowid_ + " FROM " + source_ + " INDEXED BY " + Quoted(index)).c_str()));
+        ("SELECT " + rowid_ + " FROM " + source_ + " INDEXED BY " + Quoted(index) + order)
+            .c_str()));
     while (listed.Step()) {
       int64_t id = listed.ColumnInt64(0);
       if (!copied.count(id) && known.insert(id).second)

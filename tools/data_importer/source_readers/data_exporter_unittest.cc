@@ -7,6 +7,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "testing/importer_test_util.h"
+#include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
@@ -23,6 +25,10 @@ class ProbeExporter : public DataExporter {
   using DataExporter::AdvanceReadProgress;
   using DataExporter::ObtainWorkCopy;
   using DataExporter::OpenSourceWithRepair;
+  using DataExporter::ReadRows;
+  using DataExporter::Report;
+  using DataExporter::ReportSalvageLosses;
+  using DataExporter::RowQuery;
   using DataExporter::WorkCopy;
   DatabaseHelper* db() { return m_db.get(); }
 };
@@ -81,6 +87,58 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   EXPECT_EQ(ProbeExporter::WorkCopy::kCopyFailed,
             exporter.ObtainWorkCopy(unreachable, find, L"Backup.db"));
   EXPECT_FALSE(base::PathExists(intermediate));
+}
+
+// A source no compaction repairs is read from its salvage copy: the rows
+// past the damaged page come through ReadRows, the rows an index names but
+// the table lost are counted as read and dropped, and the copy goes with
+// the exporter. A query that cannot be prepared fails its reader.
+TEST(DataExporterTest, SalvagedSourceIsReadAndItsLossesCounted) {
+  testing_support::ScopedTempDir dir;
+  base::FilePath work = dir.path().Append(L"work.db");
+  {
+    sql::Connection db;
+    db.set_page_size(4096);
+    ASSERT_TRUE(db.Open(work));
+    ASSERT_TRUE(db.Execute(
+        "CREATE TABLE T(ID INTEGER PRIMARY KEY, Pad TEXT);"
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
+        "INSERT INTO T SELECT i, hex(randomblob(90)) FROM n;"
+        "CREATE INDEX ByPad ON T(Pad);"));
+  }
+  std::string bytes = testing_support::ReadBytes(work);
+  bytes.replace(40 * 4096, 4096, 4096, '\0');  // a leaf of T
+  testing_support::WriteBytes(work, bytes);
+  base::FilePath salvage(work.value() + L".salvage");
+  base::Value report;
+  {
+    ProbeExporter exporter;
+    ASSERT_TRUE(exporter.OpenSourceWithRepair(work));
+    EXPECT_TRUE(base::PathExists(salvage));
+    auto rows = exporter.ReadRows({"SELECT * FROM T", "T"}, [](DbRowReader& row, SourceTableTally&) {
+      return row.GetInt("ID") % 2 == 0;  // keeps the even ones
+    });
+    EXPECT_TRUE(rows.ok);
+    EXPECT_GT(rows.read, 1950u);
+    EXPECT_LT(rows.read, 2000u);
+    EXPECT_NEAR(rows.read / 2.0, rows.kept, 20);
+    exporter.ReportSalvageLosses({{"t", 16, nullptr, "Target"}});
+    EXPECT_FALSE(exporter.ReadRows({"SELECT * FROM Missing", "Missing"},
+                                   [](DbRowReader&, SourceTableTally&) { return true; })
+                     .ok);
+    report = exporter.Report()->ToJson();
+    const base::Value* salvaged = FindEntry(report["salvage"], "table", "T");
+    ASSERT_NE(nullptr, salvaged);
+    EXPECT_EQ(static_cast<int64_t>(rows.read), (*salvaged)["rows_salvaged"]);
+    EXPECT_EQ(2000 - static_cast<int64_t>(rows.read), (*salvaged)["rows_known_lost"]);
+    const base::Value* table = FindEntry(report["source_tables"], "table", "T");
+    ASSERT_NE(nullptr, table);
+    EXPECT_EQ(2000, (*table)["rows_read"]);  // the lost rows are counted too
+    EXPECT_EQ(2000 - static_cast<int64_t>(rows.read),
+              exporter.Report()->DropCount(drop_reason::kSourceRowsUnreadable));
+  }
+  EXPECT_FALSE(base::PathExists(salvage));
+  EXPECT_EQ(bytes, testing_support::ReadBytes(work));
 }
 
 TEST(DataExporterTest, OpenSourceWithRepairRefusesGarbage) {
