@@ -71,6 +71,8 @@ TEST_F(SourceSafetyTest, Generation7OriginalReadOnlyAndDamagedStaysAsItWas) {
   EXPECT_NE(std::string::npos,
             testing_support::ReadBytes(Data(L"DataImporter.log")).find("fails the integrity check"));
   EXPECT_FALSE(base::PathExists(base::FilePath(Data(L"VT7Data.db").value() + L".salvage")));
+  // The rows lost with the damaged page are part of the report's sums.
+  ExpectReportReconciles(ReadImportReport(profile_.data_folder()), profile_.data_folder());
 }
 
 TEST_F(SourceSafetyTest, Generation6OriginalReadOnlyStaysAsItWas) {
