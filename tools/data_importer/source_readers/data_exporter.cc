@@ -86,8 +86,10 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
   const bool have_source = !source.empty() && base::PathExists(source);
   const base::FilePath record = SourceRecordPath(work_copy);
   std::string why;
+  bool reuse = false;
   if (base::PathExists(work_copy)) {
     if (!have_source) {
+      reuse = true;
       why = "reused: its source no longer exists";
     } else {
       std::string recorded;
@@ -97,6 +99,8 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
       else if (!now || *now != recorded)
         why = "copied again: the source changed since the copy";
       else
+        reuse = true;
+      if (reuse)
         why = "reused: the source is unchanged since the copy";
     }
   } else {
@@ -106,7 +110,7 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
   }
 
   WorkCopy result = WorkCopy::kReused;
-  if (why.rfind("reused", 0) != 0) {
+  if (!reuse) {
     VLOG_AT(logging::LOG_PROGRESS) << LogTag() << L"Work copy {" << work_copy.value() << L"} "
                                    << base::UTF8ToWide(why) << L".";
     // The record goes first: a copy without one is never trusted again.
