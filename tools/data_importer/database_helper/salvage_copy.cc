@@ -1,6 +1,9 @@
 #include "tools/data_importer/database_helper/salvage_copy.h"
 
+#include <sqlite3.h>
+
 #include <algorithm>
+#include <chrono>
 #include <cctype>
 #include <limits>
 #include <optional>
@@ -72,10 +75,37 @@ std::vector<SchemaEntry> ReadSchema(sql::Connection* db) {
   return entries;
 }
 
+// The time a salvage may take. Damage can make the engine wander a long way
+// (a damaged page claiming children all over the file); once the time is
+// spent, every statement still running is interrupted and the walk ends,
+// keeping what it copied. A sound table of a large library is copied in
+// seconds.
+class TimeBudget {
+ public:
+  explicit TimeBudget(sql::Connection* db)
+      : db_(db), deadline_(std::chrono::steady_clock::now() + std::chrono::seconds(kSeconds)) {}
+  bool Spent() const { return std::chrono::steady_clock::now() > deadline_; }
+  // Whether statements are interrupted once the time is spent: on while
+  // the damaged file is walked, off for the work on the copy alone
+  // (counting it, building its indexes, committing it).
+  void Arm(bool on) const {
+    sqlite3_progress_handler(db_->db(), on ? 10000 : 0, on ? &TimeBudget::Interrupt : nullptr,
+                             const_cast<TimeBudget*>(this));
+  }
+
+ private:
+  static constexpr int kSeconds = 60;
+  static int Interrupt(void* self) { return static_cast<TimeBudget*>(self)->Spent() ? 1 : 0; }
+
+  sql::Connection* db_;
+  std::chrono::steady_clock::time_point deadline_;
+};
+
 // Copies one table of the attached damaged file into the main database.
 class TableSalvage {
  public:
-  TableSalvage(sql::Connection* db, const std::string& name) : db_(db), name_(name) {
+  TableSalvage(sql::Connection* db, const std::string& name, const TimeBudget* budget)
+      : db_(db), name_(name), budget_(budget) {
     source_ = std::string(kDamaged) + "." + Quoted(name);
     target_ = "main." + Quoted(name);
   }
@@ -99,8 +129,10 @@ class TableSalvage {
       for (const std::string& index : indexes)
         CollectIndexedRowIds(index, &result.lost_rowids);
     }
+    budget_->Arm(false);
     sql::Statement count(db_->GetUniqueStatement(("SELECT COUNT(*) FROM " + target_).c_str()));
     result.rows_copied = count.Step() ? count.ColumnInt64(0) : 0;
+    budget_->Arm(true);
     return result;
   }
 
@@ -151,15 +183,17 @@ class TableSalvage {
   void Walk() {
     bool first = true;
     int64_t from = kMinRowId;
-    for (int part = 0; part < kMaxDamagedParts; ++part) {
+    for (int part = 0; part < kMaxDamagedParts && !budget_->Spent(); ++part) {
       std::string select = first ? "SELECT " + rowid_ + ", " + columns_ + " FROM " + source_ +
                                        " ORDER BY " + rowid_
                                  : Select(from);
       sql::Statement walk(db_->GetUniqueStatement(select.c_str()));
       int64_t last = from;
       int64_t rows = 0;
+      // Damage can hand back row ids out of order; the walk goes on past
+      // the largest one read, so it always moves forward.
       while (walk.Step()) {
-        last = walk.ColumnInt64(0);
+        last = std::max(last, walk.ColumnInt64(0));
         ++rows;
       }
       const bool ended = walk.Succeeded();
@@ -180,7 +214,7 @@ class TableSalvage {
       // A walk that could not even begin looks from row id 1 upward, where
       // the row ids of every table the importer reads begin; rows under
       // negative ids past a damaged start are not looked for.
-      const int64_t base = rows > 0 ? last : first ? 0 : from;
+      const int64_t base = first ? (rows > 0 ? last : 0) : std::max(last, from);
       std::optional<int64_t> next = NextReadable(base);
       if (!next)
         return;
@@ -199,7 +233,7 @@ class TableSalvage {
     };
     uint64_t step = 1;
     uint64_t bad = 0;  // distance from |base| known to fail
-    while (true) {
+    while (!budget_->Spent()) {
       const uint64_t distance = std::min(step, room);
       Probe probe = ProbeFrom(plus(distance));
       if (probe == Probe::kEnd)
@@ -213,6 +247,8 @@ class TableSalvage {
       bad = distance;
       step = step > room / 2 ? room : step * 2;
     }
+    if (budget_->Spent())
+      return std::nullopt;
     // Back down to the boundary: |bad| fails, |step| reads.
     uint64_t good = step;
     while (good - bad > 1) {
@@ -253,6 +289,7 @@ class TableSalvage {
 
   sql::Connection* db_;
   std::string name_;
+  const TimeBudget* budget_;
   std::string source_;
   std::string target_;
   std::string columns_;
@@ -290,6 +327,7 @@ static SalvageResult SalvageReadable(const base::FilePath& damaged, const base::
   sql::Connection db;
   if (!db.Open(fresh) || !db.AttachDatabase(damaged, kDamaged))
     return result;
+  TimeBudget budget(&db);
   std::vector<SchemaEntry> schema = ReadSchema(&db);
   if (!db.BeginTransaction())
     return result;
@@ -306,9 +344,11 @@ static SalvageResult SalvageReadable(const base::FilePath& damaged, const base::
       if (index.type == "index" && EqualsIgnoringCase(index.table, entry.name))
         indexes.push_back(index.name);
     }
-    TableSalvage table(&db, entry.name);
+    TableSalvage table(&db, entry.name, &budget);
+    budget.Arm(true);
     result.tables.push_back(
         table.Run(indexes, ContainsIgnoringCase(entry.sql, "without rowid")));
+    budget.Arm(false);
   }
   // The indexes are built anew from the copied rows; one that the rows no
   // longer satisfy (a unique index over damaged values) is left out.
