@@ -146,7 +146,7 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
   EXPECT_FALSE(report["dbcheck"].contains("ImportEnd"));
   EXPECT_TRUE(report["flows"].empty());
   EXPECT_TRUE(report["sources"].empty());
-  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"ImportReport.json.tmp")));
+  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(importer_names::kReportTempFileName)));
 }
 
 // Frees pages of the database at |path| and then forgets them in the file
