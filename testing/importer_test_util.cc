@@ -19,6 +19,7 @@
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
 #include "sql/statement.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
@@ -229,7 +230,7 @@ std::string Family(const std::string& table) {
 
 base::Value ReadImportReport(const base::FilePath& data_folder) {
   base::Value report;
-  EXPECT_TRUE(base::ReadJsonFile(data_folder.Append(L"ImportReport.json"), &report));
+  EXPECT_TRUE(base::ReadJsonFile(data_folder.Append(importer_names::kReportFileName), &report));
   return report;
 }
 
@@ -308,4 +309,23 @@ long ProcessorMicrosOfWholeRun() {
   }
   return usage.ru_utime.tv_sec * 1000000L + usage.ru_utime.tv_usec +
          usage.ru_stime.tv_sec * 1000000L + usage.ru_stime.tv_usec;
+}
+
+V6Music NumberedV6Music(int id, const std::wstring& title, wchar_t hash_fill, int mv_id) {
+  V6Music m;
+  m.id = id;
+  m.title = title;
+  m.file_name = L"D:\\Music\\" + title + L".mp3";
+  m.hash = testing_support::NumberedHash(id, hash_fill);
+  m.mv_id = mv_id;
+  return m;
+}
+
+V7Music NumberedV7Music(int id, const std::wstring& title, wchar_t hash_fill) {
+  V7Music m;
+  m.id = id;
+  m.title = title;
+  m.file_name = L"D:\\Music\\" + title + L".mp3";
+  m.hash = testing_support::NumberedHash(id, hash_fill);
+  return m;
 }

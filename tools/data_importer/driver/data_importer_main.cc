@@ -106,7 +106,7 @@ void Run() {
   // The account of the run, for the player's support and the host program.
   if (!data_folder.empty() && !report.Write(data_folder)) {
     VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: cannot write {"
-                                  << data_folder.Append(L"ImportReport.json").value()
+                                  << data_folder.Append(importer_names::kReportFileName).value()
                                   << L"}, error code {" << base::GetLastSystemError() << L"}.";
   }
 }

@@ -27,12 +27,7 @@ std::wstring Hash(int n) {
 }
 
 V6Music Music(int id, const std::wstring& title) {
-  V6Music m;
-  m.id = id;
-  m.title = title;
-  m.file_name = L"D:\\Music\\" + title + L".mp3";
-  m.hash = Hash(id);
-  return m;
+  return NumberedV6Music(id, title, L'B');
 }
 
 class ImportReportTest : public testing::Test {
@@ -146,7 +141,7 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
   EXPECT_FALSE(report["dbcheck"].contains("ImportEnd"));
   EXPECT_TRUE(report["flows"].empty());
   EXPECT_TRUE(report["sources"].empty());
-  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"ImportReport.json.tmp")));
+  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(importer_names::kReportTempFileName)));
 }
 
 // Frees pages of the database at |path| and then forgets them in the file

@@ -15,7 +15,6 @@
 #include "tools/data_importer/settings/v6_settings_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
 
-#define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
 
 namespace {
 
@@ -108,7 +107,7 @@ ExportResult V6DataExporter::ExportData() {
 }
 
 const wchar_t* V6DataExporter::LogTag() const {
-  return L"[V6数据导入] ";
+  return kV6LogTag;
 }
 
 void V6DataExporter::CopyLyrics() {

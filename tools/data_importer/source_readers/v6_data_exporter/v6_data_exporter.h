@@ -9,11 +9,17 @@
 #include <vector>
 
 #include "base/file_path.h"
+#include "logging/logging.h"
 #include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_records.h"
 
 class RowReaderInterface;
 
+
+// The tag that starts every log line of this reader, and the macro that
+// writes such a line at |level|.
+inline constexpr wchar_t kV6LogTag[] = L"[V6数据导入] ";
+#define V6LOG(level) VLOG_AT(level) << kV6LogTag
 // Imports a generation-6 installation. Generation 6 kept its data in one of
 // two layouts: "V1", the single database "VTData.db" beside the program, or
 // "V2", the library files "VTLibrary.db", "VTLibrary<N>.db". The exporter

@@ -12,7 +12,6 @@
 #include "tools/data_importer/settings/v7_settings_migration.h"
 #include "tools/data_importer/target_store/import_model.h"
 
-#define V7LOG(level) VLOG_AT(level) << L"[V7数据导入] "
 
 namespace {
 
@@ -29,7 +28,7 @@ V7DataExporter::V7DataExporter(ImportModel* model) : DataExporter(model) {}
 V7DataExporter::~V7DataExporter() = default;
 
 const wchar_t* V7DataExporter::LogTag() const {
-  return L"[V7数据导入] ";
+  return kV7LogTag;
 }
 
 std::wstring V7DataExporter::Dump(const base::FilePath& path) {

@@ -5,7 +5,6 @@
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
-#define V8LOG(level) VLOG_AT(level) << L"[V8数据导入] "
 
 namespace {
 
@@ -41,7 +40,7 @@ V8DataExporter::V8DataExporter(ImportModel* model) : DataExporter(model) {}
 V8DataExporter::~V8DataExporter() = default;
 
 const wchar_t* V8DataExporter::LogTag() const {
-  return L"[V8数据导入] ";
+  return kV8LogTag;
 }
 
 base::FilePath V8DataExporter::GetDatabasePath() {
