@@ -379,24 +379,22 @@ std::wstring DumpTableSummary(const base::FilePath& path, const DumpTableList& t
   DatabaseHelper helper;
   if (!helper.OpenReadOnly(path))
     return L"Failed to open database file {" + path.value() + L"}.\n";
-  const bool sound = helper.CheckIntegrity();
+  // A file that fails the check is not counted: the engine's walk of a
+  // damaged page is left to the salvage of our own copy.
+  if (!helper.CheckIntegrity()) {
+    return L"SUMMARY OF DB FILE {" + path.value() +
+           L"}: \n\tThe file fails the integrity check; it is left as it is.\n";
+  }
   std::wstring summary = L"SUMMARY OF DB FILE {" + path.value() + L"}: \n";
-  if (!sound)
-    summary += L"\tThe file fails the integrity check; it is left as it is and read as far as "
-               L"it can be.\n";
   sql::Connection* connection = helper.connection();
   for (const auto& [table, column] : tables) {
     if (!connection->DoesTableExist(table))
       continue;
     std::string query = (boost::format("SELECT COUNT( %s ) AS CNT FROM %s") % column % table).str();
     DbRowReader reader(*connection, query);
-    std::wstring line = L"\t" + base::UTF8ToWide(table) + L": COUNT(" + base::UTF8ToWide(column);
-    if (reader.Step())
-      summary += line + L") is {" + std::to_wstring(reader.GetInt("CNT")) + L"}.\n";
-    else if (!sound)
-      summary += line + L") cannot be read.\n";
-    else
-      summary += line + L") is {0}.\n";
+    int count = reader.Step() ? reader.GetInt("CNT") : 0;
+    summary += L"\t" + base::UTF8ToWide(table) + L": COUNT(" + base::UTF8ToWide(column) +
+               L") is {" + std::to_wstring(count) + L"}.\n";
   }
   return summary;
 }
