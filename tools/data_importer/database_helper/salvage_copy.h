@@ -11,11 +11,11 @@
 struct SalvagedTable {
   std::string name;
   int64_t rows_copied = 0;
-  // Row ids an index of the table lists that could not be read from the
-  // table itself: rows known to be lost.
+  // Row ids known to be lost. None are found today: the only witness, an
+  // index of the damaged table, is not read (see SalvageCopy).
   std::vector<int64_t> lost_rowids;
-  // False when the walk met a damaged part of the table: rows there may be
-  // lost without a trace (an index, when there is one, names some).
+  // False when the walk met a damaged part of the table: rows there are
+  // lost without a trace.
   bool complete = true;
 
   bool lost_rows() const { return !complete || !lost_rowids.empty(); }
@@ -38,7 +38,9 @@ struct SalvageResult {
 // walk then looks for the first row id past the damage from which a seek
 // reads again (doubling the distance, then halving back to the boundary) and
 // goes on from there. So a damaged page costs the rows it holds, not the
-// rest of the table. Triggers and views are not copied: a copy made to be
+// rest of the table. Only table pages are walked: the engine crashed
+// reading a damaged index page, so the damaged file's indexes are never
+// read (the copy's are built anew from its rows). Triggers and views are not copied: a copy made to be
 // read needs neither, and a trigger would fire on every copied row.
 [[nodiscard]] SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& fresh);
 
