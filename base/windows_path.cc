@@ -24,7 +24,7 @@ std::wstring WithSeparators(std::wstring path) {
 
 }  // namespace
 
-FilePath MapWindowsPath(const std::wstring& path) {
+FilePath MapWindowsPath(const std::wstring& path, const DriveMap& drives) {
 #if defined(_WIN32)
   return FilePath(path);
 #else
@@ -33,16 +33,26 @@ FilePath MapWindowsPath(const std::wstring& path) {
   if (path.size() < 2 || !IsDriveLetter(path[0]) || path[1] != L':')
     return FilePath(WithSeparators(path));
 
-  char letter = static_cast<char>(path[0] >= L'a' ? path[0] - 32 : path[0]);
-  const std::string variable = std::string("VANTU_DRIVE_") + letter;
-  const char* folder = getenv(variable.c_str());
-  if (!folder || !*folder)
+  wchar_t letter = path[0] >= L'a' ? path[0] - 32 : path[0];
+  auto drive = drives.find(letter);
+  if (drive == drives.end() || drive->second.empty())
     return FilePath();
   std::wstring rest = WithSeparators(path.substr(2));
   size_t begin = rest.find_first_not_of(L'/');
-  FilePath mapped = FilePath::FromUTF8Unsafe(folder);
+  const FilePath& mapped = drive->second;
   return begin == std::wstring::npos ? mapped : mapped.Append(rest.substr(begin));
 #endif
+}
+
+DriveMap DriveMapFromEnvironment() {
+  DriveMap drives;
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    const std::string variable = std::string("VANTU_DRIVE_") + letter;
+    const char* folder = getenv(variable.c_str());
+    if (folder && *folder)
+      drives[static_cast<wchar_t>(letter)] = FilePath::FromUTF8Unsafe(folder);
+  }
+  return drives;
 }
 
 }  // namespace base

@@ -6,14 +6,14 @@
 #include "logging/logging.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/data_exporter.h"
-#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/import_report.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/exporter_factory.h"
 
-void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
+void RunImport(const RunContext& context, ProgressRecord* record,
+               const BuildStageCallback& stage_done) {
   ImportModel model;
   model.m_progress = record;
 
@@ -28,7 +28,7 @@ void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
     stage_start = std::chrono::steady_clock::now();
   };
 
-  std::unique_ptr<DataExporter> exporter = CreateExporter(record->import_kind(), &model);
+  std::unique_ptr<DataExporter> exporter = CreateExporter(context, record->import_kind(), &model);
   base::FilePath source = exporter->GetDatabasePath();
   std::wstring summary = exporter->Dump(source);
   if (!summary.empty())
@@ -36,7 +36,7 @@ void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
   int32_t exported = exporter->ExportData();
   timed_stage_done("Export");
   if (exported == 0) {
-    BuildDatabases(&model, GetDataFolder(), timed_stage_done);
+    BuildDatabases(&model, context.m_data_folder, timed_stage_done);
     // What the finished files held when they were read back (before they
     // replaced the old ones), beside what the writers sent.
     for (const auto& [name, verified] :

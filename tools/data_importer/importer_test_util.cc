@@ -31,6 +31,18 @@ TestProfile::TestProfile() {
   env_.Set("VANTU_LOG_STDERR", std::nullopt);
 }
 
+RunContext TestRunContext(const base::FilePath& source_folder) {
+  RunContext context = RunContextFromEnvironment();
+  context.m_source_folder = source_folder;
+  if (!context.m_data_folder.empty() && !base::DirectoryExists(context.m_data_folder))
+    EXPECT_TRUE(base::CreateDirectory(context.m_data_folder));
+  return context;
+}
+
+base::FilePath TestDataFolder() {
+  return TestRunContext().m_data_folder;
+}
+
 void TestProfile::SetRegistryValue(const std::wstring& key, const std::wstring& name,
                                    const std::wstring& value) {
   std::wstring escaped;

@@ -9,6 +9,7 @@
 #include "base/json_file.h"
 #include "logging/logging.h"
 #include "testing/test_support.h"
+#include "tools/data_importer/environment/run_context.h"
 
 // A user profile of its own for one test: a temporary folder holding the
 // per-user ("local") and roaming application-data folders and a registry
@@ -43,6 +44,15 @@ class TestProfile {
   std::wstring registry_;
   logging::ScopedLogging logging_{{data_folder().Append(L"DataImporter.log"), 0, false}};
 };
+
+// The run context the test's environment gives (a TestProfile's folders
+// and registry, any drives the test has set), with |source_folder| as the
+// player's switch "i"; its data folder is made, as the entry point makes it
+// at the start of a run.
+RunContext TestRunContext(const base::FilePath& source_folder = base::FilePath());
+
+// The data folder of TestRunContext(), made when missing.
+base::FilePath TestDataFolder();
 
 class ProgressRecord;
 

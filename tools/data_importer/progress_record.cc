@@ -3,7 +3,6 @@
 #include "base/file_util.h"
 #include "base/profile_string.h"
 #include "base/string_number_conversions.h"
-#include "tools/data_importer/data_folder.h"
 #include "tools/data_importer/import_report.h"
 
 using importer_names::kDBCheckSection;
@@ -38,8 +37,7 @@ void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
     key_observer_(key, value);
 }
 
-void ProgressRecord::Initialise() {
-  base::FilePath folder = GetDataFolder();
+void ProgressRecord::Initialise(const base::FilePath& folder) {
   if (!folder.empty())
     ini_path_ = base::ResolvePathCase(folder.Append(kSettingsFileName)).value();
   WriteKey(kKeyImportProgress, L"");

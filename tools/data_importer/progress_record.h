@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "base/file_path.h"
 #include "tools/data_importer/importer_names.h"
 class ImportReport;
 
@@ -33,11 +34,11 @@ class ProgressRecord {
   ProgressRecord(const ProgressRecord&) = delete;
   ProgressRecord& operator=(const ProgressRecord&) = delete;
 
-  // Computes the settings-file path (creating the data folder) and resets
-  // the section: "ImportProgress", "ImportState", "UpdateProgress",
+  // Takes the settings file of |data_folder| (none when it is empty) and
+  // resets the section: "ImportProgress", "ImportState", "UpdateProgress",
   // "ImportPlayLists" and "ForceDeleteDb" empty, then "BeforceImportEmpty"
   // = "-1".
-  void Initialise();
+  void Initialise(const base::FilePath& data_folder);
 
   // Adds |delta| to the progress; a sum below |floor| becomes |floor|, one
   // of 100 or more becomes 99 (only the entry point writes "100"). Writes

@@ -3,7 +3,6 @@
 #include <cwchar>
 
 #include "base/file_util.h"
-#include "base/path_service.h"
 #include "tools/data_importer/installation_lookup.h"
 
 bool IsTask(const std::wstring& task, const wchar_t* name) {
@@ -46,7 +45,9 @@ void CopyLibraryFiles(const base::FilePath& source, const base::FilePath& target
 
 }  // namespace
 
-std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath& source_folder) {
+std::wstring DecideTask(const RunContext& context) {
+  const base::FilePath& data_folder = context.m_data_folder;
+  const base::FilePath& source_folder = context.m_source_folder;
   if (ExistsIn(data_folder, importer_names::kMusicDatabaseV3) ||
       ExistsIn(data_folder, importer_names::kPlaylistDatabaseV3))
     return kTaskUpdateVersion2;
@@ -55,11 +56,11 @@ std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath&
   if (ExistsIn(data_folder, L"VTMusic.db") || ExistsIn(data_folder, L"vantu.db"))
     return kTaskImportCurrent;
 
-  base::FilePath roaming = base::GetRoamingAppDataFolder();
+  const base::FilePath& roaming = context.m_roaming_app_data;
   if (!roaming.empty() && base::PathExists(roaming.Append(L"VanTu7").Append(L"VTData.db")))
     return kTaskImportGeneration7;
 
-  base::FilePath generation6 = GetGeneration6ProgramPath();
+  base::FilePath generation6 = GetGeneration6ProgramPath(context);
   if (!generation6.empty() && base::PathExists(generation6))
     return kTaskImportGeneration6;
 
@@ -74,7 +75,7 @@ std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath&
     return kTaskImportGeneration6;
   }
 
-  base::FilePath edition2008 = ReadRegistryPath(L"Software\\VanTa", L"AppFileName");
+  base::FilePath edition2008 = ReadRegistryPath(context, L"Software\\VanTa", L"AppFileName");
   if (!edition2008.empty() && base::PathExists(edition2008))
     return kTaskImport2008;
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/file_path.h"
+#include "tools/data_importer/environment/run_context.h"
 #include "tools/data_importer/importer_names.h"
 
 // Task names of a run (defined with the other shared names).
@@ -22,11 +23,11 @@ bool IsTask(const std::wstring& task, const wchar_t* name);
 // 3 generation 7, 4 current generation), 0 for any other name.
 int ImportKindOfTask(const std::wstring& task);
 
-// Decides the run's task from what lies in |data_folder|, the roaming
-// application-data folder, the registry and |source_folder| (the "i" switch;
-// may be empty). First match wins; may copy generation-6 database files from
-// |source_folder| into |data_folder| on the way. Answers an empty name when
-// there is nothing to do.
-std::wstring DecideTask(const base::FilePath& data_folder, const base::FilePath& source_folder);
+// Decides the run's task from what lies in the context's data folder, its
+// roaming application-data folder, the registry and its source folder (the
+// "i" switch; may be empty). First match wins; may copy generation-6
+// database files from the source folder into the data folder on the way.
+// Answers an empty name when there is nothing to do.
+std::wstring DecideTask(const RunContext& context);
 
 #endif  // TOOLS_DATA_IMPORTER_TASK_DECISION_H_

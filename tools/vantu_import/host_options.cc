@@ -221,10 +221,11 @@ bool CheckHostPaths(const HostOptions& options, std::string* error) {
   return true;
 }
 
-bool CheckSourceFolder(const HostOptions& options, std::string* error) {
+bool CheckSourceFolder(const HostOptions& options, const RunContext& context,
+                       std::string* error) {
   if (options.source.empty())
     return true;
-  base::FilePath mapped = base::MapWindowsPath(base::UTF8ToWide(options.source));
+  base::FilePath mapped = base::MapWindowsPath(base::UTF8ToWide(options.source), context.m_drives);
   if (mapped.empty()) {
     *error = "--i " + options.source + ": no folder stands for its drive (see --drive)";
     return false;
@@ -232,35 +233,27 @@ bool CheckSourceFolder(const HostOptions& options, std::string* error) {
   return CheckPath("--i", options.source, true, error, mapped);
 }
 
-std::vector<std::string> NormalisedSourceArguments(int argc, const char* const* argv) {
-  std::vector<std::string> args;
-  bool changed = false;
-  for (int i = 0; i < argc; ++i) {
-    if (i > 0 && std::strcmp(argv[i], "--i") == 0 && i + 1 < argc) {
-      args.push_back(std::string("--i=") + argv[++i]);
-      changed = true;
-    } else {
-      args.push_back(argv[i]);
-    }
-  }
-  return changed ? args : std::vector<std::string>();
-}
-
-void ApplyHostEnvironment(const HostOptions& options) {
+RunContext HostRunContext(const HostOptions& options) {
+  RunContext context = RunContextFromEnvironment();
+  context.m_variables.clear();
   if (!options.profile.empty()) {
-    setenv("LOCALAPPDATA", (options.profile + "/AppData/Local").c_str(), 1);
-    setenv("APPDATA", (options.profile + "/AppData/Roaming").c_str(), 1);
-    // REG_EXPAND_SZ values of the profile's registry refer to it.
-    setenv("USERPROFILE", options.profile.c_str(), 1);
+    base::FilePath profile = base::FilePath::FromUTF8Unsafe(options.profile);
+    context.m_local_app_data = profile.Append(L"AppData").Append(L"Local");
+    context.m_roaming_app_data = profile.Append(L"AppData").Append(L"Roaming");
+    context.m_user_profile = profile;
   }
   for (const std::string& drive : options.drives)
-    setenv(("VANTU_DRIVE_" + drive.substr(0, 1)).c_str(), drive.substr(2).c_str(), 1);
+    context.m_drives[static_cast<wchar_t>(drive[0])] = base::FilePath::FromUTF8Unsafe(drive.substr(2));
   if (!options.local_appdata.empty())
-    setenv("LOCALAPPDATA", options.local_appdata.c_str(), 1);
+    context.m_local_app_data = base::FilePath::FromUTF8Unsafe(options.local_appdata);
   if (!options.roaming_appdata.empty())
-    setenv("APPDATA", options.roaming_appdata.c_str(), 1);
+    context.m_roaming_app_data = base::FilePath::FromUTF8Unsafe(options.roaming_appdata);
   if (!options.registry.empty())
-    setenv("VANTU_REGISTRY_FILE", options.registry.c_str(), 1);
+    context.m_registry_file = base::FilePath::FromUTF8Unsafe(options.registry);
+  if (!options.source.empty())
+    context.m_source_folder = base::MapWindowsPath(base::UTF8ToWide(options.source), context.m_drives);
+  SetLocalAppData(context.m_local_app_data, &context);
   if (options.verbose)
-    setenv("VANTU_LOG_STDERR", "1", 1);
+    context.m_log_to_stderr = true;
+  return context;
 }

@@ -20,11 +20,10 @@
 #include <vector>
 
 #include "base/file_util.h"
-#include "base/path_service.h"
 #include "base/string_number_conversions.h"
 #include "base/time.h"
 #include "base/utf_string_conversions.h"
-#include "tools/data_importer/data_importer_main.h"
+#include "tools/data_importer/data_importer_run.h"
 #include "tools/data_importer/importer_names.h"
 #include "tools/vantu_import/data_folder_check.h"
 #include "tools/vantu_import/demo_profile.h"
@@ -88,15 +87,15 @@ class ProgressView {
   std::wstring last_value_;
 };
 
-// Runs DataImporterMain on a worker thread and shows its progress until it
-// returns.
-void RunImporter(const base::FilePath& ini, ProgressView* view) {
+// Runs the importer on |context| on a worker thread and shows its progress
+// until it returns.
+void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressView* view) {
   std::mutex mutex;
   std::condition_variable finished;
   bool done = false;
   auto start = std::chrono::steady_clock::now();
   std::thread worker([&] {
-    DataImporterMain();
+    RunDataImporter(context);
     std::lock_guard<std::mutex> lock(mutex);
     done = true;
     finished.notify_one();
@@ -168,13 +167,10 @@ ReportFile StatReport(const base::FilePath& path) {
   return file;
 }
 
-int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
-  ApplyHostEnvironment(options);
-  base::FilePath app_data;
-  // Unknown, the data folder is relative and the outcome shows nothing found.
-  (void)base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data);
-  base::FilePath real_data_folder =
-      base::ResolvePathCase(app_data.Append(names::kDataFolderName));
+int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run_folder) {
+  base::FilePath real_data_folder = context.m_data_folder;
+  if (real_data_folder.empty())
+    return Fail(kExitFailed, "no local application-data folder: give --local-appdata or --profile");
   base::FilePath data_folder = real_data_folder;
   std::string error;
 
@@ -191,7 +187,7 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
       if (!CopyFolder(real_data_folder, data_folder, &error))
         return Fail(kExitFailed, error);
     }
-    setenv("LOCALAPPDATA", temp.AsUTF8Unsafe().c_str(), 1);
+    SetLocalAppData(temp, &context);
   }
   if (!CheckDataFolder(data_folder, &error))
     return Fail(kExitFailed, error);
@@ -201,7 +197,7 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
   ReportFile before = StatReport(report_path);
   bool text = !options.json && !options.quiet;
   ProgressView view(text, isatty(STDOUT_FILENO) && !options.verbose);
-  RunImporter(ini, &view);
+  RunImporter(context, ini, &view);
 
   // The run must have left both its record in "DBCheck" and a new report.
   ReportFile after = StatReport(report_path);
@@ -268,18 +264,6 @@ int main(int argc, char** argv) {
   if (!CheckHostPaths(options, &error))
     return Fail(kExitUsage, error);
 
-  // The importer reads "--i" from the process command line in the form
-  // "--i=DIR" only: the program starts again with that form.
-  std::vector<std::string> normalised = NormalisedSourceArguments(argc, argv);
-  if (!normalised.empty()) {
-    std::vector<char*> args;
-    for (std::string& arg : normalised)
-      args.push_back(arg.data());
-    args.push_back(nullptr);
-    execv("/proc/self/exe", args.data());
-    return Fail(kExitFailed, std::string("cannot restart with --i=DIR: ") + std::strerror(errno));
-  }
-
   TemporaryFolder demo_folder;
   if (options.demo) {
     if (!demo_folder.Create("vantu-demo-", options.keep))
@@ -299,9 +283,9 @@ int main(int argc, char** argv) {
   }
   if (!ResolveProfileOptions(&options, &error))
     return Fail(kExitUsage, error);
-  ApplyHostEnvironment(options);
-  if (!CheckSourceFolder(options, &error))
+  RunContext context = HostRunContext(options);
+  if (!CheckSourceFolder(options, context, &error))
     return Fail(kExitUsage, error);
   TemporaryFolder dry_run_folder;
-  return Run(options, &dry_run_folder);
+  return Run(options, std::move(context), &dry_run_folder);
 }

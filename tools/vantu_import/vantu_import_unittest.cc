@@ -55,11 +55,27 @@ TEST(HostOptionsTest, SourceFolderInBothFormsAndNewSwitches) {
   EXPECT_FALSE(Parse({"--registry", ""}, &bad, &error));
   EXPECT_EQ("option --registry: empty value", error);
 
-  const char* spaced[] = {"vantu-import", "--quiet", "--i", "/old player", "--json"};
-  EXPECT_EQ((std::vector<std::string>{"vantu-import", "--quiet", "--i=/old player", "--json"}),
-            NormalisedSourceArguments(5, spaced));
-  const char* joined[] = {"vantu-import", "--i=/old", "--quiet"};
-  EXPECT_TRUE(NormalisedSourceArguments(3, joined).empty());
+}
+
+// The options become the run's context: the single-folder options win over
+// the profile's folders, and --i is a Windows path on a --drive folder.
+TEST(HostOptionsTest, ContextFromOptions) {
+  HostOptions options;
+  std::string error;
+  ASSERT_TRUE(Parse({"--profile", "/copy/Users/ann", "--roaming-appdata=/elsewhere", "--drive",
+                     "e=/mnt/e", "--i", "E:\\Old Player", "--registry", "/r.reg", "--verbose"},
+                    &options, &error));
+  RunContext context = HostRunContext(options);
+  EXPECT_EQ(L"/copy/Users/ann/AppData/Local", context.m_local_app_data.value());
+  EXPECT_EQ(L"/copy/Users/ann/AppData/Local/VanTu8", context.m_data_folder.value());
+  EXPECT_EQ(L"/copy/Users/ann/AppData/Local/VanTu8/DataImporter.log", context.m_log_file.value());
+  EXPECT_EQ(L"/elsewhere", context.m_roaming_app_data.value());
+  EXPECT_EQ(L"/copy/Users/ann", context.m_user_profile.value());
+  EXPECT_EQ(L"/r.reg", context.m_registry_file.value());
+  EXPECT_EQ(L"/mnt/e/Old Player", context.m_source_folder.value());
+  EXPECT_TRUE(context.m_log_to_stderr);
+  // The machine's own variables are not the copied user's.
+  EXPECT_TRUE(context.m_variables.empty());
 }
 
 base::Value ImportReport(const std::string& end, const std::string& state) {

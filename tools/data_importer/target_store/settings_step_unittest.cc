@@ -17,7 +17,7 @@ namespace {
 TEST(SettingsStepTest, RecordsWrittenInOrderAfterTheTables) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(TestDataFolder());
   ImportModel model(&record);
   ImportedSettings first;
   first.Volume = 30;

@@ -60,7 +60,8 @@ uint32_t LibraryFileBits(const base::FilePath& file) {
 
 }  // namespace
 
-V6DataExporter::V6DataExporter(ImportModel* model) : DataExporter(model) {}
+V6DataExporter::V6DataExporter(const RunContext& context, ImportModel* model)
+    : DataExporter(context, model) {}
 
 V6DataExporter::~V6DataExporter() = default;
 
@@ -69,7 +70,7 @@ std::wstring V6DataExporter::Dump(const base::FilePath& path) {
 }
 
 base::FilePath V6DataExporter::LocateInstallation() {
-  base::FilePath program = GetGeneration6ProgramPath();
+  base::FilePath program = GetGeneration6ProgramPath(m_context);
   return program.empty() ? program : program.DirName();
 }
 
@@ -118,7 +119,7 @@ void V6DataExporter::CopyLyrics() {
   std::vector<base::FilePath> lyrics = ListFiles(program.Append(L"Lyric"), L"*.krc");
   if (lyrics.empty())
     return;
-  base::FilePath target = GetLyricFolder();
+  base::FilePath target = GetLyricFolder(m_context);
   if (!base::DirectoryExists(target))
     // A folder that cannot be made makes every copy below fail.
     (void)base::CreateDirectory(target);
@@ -128,7 +129,7 @@ void V6DataExporter::CopyLyrics() {
 }
 
 bool V6DataExporter::CopyV1Database() {
-  m_work_db = GetDataFolder().Append(kV1Copy);
+  m_work_db = m_context.m_data_folder.Append(kV1Copy);
   bool reused = base::PathExists(m_work_db);
   if (reused) {
     logging::OutputDebugStringW(L"v6bak DB exist!!!");
@@ -158,7 +159,7 @@ bool V6DataExporter::CopyV2Databases() {
 }
 
 bool V6DataExporter::CopyV2DatabasesUnguarded() {
-  base::FilePath work = GetDataFolder();
+  base::FilePath work = m_context.m_data_folder;
   V6LOG(logging::LOG_PROGRESS) << L"Search folder {" << work.value() << L"} with pattern {"
                                << kLibraryPattern << L"}.";
   std::vector<base::FilePath> copies = ListFiles(work, kLibraryPattern);
@@ -166,7 +167,7 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
     V6LOG(logging::LOG_PROGRESS) << L"V6BakDB files exists, backup file count {"
                                  << copies.size() << L"}.";
     logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
-    base::FilePath backup = GetDatedBackupFolder();
+    base::FilePath backup = GetDatedBackupFolder(m_context);
     // Copy failures are logged by CopyWithLog and do not stop the export.
     for (const base::FilePath& copy : copies) {
       Report()->AddSource(copy, copy, "V2", ImportReport::kReusedCopy);
@@ -190,7 +191,7 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
     logging::OutputDebugStringW(L"v6 DBv2 is not exist!!!");
     return false;
   }
-  base::FilePath backup = GetDatedBackupFolder();
+  base::FilePath backup = GetDatedBackupFolder(m_context);
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
     bool copied = CopyWithLog(source, work.Append(name));  // logged there
@@ -236,7 +237,7 @@ int32_t V6DataExporter::ReadV1Layout() {
 }
 
 int32_t V6DataExporter::ReadV2Layout() {
-  base::FilePath work = GetDataFolder();
+  base::FilePath work = m_context.m_data_folder;
   std::vector<base::FilePath> libraries = ListFiles(work, kLibraryPattern);
   if (libraries.empty()) {
     V6LOG(logging::LOG_FAILURE) << L"Files of V6 DB V2 not found.";

@@ -28,7 +28,7 @@ class RowReaderInterface;
 // source at all reports 1 and ExportData answers 1.
 class V6DataExporter : public DataExporter {
  public:
-  explicit V6DataExporter(ImportModel* model);
+  V6DataExporter(const RunContext& context, ImportModel* model);
   ~V6DataExporter() override;
 
   int32_t ExportData() override;

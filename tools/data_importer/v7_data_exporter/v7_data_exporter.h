@@ -32,7 +32,7 @@ class SourceTableTally;
 
 class V7DataExporter : public DataExporter {
  public:
-  explicit V7DataExporter(ImportModel* model);
+  V7DataExporter(const RunContext& context, ImportModel* model);
   ~V7DataExporter() override;
 
   int32_t ExportData() override;

@@ -32,7 +32,7 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
   // folder.
   void BuildAndStorePlain(ImportModel* model) {
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(TestDataFolder());
     model->m_progress = &record;
     ASSERT_EQ(0, BuildDatabases(model, profile_.data_folder()));
     model->m_progress = nullptr;

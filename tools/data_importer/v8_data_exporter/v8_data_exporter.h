@@ -48,7 +48,7 @@ class DbRowReader;
 // into that download.
 class V8DataExporter : public DataExporter {
  public:
-  explicit V8DataExporter(ImportModel* model);
+  V8DataExporter(const RunContext& context, ImportModel* model);
   ~V8DataExporter() override;
 
   int32_t ExportData() override;
