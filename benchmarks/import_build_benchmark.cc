@@ -26,8 +26,8 @@
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/target_store/import_model.h"
-#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
-#include "tools/data_importer/v7_data_exporter/v7_data_exporter.h"
+#include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
+#include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
 namespace {
 

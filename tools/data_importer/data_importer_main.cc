@@ -12,18 +12,18 @@
 #include "base/windows_path.h"
 #include "common/exception_report/crash_handler.h"
 #include "logging/logging.h"
-#include "tools/data_importer/data_folder.h"
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/environment/data_folder.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/import_run.h"
-#include "tools/data_importer/importer_names.h"
-#include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/run_record/importer_names.h"
+#include "tools/data_importer/environment/installation_lookup.h"
 #include "tools/data_importer/leftover_files.h"
 #include "tools/data_importer/playlist_storage.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/task_decision.h"
-#include "tools/data_importer/upgrade_result.h"
-#include "tools/data_importer/version2_upgrade.h"
+#include "tools/data_importer/version3_upgrade/upgrade_result.h"
+#include "tools/data_importer/version3_upgrade/upgrade_tasks.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ void KeepUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& r
 
 void RunTask(const std::wstring& task, const RunContext& context, ProgressRecord* record) {
   const base::FilePath& data_folder = context.m_data_folder;
-  if (IsTask(task, kTaskUpdateVersion2)) {
+  if (IsTask(task, kTaskUpgradeVersion3)) {
     KeepUpgradeResult(data_folder, RunVersion3Upgrade(data_folder, record), record);
     return;  // the playlist storage stays untouched
   }

@@ -1,11 +1,11 @@
 #include "tools/data_importer/exporter_factory.h"
 
 #include "logging/logging.h"
-#include "tools/data_importer/progress_record.h"
-#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
-#include "tools/data_importer/v7_data_exporter/v7_data_exporter.h"
-#include "tools/data_importer/v8_data_exporter/v8_data_exporter.h"
-#include "tools/data_importer/vt2008_data_exporter/vt2008_data_exporter.h"
+#include "tools/data_importer/run_record/progress_record.h"
+#include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
+#include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
+#include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
+#include "tools/data_importer/source_readers/vt2008_data_exporter/vt2008_data_exporter.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "tools/data_importer/data_exporter.h"
+#include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/environment/run_context.h"
 
 class ImportModel;

@@ -16,13 +16,14 @@
 #include "base/file_util.h"
 #include "base/md5.h"
 #include "testing/fixtures/generation6_fixture.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/import_run.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/verify_database.h"
-#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
+#include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 
 namespace {
 

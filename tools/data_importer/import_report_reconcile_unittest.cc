@@ -15,14 +15,15 @@
 #include "sql/statement.h"
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/fixtures/version2_fixture.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
-#include "tools/data_importer/version2_upgrade.h"
+#include "tools/data_importer/version3_upgrade/upgrade_tasks.h"
 
 namespace {
 

@@ -5,11 +5,12 @@
 
 #include "logging/logging.h"
 #include "tools/data_importer/target_store/build_sequence.h"
-#include "tools/data_importer/data_exporter.h"
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/source_readers/data_exporter.h"
+#include "tools/data_importer/run_record/import_report.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/verify_database.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/exporter_factory.h"
 
 void RunImport(const RunContext& context, ProgressRecord* record,

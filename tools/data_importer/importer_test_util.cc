@@ -19,7 +19,7 @@
 #include "sql/connection.h"
 #include "sql/statement.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
 TestProfile::TestProfile() {

@@ -2,7 +2,7 @@
 
 #include "base/file_util.h"
 #include "base/json_file.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 bool RefreshPlaylistStorage(const base::FilePath& data_folder) {
   base::FilePath playlist = data_folder.Append(importer_names::kPlaylistDatabaseV3);

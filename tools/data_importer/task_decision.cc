@@ -3,7 +3,8 @@
 #include <cwchar>
 
 #include "base/file_util.h"
-#include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/environment/installation_lookup.h"
+#include "base/path_service.h"
 
 bool IsTask(const std::wstring& task, const wchar_t* name) {
   size_t length = std::wcslen(name);
@@ -50,7 +51,7 @@ std::wstring DecideTask(const RunContext& context) {
   const base::FilePath& source_folder = context.m_source_folder;
   if (ExistsIn(data_folder, importer_names::kMusicDatabaseV3) ||
       ExistsIn(data_folder, importer_names::kPlaylistDatabaseV3))
-    return kTaskUpdateVersion2;
+    return kTaskUpgradeVersion3;
   if (ExistsIn(data_folder, importer_names::kMusicDatabaseV2))
     return kTaskCopyVersion2;
   if (ExistsIn(data_folder, L"VTMusic.db") || ExistsIn(data_folder, L"vantu.db"))

@@ -5,7 +5,7 @@
 
 #include "base/file_path.h"
 #include "tools/data_importer/environment/run_context.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 // Task names of a run (defined with the other shared names).
 using importer_names::kTaskCopyVersion2;
@@ -13,7 +13,7 @@ using importer_names::kTaskImport2008;
 using importer_names::kTaskImportCurrent;
 using importer_names::kTaskImportGeneration6;
 using importer_names::kTaskImportGeneration7;
-using importer_names::kTaskUpdateVersion2;
+using importer_names::kTaskUpgradeVersion3;
 
 // Case-sensitive comparison of a task name: length first, then each
 // character.

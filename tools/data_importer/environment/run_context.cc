@@ -8,7 +8,7 @@
 #include "base/path_service.h"
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 extern char** environ;
 

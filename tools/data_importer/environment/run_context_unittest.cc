@@ -4,7 +4,7 @@
 
 #include "testing/test_support.h"
 #include "tools/data_importer/data_importer_run.h"
-#include "tools/data_importer/installation_lookup.h"
+#include "tools/data_importer/environment/installation_lookup.h"
 
 namespace {
 

@@ -11,9 +11,9 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/target_store/verify_database.h"
-#include "tools/data_importer/import_report.h"
-#include "tools/data_importer/importer_names.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/import_report.h"
+#include "tools/data_importer/run_record/importer_names.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/settings/settings_writer.h"
 
 namespace {

@@ -9,7 +9,7 @@
 
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/song_table.h"
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"

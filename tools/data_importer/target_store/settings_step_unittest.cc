@@ -5,8 +5,9 @@
 #include <string>
 
 #include "base/file_util.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 

@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "tools/data_importer/import_report.h"
+#include "tools/data_importer/run_record/import_report.h"
 
 class DatabaseHelper;
 
