@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "testing/test_support.h"
-#include "tools/data_importer/data_importer_run.h"
 #include "tools/data_importer/environment/installation_lookup.h"
 
 namespace {
@@ -20,7 +19,7 @@ TEST(RunContextTest, FromTheEnvironment) {
   env.Set("VANTU_LOG_LEVEL", "3");
   env.Set("VANTU_LOG_STDERR", "1");
   env.Set("ProgramFiles", "D:\\Apps");
-  RunContext context = RunContextOfProcess();
+  RunContext context = RunContextFromEnvironment();
   EXPECT_EQ(L"/u/local", context.m_local_app_data.value());
   EXPECT_EQ(L"/u/local/VanTu8", context.m_data_folder.value());
   EXPECT_EQ(L"/u/local/VanTu8/DataImporter.log", context.m_log_file.value());
@@ -31,8 +30,6 @@ TEST(RunContextTest, FromTheEnvironment) {
   EXPECT_EQ(L"/mnt/d", context.m_drives[L'D'].value());
   EXPECT_EQ(3, context.m_log_level);
   EXPECT_TRUE(context.m_log_to_stderr);
-  // The test program's command line has no switch "i".
-  EXPECT_TRUE(context.m_source_folder.empty());
   // A variable of the process wins over the usual Windows folder.
   EXPECT_EQ(L"D:\\Apps\\VanTa6;/u;C:\\Windows;%NotSet%",
             ExpandWindowsVariables(context, L"%programfiles%\\VanTa6;%USERPROFILE%;"
