@@ -80,7 +80,12 @@ void Run(const RunContext& context) {
     RemoveStaleWorkFiles(data_folder);
     replacement_complete = CompleteOrUndoReplacement(data_folder);
   }
-  std::wstring task = DecideTask(context);
+  TaskSearch search;
+  std::wstring task = DecideTask(context, &search);
+  base::Value lookup = DescribeTaskSearch(context, search);
+  for (const auto& line : lookup["lines"])
+    VLOG_AT(logging::LOG_PROGRESS) << L"Looked for earlier installations: "
+                                   << base::UTF8ToWide(line.get<std::string>());
   std::chrono::duration<double> decision_time = std::chrono::steady_clock::now() - decision_start;
   VLOG_AT(logging::LOG_PROGRESS) << importer_names::kTaskLogMarker << task << L"}, source folder {"
                                  << context.m_source_folder.value() << L"}.";
@@ -88,6 +93,7 @@ void Run(const RunContext& context) {
   ImportReport report;
   report.SetTask(task, ImportKindOfTask(task));
   report.AddStage("TaskDecision", decision_time.count());
+  report.SetLookup(std::move(lookup));
   ProgressRecord record;
   record.set_report(&report);
   record.Initialise(data_folder);

@@ -41,6 +41,22 @@ const char kHostUsage[] =
     "Exit status: 0 when the run ended without failure bits, 1 when\n"
     "\"ImportState\" holds failure bits, 2 on bad usage.\n";
 
+ProfileFolders ProfileFoldersOf(const base::FilePath& profile) {
+  ProfileFolders folders;
+  base::FilePath xp_local =
+      base::ResolvePathCase(profile.Append(L"Local Settings").Append(L"Application Data"));
+  if (!base::DirectoryExists(base::ResolvePathCase(profile.Append(L"AppData").Append(L"Local"))) &&
+      base::DirectoryExists(xp_local)) {
+    folders.local = xp_local;
+    folders.roaming = base::ResolvePathCase(profile.Append(L"Application Data"));
+    folders.xp_layout = true;
+    return folders;
+  }
+  folders.local = base::ResolvePathCase(profile.Append(L"AppData").Append(L"Local"));
+  folders.roaming = base::ResolvePathCase(profile.Append(L"AppData").Append(L"Roaming"));
+  return folders;
+}
+
 namespace {
 
 // Matches "--name VALUE" and "--name=VALUE"; advances |i| past the value.
@@ -161,12 +177,15 @@ bool ResolveProfileOptions(HostOptions* options, std::string* error) {
       if (base::PathExists(hive))
         options->registry = hive.AsUTF8Unsafe();
     }
-    // A profile copied with its volume: ".../Users/NAME" (any letter case).
+    // A profile copied with its volume: ".../Users/NAME", or
+    // ".../Documents and Settings/NAME" before Windows Vista (any letter
+    // case).
     base::FilePath users = profile.DirName();
     std::string users_name = users.BaseName().AsUTF8Unsafe();
     for (char& c : users_name)
       c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    if (!drive_c && users_name == "users" && users.DirName() != users)
+    if (!drive_c && (users_name == "users" || users_name == "documents and settings") &&
+        users.DirName() != users)
       options->drives.push_back("C=" + users.DirName().AsUTF8Unsafe());
   }
   if (!options->registry.empty()) {
@@ -214,8 +233,8 @@ bool CheckHostPaths(const HostOptions& options, std::string* error) {
       !CheckPath("--registry", options.registry, false, error))
     return false;
   if (!options.profile.empty() && options.local_appdata.empty()) {
-    std::string local = options.profile + "/AppData/Local";
-    if (!CheckPath("--profile", local, true, error))
+    ProfileFolders folders = ProfileFoldersOf(base::FilePath::FromUTF8Unsafe(options.profile));
+    if (!CheckPath("--profile", folders.local.AsUTF8Unsafe(), true, error))
       return false;
   }
   return true;
@@ -238,8 +257,9 @@ RunContext HostRunContext(const HostOptions& options) {
   context.m_variables.clear();
   if (!options.profile.empty()) {
     base::FilePath profile = base::FilePath::FromUTF8Unsafe(options.profile);
-    context.m_local_app_data = profile.Append(L"AppData").Append(L"Local");
-    context.m_roaming_app_data = profile.Append(L"AppData").Append(L"Roaming");
+    ProfileFolders folders = ProfileFoldersOf(profile);
+    context.m_local_app_data = folders.local;
+    context.m_roaming_app_data = folders.roaming;
     context.m_user_profile = profile;
   }
   for (const std::string& drive : options.drives)

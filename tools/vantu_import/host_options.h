@@ -65,6 +65,17 @@ bool ResolveProfileOptions(HostOptions* options, std::string* error);
 // standard error.
 RunContext HostRunContext(const HostOptions& options);
 
+// The local and roaming application-data folders of a copied profile:
+// "AppData/Local" and "AppData/Roaming" (Windows Vista and later), or, when
+// the profile has no "AppData/Local" but "Local Settings/Application Data",
+// that and "Application Data" (Windows XP).
+struct ProfileFolders {
+  base::FilePath local;
+  base::FilePath roaming;
+  bool xp_layout = false;
+};
+ProfileFolders ProfileFoldersOf(const base::FilePath& profile);
+
 extern const char kHostUsage[];
 
 #endif  // TOOLS_VANTU_IMPORT_HOST_OPTIONS_H_

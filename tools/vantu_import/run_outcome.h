@@ -17,6 +17,7 @@ enum HostExit : int {
   kExitFailed = 1,    // the import failed, or the run could not be judged
   kExitUsage = 2,     // bad usage; nothing was run or created
   kExitDamaged = 3,   // finished, but a source was damaged or partly unreadable
+  kExitUnreachable = 4,  // an earlier installation is named but could not be reached
 };
 
 // The task the report names ("" for none).
@@ -36,7 +37,15 @@ std::string DescribeImportState(const std::wstring& state);
 // why, which source was damaged, or why the import failed.
 std::string VerdictLine(const base::Value& report);
 
-// The "DBCheck" values of the run and the per-table figures (sources,
+// The verdict of a run that ran |task|, without the lookup's notes and the
+// final full stop.
+std::string TaskVerdict(const base::Value& report, const std::string& task);
+
+// The places the run looked at for earlier installations, one indented
+// line each under a heading; empty when the report has none.
+std::string LookupLines(const base::Value& report);
+
+// What the run looked at, the "DBCheck" values of the run and the per-table figures (sources,
 // source tables, source-to-target pairs, target tables, stage times).
 std::string DescribeDetails(const base::Value& report);
 

@@ -221,6 +221,12 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
   std::printf("%s\n", VerdictLine(report).c_str());
   if (options.quiet)
     return ExitStatusOf(report);
+  if (!options.profile.empty() && options.registry.empty())
+    std::printf("The profile %s has no NTUSER.DAT: no registry was read.\n", options.profile.c_str());
+  // "Nothing to import" shows where the run looked (--verbose shows it for
+  // every run, with the details).
+  if (ReportTask(report).empty() && !options.verbose)
+    std::printf("%s", LookupLines(report).c_str());
 
   std::printf("Task:          %s\n", TaskInWords(ReportTask(report)).c_str());
   // What a version-2 task ended with, from the report like every other

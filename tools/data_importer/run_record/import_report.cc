@@ -241,6 +241,7 @@ base::Value ImportReport::ToJson() const {
   report["dropped"] = std::move(drops);
 
   report["upgrade"] = upgrade_;
+  report["lookup"] = lookup_;
   report["settings_keys"] = settings_keys_;
   base::Value dbcheck = base::Value::object();
   for (const auto& [key, value] : dbcheck_)
