@@ -76,6 +76,28 @@ struct ProfileFolders {
 };
 ProfileFolders ProfileFoldersOf(const base::FilePath& profile);
 
-extern const char kHostUsage[];
+// One option as --help and README list it.
+struct HostOption {
+  const char* name;   // "--profile"
+  const char* value;  // "DIR", "[=7|6|v2|v3]"; null for a switch
+  const char* help;
+};
+
+// One exit status and its meaning.
+struct HostExitStatus {
+  int status;
+  const char* meaning;
+};
+
+// The one table of options the parser reads and --help and README print,
+// and the table of exit statuses.
+std::vector<HostOption> HostOptionTable();
+std::vector<HostExitStatus> HostExitStatusTable();
+
+// "--profile DIR", "--demo[=7|6|v2|v3]", "--quiet".
+std::string OptionSynopsis(const HostOption& option);
+
+// The text of --help, from the two tables (lines of at most 79 columns).
+std::string HostUsage();
 
 #endif  // TOOLS_VANTU_IMPORT_HOST_OPTIONS_H_

@@ -261,7 +261,7 @@ int main(int argc, char** argv) {
   if (!ParseHostOptions(argc, argv, &options, &error))
     return Fail(kExitUsage, error + " (see --help)");
   if (options.help) {
-    std::printf("%s", kHostUsage);
+    std::printf("%s", HostUsage().c_str());
     return kExitImported;
   }
   if (options.version) {

@@ -57,6 +57,34 @@ TEST(HostOptionsTest, SourceFolderInBothFormsAndNewSwitches) {
 
 }
 
+// Every option of the table parses in the form it is documented in, and
+// --help names it.
+TEST(HostOptionsTest, EveryOptionParsesAndIsDocumented) {
+  std::string usage = HostUsage();
+  for (const HostOption& option : HostOptionTable()) {
+    std::vector<const char*> args = {option.name};
+    std::string value;
+    if (option.value && option.value[0] != '[') {
+      value = std::string(option.value) == "LETTER=DIR" ? "C=/x" : "/x";
+      args.push_back(value.c_str());
+    }
+    HostOptions options;
+    std::string error;
+    EXPECT_TRUE(Parse(args, &options, &error)) << option.name << ": " << error;
+    EXPECT_NE(std::string::npos, usage.find("  " + OptionSynopsis(option) + " ")) << option.name;
+  }
+  HostOptions options;
+  std::string error;
+  ASSERT_TRUE(Parse({"-h", "--drive=d=/d", "--demo=v3"}, &options, &error)) << error;
+  EXPECT_TRUE(options.help);
+  EXPECT_EQ(std::vector<std::string>{"D=/d"}, options.drives);
+  EXPECT_EQ(8, options.demo);
+  EXPECT_EQ(3, options.demo_version);
+  // A switch takes no value.
+  EXPECT_FALSE(Parse({"--quiet=1"}, &options, &error));
+  EXPECT_EQ("unknown option --quiet=1", error);
+}
+
 // The options become the run's context: the single-folder options win over
 // the profile's folders, and --i is a Windows path on a --drive folder.
 TEST(HostOptionsTest, ContextFromOptions) {
