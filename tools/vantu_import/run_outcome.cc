@@ -247,6 +247,15 @@ std::string DescribeImportState(const std::wstring& state) {
   return text + ")";
 }
 
+bool ReplacedDatabases(const base::Value& report) {
+  for (const auto& stage : At(report, "stages")) {
+    std::string name = Text(At(stage, "name"));
+    if (name == "ReplaceMusic" || name == "ReplacePlaylist")
+      return true;
+  }
+  return false;
+}
+
 namespace {
 
 // An installation the registry names whose files were not found, in words
@@ -321,8 +330,10 @@ std::string TaskVerdict(const base::Value& report, const std::string& task) {
   std::string end = DBCheckValue(report, "ImportEnd");
   std::string state = DBCheckValue(report, "ImportState");
   if (end == "5") {
-    return "Import failed, nothing was replaced: ImportState " +
-           DescribeImportState(base::UTF8ToWide(state)) + Damage(report);
+    return std::string(ReplacedDatabases(report) ? "Import failed after the new databases "
+                                                   "replaced the old ones"
+                                                 : "Import failed, nothing was replaced") +
+           ": ImportState " + DescribeImportState(base::UTF8ToWide(state)) + Damage(report);
   }
   std::string line = "Imported " + ImportedCounts(report) + Skipped(report) + Damage(report);
   uint32_t source_bits = StateBits(report) &

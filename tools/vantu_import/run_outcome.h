@@ -37,6 +37,10 @@ std::string DescribeImportState(const std::wstring& state);
 // why, which source was damaged, or why the import failed.
 std::string VerdictLine(const base::Value& report);
 
+// Whether the run renamed a new database into place (its stages name
+// "ReplaceMusic" or "ReplacePlaylist").
+bool ReplacedDatabases(const base::Value& report);
+
 // The verdict of a run that ran |task|, without the lookup's notes and the
 // final full stop.
 std::string TaskVerdict(const base::Value& report, const std::string& task);

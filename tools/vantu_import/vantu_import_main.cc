@@ -168,6 +168,22 @@ ReportFile StatReport(const base::FilePath& path) {
   return file;
 }
 
+// The files of |folder| with their sizes and modification times, to tell
+// whether a run wrote into it.
+std::string FolderState(const base::FilePath& folder) {
+  std::string state;
+  std::error_code error;  // a folder that cannot be listed has no files
+  for (const auto& entry :
+       std::filesystem::directory_iterator(folder.AsUTF8Unsafe(), error)) {
+    base::FileInfo info;
+    if (base::GetFileInfo(base::FilePath::FromUTF8Unsafe(entry.path().string()), &info)) {
+      state += entry.path().filename().string() + " " + std::to_string(info.size) + " " +
+               std::to_string(info.last_modified) + "\n";
+    }
+  }
+  return state;
+}
+
 int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run_folder) {
   base::FilePath real_data_folder = context.m_data_folder;
   if (real_data_folder.empty())
@@ -196,6 +212,11 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
   base::FilePath ini = data_folder.Append(names::kSettingsFileName);
   base::FilePath report_path = data_folder.Append(kReportFile);
   ReportFile before = StatReport(report_path);
+  // Today's backup folder, as the importer names it; shown only when this
+  // run wrote into it.
+  base::FilePath backup =
+      data_folder.Append(L"Backup").Append(base::Time::Now().ToLocalDateString());
+  std::string backup_before = FolderState(backup);
   bool text = !options.json && !options.quiet;
   ProgressView view(text, isatty(STDOUT_FILENO) && !options.verbose);
   RunImporter(context, ini, &view);
@@ -242,9 +263,8 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
   if (!options.dry_run || options.keep) {
     std::printf("Log:           %s\n",
                 data_folder.Append(names::kLogFileName).AsUTF8Unsafe().c_str());
-    base::FilePath backup =
-        data_folder.Append(L"Backup").Append(base::Time::Now().ToLocalDateString());
-    if (base::DirectoryExists(backup))
+    std::string backup_after = FolderState(backup);
+    if (!backup_after.empty() && backup_after != backup_before)
       std::printf("Backup folder: %s\n", backup.AsUTF8Unsafe().c_str());
     std::printf("Report:        %s\n", report_path.AsUTF8Unsafe().c_str());
   }

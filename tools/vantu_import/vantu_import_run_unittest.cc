@@ -199,6 +199,18 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
       << output_;
 }
 
+// "Backup folder:" names the folder only when this run wrote into it: the
+// import backs its source up, the upgrade after it writes no backup.
+TEST_F(HostRunTest, BackupFolderOnlyWhenThisRunWroteOne) {
+  WriteInstallation();
+  EXPECT_EQ(0, Run(ProfileArgs())) << output_;
+  EXPECT_NE(std::string::npos, output_.find("\nBackup folder: " + data_folder().AsUTF8Unsafe()))
+      << output_;
+  EXPECT_EQ(0, Run(ProfileArgs())) << output_;
+  EXPECT_NE(std::string::npos, output_.find("(updatevantu8)")) << output_;
+  EXPECT_EQ(std::string::npos, output_.find("Backup folder:")) << output_;
+}
+
 // --json prints the report the run wrote, and nothing else, on standard
 // output.
 TEST_F(HostRunTest, JsonIsTheReport) {

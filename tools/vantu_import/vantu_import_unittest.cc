@@ -133,6 +133,15 @@ TEST(RunOutcomeTest, ExitStatusAndVerdictOfEachOutcome) {
   EXPECT_EQ("Import failed, nothing was replaced: ImportState 8 (8: a later stage of the build "
             "failed).",
             VerdictLine(failed));
+  // A failure bit set by a reader while the build went on and put both new
+  // files in place: the verdict does not say nothing was replaced.
+  base::Value replaced = ImportReport("5", "1");
+  replaced["stages"] = {{{"name", "Export"}, {"seconds", 0.1}},
+                        {{"name", "ReplaceMusic"}, {"seconds", 0.0}},
+                        {{"name", "ReplacePlaylist"}, {"seconds", 0.0}}};
+  EXPECT_EQ(0u, VerdictLine(replaced).find("Import failed after the new databases replaced the "
+                                           "old ones: ImportState 1 "))
+      << VerdictLine(replaced);
 
   base::Value lost_rows = clean;
   lost_rows["target_tables"] = {
