@@ -376,6 +376,13 @@ std::string DescribeDetails(const base::Value& report) {
         << (At(t, "rows_counted").is_null() ? std::string("-") : std::to_string(Number(At(t, "rows_counted"))))
         << "\n";
   }
+  const base::Value& summary = At(report, "summary");
+  if (Number(At(summary, "settings_written"))) {
+    out << "Settings: " << Number(At(summary, "settings")) << " read from the source; "
+        << std::max<int64_t>(0, Number(At(summary, "settings_written")) -
+                                    Number(At(summary, "settings")))
+        << " defaults written beside them\n";
+  }
   out << "Stages:";
   for (const auto& stage : At(report, "stages")) {
     char seconds[32];

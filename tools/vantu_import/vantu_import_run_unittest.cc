@@ -12,6 +12,7 @@
 #include "base/md5.h"
 #include "sql/connection.h"
 #include "testing/fixtures/generation6_fixture.h"
+#include "testing/fixtures/generation7_fixture.h"
 #include "testing/test_support.h"
 
 namespace {
@@ -209,6 +210,29 @@ TEST_F(HostRunTest, BackupFolderOnlyWhenThisRunWroteOne) {
   EXPECT_EQ(0, Run(ProfileArgs())) << output_;
   EXPECT_NE(std::string::npos, output_.find("(updatevantu8)")) << output_;
   EXPECT_EQ(std::string::npos, output_.find("Backup folder:")) << output_;
+}
+
+// Settings are counted as read from the source: an empty settings file
+// carries defaults only, which --verbose counts beside them.
+TEST_F(HostRunTest, SettingsCountedAsReadFromTheSource) {
+  base::FilePath roaming = profile().Append(L"AppData").Append(L"Roaming");
+  base::FilePath settings = Generation7Folder(roaming).Append(L"vantu.ini");
+  V7SampleSize size;
+  size.songs = 4;
+  size.lists = 1;
+  size.list_entries = 2;
+  ASSERT_TRUE(WriteSampleV7Installation(roaming, size));
+  testing_support::WriteBytes(settings, "");
+  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()))) << output_;
+  EXPECT_EQ(0u, output_.find("Imported 4 songs")) << output_;
+  EXPECT_EQ(std::string::npos, output_.find("setting")) << output_;
+
+  ASSERT_TRUE(base::DeleteFile(data_folder(), true));
+  testing_support::WriteBytes(settings,
+                              "[Player]\r\nVolume=35\r\n[NetConfig]\r\nDownloadPort=9100\r\n");
+  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << output_;
+  EXPECT_NE(std::string::npos, output_.find(" and 2 settings")) << output_;
+  EXPECT_NE(std::string::npos, output_.find("Settings: 2 read from the source; ")) << output_;
 }
 
 // --json prints the report the run wrote, and nothing else, on standard

@@ -134,6 +134,9 @@ class ImportReport {
   void SetLookup(base::Value lookup) { lookup_ = std::move(lookup); }
 
   void AddSettingsKey(const std::string& key);
+  // Values of the source's settings files the carried settings were read
+  // from (the keys carried beyond them hold defaults).
+  void AddSettingsRead(int64_t values) { settings_read_ += values; }
   // A "DBCheck" value written by this run (the last one of a key wins).
   void NoteDBCheck(const std::wstring& key, const std::wstring& value);
   void AddStage(const std::string& name, double seconds);
@@ -189,6 +192,7 @@ class ImportReport {
   base::Value upgrade_;
   base::Value lookup_;
   std::vector<std::string> settings_keys_;
+  int64_t settings_read_ = 0;
   std::vector<std::pair<std::wstring, std::wstring>> dbcheck_;
   std::vector<std::pair<std::string, double>> stages_;
 };
