@@ -23,7 +23,7 @@
 #include "base/string_number_conversions.h"
 #include "base/time.h"
 #include "base/utf_string_conversions.h"
-#include "tools/data_importer/data_importer_run.h"
+#include "tools/data_importer/driver/data_importer_run.h"
 #include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/vantu_import/data_folder_check.h"
@@ -37,7 +37,6 @@ namespace {
 
 constexpr auto kPollInterval = std::chrono::milliseconds(100);
 constexpr int kBarWidth = 40;
-constexpr wchar_t kReportFile[] = L"ImportReport.json";
 
 // Shows the progress of the run from its start: on a terminal one bar line
 // with the elapsed time, redrawn in full each time (so it never ends half
@@ -210,7 +209,7 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
     return Fail(kExitFailed, error);
 
   base::FilePath ini = data_folder.Append(names::kSettingsFileName);
-  base::FilePath report_path = data_folder.Append(kReportFile);
+  base::FilePath report_path = data_folder.Append(importer_names::kReportFileName);
   ReportFile before = StatReport(report_path);
   // Today's backup folder, as the importer names it; shown only when this
   // run wrote into it.

@@ -2,11 +2,10 @@
 
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 namespace {
 
-constexpr wchar_t kReportFile[] = L"ImportReport.json";
-constexpr wchar_t kReportTempFile[] = L"ImportReport.json.tmp";
 
 std::string Utf8(const std::wstring& text) {
   return base::WideToUTF8(text);
@@ -280,7 +279,7 @@ base::Value ImportReport::Summary(const std::map<std::string, int64_t>& sent) co
 }
 
 bool ImportReport::Write(const base::FilePath& data_folder) const {
-  base::FilePath temp = data_folder.Append(kReportTempFile);
+  base::FilePath temp = data_folder.Append(importer_names::kReportTempFileName);
   std::string text;
   try {
     text = ToJson().dump(2, ' ', false, base::Value::error_handler_t::replace);
@@ -293,7 +292,7 @@ bool ImportReport::Write(const base::FilePath& data_folder) const {
     (void)base::DeleteFile(temp);
     return false;
   }
-  return base::ReplaceFile(temp, data_folder.Append(kReportFile));
+  return base::ReplaceFile(temp, data_folder.Append(importer_names::kReportFileName));
 }
 
 SourceTableTally::SourceTableTally(ImportReport* report, const base::FilePath& read_path,

@@ -14,11 +14,11 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/import_run.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "tools/data_importer/driver/import_run.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
-#include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/driver/task_decision.h"
 
 namespace {
 
@@ -146,7 +146,7 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
   EXPECT_FALSE(report["dbcheck"].contains("ImportEnd"));
   EXPECT_TRUE(report["flows"].empty());
   EXPECT_TRUE(report["sources"].empty());
-  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"ImportReport.json.tmp")));
+  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(importer_names::kReportTempFileName)));
 }
 
 // Frees pages of the database at |path| and then forgets them in the file

@@ -71,6 +71,10 @@ inline constexpr wchar_t kPlaylistDatabaseV2[] = L"playlist.db";
 inline constexpr wchar_t kMusicBuildFile[] = L"VTMusicV2.db.tmp";
 inline constexpr wchar_t kPlaylistBuildFile[] = L"playlist.db.tmp";
 inline constexpr wchar_t kReplaceRecordName[] = L"DatabaseReplace.commit";
+// The account of the run (import_report.h), and the name it is written
+// under before it replaces the earlier one.
+inline constexpr wchar_t kReportFileName[] = L"ImportReport.json";
+inline constexpr wchar_t kReportTempFileName[] = L"ImportReport.json.tmp";
 // What a version-2 task did (see upgrade_result.h for its content).
 inline constexpr wchar_t kUpgradeResultFileName[] = L"UpgradeResult.json";
 

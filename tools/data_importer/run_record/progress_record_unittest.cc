@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tools/data_importer/environment/data_folder.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 
 namespace {
 

@@ -15,6 +15,16 @@
 class ImportModel;
 class ImportReport;
 
+// What ExportData answers, as the 32-bit numbers the driver compares with.
+enum class ExportResult : int32_t {
+  // Data was read into the model (some sources may have failed, with their
+  // state bits): the new databases are built.
+  kExported = 0,
+  // The source was not found or could not be copied, and nothing was
+  // imported: nothing is built.
+  kNothingExported = 1,
+};
+
 // The interface of every source reader (one per earlier generation). The
 // driver creates the exporter on the run's import model and calls, in this
 // order: GetDatabasePath, Dump with that path, ExportData; it builds the new
@@ -29,10 +39,8 @@ class DataExporter {
   DataExporter(const DataExporter&) = delete;
   DataExporter& operator=(const DataExporter&) = delete;
 
-  // Reads every source of the generation into the model. 0: data was
-  // exported; 1: the source was not found or could not be copied, and
-  // nothing was imported.
-  virtual int32_t ExportData() = 0;
+  // Reads every source of the generation into the model.
+  [[nodiscard]] virtual ExportResult ExportData() = 0;
 
   // Diagnostic summary of the source database at |path|.
   virtual std::wstring Dump(const base::FilePath& path) = 0;

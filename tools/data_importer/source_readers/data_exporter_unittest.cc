@@ -6,7 +6,7 @@
 #include "sql/connection.h"
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/data_folder.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
@@ -17,7 +17,7 @@ class ProbeExporter : public DataExporter {
  public:
   explicit ProbeExporter(const RunContext& context, ImportModel* model = nullptr)
       : DataExporter(context, model) {}
-  int32_t ExportData() override { return 0; }
+  ExportResult ExportData() override { return ExportResult::kExported; }
   std::wstring Dump(const base::FilePath&) override { return std::wstring(); }
   base::FilePath GetDatabasePath() override { return base::FilePath(); }
 

@@ -2,11 +2,10 @@
 
 #include "tools/data_importer/target_store/import_records.h"
 
-const wchar_t kZeroHash[] = L"00000000000000000000000000000000";
 const wchar_t kDefaultListName[] = L"默认列表";
 
 std::wstring HashOrZero(const std::wstring& hash) {
-  return hash.empty() ? std::wstring(kZeroHash) : hash;
+  return hash.empty() ? std::wstring(kNoFileHash) : hash;
 }
 
 std::wstring BaseNameWithoutExtension(const std::wstring& path) {

@@ -9,7 +9,6 @@ struct SongItem;
 // Small rules that every source reader applies the same way.
 
 // The hash that marks a file without one.
-extern const wchar_t kZeroHash[];
 
 // The fixed name of the default list.
 extern const wchar_t kDefaultListName[];

@@ -250,15 +250,15 @@ bool EncryptAndVerify(ImportModel* model, const base::FilePath& data_folder,
 
 }  // namespace
 
-int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
-                   const BuildStageCallback& stage_done) {
+base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
+                           const BuildStageCallback& stage_done) {
   std::function<void(const char*)> done = [&](const char* stage) {
     if (stage_done)
       stage_done(stage);
   };
   if (!PrepareFiles(model, data_folder)) {
     model->ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return base::Status::Error(L"the temporary database files could not be prepared");
   }
   if (model->m_progress)
     model->m_progress->SetSourceEmpty(IsSourceEmpty(*model));
@@ -276,14 +276,17 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
     done(step.name);
   }
 
-  if (!model->ReportListCounts())
+  base::Status counted = model->ReportListCounts();
+  if (!counted.ok()) {
+    VLOG_AT(logging::LOG_FAILURE) << L"List-count report FAILED: {" << counted.message() << L"}.";
     model->ReportState(ProgressRecord::kStateBuildFailed);
+  }
   done("ListCountReport");
 
   bool verified = EncryptAndVerify(model, data_folder, done);
   if (!verified) {
     model->ReportState(ProgressRecord::kStateBuildFailed);
-    return 1;
+    return base::Status::Error(L"a finished database did not read back as written");
   }
 
   // Unlike a plain pair of renames, the commit either puts both files in
@@ -293,7 +296,7 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
   done("Replace");
   if (!replaced) {
     model->ReportState(ProgressRecord::kStateBuildFailed);
-    return 1;
+    return base::Status::Error(L"the finished databases could not be put in place");
   }
-  return 0;
+  return base::Status::OK();
 }

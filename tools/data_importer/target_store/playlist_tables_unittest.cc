@@ -6,7 +6,7 @@
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
 namespace {
@@ -63,7 +63,7 @@ TEST_F(PlaylistWritersTest, SongListsTranslateAndDrop) {
   ProgressRecord record;
   record.Initialise(TestDataFolder());
   model_.m_progress = &record;
-  EXPECT_TRUE(model_.ReportListCounts());
+  EXPECT_TRUE(model_.ReportListCounts().ok());
   EXPECT_EQ(L"7:0,-3:2", profile_.DBCheck(L"ImportPlayLists"));
   EXPECT_TRUE(model_.m_file_flag_map.empty());
 }
@@ -72,10 +72,10 @@ TEST_F(PlaylistWritersTest, ListCountReportFailsWithoutListTable) {
   ProgressRecord record;
   record.Initialise(TestDataFolder());
   model_.m_progress = &record;
-  EXPECT_FALSE(model_.ReportListCounts());
+  EXPECT_FALSE(model_.ReportListCounts().ok());
   EXPECT_EQ(L"0", profile_.DBCheck(L"ImportPlayLists"));
   model_.m_playlist_db.reset();
-  EXPECT_FALSE(model_.ReportListCounts());
+  EXPECT_FALSE(model_.ReportListCounts().ok());
 }
 
 // A download is kept when its file is found by old id or else by hash; only

@@ -164,6 +164,7 @@ void CloudListCleanup::DropSongTablesWithoutLists() {
   for (const std::string& table : dropped)
     DropTable(playlist, table);
   if (playlist->DoesTableExist(kCloudOperation)) {
+    // A table that stays is empty and unused: nothing to undo or report.
     (void)playlist->Execute("DROP TABLE CloudOperation");
     dropped.push_back(kCloudOperation);
   }

@@ -3,7 +3,7 @@
 #include "base/file_util.h"
 #include "base/json_file.h"
 #include "base/utf_string_conversions.h"
-#include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/run_record/task_names.h"
 
 const char* OutcomeWord(CopyOutcome outcome) {
   switch (outcome) {

@@ -13,7 +13,7 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
-#include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/run_record/task_names.h"
 #include "tools/data_importer/version3_upgrade/upgrade_report.h"
 
 namespace {

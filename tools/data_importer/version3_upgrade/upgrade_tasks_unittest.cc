@@ -20,7 +20,7 @@
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/version3_upgrade/cloud_list_cleanup.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 

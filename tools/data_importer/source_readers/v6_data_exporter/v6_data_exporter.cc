@@ -15,7 +15,6 @@
 #include "tools/data_importer/settings/v6_settings_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
 
-#define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
 
 namespace {
 
@@ -89,7 +88,7 @@ void V6DataExporter::ClearLookups() {
   m_v2_music_items.clear();
 }
 
-int32_t V6DataExporter::ExportData() {
+ExportResult V6DataExporter::ExportData() {
   ClearLookups();
   CopyLyrics();
 
@@ -98,10 +97,10 @@ int32_t V6DataExporter::ExportData() {
   if (!v1 && !v2) {
     logging::OutputDebugStringW(L"CopyV6DB Failed!!!");
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
   V6LOG(logging::LOG_PROGRESS) << L"V6 DB version is {" << (v1 ? L"V1" : L"V2") << L"}.";
-  int32_t result = v1 ? ReadV1Layout() : ReadV2Layout();
+  ExportResult result = v1 ? ReadV1Layout() : ReadV2Layout();
 
   ClearLookups();
   V6LOG(logging::LOG_PROGRESS) << L"V6DataExporter::ExportData DONE!";
@@ -109,7 +108,7 @@ int32_t V6DataExporter::ExportData() {
 }
 
 const wchar_t* V6DataExporter::LogTag() const {
-  return L"[V6数据导入] ";
+  return kV6LogTag;
 }
 
 void V6DataExporter::CopyLyrics() {
@@ -204,7 +203,7 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   return true;
 }
 
-int32_t V6DataExporter::ReadV1Layout() {
+ExportResult V6DataExporter::ReadV1Layout() {
   if (!base::PathExists(m_work_db)) {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
@@ -233,16 +232,16 @@ int32_t V6DataExporter::ReadV1Layout() {
     ReadSettings();
     ReadLoginHistory();
   }
-  return 0;
+  return ExportResult::kExported;
 }
 
-int32_t V6DataExporter::ReadV2Layout() {
+ExportResult V6DataExporter::ReadV2Layout() {
   base::FilePath work = m_context.m_data_folder;
   std::vector<base::FilePath> libraries = ListFiles(work, kLibraryPattern);
   if (libraries.empty()) {
     V6LOG(logging::LOG_FAILURE) << L"Files of V6 DB V2 not found.";
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
 
   // The downloads live in the first library file only.
@@ -291,7 +290,7 @@ int32_t V6DataExporter::ReadV2Layout() {
     ReadSettings();
     ReadLoginHistory();
   }
-  return 0;
+  return ExportResult::kExported;
 }
 
 void V6DataExporter::ReadSettings() {

@@ -9,11 +9,17 @@
 #include <vector>
 
 #include "base/file_path.h"
+#include "logging/logging.h"
 #include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_records.h"
 
 class RowReaderInterface;
 
+
+// The tag that starts every log line of this reader, and the macro that
+// writes such a line at |level|.
+inline constexpr wchar_t kV6LogTag[] = L"[V6数据导入] ";
+#define V6LOG(level) VLOG_AT(level) << kV6LogTag
 // Imports a generation-6 installation. Generation 6 kept its data in one of
 // two layouts: "V1", the single database "VTData.db" beside the program, or
 // "V2", the library files "VTLibrary.db", "VTLibrary<N>.db". The exporter
@@ -31,7 +37,7 @@ class V6DataExporter : public DataExporter {
   V6DataExporter(const RunContext& context, ImportModel* model);
   ~V6DataExporter() override;
 
-  int32_t ExportData() override;
+  [[nodiscard]] ExportResult ExportData() override;
   // Generation 6 has no summary: always empty.
   std::wstring Dump(const base::FilePath& path) override;
   // The "V1" database of the installation named in the registry, or empty.
@@ -65,8 +71,8 @@ class V6DataExporter : public DataExporter {
   bool CopyV2DatabasesUnguarded();
 
   // Layouts.
-  int32_t ReadV1Layout();
-  int32_t ReadV2Layout();
+  ExportResult ReadV1Layout();
+  ExportResult ReadV2Layout();
   // Adds the settings of the installation's "VanTa.xml" to the model; a
   // missing or unusable file adds nothing and the export goes on.
   void ReadSettings();

@@ -13,10 +13,10 @@
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/target_store/import_model.h"
-#include "tools/data_importer/import_run.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "tools/data_importer/driver/import_run.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
-#include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/driver/task_decision.h"
 
 namespace {
 
@@ -177,7 +177,7 @@ TEST_F(V6DataExporterTest, V1WinsAndTheWorkCopyIsReused) {
     ImportModel model(&record);
     const RunContext run_context = TestRunContext();
     V6DataExporter exporter(run_context, &model);
-    ASSERT_EQ(0, exporter.ExportData()) << run;
+    ASSERT_EQ(ExportResult::kExported, exporter.ExportData()) << run;
     EXPECT_EQ(5u, model.m_share_files.size()) << run;
     EXPECT_EQ(3u, model.m_play_lists.size()) << run;
     EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
@@ -321,7 +321,7 @@ TEST_F(V6DataExporterTest, ProgressMovesWhileReading) {
   const RunContext run_context = TestRunContext();
   V6DataExporter exporter(run_context, &model);
   ProgressTrace trace(&record, profile_);
-  ASSERT_EQ(0, exporter.ExportData());
+  ASSERT_EQ(ExportResult::kExported, exporter.ExportData());
 
   // Music videos, the music items (by tenths, then their table step), the
   // lists (by tenths, then their step), the two download tables.
@@ -350,7 +350,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     ImportModel model(&record);
     const RunContext run_context = TestRunContext();
     V6DataExporter exporter(run_context, &model);
-    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_EQ(4u, model.m_share_files.size());
     EXPECT_EQ(3u, model.m_play_lists.size());
     EXPECT_TRUE(model.m_downloads.empty());
@@ -367,7 +367,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     ImportModel model(&record);
     const RunContext run_context = TestRunContext();
     V6DataExporter exporter(run_context, &model);
-    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_TRUE(model.m_share_files.empty());
     EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
     EXPECT_NE(std::string::npos, Log().find("Table {MusicItems} do not exists."));
@@ -403,7 +403,7 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
     ImportModel model(&record);
     const RunContext run_context = TestRunContext();
     V6DataExporter exporter(run_context, &model);
-    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_EQ(1u, model.m_share_files.size());
     EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));  // music items 4 + lists 2
     EXPECT_NE(std::string::npos, Log().find("VTLibrary2.db} is not a readable file."));
@@ -420,7 +420,7 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   ImportModel model(&record);
   const RunContext run_context = TestRunContext();
   V6DataExporter exporter(run_context, &model);
-  EXPECT_EQ(0, exporter.ExportData());
+  EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
   EXPECT_EQ(L"22", profile_.DBCheck(L"ImportState"));  // 16 + 4 + 2
   EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));
 }

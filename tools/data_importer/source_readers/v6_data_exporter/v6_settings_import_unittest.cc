@@ -8,7 +8,7 @@
 #include "base/profile_string.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 
 namespace {
 

@@ -15,7 +15,6 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 
-#define V6LOG(level) VLOG_AT(level) << L"[V6数据导入] "
 
 namespace {
 

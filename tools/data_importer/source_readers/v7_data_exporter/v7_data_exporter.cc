@@ -11,7 +11,6 @@
 #include "tools/data_importer/settings/v7_settings_migration.h"
 #include "tools/data_importer/target_store/import_model.h"
 
-#define V7LOG(level) VLOG_AT(level) << L"[V7数据导入] "
 
 namespace {
 
@@ -29,7 +28,7 @@ V7DataExporter::V7DataExporter(const RunContext& context, ImportModel* model)
 V7DataExporter::~V7DataExporter() = default;
 
 const wchar_t* V7DataExporter::LogTag() const {
-  return L"[V7数据导入] ";
+  return kV7LogTag;
 }
 
 std::wstring V7DataExporter::Dump(const base::FilePath& path) {
@@ -79,29 +78,29 @@ bool V7DataExporter::CopyDatabase() {
   return true;
 }
 
-int32_t V7DataExporter::ExportData() {
+ExportResult V7DataExporter::ExportData() {
   ClearLookups();
   if (m_context.m_data_folder.empty() || !CopyDatabase()) {
     ReportState(ProgressRecord::kStateNotStarted);
     logging::OutputDebugStringW(L"CopyV7DatabasePluginSingerImages Failed!!!");
-    return 1;
+    return ExportResult::kNothingExported;
   }
   if (!base::PathExists(m_work_db)) {
     V7LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
   if (!OpenSourceWithRepair(m_work_db)) {
     V7LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_work_db.value()
                                 << L"}.";
     m_db->Close();
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
   if (!m_db->connection()->DoesTableExist("FileItems")) {
     V7LOG(logging::LOG_FAILURE) << L"Table {FileItems} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
 
   struct Step {
@@ -135,7 +134,7 @@ int32_t V7DataExporter::ExportData() {
   MigrateSkins();
   ClearLookups();
   V7LOG(logging::LOG_PROGRESS) << L"V7DataExporter::ExportData DONE!";
-  return 0;
+  return ExportResult::kExported;
 }
 
 // m_last_played_list stays -1 (none): see the header.

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/file_path.h"
+#include "logging/logging.h"
 #include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_records.h"
 
@@ -30,12 +31,18 @@
 class DbRowReader;
 class SourceTableTally;
 
+
+// The tag that starts every log line of this reader, and the macro that
+// writes such a line at |level|.
+inline constexpr wchar_t kV7LogTag[] = L"[V7数据导入] ";
+#define V7LOG(level) VLOG_AT(level) << kV7LogTag
+
 class V7DataExporter : public DataExporter {
  public:
   V7DataExporter(const RunContext& context, ImportModel* model);
   ~V7DataExporter() override;
 
-  int32_t ExportData() override;
+  [[nodiscard]] ExportResult ExportData() override;
   // The table summary of the generation-7 tables.
   std::wstring Dump(const base::FilePath& path) override;
   // <roaming application data>/Vantu7/VTData.db.

@@ -12,8 +12,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/import_run.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "tools/data_importer/driver/import_run.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -97,7 +97,7 @@ class V7DataExporterTest : public testing::Test {
   }
 
   // Runs one export into a fresh model; answers ExportData's result.
-  int32_t Export(ImportModel* model) {
+  ExportResult Export(ImportModel* model) {
     const RunContext run_context = TestRunContext();
     V7DataExporter exporter(run_context, model);
     return exporter.ExportData();
@@ -201,7 +201,7 @@ TEST_F(V7DataExporterTest, ProgressMovesWhileReading) {
   record.SetProgress(10);
   ImportModel model(&record);
   ProgressTrace trace(&record, profile_);
-  ASSERT_EQ(0, Export(&model));
+  ASSERT_EQ(ExportResult::kExported, Export(&model));
 
   std::vector<int> deltas;
   for (int long_reader = 0; long_reader < 2; ++long_reader) {
@@ -225,7 +225,7 @@ TEST_F(V7DataExporterTest, MissingTables) {
     ProgressRecord record;
     record.Initialise(TestDataFolder());
     ImportModel model(&record);
-    EXPECT_EQ(0, Export(&model));
+    EXPECT_EQ(ExportResult::kExported, Export(&model));
     EXPECT_EQ(L"16", profile_.DBCheck(L"ImportState"));
     EXPECT_TRUE(model.m_radio_channels.empty());
     EXPECT_TRUE(model.m_local_files.empty());
@@ -258,13 +258,13 @@ TEST_F(V7DataExporterTest, WorkCopyReusedAndNoSource) {
   ASSERT_TRUE(Sample().Write(v7().Append(L"VTData.db")));
   {
     ImportModel model;
-    ASSERT_EQ(0, Export(&model));
+    ASSERT_EQ(ExportResult::kExported, Export(&model));
     EXPECT_FALSE(base::PathExists(data(L"PlugData.VST")));  // none in the source
   }
   ASSERT_TRUE(base::DeleteFile(v7(), true));
   {
     ImportModel model;
-    EXPECT_EQ(0, Export(&model));
+    EXPECT_EQ(ExportResult::kExported, Export(&model));
     EXPECT_EQ(4u, model.m_share_files.size());
     EXPECT_EQ(3u, model.m_play_lists.size());
     EXPECT_EQ(2u, model.m_radio_channels.size());
@@ -275,7 +275,7 @@ TEST_F(V7DataExporterTest, WorkCopyReusedAndNoSource) {
   ProgressRecord record;
   record.Initialise(TestDataFolder());
   ImportModel model(&record);
-  EXPECT_EQ(1, Export(&model));
+  EXPECT_EQ(ExportResult::kNothingExported, Export(&model));
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
   EXPECT_TRUE(model.m_share_files.empty());
 }
@@ -328,7 +328,7 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
     ProgressRecord record;
     record.Initialise(TestDataFolder());
     ImportModel model(&record);
-    EXPECT_EQ(0, Export(&model));
+    EXPECT_EQ(ExportResult::kExported, Export(&model));
     EXPECT_EQ(4u, model.m_share_files.size());
     EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
   }
@@ -381,7 +381,7 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
   ProgressRecord record;
   record.Initialise(TestDataFolder());
   ImportModel model(&record);
-  ASSERT_EQ(0, Export(&model));
+  ASSERT_EQ(ExportResult::kExported, Export(&model));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
   ASSERT_EQ(1u, model.m_share_files.size());
   const ShareFileItem& file = *model.m_share_files[0];

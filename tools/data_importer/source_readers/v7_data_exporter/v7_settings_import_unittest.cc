@@ -10,7 +10,7 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
@@ -43,7 +43,7 @@ class V7SettingsImportTest : public testing::Test {
   int Export(ImportModel* model) {
     const RunContext run_context = TestRunContext();
     V7DataExporter exporter(run_context, model);
-    EXPECT_EQ(0, exporter.ExportData());
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     return model->m_progress->progress();
   }
 

@@ -16,7 +16,6 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
-#define V7LOG(level) VLOG_AT(level) << L"[V7数据导入] "
 
 namespace {
 
@@ -325,7 +324,7 @@ bool V7DataExporter::ReadFinishedDownloads() {
     }
     download->FileSize = row.GetInt("FileSize");
     download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
-    download->MD5 = kZeroHash;
+    download->MD5 = kNoFileHash;
     download->Method = row.GetInt("Method");
     download->StartTime = row.GetInt64("StartTime");
     download->CompleteTime = row.GetInt64("CompleteTime");

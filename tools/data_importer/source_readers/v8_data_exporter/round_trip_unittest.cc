@@ -13,7 +13,7 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -35,7 +35,7 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
     ProgressRecord record;
     record.Initialise(TestDataFolder());
     model->m_progress = &record;
-    ASSERT_EQ(0, BuildDatabases(model, profile_.data_folder()));
+    ASSERT_TRUE(IsOk(BuildDatabases(model, profile_.data_folder())));
     model->m_progress = nullptr;
     ASSERT_TRUE(base::CreateDirectory(First(L"")));
     for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"})

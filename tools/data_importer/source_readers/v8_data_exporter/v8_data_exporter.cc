@@ -5,7 +5,6 @@
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
-#define V8LOG(level) VLOG_AT(level) << L"[V8数据导入] "
 
 namespace {
 
@@ -42,7 +41,7 @@ V8DataExporter::V8DataExporter(const RunContext& context, ImportModel* model)
 V8DataExporter::~V8DataExporter() = default;
 
 const wchar_t* V8DataExporter::LogTag() const {
-  return L"[V8数据导入] ";
+  return kV8LogTag;
 }
 
 base::FilePath V8DataExporter::GetDatabasePath() {
@@ -74,7 +73,7 @@ bool V8DataExporter::PrepareWorkCopy(const wchar_t* original, const base::FilePa
   return false;
 }
 
-int32_t V8DataExporter::ExportData() {
+ExportResult V8DataExporter::ExportData() {
   GetDatabasePath();
   m_list_copy = m_context.m_data_folder.Append(kListCopy);
   bool music = PrepareWorkCopy(kMusicDatabase, m_music_copy);
@@ -84,7 +83,7 @@ int32_t V8DataExporter::ExportData() {
   if (!lists)
     ReportState(ProgressRecord::kStateNotStarted);
   if (!music && !lists)
-    return 1;
+    return ExportResult::kNothingExported;
 
   // The library comes first: the list readers find their files in it.
   if (music) {
@@ -97,5 +96,5 @@ int32_t V8DataExporter::ExportData() {
   }
   ResetDatabase();
   V8LOG(logging::LOG_PROGRESS) << L"V8DataExporter::ExportData DONE!";
-  return 0;
+  return ExportResult::kExported;
 }

@@ -8,12 +8,18 @@
 #include <unordered_set>
 
 #include "base/file_path.h"
+#include "logging/logging.h"
 #include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/record_columns.h"
 
 class DbRowReader;
 
+
+// The tag that starts every log line of this reader, and the macro that
+// writes such a line at |level|.
+inline constexpr wchar_t kV8LogTag[] = L"[V8数据导入] ";
+#define V8LOG(level) VLOG_AT(level) << kV8LogTag
 // Imports the plain databases of the current generation's first releases.
 // They lie in the data folder itself and hold the tables of the version-3
 // databases under the same names and columns, unencrypted:
@@ -51,7 +57,7 @@ class V8DataExporter : public DataExporter {
   V8DataExporter(const RunContext& context, ImportModel* model);
   ~V8DataExporter() override;
 
-  int32_t ExportData() override;
+  [[nodiscard]] ExportResult ExportData() override;
   // The table summary of a current-generation database.
   std::wstring Dump(const base::FilePath& path) override;
   // The work copy of "VTMusic.db" (the summary is only taken of copies).

@@ -11,7 +11,7 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
@@ -38,7 +38,7 @@ class V8DataExporterTest : public testing::Test {
       ASSERT_TRUE(db.Execute(statement.c_str())) << statement;
   }
 
-  int32_t Export() {
+  ExportResult Export() {
     const RunContext run_context = TestRunContext();
     V8DataExporter exporter(run_context, &model_);
     return exporter.ExportData();
@@ -52,7 +52,7 @@ class V8DataExporterTest : public testing::Test {
 TEST_F(V8DataExporterTest, NeitherFileImportsNothing) {
   ASSERT_TRUE(base::CreateDirectory(profile_.data_folder()));
   TestProfile::Touch(Data(L"VTMusic.db.bak"));
-  EXPECT_EQ(1, Export());
+  EXPECT_EQ(ExportResult::kNothingExported, Export());
   EXPECT_EQ(1u, record_.state());
   EXPECT_TRUE(model_.m_share_files.empty());
   EXPECT_FALSE(base::PathExists(Data(L"VT8Music.db")));
@@ -88,7 +88,7 @@ TEST_F(V8DataExporterTest, LibraryAloneWithMissingColumnsAndNulls) {
        "CREATE TABLE \"RadioChannel_-4\"(SongID integer PRIMARY KEY)"});
   std::string original = ReadBytes(Data(L"vtmusic.DB"));
 
-  EXPECT_EQ(0, Export());
+  EXPECT_EQ(ExportResult::kExported, Export());
   EXPECT_EQ(1u, record_.state());  // "vantu.db" is missing; nothing failed
   EXPECT_EQ(original, ReadBytes(Data(L"vtmusic.DB")));
   EXPECT_TRUE(base::PathExists(Data(L"VT8Music.db")));
@@ -154,7 +154,7 @@ TEST_F(V8DataExporterTest, ListsAlone) {
                 "INSERT INTO \"GeneralList_-3\" VALUES (2, 'b', 'C:\\b.mp3'), (1, 'a', NULL)",
                 "CREATE TABLE GeneralList_9(SongID integer PRIMARY KEY)",
                 "CREATE TABLE GeneralListX(SongID integer PRIMARY KEY)"});
-  EXPECT_EQ(0, Export());
+  EXPECT_EQ(ExportResult::kExported, Export());
   EXPECT_EQ(1u, record_.state());
   ASSERT_EQ(2u, model_.m_play_lists.size());
   EXPECT_EQ(6, model_.m_play_lists[1]->PlaylistID);
@@ -186,7 +186,7 @@ TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
   record_.SetProgress(10);
   {
     ProgressTrace trace(&record_, profile_);
-    EXPECT_EQ(0, Export());
+    EXPECT_EQ(ExportResult::kExported, Export());
     std::vector<int> deltas = {5};  // the list table
     for (int tenth : Tenths())
       deltas.push_back(tenth);
@@ -208,7 +208,7 @@ TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
   ProgressTrace trace(&record_, profile_);
   const RunContext run_context = TestRunContext();
   V8DataExporter exporter(run_context, &model);
-  EXPECT_EQ(0, exporter.ExportData());
+  EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
   std::vector<int> deltas = Tenths();
   deltas.insert(deltas.end(), 12, 5);  // the files' table and the eleven others
   EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
@@ -274,7 +274,7 @@ TEST_F(V8DataExporterTest, LibraryBeyondRepair) {
                {"CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text)",
                 "INSERT INTO GeneralListTable VALUES (4, 'Four')"});
 
-  EXPECT_EQ(0, Export());
+  EXPECT_EQ(ExportResult::kExported, Export());
   EXPECT_EQ(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed,
             record_.state());
   EXPECT_TRUE(model_.m_share_files.empty());

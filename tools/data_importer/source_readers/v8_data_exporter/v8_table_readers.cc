@@ -15,7 +15,6 @@
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
 
-#define V8LOG(level) VLOG_AT(level) << L"[V8数据导入] "
 
 namespace {
 

@@ -8,10 +8,10 @@ VT2008DataExporter::VT2008DataExporter(const RunContext& context, ImportModel* m
 
 VT2008DataExporter::~VT2008DataExporter() = default;
 
-int32_t VT2008DataExporter::ExportData() {
+ExportResult VT2008DataExporter::ExportData() {
   VLOG_AT(logging::LOG_FAILURE) << L"[VT2008数据导入] The 2008 edition is detected but not imported.";
   ReportState(ProgressRecord::kStateNotStarted);
-  return 1;
+  return ExportResult::kNothingExported;
 }
 
 std::wstring VT2008DataExporter::Dump(const base::FilePath& path) {

@@ -11,7 +11,7 @@ class VT2008DataExporter : public DataExporter {
   VT2008DataExporter(const RunContext& context, ImportModel* model);
   ~VT2008DataExporter() override;
 
-  int32_t ExportData() override;
+  [[nodiscard]] ExportResult ExportData() override;
   // Logs "[VT2008DataExporter::Dump] Assert(false) " at level 4 and answers
   // an empty text.
   std::wstring Dump(const base::FilePath& path) override;

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_
-#define TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_
+#ifndef TESTING_IMPORTER_TEST_UTIL_H_
+#define TESTING_IMPORTER_TEST_UTIL_H_
 
 #include <cstdint>
 #include <string>
@@ -146,4 +146,4 @@ int64_t TableRowCount(sql::Connection* db, const std::string& table);
 // expectation) when the child did not exit normally.
 long ProcessorMicrosOfWholeRun();
 
-#endif  // TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_
+#endif  // TESTING_IMPORTER_TEST_UTIL_H_

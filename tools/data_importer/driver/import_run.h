@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_IMPORT_RUN_H_
-#define TOOLS_DATA_IMPORTER_IMPORT_RUN_H_
+#ifndef TOOLS_DATA_IMPORTER_DRIVER_IMPORT_RUN_H_
+#define TOOLS_DATA_IMPORTER_DRIVER_IMPORT_RUN_H_
 
 #include "tools/data_importer/target_store/build_sequence.h"
 
@@ -17,4 +17,4 @@ class ProgressRecord;
 void RunImport(const RunContext& context, ProgressRecord* record,
                const BuildStageCallback& stage_done = nullptr);
 
-#endif  // TOOLS_DATA_IMPORTER_IMPORT_RUN_H_
+#endif  // TOOLS_DATA_IMPORTER_DRIVER_IMPORT_RUN_H_

@@ -6,7 +6,7 @@
 
 #include "base/file_util.h"
 #include "testing/fixtures/generation6_fixture.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 
 namespace {
 

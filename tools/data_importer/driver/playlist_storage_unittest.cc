@@ -1,4 +1,4 @@
-#include "tools/data_importer/playlist_storage.h"
+#include "tools/data_importer/driver/playlist_storage.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ TEST_F(PlaylistStorageTest, DictionaryGetsThePlaylistFileTime) {
   ASSERT_TRUE(base::GetFileInfo(Path(L"playlistV3.db"), &info));
   WriteStorage("{\"modify_time\":1.0,\"other\":\"kept\"}");
 
-  EXPECT_TRUE(RefreshPlaylistStorage(dir_.path()));
+  EXPECT_EQ(StorageRefresh::kRefreshed, RefreshPlaylistStorage(dir_.path()));
   base::Value root;
   ASSERT_TRUE(base::ReadJsonFile(Path(L"pls_storage"), &root));
   EXPECT_DOUBLE_EQ(info.last_modified, root["modify_time"].get<double>());
@@ -36,17 +36,17 @@ TEST_F(PlaylistStorageTest, AnythingButADictionaryStaysAsItWas) {
   testing_support::WriteBytes(Path(L"playlistV3.db"), "x");
   for (const char* text : {"[1,2,3]", "42", "\"text\"", "{\"modify_time\":", ""}) {
     WriteStorage(text);
-    EXPECT_FALSE(RefreshPlaylistStorage(dir_.path())) << text;
+    EXPECT_EQ(StorageRefresh::kNoStorage, RefreshPlaylistStorage(dir_.path())) << text;
     EXPECT_EQ(text, Storage());
   }
   EXPECT_TRUE(base::DeleteFile(Path(L"pls_storage")));
-  EXPECT_FALSE(RefreshPlaylistStorage(dir_.path()));
+  EXPECT_EQ(StorageRefresh::kNoStorage, RefreshPlaylistStorage(dir_.path()));
   EXPECT_FALSE(base::PathExists(Path(L"pls_storage")));
 }
 
 TEST_F(PlaylistStorageTest, NoPlaylistDatabaseNoRefresh) {
   WriteStorage("{\"modify_time\":1.0}");
-  EXPECT_FALSE(RefreshPlaylistStorage(dir_.path()));
+  EXPECT_EQ(StorageRefresh::kNoPlaylistDatabase, RefreshPlaylistStorage(dir_.path()));
   EXPECT_EQ("{\"modify_time\":1.0}", Storage());
 }
 

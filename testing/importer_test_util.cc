@@ -1,4 +1,4 @@
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -18,6 +18,7 @@
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
 #include "sql/statement.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
@@ -217,7 +218,7 @@ std::string Family(const std::string& table) {
 
 base::Value ReadImportReport(const base::FilePath& data_folder) {
   base::Value report;
-  EXPECT_TRUE(base::ReadJsonFile(data_folder.Append(L"ImportReport.json"), &report));
+  EXPECT_TRUE(base::ReadJsonFile(data_folder.Append(importer_names::kReportFileName), &report));
   return report;
 }
 

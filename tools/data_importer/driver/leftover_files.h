@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_LEFTOVER_FILES_H_
-#define TOOLS_DATA_IMPORTER_LEFTOVER_FILES_H_
+#ifndef TOOLS_DATA_IMPORTER_DRIVER_LEFTOVER_FILES_H_
+#define TOOLS_DATA_IMPORTER_DRIVER_LEFTOVER_FILES_H_
 
 #include <string>
 
@@ -23,4 +23,4 @@ int StaleFileOwner(const std::wstring& name, const std::wstring& marker);
 // True while a process with id |pid| exists.
 bool ProcessExists(int pid);
 
-#endif  // TOOLS_DATA_IMPORTER_LEFTOVER_FILES_H_
+#endif  // TOOLS_DATA_IMPORTER_DRIVER_LEFTOVER_FILES_H_

@@ -1,5 +1,5 @@
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/data_importer_run.h"
+#include "tools/data_importer/driver/data_importer_run.h"
 
 #include <chrono>
 #include <exception>
@@ -14,14 +14,14 @@
 #include "logging/logging.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/import_report.h"
-#include "tools/data_importer/import_run.h"
+#include "tools/data_importer/driver/import_run.h"
 #include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/environment/installation_lookup.h"
-#include "tools/data_importer/leftover_files.h"
-#include "tools/data_importer/playlist_storage.h"
+#include "tools/data_importer/driver/leftover_files.h"
+#include "tools/data_importer/driver/playlist_storage.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
-#include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/driver/task_decision.h"
 #include "tools/data_importer/version3_upgrade/upgrade_result.h"
 #include "tools/data_importer/version3_upgrade/upgrade_tasks.h"
 
@@ -56,7 +56,11 @@ void RunTask(const std::wstring& task, const RunContext& context, ProgressRecord
     RunImport(context, record);
     record->SetProgress(100);
   }
-  RefreshPlaylistStorage(data_folder);
+  // The refresh only tells the player that its lists changed; the run's
+  // outcome stays as it is whatever it answers.
+  StorageRefresh refresh = RefreshPlaylistStorage(data_folder);
+  VLOG_AT(refresh == StorageRefresh::kWriteFailed ? logging::LOG_FAILURE : logging::LOG_PROGRESS)
+      << L"Playlist storage: {" << StorageRefreshText(refresh) << L"}.";
 }
 
 void Run(const RunContext& context) {
@@ -105,7 +109,7 @@ void Run(const RunContext& context) {
   // The account of the run, for the player's support and the host program.
   if (!data_folder.empty() && !report.Write(data_folder)) {
     VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: cannot write {"
-                                  << data_folder.Append(L"ImportReport.json").value()
+                                  << data_folder.Append(importer_names::kReportFileName).value()
                                   << L"}, error code {" << base::GetLastSystemError() << L"}.";
   }
 }

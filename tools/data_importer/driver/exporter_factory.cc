@@ -1,4 +1,4 @@
-#include "tools/data_importer/exporter_factory.h"
+#include "tools/data_importer/driver/exporter_factory.h"
 
 #include "logging/logging.h"
 #include "tools/data_importer/run_record/progress_record.h"
@@ -16,10 +16,10 @@ class UnavailableDataExporter : public DataExporter {
   UnavailableDataExporter(const RunContext& context, ImportModel* model, int kind)
       : DataExporter(context, model), kind_(kind) {}
 
-  int32_t ExportData() override {
+  ExportResult ExportData() override {
     VLOG_AT(logging::LOG_FAILURE) << L"No reader for import kind {" << kind_ << L"}.";
     ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return ExportResult::kNothingExported;
   }
   std::wstring Dump(const base::FilePath& path) override { return std::wstring(); }
   base::FilePath GetDatabasePath() override { return base::FilePath(); }

@@ -1,4 +1,4 @@
-#include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/driver/task_decision.h"
 
 #include <cwchar>
 #include <cwctype>
@@ -7,29 +7,6 @@
 #include "base/reg_key.h"
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/environment/installation_lookup.h"
-
-bool IsTask(const std::wstring& task, const wchar_t* name) {
-  size_t length = std::wcslen(name);
-  if (task.size() != length)
-    return false;
-  for (size_t i = 0; i < length; ++i) {
-    if (task[i] != name[i])
-      return false;
-  }
-  return true;
-}
-
-int ImportKindOfTask(const std::wstring& task) {
-  if (IsTask(task, kTaskImport2008))
-    return importer_names::kKind2008;
-  if (IsTask(task, kTaskImportGeneration6))
-    return importer_names::kKindGeneration6;
-  if (IsTask(task, kTaskImportGeneration7))
-    return importer_names::kKindGeneration7;
-  if (IsTask(task, kTaskImportCurrent))
-    return importer_names::kKindCurrent;
-  return importer_names::kKindNone;
-}
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/data_importer/leftover_files.h"
+#include "tools/data_importer/driver/leftover_files.h"
 
 #include <filesystem>
 #include <system_error>

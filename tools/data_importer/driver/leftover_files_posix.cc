@@ -1,4 +1,4 @@
-#include "tools/data_importer/leftover_files.h"
+#include "tools/data_importer/driver/leftover_files.h"
 
 #include <errno.h>
 #include <signal.h>

@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_DATA_IMPORTER_RUN_H_
-#define TOOLS_DATA_IMPORTER_DATA_IMPORTER_RUN_H_
+#ifndef TOOLS_DATA_IMPORTER_DRIVER_DATA_IMPORTER_RUN_H_
+#define TOOLS_DATA_IMPORTER_DRIVER_DATA_IMPORTER_RUN_H_
 
 #include "tools/data_importer/environment/run_context.h"
 
@@ -17,4 +17,4 @@ void RunDataImporter(const RunContext& context);
 // path mapped through the context's drives.
 RunContext RunContextOfProcess();
 
-#endif  // TOOLS_DATA_IMPORTER_DATA_IMPORTER_RUN_H_
+#endif  // TOOLS_DATA_IMPORTER_DRIVER_DATA_IMPORTER_RUN_H_

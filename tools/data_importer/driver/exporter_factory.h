@@ -1,5 +1,5 @@
-#ifndef TOOLS_DATA_IMPORTER_EXPORTER_FACTORY_H_
-#define TOOLS_DATA_IMPORTER_EXPORTER_FACTORY_H_
+#ifndef TOOLS_DATA_IMPORTER_DRIVER_EXPORTER_FACTORY_H_
+#define TOOLS_DATA_IMPORTER_DRIVER_EXPORTER_FACTORY_H_
 
 #include <memory>
 
@@ -15,4 +15,4 @@ class ImportModel;
 std::unique_ptr<DataExporter> CreateExporter(const RunContext& context, int import_kind,
                                              ImportModel* model);
 
-#endif  // TOOLS_DATA_IMPORTER_EXPORTER_FACTORY_H_
+#endif  // TOOLS_DATA_IMPORTER_DRIVER_EXPORTER_FACTORY_H_

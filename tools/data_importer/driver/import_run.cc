@@ -1,4 +1,4 @@
-#include "tools/data_importer/import_run.h"
+#include "tools/data_importer/driver/import_run.h"
 
 #include <chrono>
 #include <memory>
@@ -11,7 +11,7 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/run_record/progress_record.h"
-#include "tools/data_importer/exporter_factory.h"
+#include "tools/data_importer/driver/exporter_factory.h"
 
 void RunImport(const RunContext& context, ProgressRecord* record,
                const BuildStageCallback& stage_done) {
@@ -34,10 +34,14 @@ void RunImport(const RunContext& context, ProgressRecord* record,
   std::wstring summary = exporter->Dump(source);
   if (!summary.empty())
     VLOG_AT(logging::LOG_PROGRESS) << summary;
-  int32_t exported = exporter->ExportData();
+  ExportResult exported = exporter->ExportData();
   timed_stage_done("Export");
-  if (exported == 0) {
-    BuildDatabases(&model, context.m_data_folder, timed_stage_done);
+  if (exported == ExportResult::kExported) {
+    // The build records its failures in "DBCheck" itself; the log says why.
+    base::Status built = BuildDatabases(&model, context.m_data_folder, timed_stage_done);
+    if (!built.ok())
+      VLOG_AT(logging::LOG_FAILURE) << L"Build of the new databases FAILED: {" << built.message()
+                                    << L"}.";
     // What the finished files held when they were read back (before they
     // replaced the old ones), beside what the writers sent.
     for (const auto& [name, verified] :

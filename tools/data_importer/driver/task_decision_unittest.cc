@@ -1,9 +1,9 @@
-#include "tools/data_importer/task_decision.h"
+#include "tools/data_importer/driver/task_decision.h"
 
 #include <gtest/gtest.h>
 
 #include "base/file_util.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 
 namespace {
 

@@ -18,7 +18,7 @@
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/run_record/import_report.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -162,7 +162,7 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
     ProgressRecord record;
     record.Initialise(TestDataFolder());
     model.m_progress = &record;
-    ASSERT_EQ(0, BuildDatabases(&model, profile_.data_folder()));
+    ASSERT_TRUE(IsOk(BuildDatabases(&model, profile_.data_folder())));
     model.m_progress = nullptr;
   }
   base::FilePath first = profile_.root().Append(L"first");

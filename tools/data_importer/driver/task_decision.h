@@ -1,31 +1,15 @@
-#ifndef TOOLS_DATA_IMPORTER_TASK_DECISION_H_
-#define TOOLS_DATA_IMPORTER_TASK_DECISION_H_
+#ifndef TOOLS_DATA_IMPORTER_DRIVER_TASK_DECISION_H_
+#define TOOLS_DATA_IMPORTER_DRIVER_TASK_DECISION_H_
 
 #include <string>
-
+#include <utility>
 #include <vector>
 
 #include "base/file_path.h"
 #include "base/json_file.h"
 #include "tools/data_importer/environment/installation_lookup.h"
 #include "tools/data_importer/environment/run_context.h"
-#include "tools/data_importer/run_record/importer_names.h"
-
-// Task names of a run (defined with the other shared names).
-using importer_names::kTaskCopyVersion2;
-using importer_names::kTaskImport2008;
-using importer_names::kTaskImportCurrent;
-using importer_names::kTaskImportGeneration6;
-using importer_names::kTaskImportGeneration7;
-using importer_names::kTaskUpgradeVersion3;
-
-// Case-sensitive comparison of a task name: length first, then each
-// character.
-bool IsTask(const std::wstring& task, const wchar_t* name);
-
-// The import kind of an import task (1 2008 edition, 2 generation 6,
-// 3 generation 7, 4 current generation), 0 for any other name.
-int ImportKindOfTask(const std::wstring& task);
+#include "tools/data_importer/run_record/task_names.h"
 
 // Decides the run's task from what lies in the context's data folder, its
 // roaming application-data folder, the registry and its source folder (the
@@ -62,4 +46,4 @@ std::wstring DecideTask(const RunContext& context, TaskSearch* search);
 // "tried", "drive", the letter whose folder would map it).
 base::Value DescribeTaskSearch(const RunContext& context, const TaskSearch& search);
 
-#endif  // TOOLS_DATA_IMPORTER_TASK_DECISION_H_
+#endif  // TOOLS_DATA_IMPORTER_DRIVER_TASK_DECISION_H_
