@@ -86,7 +86,7 @@ TEST(HostHelpTest, ReadmeTablesAreWhatHelpPrints) {
   Rows options, statuses;
   ParseHelp(help, &options, &statuses);
   ASSERT_GE(options.size(), 10u) << help;
-  ASSERT_EQ(5u, statuses.size()) << help;
+  ASSERT_EQ(6u, statuses.size()) << help;
 
   std::string readme = testing_support::ReadBytes(
       base::FilePath::FromUTF8Unsafe(VANTU_SOURCE_DIR).Append(L"README.md"));

@@ -132,6 +132,8 @@ const HostExitStatus kExitTable[] = {
         "(failure bits 2, 4 or 16): some records may be missing; the verdict names the file"},
     {4, "nothing imported: an earlier installation is named (in the registry) but could not be "
         "reached; the verdict names the path tried and the --drive option that would map it"},
+    {130, "stopped by Ctrl-C; the program says whether it stopped before anything was replaced "
+          "or while replacing (the next run completes the replacement)"},
 };
 
 // Appends |text| to |out| in lines of at most |width| columns, each

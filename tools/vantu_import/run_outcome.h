@@ -18,6 +18,7 @@ enum HostExit : int {
   kExitUsage = 2,     // bad usage; nothing was run or created
   kExitDamaged = 3,   // finished, but a source was damaged or partly unreadable
   kExitUnreachable = 4,  // an earlier installation is named but could not be reached
+  kExitInterrupted = 130,  // stopped by Ctrl-C (128 + SIGINT, as shells report it)
 };
 
 // The task the report names ("" for none).

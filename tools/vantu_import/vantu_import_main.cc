@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -87,9 +88,48 @@ class ProgressView {
   std::wstring last_value_;
 };
 
+// Set by Ctrl-C (SIGINT); the main thread looks at it while the import
+// runs.
+volatile std::sig_atomic_t g_interrupted = 0;
+
+// The temporary folders to remove when Ctrl-C ends the program (the
+// TemporaryFolder objects below are not destroyed then).
+std::vector<std::string>& FoldersToRemoveOnInterrupt() {
+  static std::vector<std::string> folders;
+  return folders;
+}
+
+void OnInterrupt(int) {
+  g_interrupted = 1;
+}
+
+// Ends the program after Ctrl-C, saying in what state the data folder was
+// left: the importer is stopped where it stands, as a killed player would
+// stop it, and the next run recovers from there.
+[[noreturn]] void StopOnInterrupt(const base::FilePath& data_folder, bool started) {
+  std::printf("\n");
+  if (!started) {
+    std::printf("Stopped before the import started: nothing was changed.\n");
+  } else if (base::PathExists(data_folder.Append(names::kReplaceRecordName))) {
+    std::printf("Stopped while the new databases were replacing the old ones: the next run "
+                "completes the replacement.\n");
+  } else {
+    std::printf("Stopped before anything was replaced: the old databases are in place; the "
+                "next run starts the import again.\n");
+  }
+  std::fflush(stdout);
+  for (const std::string& folder : FoldersToRemoveOnInterrupt()) {
+    std::error_code ignored;  // a leftover in the temporary folder is harmless
+    std::filesystem::remove_all(folder, ignored);
+  }
+  std::_Exit(kExitInterrupted);
+}
+
 // Runs the importer on |context| on a worker thread and shows its progress
 // until it returns.
 void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressView* view) {
+  if (g_interrupted)
+    StopOnInterrupt(context.m_data_folder, false);
   std::mutex mutex;
   std::condition_variable finished;
   bool done = false;
@@ -109,6 +149,8 @@ void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressV
   std::unique_lock<std::mutex> lock(mutex);
   while (!done) {
     lock.unlock();
+    if (g_interrupted)
+      StopOnInterrupt(context.m_data_folder, true);
     show();
     lock.lock();
     finished.wait_for(lock, kPollInterval, [&] { return done; });
@@ -140,6 +182,8 @@ class TemporaryFolder {
       return false;
     path_ = pattern;
     keep_ = keep;
+    if (!keep)
+      FoldersToRemoveOnInterrupt().push_back(path_);
     return true;
   }
   const std::string& path() const { return path_; }
@@ -275,6 +319,7 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::signal(SIGINT, OnInterrupt);
   HostOptions options;
   std::string error;
   if (!ParseHostOptions(argc, argv, &options, &error))

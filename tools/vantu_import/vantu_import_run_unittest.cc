@@ -236,6 +236,20 @@ TEST_F(HostRunTest, SettingsCountedAsReadFromTheSource) {
   EXPECT_NE(std::string::npos, output_.find("Settings: 2 read from the source; ")) << output_;
 }
 
+// Ctrl-C stops the run at once with exit status 130, says in which state it
+// left the data folder, and removes the demo's temporary profile.
+TEST_F(HostRunTest, InterruptSaysWhatStateItLeft) {
+  std::string command = "cd " + Quote(root()) +
+                        " && { " VANTU_BINARY_DIR "/vantu-import --demo & pid=$!; sleep 0.3; "
+                        "kill -INT $pid; wait $pid; echo \"exit $?\"; }";
+  ASSERT_EQ(0, testing_support::RunCommand(command, "", &output_));
+  EXPECT_NE(std::string::npos, output_.find("\nexit 130\n")) << output_;
+  EXPECT_NE(std::string::npos, output_.find("\nStopped ")) << output_;
+  base::FilePath demo = PathAfter(output_, "Demo profile: ");
+  if (!demo.empty())
+    EXPECT_FALSE(base::PathExists(demo)) << output_;
+}
+
 // --json prints the report the run wrote, and nothing else, on standard
 // output.
 TEST_F(HostRunTest, JsonIsTheReport) {
