@@ -1,6 +1,8 @@
 #include "tools/vantu_import/run_outcome.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <sstream>
 #include <vector>
 
@@ -245,6 +247,20 @@ std::string DescribeImportState(const std::wstring& state) {
     first = false;
   }
   return text + ")";
+}
+
+std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns) {
+  percent = std::clamp(percent, 0, 100);
+  char figures[48];
+  std::snprintf(figures, sizeof(figures), "] %3d%% %6.1fs", percent, seconds);
+  const int fixed = static_cast<int>(label.size() + 2 + std::strlen(figures));
+  const int width = std::clamp(columns - 1 - fixed, 10, 40);
+  const int filled = percent * width / 100;
+  std::string line = label + " [" + std::string(filled, '#') + std::string(width - filled, ' ') +
+                     figures;
+  if (columns > 1 && static_cast<int>(line.size()) > columns - 1)
+    line.resize(columns - 1);
+  return line;
 }
 
 bool ReplacedDatabases(const base::Value& report) {

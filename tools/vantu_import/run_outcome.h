@@ -61,6 +61,12 @@ int ExitStatusOf(const base::Value& report);
 // object.
 bool ReadReport(const base::FilePath& path, base::Value* report);
 
+// One line of the terminal's progress bar, e.g. "import [#####     ]  50%
+// 3.2s", at most |columns| - 1 characters wide (so that the terminal never
+// wraps it): the bar takes what the label and the figures leave, between 10
+// and 40 columns; on a terminal too narrow even for that, the line is cut.
+std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns);
+
 // The value of |key| in section "DBCheck" of |ini|.
 std::wstring ReadDBCheck(const base::FilePath& ini, const wchar_t* key);
 

@@ -4,6 +4,7 @@
 // did from the import report it wrote.
 
 #include <stdlib.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -37,7 +38,6 @@ namespace names = importer_names;
 namespace {
 
 constexpr auto kPollInterval = std::chrono::milliseconds(100);
-constexpr int kBarWidth = 40;
 
 // Shows the progress of the run from its start: on a terminal one bar line
 // with the elapsed time, redrawn in full each time (so it never ends half
@@ -67,9 +67,11 @@ class ProgressView {
     }
     if (value.empty())
       label = "start";
-    int filled = percent * kBarWidth / 100;
-    std::printf("\r%-7s [%s%s] %3d%% %7.1fs", label.c_str(), std::string(filled, '#').c_str(),
-                std::string(kBarWidth - filled, ' ').c_str(), percent, seconds);
+    // The width is read at each redraw: the terminal may be resized.
+    struct winsize size = {};
+    int columns = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col ? size.ws_col : 80;
+    // "\r" and clearing to the end of the line redraw the bar in place.
+    std::printf("\r%s\x1b[K", ProgressBarLine(label, percent, seconds, columns).c_str());
     std::fflush(stdout);
     bar_shown_ = true;
   }
@@ -140,11 +142,22 @@ void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressV
     done = true;
     finished.notify_one();
   });
+  // The section holds the previous run's values until this run resets it:
+  // they are not shown as this run's.
+  const std::wstring previous_import = ReadDBCheck(base::ResolvePathCase(ini), names::kKeyImportProgress);
+  const std::wstring previous_update = ReadDBCheck(base::ResolvePathCase(ini), names::kKeyUpdateProgress);
+  bool reset_seen = previous_import.empty() && previous_update.empty();
   auto show = [&] {
     base::FilePath current = base::ResolvePathCase(ini);
     std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    view->Show(ReadDBCheck(current, names::kKeyImportProgress),
-               ReadDBCheck(current, names::kKeyUpdateProgress), elapsed.count());
+    std::wstring import_progress = ReadDBCheck(current, names::kKeyImportProgress);
+    std::wstring update_progress = ReadDBCheck(current, names::kKeyUpdateProgress);
+    reset_seen = reset_seen || import_progress != previous_import || update_progress != previous_update;
+    if (!reset_seen) {
+      import_progress.clear();
+      update_progress.clear();
+    }
+    view->Show(import_progress, update_progress, elapsed.count());
   };
   std::unique_lock<std::mutex> lock(mutex);
   while (!done) {

@@ -202,7 +202,8 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
 }
 
 // "Backup folder:" names the folder only when this run wrote into it: the
-// import backs its source up, the upgrade after it writes no backup.
+// import backs its source up, the upgrade after it writes no backup. The
+// upgrade's progress starts from its own values.
 TEST_F(HostRunTest, BackupFolderOnlyWhenThisRunWroteOne) {
   WriteInstallation();
   EXPECT_EQ(0, Run(ProfileArgs())) << output_;
@@ -211,6 +212,10 @@ TEST_F(HostRunTest, BackupFolderOnlyWhenThisRunWroteOne) {
   EXPECT_EQ(0, Run(ProfileArgs())) << output_;
   EXPECT_NE(std::string::npos, output_.find("(updatevantu8)")) << output_;
   EXPECT_EQ(std::string::npos, output_.find("Backup folder:")) << output_;
+  // The progress shown is this run's: not the import's 100 % left in the
+  // section by the run before.
+  EXPECT_EQ(std::string::npos, output_.find("import progress:")) << output_;
+  EXPECT_NE(std::string::npos, output_.find("upgrade progress: 100%")) << output_;
 }
 
 // Settings are counted as read from the source: an empty settings file

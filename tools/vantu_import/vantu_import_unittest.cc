@@ -85,6 +85,18 @@ TEST(HostOptionsTest, EveryOptionParsesAndIsDocumented) {
   EXPECT_EQ("unknown option --quiet=1", error);
 }
 
+// The bar takes what the terminal's width leaves and never fills the last
+// column, where a terminal would wrap it onto a new line.
+TEST(ProgressBarTest, FitsTheTerminal) {
+  EXPECT_EQ("import [####################                    ]  50%    3.2s",
+            ProgressBarLine("import", 50, 3.2, 120));
+  for (int columns : {80, 60, 40, 30, 12}) {
+    std::string line = ProgressBarLine("upgrade", 100, 12345.6, columns);
+    EXPECT_LE(line.size(), static_cast<size_t>(columns - 1)) << columns << ": " << line;
+  }
+  EXPECT_EQ("start [                  ]   0%    0.0s", ProgressBarLine("start", -5, 0, 40));
+}
+
 // The options become the run's context: the single-folder options win over
 // the profile's folders, and --i is a Windows path on a --drive folder.
 TEST(HostOptionsTest, ContextFromOptions) {
