@@ -298,3 +298,22 @@ long ProcessorMicrosOfWholeRun() {
   return usage.ru_utime.tv_sec * 1000000L + usage.ru_utime.tv_usec +
          usage.ru_stime.tv_sec * 1000000L + usage.ru_stime.tv_usec;
 }
+
+V6Music NumberedV6Music(int id, const std::wstring& title, wchar_t hash_fill, int mv_id) {
+  V6Music m;
+  m.id = id;
+  m.title = title;
+  m.file_name = L"D:\\Music\\" + title + L".mp3";
+  m.hash = testing_support::NumberedHash(id, hash_fill);
+  m.mv_id = mv_id;
+  return m;
+}
+
+V7Music NumberedV7Music(int id, const std::wstring& title, wchar_t hash_fill) {
+  V7Music m;
+  m.id = id;
+  m.title = title;
+  m.file_name = L"D:\\Music\\" + title + L".mp3";
+  m.hash = testing_support::NumberedHash(id, hash_fill);
+  return m;
+}

@@ -8,6 +8,8 @@
 #include "base/file_path.h"
 #include "base/json_file.h"
 #include "logging/logging.h"
+#include "testing/fixtures/generation6_fixture.h"
+#include "testing/fixtures/generation7_fixture.h"
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/run_context.h"
 
@@ -145,5 +147,11 @@ int64_t TableRowCount(sql::Connection* db, const std::string& table);
 // that stop later runs at random points within it; -1 (and a failed
 // expectation) when the child did not exit normally.
 long ProcessorMicrosOfWholeRun();
+
+// A generation-6 or generation-7 library item "D:\Music\<title>.mp3" with
+// the hash NumberedHash(id, hash_fill), so that each test's songs have
+// hashes of their own.
+V6Music NumberedV6Music(int id, const std::wstring& title, wchar_t hash_fill, int mv_id = 0);
+V7Music NumberedV7Music(int id, const std::wstring& title, wchar_t hash_fill);
 
 #endif  // TESTING_IMPORTER_TEST_UTIL_H_

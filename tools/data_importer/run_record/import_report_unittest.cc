@@ -27,12 +27,7 @@ std::wstring Hash(int n) {
 }
 
 V6Music Music(int id, const std::wstring& title) {
-  V6Music m;
-  m.id = id;
-  m.title = title;
-  m.file_name = L"D:\\Music\\" + title + L".mp3";
-  m.hash = Hash(id);
-  return m;
+  return NumberedV6Music(id, title, L'B');
 }
 
 class ImportReportTest : public testing::Test {

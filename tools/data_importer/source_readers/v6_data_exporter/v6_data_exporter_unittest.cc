@@ -21,18 +21,11 @@
 namespace {
 
 std::wstring Hash(int n) {
-  std::wstring hash = std::to_wstring(n);
-  return std::wstring(32 - hash.size(), L'A') + hash;
+  return testing_support::NumberedHash(n, L'A');
 }
 
 V6Music Music(int id, const std::wstring& title, int mv_id = 0) {
-  V6Music m;
-  m.id = id;
-  m.title = title;
-  m.file_name = L"D:\\Music\\" + title + L".mp3";
-  m.hash = Hash(id);
-  m.mv_id = mv_id;
-  return m;
+  return NumberedV6Music(id, title, L'A', mv_id);
 }
 
 // A "V1" database with every case the reader distinguishes.

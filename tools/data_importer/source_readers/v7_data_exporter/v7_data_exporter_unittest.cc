@@ -29,12 +29,7 @@ std::wstring Hash(int n) {
 }
 
 V7Music Music(int id, const std::wstring& title) {
-  V7Music m;
-  m.id = id;
-  m.title = title;
-  m.file_name = L"D:\\Music\\" + title + L".mp3";
-  m.hash = Hash(id);
-  return m;
+  return NumberedV7Music(id, title, L'A');
 }
 
 // A small source with every case the readers tell apart.
