@@ -255,6 +255,23 @@ TEST_F(HostRunTest, InterruptSaysWhatStateItLeft) {
     EXPECT_FALSE(base::PathExists(demo)) << output_;
 }
 
+// --i=DIR with no program folder in the registry: the folder's settings
+// file and lyrics come along with its databases.
+TEST_F(HostRunTest, SourceFolderCarriesSettingsAndLyrics) {
+  base::FilePath old = root().Append(L"Old Player");
+  ASSERT_TRUE(WriteSampleV6Installation(old, 5));
+  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()) + " --i " + Quote(old))) << output_;
+  EXPECT_EQ(0u, output_.find("Imported 5 songs")) << output_;
+  EXPECT_NE(std::string::npos, output_.find(" settings")) << output_;
+  int lyrics = 0;
+  std::error_code code;
+  for (const auto& entry : std::filesystem::directory_iterator(
+           data_folder().Append(L"Lyric").AsUTF8Unsafe(), code)) {
+    lyrics += entry.path().extension() == ".krc";
+  }
+  EXPECT_EQ(2, lyrics);
+}
+
 // --json prints the report the run wrote, and nothing else, on standard
 // output.
 TEST_F(HostRunTest, JsonIsTheReport) {

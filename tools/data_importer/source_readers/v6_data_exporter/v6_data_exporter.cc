@@ -73,6 +73,15 @@ base::FilePath V6DataExporter::LocateInstallation() {
   return program.empty() ? program : program.DirName();
 }
 
+base::FilePath V6DataExporter::SettingsAndLyricsFolder() {
+  base::FilePath program = LocateInstallation();
+  // Without a program folder in the registry, the folder the player names
+  // with --i=DIR is the installation the user points at: its settings file
+  // and lyrics travel with its databases, as they do from a program folder,
+  // rather than being silently left behind.
+  return program.empty() ? m_context.m_source_folder : program;
+}
+
 base::FilePath V6DataExporter::GetDatabasePath() {
   base::FilePath folder = LocateInstallation();
   if (folder.empty())
@@ -112,7 +121,7 @@ const wchar_t* V6DataExporter::LogTag() const {
 }
 
 void V6DataExporter::CopyLyrics() {
-  base::FilePath program = LocateInstallation();
+  base::FilePath program = SettingsAndLyricsFolder();
   if (program.empty())
     return;
   std::vector<base::FilePath> lyrics = ListFiles(program.Append(L"Lyric"), L"*.krc");
@@ -294,7 +303,7 @@ ExportResult V6DataExporter::ReadV2Layout() {
 }
 
 void V6DataExporter::ReadSettings() {
-  const base::FilePath program = LocateInstallation();
+  const base::FilePath program = SettingsAndLyricsFolder();
   if (program.empty())
     return;
   // Read in place: the markup reader only opens the file for reading.

@@ -62,6 +62,9 @@ class V6DataExporter : public DataExporter {
   // Program folder of the installation: the folder of registry value
   // "AppFileName" under "Software\VanTa6"; empty when not registered.
   base::FilePath LocateInstallation();
+  // Where the settings file "VanTa.xml" and the "Lyric" folder are read:
+  // the program folder, else the source folder of the switch "i".
+  base::FilePath SettingsAndLyricsFolder();
   void ClearLookups();
 
   // Copies.
