@@ -187,6 +187,23 @@ TEST_F(WindowsProfileTest, GenerationPassedOverIsNamed) {
   EXPECT_NE(std::string::npos, report.find("\"passed_over\"")) << report;
 }
 
+// Generation 7 imported, generation 6 named on a drive with no folder: the
+// verdict names the one not reached, the exit status is the import's.
+TEST_F(WindowsProfileTest, UnreachableBesideAnImportIsNamed) {
+  WriteHive(profile_.Append(L"NTUSER.DAT"), L"D:\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  V7SampleSize size;
+  size.songs = 5;
+  size.lists = 1;
+  size.list_entries = 3;
+  ASSERT_TRUE(WriteSampleV7Installation(profile_.Append(L"AppData/Roaming"), size));
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
+  EXPECT_TRUE(Imported()) << output_;
+  EXPECT_TRUE(Contains("; generation 6 at \"D:\\VanTa6\\VanTa6.exe\" (no folder stands for "
+                       "drive D:; give --drive D=FOLDER with the copy of drive D:) could not be "
+                       "reached."))
+      << output_;
+}
+
 TEST_F(WindowsProfileTest, ExpandedValueInsideTheProfile) {
   WriteInstallation(profile_.Append(L"Apps").Append(L"VanTa6"));
   WriteHive(profile_.Append(L"NTUSER.DAT"), L"%USERPROFILE%\\Apps\\VanTa6\\VanTa6.exe",
