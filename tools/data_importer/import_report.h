@@ -35,6 +35,9 @@ inline constexpr DropReason kDownloadUnresolved = {
 inline constexpr DropReason kFolderFileMissing = {
     "folder_file_missing", "watched-folder file that is not in the library",
     "watched-folder files that are not in the library"};
+inline constexpr DropReason kUnlinkedFile = {
+    "unlinked_file", "file without a path (its link taken away by the user)",
+    "files without a path (their link taken away by the user)"};
 inline constexpr DropReason kCopyNotEncrypted = {
     "copy_not_encrypted", "row of a version-2 database whose encrypted copy is not in place",
     "rows of a version-2 database whose encrypted copy is not in place"};

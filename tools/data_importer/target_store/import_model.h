@@ -73,12 +73,13 @@ class ImportModel {
   // or "RadioChannel_<id>" (kRadioChannel, music-library database), created
   // even for no songs. General-list entries are translated to the new file
   // ids and dropped when their audio file was not imported; radio entries
-  // are written as they are.
+  // are written as they are. MusicFilePlayable follows
+  // MusicFilePlayableFromPath in both.
   void WriteSongList(int id, const SongList& songs, SongListKind kind);
 
   // Refills m_file_flag_map from m_share_files: the flag of an audio file's
-  // new id is 1 when the file has no local path (an entry the player cannot
-  // play from disk), else 0. The general-list writer stores the negation in
+  // new id is 1 when the file has no local path (empty or the unlinked mark:
+  // an entry the player cannot play from disk), else 0. The general-list writer stores the negation in
   // MusicFilePlayable.
   void FillFileFlagMap();
 

@@ -17,6 +17,11 @@
 // The hash of a file that has no hash.
 inline constexpr wchar_t kNoFileHash[] = L"00000000000000000000000000000000";
 
+// What a text field of generation 7 holds where the user took the file's
+// link away: the file has no path. The mark is shown to the user in place of
+// the path; it names no file.
+inline constexpr wchar_t kUnlinkedFileMark[] = L"\u7528\u6237\u53d6\u6d88\u5173\u8054";  // 用户取消关联
+
 // One media file known to the player.
 struct ShareFileItem {
   int origin = 0;

@@ -131,13 +131,17 @@ void ImportModel::WriteLocalFiles() {
   // file path and has no column for a file id.
   WriteTable(m_music_db.get(), kLocalFiles, m_local_files, EmptyList::kSkipTable,
              [&](const LocalFileInfo& f, RowBuilder* row) {
+               // The table is keyed by the path; a file whose link the user
+               // took away has none (two of them would collide on the mark).
+               if (f.FilePath == kUnlinkedFileMark)
+                 return RowFate::Drop(drop_reason::kUnlinkedFile);
                auto folder = folder_paths.find(f.old_folder_id);
                AppendColumnsReplacing<LocalFileInfo, std::wstring>(
                    f, LocalFileColumns(),
                    {{&LocalFileInfo::FolderPath,
                      folder == folder_paths.end() ? no_folder : *folder->second}},
                    row);
-               return true;
+               return RowFate::Write();
              }, report());
 }
 
