@@ -81,10 +81,9 @@ bool Load(const FilePath& path, IniText* text) {
     return false;
   // A byte-order mark decides between UTF-16 little- and big-endian (the
   // latter as Wine reads it; Windows documents only the former).
-  const unsigned char b0 = bytes.size() >= 2 ? static_cast<unsigned char>(bytes[0]) : 0;
-  const unsigned char b1 = bytes.size() >= 2 ? static_cast<unsigned char>(bytes[1]) : 0;
-  if ((b0 == 0xFF && b1 == 0xFE) || (b0 == 0xFE && b1 == 0xFF)) {
-    bool little = b0 == 0xFF;
+  const ByteOrderMark mark = DetectByteOrderMark(bytes);
+  if (mark == ByteOrderMark::kUtf16Le || mark == ByteOrderMark::kUtf16Be) {
+    bool little = mark == ByteOrderMark::kUtf16Le;
     text->encoding = little ? IniText::kUtf16 : IniText::kUtf16Be;
     for (char16_t unit : UTF16UnitsFromBytes(std::string_view(bytes).substr(2), !little))
       text->units.push_back(static_cast<wchar_t>(unit));
@@ -99,21 +98,17 @@ bool Load(const FilePath& path, IniText* text) {
   //
   // The detection alone could take an 8-bit file holding NUL bytes for
   // UTF-16 after a write has made its length even, and the next call would
-  // no longer find what the last one wrote. So the file must also open as
-  // UTF-16 text of an INI file does: with an ASCII character (a '[', a ';',
-  // a key's first letter or a blank) followed by a zero byte. Only the
-  // deletion of its first section changes how a file begins.
-  const bool ascii_then_zero = bytes.size() >= 2 && bytes[0] != 0 &&
-                               static_cast<unsigned char>(bytes[0]) < 0x80 && bytes[1] == 0;
-  if (ascii_then_zero && bytes.size() % 2 == 0 && bytes.size() <= INT_MAX &&
-      IsTextUnicode(bytes.data(), static_cast<int>(bytes.size()), nullptr)) {
+  // no longer find what the last one wrote; the settings-file test also
+  // asks for the opening of an INI file's text. Only the deletion of its
+  // first section changes how a file begins.
+  if (IsUnmarkedUtf16Settings(bytes)) {
     text->encoding = IniText::kUtf16NoBom;
     for (char16_t unit : UTF16UnitsFromBytes(bytes, false))
       text->units.push_back(static_cast<wchar_t>(unit));
     return true;
   }
   size_t start = 0;
-  if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+  if (mark == ByteOrderMark::kUtf8) {
     text->encoding = IniText::kUtf8Bom;
     start = 3;
   }

@@ -97,6 +97,7 @@ TEST_F(IniReaderTest, Encodings) {
   }
   const std::pair<const wchar_t*, std::string> files[] = {
       {L"le.ini", utf16le},
+      {L"le-unmarked.ini", utf16le.substr(2)},
       {L"le-truncated.ini", utf16le + "\x41"},
       {L"be.ini", utf16be},
       {L"utf8.ini", base::WideToUTF8(text)},
