@@ -1,3 +1,4 @@
+#include "tools/data_importer/environment/ansi_code_page.h"
 #include "tools/data_importer/data_importer_main.h"
 
 #include <chrono>
@@ -93,6 +94,9 @@ void Run() {
   report.AddStage("TaskDecision", decision_time.count());
   ProgressRecord record;
   record.set_report(&report);
+  // Until the run context is handed down, the code page follows the rule
+  // for this process (the drive map's drive C, no code page named).
+  record.SetAnsiCodePage(DefaultAnsiCodePage());
   record.Initialise();
   if (!replacement_complete)
     record.ReportFailure(ProgressRecord::kStateBuildFailed);

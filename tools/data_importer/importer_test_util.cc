@@ -11,6 +11,7 @@
 #include <map>
 #include <utility>
 
+#include "base/code_page.h"
 #include "base/file_util.h"
 #include "base/md5.h"
 #include "base/profile_string.h"
@@ -46,11 +47,13 @@ void TestProfile::SetRegistryValue(const std::wstring& key, const std::wstring& 
 }
 
 std::wstring TestProfile::DBCheck(const std::wstring& key) const {
-  return base::GetPrivateProfileStringW(L"DBCheck", key, L"#missing#", ini().value());
+  return base::GetPrivateProfileStringW(L"DBCheck", key, L"#missing#", ini().value(),
+                                        base::kCodePageSimplifiedChinese);
 }
 
 std::wstring TestProfile::Setting(const std::wstring& key) const {
-  return base::GetPrivateProfileStringW(L"Settings", key, L"#missing#", ini().value());
+  return base::GetPrivateProfileStringW(L"Settings", key, L"#missing#", ini().value(),
+                                        base::kCodePageSimplifiedChinese);
 }
 
 ProgressTrace::ProgressTrace(ProgressRecord* record, const TestProfile& profile)

@@ -5,7 +5,7 @@
 
 #include <utf8.h>
 
-#include "base/code_page_1252.h"
+#include "base/code_page.h"
 #include "base/file_util.h"
 #include "base/string_number_conversions.h"
 #include "base/string_util.h"
@@ -23,7 +23,7 @@ std::wstring DecodeUTF16(const std::string& bytes, size_t start, bool big_endian
 // A byte-order mark first; then UTF-16LE without one, by the rule the
 // profile functions apply to the files they edit (generation 7 wrote its
 // settings file so); then UTF-8.
-std::wstring DecodeFile(const std::string& bytes) {
+std::wstring DecodeFile(const std::string& bytes, uint32_t ansi_code_page) {
   switch (base::DetectByteOrderMark(bytes)) {
     case base::ByteOrderMark::kUtf16Le:
       return DecodeUTF16(bytes, 2, false);
@@ -38,7 +38,7 @@ std::wstring DecodeFile(const std::string& bytes) {
     return DecodeUTF16(bytes, 0, false);
   if (utf8::is_valid(bytes.begin(), bytes.end()))
     return base::UTF8ToWide(bytes);
-  return base::Cp1252ToWide(bytes);
+  return base::CodePageToWide(bytes, ansi_code_page);
 }
 
 bool IsBlank(wchar_t c) {
@@ -88,7 +88,7 @@ void IniReader::ParseData(const std::string& bytes, bool fold_case) {
 
 void IniReader::AddFile(const std::string& bytes) {
   std::map<std::wstring, Section> file;
-  ParseText(DecodeFile(bytes), &file);
+  ParseText(DecodeFile(bytes, m_ansi_code_page), &file);
   for (auto& [name, keys] : file) {
     Section& merged = m_sections[name];
     for (auto& [key, value] : keys)

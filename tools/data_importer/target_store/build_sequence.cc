@@ -99,7 +99,7 @@ void ReleaseDatabase(std::unique_ptr<DatabaseHelper>* helper) {
 // The keys carried are named in the import report.
 void WriteSettings(ImportModel* model, const base::FilePath& data_folder) {
   const base::FilePath ini = data_folder.Append(names::kSettingsFileName);
-  if (!WriteImportedSettings(model->m_settings, ini)) {
+  if (!WriteImportedSettings(model->m_settings, ini, model->m_ansi_code_page)) {
     VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {" << ini.value()
                                   << L"} failed.";
     return;

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/code_page.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/settings/imported_settings.h"
 #include "tools/data_importer/target_store/import_records.h"
@@ -116,6 +117,8 @@ class ImportModel {
   std::unique_ptr<DatabaseHelper> m_music_db;
   std::unique_ptr<DatabaseHelper> m_playlist_db;
   ProgressRecord* m_progress = nullptr;
+  // The code page of the user's 8-bit settings files, read and written.
+  uint32_t m_ansi_code_page = base::kCodePageSimplifiedChinese;
   // What the build read back from each finished encrypted file (schema and
   // rows per table), for the import report; ok = false with the reason when
   // the file failed and was not moved into place.
