@@ -2,6 +2,7 @@
 #define BASE_WINDOWS_PATH_H_
 
 #include <string>
+#include <string_view>
 
 #include "base/file_path.h"
 
@@ -22,6 +23,13 @@ namespace base {
 //
 // On Windows the path is its own answer.
 FilePath MapWindowsPath(const std::wstring& path);
+
+// The form in which two recorded Windows paths are compared, as Windows
+// compares them: letters in upper case (simple case mapping, every script),
+// "/" as "\", without trailing separators ("d:\music" and "D:\Music\"
+// name one folder). The same rule on every build, so that an import gives
+// the same answer wherever it runs.
+std::wstring WindowsPathKey(std::wstring_view path);
 
 }  // namespace base
 

@@ -170,7 +170,7 @@ struct PlayedRadioRecord {
 struct LocalFileInfo {
   int origin = 0;
   std::wstring FilePath;
-  std::wstring FolderPath;  // replaced on writing by the path of old_folder_id
+  std::wstring FolderPath;  // replaced on writing by the path of old_folder_id, when found
   std::wstring Artist;
   std::wstring Album;
   std::wstring SimpLetterByArtist;
@@ -188,7 +188,12 @@ struct LocalFileInfo {
 // One download, finished or not. Percent 100 with DownType 0 or 20 is a
 // finished download and also goes to the history.
 struct DownloadRecord {
+  // The download tables a record goes to: by the rule above, or exactly
+  // one of them (a re-import gives each table back its own rows).
+  enum class Tables { kByRule, kItemOnly, kHistoryOnly };
+
   int origin = 0;
+  Tables tables = Tables::kByRule;
   int file_id = 0;  // old id of the downloaded file
   std::wstring MD5;
   int FileID = 0;

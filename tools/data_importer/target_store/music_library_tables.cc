@@ -126,7 +126,6 @@ void ImportModel::WriteLocalFiles() {
   std::map<int, const std::wstring*> folder_paths;
   for (const auto& folder : m_share_folders)
     folder_paths.emplace(folder->old_id, &folder->Path);
-  const std::wstring no_folder;
   // The old file id needs no translation here: the table is keyed by the
   // file path and has no column for a file id.
   WriteTable(m_music_db.get(), kLocalFiles, m_local_files, EmptyList::kSkipTable,
@@ -139,7 +138,7 @@ void ImportModel::WriteLocalFiles() {
                AppendColumnsReplacing<LocalFileInfo, std::wstring>(
                    f, LocalFileColumns(),
                    {{&LocalFileInfo::FolderPath,
-                     folder == folder_paths.end() ? no_folder : *folder->second}},
+                     folder == folder_paths.end() ? f.FolderPath : *folder->second}},
                    row);
                return RowFate::Write();
              }, report());
