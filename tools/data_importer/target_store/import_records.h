@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 // The plain records through which every source reader hands its data to the
 // database writers. Text fields are wide strings; numbers default to 0, texts
@@ -21,6 +22,17 @@ inline constexpr wchar_t kNoFileHash[] = L"00000000000000000000000000000000";
 // link away: the file has no path. The mark is shown to the user in place of
 // the path; it names no file.
 inline constexpr wchar_t kUnlinkedFileMark[] = L"\u7528\u6237\u53d6\u6d88\u5173\u8054";  // 用户取消关联
+
+// The text of a column that may hold NULL; a NULL read is written back as
+// NULL.
+struct NullableText {
+  NullableText() = default;
+  NullableText(std::wstring value) : text(std::move(value)) {}  // NOLINT: a text is no NULL
+  bool operator==(const NullableText&) const = default;
+
+  std::wstring text;
+  bool is_null = false;
+};
 
 // One media file known to the player.
 struct ShareFileItem {
@@ -274,7 +286,7 @@ struct AppToolRecord {
   int ID = 0;
   int SoftIndex = 0;
   int64_t Version = 0;
-  std::wstring Path;
+  NullableText Path;  // "AppTools.Path" may be NULL
 };
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_RECORDS_H_

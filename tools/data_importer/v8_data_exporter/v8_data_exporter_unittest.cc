@@ -220,10 +220,10 @@ TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
   EXPECT_EQ(10u, model.m_share_files.size());
 }
 
-// Downloads and local files come back as they were: each download table
-// its own rows, neither doubled nor moved between the tables, and local
+// Downloads, local files and NULLs come back as they were: each download
+// table its own rows, neither doubled nor moved between the tables, local
 // files in the library folder that Windows would take their folder path
-// for.
+// for, a NULL where the column takes one.
 TEST_F(V8DataExporterTest, DownloadsAndFoldersComeBackAsTheyWere) {
   MakeDatabase(
       Data(L"VTMusic.db"),
@@ -244,7 +244,9 @@ TEST_F(V8DataExporterTest, DownloadsAndFoldersComeBackAsTheyWere) {
        "DestFileName text, DownType integer, AccessTime integer)",
        // 5 again; 7 of another type; 8 whose download the user removed.
        "INSERT INTO DownloadHistoryItem VALUES (1, 5, 'D:\\Music\\a.mp3', 0, 222), "
-       "(2, 7, 'D:\\Music\\b.mp3', 1, 0), (3, 8, 'D:\\Music\\c.mp3', 0, 0)"});
+       "(2, 7, 'D:\\Music\\b.mp3', 1, 0), (3, 8, 'D:\\Music\\c.mp3', 0, 0)",
+       "CREATE TABLE AppTools(ID INTEGER PRIMARY KEY NOT NULL, Path VARCHAR(260) NULL)",
+       "INSERT INTO AppTools VALUES (1, NULL), (2, ''), (3, 'C:\\tool.exe')"});
   MakeDatabase(Data(L"vantu.db"),
                {"CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text)",
                 "INSERT INTO GeneralListTable VALUES (1, 'One')",
@@ -264,6 +266,10 @@ TEST_F(V8DataExporterTest, DownloadsAndFoldersComeBackAsTheyWere) {
   EXPECT_EQ((std::vector<std::string>{"D:\\Music\\a.mp3|D:\\Music", "D:\\Music\\b.mp3|D:\\Music",
                                       "E:\\c.mp3|E:\\Elsewhere"}),
             QueryRows(&built, "SELECT FilePath, FolderPath FROM LocalFiles ORDER BY FilePath"));
+
+  // A NULL comes back as NULL where the column allows it.
+  EXPECT_EQ((std::vector<std::string>{"1|1|", "2|0|", "3|0|C:\\tool.exe"}),
+            QueryRows(&built, "SELECT ID, Path IS NULL, Path FROM AppTools ORDER BY ID"));
 
   base::Value report = ReadImportReport(profile_.data_folder());
   EXPECT_EQ(1, report["kept_unlinked"]["local_file_folder_not_in_library"]);
