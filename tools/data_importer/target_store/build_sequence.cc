@@ -275,6 +275,11 @@ base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folde
     done(step.name);
   }
 
+  if (!model->CarryCloudLists()) {
+    VLOG_AT(logging::LOG_FAILURE) << L"The cloud lists were not all carried into the new files.";
+    model->ReportState(ProgressRecord::kStateTableFailed);
+  }
+
   base::Status counted = model->ReportListCounts();
   if (!counted.ok()) {
     VLOG_AT(logging::LOG_FAILURE) << L"List-count report FAILED: {" << counted.message() << L"}.";

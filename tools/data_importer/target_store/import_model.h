@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/code_page.h"
+#include "base/file_path.h"
 #include "base/status.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/settings/imported_settings.h"
@@ -85,6 +86,14 @@ class ImportModel {
   // MusicFilePlayable.
   void FillFileFlagMap();
 
+  // Copies the cloud lists of m_cloud_list_source into the playlist
+  // database where the cloud-list move of the upgrade puts them:
+  // "CloudListTable", the "NewCloudList_<id>" table of every id above 0,
+  // "CloudAccompanimentItemSet" and "CloudOperation", each only when the
+  // source has it and the playlist database has not. False when a table
+  // could not be copied (the others still are).
+  [[nodiscard]] bool CarryCloudLists();
+
   // Counts each list's entries in the playlist database and reports them as
   // "ImportPlayLists": "<PlaylistID>:<entries>" per list in the lists'
   // SortID order, joined by ",". Reports "0" and fails when the database is
@@ -118,6 +127,9 @@ class ImportModel {
   std::unique_ptr<DatabaseHelper> m_music_db;
   std::unique_ptr<DatabaseHelper> m_playlist_db;
   ProgressRecord* m_progress = nullptr;
+  // A music database of the current generation's own format whose cloud
+  // lists the new playlist file takes; empty for none.
+  base::FilePath m_cloud_list_source;
   // The code page of the user's 8-bit settings files, read and written.
   uint32_t m_ansi_code_page = base::kCodePageSimplifiedChinese;
   // What the build read back from each finished encrypted file (schema and

@@ -276,6 +276,50 @@ TEST_F(V8DataExporterTest, DownloadsAndFoldersComeBackAsTheyWere) {
   ExpectReportReconciles(report, profile_.data_folder());
 }
 
+// The cloud lists of an older music database go into the new playlist file
+// where the cloud-list move puts them: the list table, the song table of
+// every list above 0, the accompaniments and the pending operations.
+TEST_F(V8DataExporterTest, CloudListsAreCarried) {
+  MakeDatabase(
+      Data(L"VTMusic.db"),
+      {"CREATE TABLE ShareFileItems(id integer PRIMARY KEY, FileName text)",
+       "INSERT INTO ShareFileItems VALUES (1, 'D:\\Music\\a.mp3')",
+       "CREATE TABLE CloudListTable(CloudListID integer, Name text)",
+       "INSERT INTO CloudListTable VALUES (3, 'Mine'), (0, 'Zero')",
+       "CREATE TABLE NewCloudList_3(SongID integer, TitleName text)",
+       "INSERT INTO NewCloudList_3 VALUES (1, 'It''s one'), (2, 'two')",
+       "CREATE TABLE NewCloudList_0(SongID integer)",
+       "INSERT INTO NewCloudList_0 VALUES (1)",
+       "CREATE TABLE CloudOperation(ID integer)", "INSERT INTO CloudOperation VALUES (1), (2)",
+       "CREATE TABLE CloudAccompanimentItemSet(ID integer)",
+       "INSERT INTO CloudAccompanimentItemSet VALUES (7)",
+       "CREATE TABLE CloudList_Sync(ID integer)", "INSERT INTO CloudList_Sync VALUES (1)"});
+  MakeDatabase(Data(L"vantu.db"),
+               {"CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text)",
+                "INSERT INTO GeneralListTable VALUES (1, 'One')",
+                "CREATE TABLE GeneralList_1(SongID integer PRIMARY KEY, MusicFilePath text)",
+                "INSERT INTO GeneralList_1 VALUES (1, 'D:\\Music\\a.mp3')"});
+
+  DataImporterMain();
+
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+  sql::Connection lists;
+  ASSERT_TRUE(lists.OpenWithKey(Data(L"playlistV3.db"), kVersion3DatabaseKey));
+  EXPECT_EQ((std::vector<std::string>{"3|Mine", "0|Zero"}),
+            QueryRows(&lists, "SELECT CloudListID, Name FROM CloudListTable ORDER BY rowid"));
+  EXPECT_EQ((std::vector<std::string>{"1|It's one", "2|two"}),
+            QueryRows(&lists, "SELECT SongID, TitleName FROM NewCloudList_3 ORDER BY SongID"));
+  EXPECT_FALSE(lists.DoesTableExist("NewCloudList_0"));
+  EXPECT_FALSE(lists.DoesTableExist("CloudList_Sync"));
+  EXPECT_EQ(std::vector<std::string>{"2"}, QueryRows(&lists, "SELECT count(*) FROM CloudOperation"));
+  EXPECT_EQ(std::vector<std::string>{"7"},
+            QueryRows(&lists, "SELECT ID FROM CloudAccompanimentItemSet"));
+  sql::Connection music;
+  ASSERT_TRUE(music.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
+  EXPECT_FALSE(music.DoesTableExist("CloudListTable"));
+}
+
 // A library file that one VACUUM repairs is imported whole; its original
 // stays as it was, damage included.
 TEST_F(V8DataExporterTest, RepairableLibraryImportedEndToEnd) {

@@ -126,6 +126,9 @@ void V8DataExporter::ReadMusicDatabase() {
     ReportState(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed);
     return;
   }
+  // An older music database still holds the user's cloud lists; the build
+  // carries them into the new playlist file.
+  m_model->m_cloud_list_source = m_music_copy;
   if (!ReadShareFileItems())
     ReportState(ProgressRecord::kStateMusicFailed);
   TableRead();
