@@ -9,6 +9,7 @@
 #include "base/file_util.h"
 #include "base/reg_key.h"
 #include "base/utf_string_conversions.h"
+#include "base/windows_path.h"
 #include "testing/test_support.h"
 
 namespace base {
@@ -132,6 +133,17 @@ TEST(FileUtilTest, EnumeratorPatterns) {
   EXPECT_EQ((std::vector<std::wstring>{L"VTLibrary.db", L"VTLibrary2.db", L"vtlibrary3.DB"}),
             names);
   EXPECT_TRUE(FileEnumerator(dir.path().Append(L"missing"), L"*").Next().empty());
+}
+
+// Recorded paths compare as Windows compares them: in any letter case of
+// any script, either separator, without trailing separators; nothing else
+// is folded.
+TEST(WindowsPathTest, PathKeys) {
+  EXPECT_EQ(WindowsPathKey(L"D:\\Music"), WindowsPathKey(L"d:/music\\\\"));
+  EXPECT_EQ(WindowsPathKey(L"D:\\\u00c9T\u00c9"), WindowsPathKey(L"d:\\\u00e9t\u00e9\\"));
+  EXPECT_NE(WindowsPathKey(L"D:\\Music"), WindowsPathKey(L"D:\\Music 2"));
+  EXPECT_NE(WindowsPathKey(L"D:\\Musi\u00e9"), WindowsPathKey(L"D:\\Musie"));
+  EXPECT_EQ(L"", WindowsPathKey(L"\\"));
 }
 
 }  // namespace

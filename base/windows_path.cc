@@ -1,6 +1,8 @@
 #include "base/windows_path.h"
 
+#include <locale.h>
 #include <stdlib.h>
+#include <wctype.h>
 
 #include "base/utf_string_conversions.h"
 
@@ -22,7 +24,26 @@ std::wstring WithSeparators(std::wstring path) {
   return path;
 }
 
+// Upper case of one character by the simple Unicode mapping; ASCII alone
+// when the C library has no Unicode character table.
+wchar_t ToUpper(wchar_t c) {
+  if (c < 0x80)
+    return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
+  static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
+  return unicode ? static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), unicode)) : c;
+}
+
 }  // namespace
+
+std::wstring WindowsPathKey(std::wstring_view path) {
+  std::wstring key;
+  key.reserve(path.size());
+  for (wchar_t c : path)
+    key.push_back(c == L'/' ? L'\\' : ToUpper(c));
+  while (!key.empty() && key.back() == L'\\')
+    key.pop_back();
+  return key;
+}
 
 FilePath MapWindowsPath(const std::wstring& path, const DriveMap& drives) {
 #if defined(_WIN32)

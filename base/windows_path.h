@@ -3,6 +3,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "base/file_path.h"
 
@@ -28,6 +29,13 @@ FilePath MapWindowsPath(const std::wstring& path, const DriveMap& drives);
 // letter in upper case, e.g. VANTU_DRIVE_C) for each letter where it is set
 // and not empty.
 DriveMap DriveMapFromEnvironment();
+
+// The form in which two recorded Windows paths are compared, as Windows
+// compares them: letters in upper case (simple case mapping, every script),
+// "/" as "\", without trailing separators ("d:\music" and "D:\Music\"
+// name one folder). The same rule on every build, so that an import gives
+// the same answer wherever it runs.
+std::wstring WindowsPathKey(std::wstring_view path);
 
 }  // namespace base
 

@@ -133,8 +133,9 @@ const base::Value* FindEntry(const base::Value& list, const std::string& key,
 //    "(not recorded)");
 //  - per source table, the rows read, less those merged into a record of
 //    another table, are all found again in the pairs of each target family
-//    it feeds (DownloadHistoryItem takes only the finished downloads, so it
-//    is left out), and no more records were made than rows read;
+//    it feeds (DownloadHistoryItem takes only the finished downloads of a
+//    source that also feeds DownloadItem, so it is left out there), and no
+//    more records were made than rows read;
 //  - the reasons' counts sum to the pairs' drops;
 //  - each target table holds, in the finished files, what its writers sent.
 void ExpectReportReconciles(const base::Value& report, const base::FilePath& data_folder);

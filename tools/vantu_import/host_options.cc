@@ -13,6 +13,7 @@
 #include "base/reg_key.h"
 #include "base/utf_string_conversions.h"
 #include "base/windows_path.h"
+#include "tools/data_importer/environment/ansi_code_page.h"
 
 namespace {
 
@@ -45,6 +46,21 @@ bool SetDrive(const std::string& value, HostOptions* options, std::string* error
   std::string drive = value;
   drive[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(drive[0])));
   options->drives.push_back(drive);
+  return true;
+}
+
+bool SetCodePage(const std::string& value, HostOptions* options, std::string* error) {
+  uint32_t number = 0;
+  bool digits = !value.empty() && value.size() <= 5 &&
+                value.find_first_not_of("0123456789") == std::string::npos;
+  if (digits)
+    number = static_cast<uint32_t>(std::stoul(value));
+  if (!digits || number == 0) {
+    *error = "option --code-page takes a Windows code page number (936, 1252, ...), not \"" +
+             value + "\"";
+    return false;
+  }
+  options->code_page = number;
   return true;
 }
 
@@ -97,6 +113,10 @@ const OptionEntry kOptionTable[] = {
       "the folder of an older installation to import from, as the player's switch --i=DIR (a "
       "Windows path through --drive)"},
      ValueForm::kRequired, SetSource},
+    {{"--code-page", "N",
+      "the ANSI code page of the copied Windows installation, for its 8-bit settings files "
+      "(default: the value in drive C's system hive, else 936)"},
+     ValueForm::kRequired, SetCodePage},
     {{"--demo", "[=7|6|v2|v3]",
       "build a sample user profile in a temporary folder and run the importer on it: a "
       "generation-7 (default) or generation-6 installation to import, plain version-2 "
@@ -375,6 +395,13 @@ RunContext HostRunContext(const HostOptions& options) {
     context.m_registry_file = base::FilePath::FromUTF8Unsafe(options.registry);
   if (!options.source.empty())
     context.m_source_folder = base::MapWindowsPath(base::UTF8ToWide(options.source), context.m_drives);
+  // A copied installation's code page: named, else its volume's; the
+  // player's own machine keeps the one found for this process.
+  if (options.code_page != 0 || !options.drives.empty() || !options.profile.empty()) {
+    context.m_ansi_code_page = AnsiCodePageOfDrives(
+        context.m_drives,
+        options.code_page != 0 ? std::optional<uint32_t>(options.code_page) : std::nullopt);
+  }
   SetLocalAppData(context.m_local_app_data, &context);
   if (options.verbose)
     context.m_log_to_stderr = true;

@@ -1,6 +1,7 @@
 #ifndef TOOLS_VANTU_IMPORT_HOST_OPTIONS_H_
 #define TOOLS_VANTU_IMPORT_HOST_OPTIONS_H_
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,9 @@ struct HostOptions {
   // --drive C=DIR (repeatable): the folder standing for a Windows drive,
   // as "C=DIR".
   std::vector<std::string> drives;
+  // --code-page N: the ANSI code page of the copied Windows installation
+  // (0: not given; its system hive or 936 decides).
+  uint32_t code_page = 0;
   bool quiet = false;    // the verdict line alone
   bool verbose = false;  // "DBCheck" keys, per-table figures, the log on stderr
   bool json = false;     // the report on standard output instead of text

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <vector>
 
+#include "base/code_page.h"
 #include "base/profile_string.h"
 #include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
@@ -203,7 +204,10 @@ std::string TaskInWords(const std::string& task) {
 }
 
 std::wstring ReadDBCheck(const base::FilePath& ini, const wchar_t* key) {
-  return base::GetPrivateProfileStringW(names::kDBCheckSection, key, L"", ini.value());
+  // The values of "DBCheck" are ASCII, which reads the same in every code
+  // page; the importer's default is taken for the rest of the file.
+  return base::GetPrivateProfileStringW(names::kDBCheckSection, key, L"", ini.value(),
+                                        base::kCodePageSimplifiedChinese);
 }
 
 bool ReadReport(const base::FilePath& path, base::Value* report) {

@@ -65,7 +65,9 @@ TEST(HostOptionsTest, EveryOptionParsesAndIsDocumented) {
     std::vector<const char*> args = {option.name};
     std::string value;
     if (option.value && option.value[0] != '[') {
-      value = std::string(option.value) == "LETTER=DIR" ? "C=/x" : "/x";
+      value = std::string(option.value) == "LETTER=DIR" ? "C=/x"
+              : std::string(option.value) == "N"        ? "936"
+                                                        : "/x";
       args.push_back(value.c_str());
     }
     HostOptions options;
@@ -225,3 +227,22 @@ TEST(HostOptionsTest, CurrentGenerationDemos) {
 }
 
 }  // namespace
+
+// --code-page names the copied installation's code page: it wins over what
+// the volume says, and anything but a positive number is bad usage.
+TEST(HostOptionsTest, CodePageOptionSetsTheRunsCodePage) {
+  HostOptions options;
+  std::string error;
+  for (const char* bad : {"0", "abc", "-1", "1252x", "123456"}) {
+    EXPECT_FALSE(Parse({"--code-page", bad}, &options, &error)) << bad;
+    EXPECT_NE(std::string::npos, error.find("--code-page")) << error;
+  }
+  ASSERT_TRUE(Parse({"--code-page=1252"}, &options, &error)) << error;
+  EXPECT_EQ(1252u, options.code_page);
+  EXPECT_EQ(1252u, HostRunContext(options).m_ansi_code_page);
+  // Without the option, a copied volume with no system hive falls back to
+  // the player's own code page.
+  HostOptions copied;
+  ASSERT_TRUE(Parse({"--drive", "C=/nonexistent-volume"}, &copied, &error)) << error;
+  EXPECT_EQ(936u, HostRunContext(copied).m_ansi_code_page);
+}

@@ -12,6 +12,7 @@
 #include "base/windows_path.h"
 #include "common/exception_report/crash_handler.h"
 #include "logging/logging.h"
+#include "tools/data_importer/environment/ansi_code_page.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/driver/import_run.h"
@@ -100,6 +101,7 @@ void Run(const RunContext& context) {
   report.SetLookup(std::move(lookup));
   ProgressRecord record;
   record.set_report(&report);
+  record.SetAnsiCodePage(context.m_ansi_code_page);
   record.Initialise(data_folder);
   if (!replacement_complete)
     record.ReportFailure(ProgressRecord::kStateBuildFailed);

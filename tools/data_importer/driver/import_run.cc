@@ -17,6 +17,7 @@ void RunImport(const RunContext& context, ProgressRecord* record,
                const BuildStageCallback& stage_done) {
   ImportModel model;
   model.m_progress = record;
+  model.m_ansi_code_page = record->ansi_code_page();
 
   // Each stage's time goes into the import report.
   ImportReport* report = record->report();

@@ -1,5 +1,9 @@
 #include "tools/data_importer/environment/run_context.h"
 
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
 #include <stdlib.h>
 
 #include <string>
@@ -8,6 +12,7 @@
 #include "base/path_service.h"
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
+#include "tools/data_importer/environment/ansi_code_page.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
 extern char** environ;
@@ -47,6 +52,12 @@ RunContext RunContextFromEnvironment() {
       context.m_variables[base::UTF8ToWide(name)] = base::UTF8ToWide(value);
   }
   context.m_drives = base::DriveMapFromEnvironment();
+#if defined(_WIN32)
+  // The player's own machine: the system's ANSI code page.
+  context.m_ansi_code_page = GetACP();
+#else
+  context.m_ansi_code_page = AnsiCodePageOfDrives(context.m_drives, std::nullopt);
+#endif
 
   logging::LogSettings log = logging::LogSettingsFromEnvironment(context.m_log_file);
   context.m_log_level = log.min_level;

@@ -239,6 +239,10 @@ base::Value ImportReport::ToJson() const {
   }
   report["dropped"] = std::move(drops);
 
+  base::Value kept = base::Value::object();
+  for (const auto& [what, count] : m_kept_unlinked)
+    kept[what] = count;
+  report["kept_unlinked"] = std::move(kept);
   report["upgrade"] = upgrade_;
   report["lookup"] = lookup_;
   report["settings_keys"] = settings_keys_;

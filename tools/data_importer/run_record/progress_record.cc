@@ -32,7 +32,8 @@ void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
     return;
   report()->NoteDBCheck(key, value);
   // A profile write that fails is ignored (see the header).
-  (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str());
+  (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str(),
+                                         m_ansi_code_page);
   if (key_observer_)
     key_observer_(key, value);
 }

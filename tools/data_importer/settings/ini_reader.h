@@ -1,6 +1,7 @@
 #ifndef TOOLS_DATA_IMPORTER_SETTINGS_INI_READER_H_
 #define TOOLS_DATA_IMPORTER_SETTINGS_INI_READER_H_
 
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
@@ -25,13 +26,15 @@
 //    skipped after the debug line "Failing on char %d\n", where the number
 //    is the position of the line's first character in the file's text
 //    (counted in characters from 0).
-// Files are UTF-16LE or UTF-16BE with their byte-order mark, UTF-8 with or
-// without its mark, or else (when not valid UTF-8) code page 1252.
+// Files are UTF-16LE or UTF-16BE with their byte-order mark, UTF-16LE
+// without one (as the profile functions tell it), UTF-8 with or without its
+// mark, or else (when not valid UTF-8) 8-bit text in the user's ANSI code
+// page, which the reader is given.
 //
 // Nothing throws; missing files and keys give the defaults.
 class IniReader {
  public:
-  IniReader() = default;
+  explicit IniReader(uint32_t ansi_code_page) : m_ansi_code_page(ansi_code_page) {}
   IniReader(const IniReader&) = delete;
   IniReader& operator=(const IniReader&) = delete;
 
@@ -77,6 +80,7 @@ class IniReader {
   std::wstring Name(std::wstring_view name) const;
   const std::wstring* Find(std::wstring_view section, std::wstring_view key) const;
 
+  uint32_t m_ansi_code_page;
   std::vector<base::FilePath> m_paths;
   bool m_fold_case = false;
   std::map<std::wstring, Section> m_sections;

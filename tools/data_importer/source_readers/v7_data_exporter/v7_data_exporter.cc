@@ -141,7 +141,7 @@ ExportResult V7DataExporter::ExportData() {
 void V7DataExporter::ReadLastPlayed() {}
 
 void V7DataExporter::MigrateSettings() {
-  std::optional<ImportedSettings> settings = MigrateV7Settings(Generation7Folder());
+  std::optional<ImportedSettings> settings = MigrateV7Settings(Generation7Folder(), m_model->m_ansi_code_page);
   if (!settings)
     return;
   m_model->AddSettings(*settings);

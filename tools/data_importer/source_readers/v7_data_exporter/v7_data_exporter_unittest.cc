@@ -178,6 +178,75 @@ TEST_F(V7DataExporterTest, ImportedEndToEnd) {
             log.find("[V7数据导入]  Size of PlayListItems(ID=11) is {TOTAL:3, LOADED:2}."));
 }
 
+// The links between records: a finished download whose file moved finds it
+// by its catalogue hash, an entry carries its music item's MV, playability
+// follows one rule in every song table, and files without a path (the
+// unlinked mark) stay out of "LocalFiles".
+TEST_F(V7DataExporterTest, DownloadsVideosAndUnlinkedFiles) {
+  V7Database db;
+  db.music = {Music(1, L"Moved"), Music(2, L"With video"), Music(3, L"The video"),
+              Music(4, L"Gone one"), Music(5, L"Gone two")};
+  db.music[0].inet_hash = Hash(901);
+  db.music[1].mv_id = 3;
+  db.music[2].file_name = L"D:\\Video\\The video.mkv";
+  db.music[2].duration = 180000;
+  db.music[3].file_name = L" ";
+  db.music[4].file_name = L" ";
+  db.lists = {{10, 1, L"Default", 0}, {13, 5, L"Played lately", 1}};
+  db.items = {{1, 10, 2, 0, 1}, {2, 10, 4, 0, 2}, {3, 13, 1, 0, 1}, {4, 13, 4, 0, 2}};
+  V7Download moved;  // renamed after its download; its catalogue hash is item 1's
+  moved.finished = true;
+  moved.file_name = L"D:\\Down\\Moved (1).mp3";
+  moved.inet_hash = Hash(901);
+  V7Download by_file_hash;  // the catalogue hash is item 2's content hash
+  by_file_hash.finished = true;
+  by_file_hash.file_name = L"D:\\Down\\Elsewhere.mp3";
+  by_file_hash.inet_hash = Hash(2);
+  V7Download by_path;  // the path wins over a hash naming another item
+  by_path.finished = true;
+  by_path.file_name = L"D:\\Music\\With video.mp3";
+  by_path.inet_hash = Hash(901);
+  V7Download stray;
+  stray.finished = true;
+  stray.file_name = L"D:\\Down\\Unknown.mp3";
+  stray.inet_hash = Hash(999);
+  db.downloads = {moved, by_file_hash, by_path, stray};
+  db.folders = {{1, L"D:\\Music", 1, 1400000300}};
+  db.folder_items = {{1, 1, L"A", L"B", L"C"}, {1, 4, L"A", L"B", L"C"}, {1, 5, L"A", L"B", L"C"}};
+  ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
+
+  DataImporterMain();
+
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  auto music = OpenFinal(L"VTMusicV3.db");
+  auto lists = OpenFinal(L"playlistV3.db");
+  EXPECT_EQ((std::vector<std::string>{"Moved (1)|1", "Elsewhere|2", "With video|2"}),
+            QueryRows(music.get(), "SELECT h.FileName, d.FileID FROM DownloadHistoryItem h "
+                                   "JOIN DownloadItem d ON d.ID = h.ID ORDER BY h.ID"));
+  EXPECT_EQ((std::vector<std::string>{
+                "With video|D:\\Video\\The video.mkv|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA3|180000|1",
+                "Gone one|||0|0"}),
+            QueryRows(lists.get(), "SELECT TitleName, MVFilePath, MVFileHash, MVFileDuration, "
+                                   "MusicFilePlayable FROM GeneralList_10 ORDER BY SortID"));
+  EXPECT_EQ((std::vector<std::string>{"Moved|1", "Gone one|0"}),
+            QueryRows(music.get(), "SELECT TitleName, MusicFilePlayable FROM RecentlyPlayedItem "
+                                   "ORDER BY SongID"));
+  EXPECT_EQ((std::vector<std::string>{"D:\\Music\\Moved.mp3"}),
+            QueryRows(music.get(), "SELECT FilePath FROM LocalFiles"));
+
+  base::Value report = ReadImportReport(profile_.data_folder());
+  const base::Value* history =
+      FindEntry(report["flows"], "from", "DownHistory", "to", "DownloadItem");
+  ASSERT_TRUE(history);
+  EXPECT_EQ(3, (*history)["written"]);
+  EXPECT_EQ(1, (*history)["dropped_by_reason"]["download_unresolved"]);
+  const base::Value* local = FindEntry(report["flows"], "from", "FolderItems", "to", "LocalFiles");
+  ASSERT_TRUE(local);
+  EXPECT_EQ(1, (*local)["written"]);
+  EXPECT_EQ(2, (*local)["dropped_by_reason"]["unlinked_file"]);
+  ExpectReportReconciles(report, profile_.data_folder());
+}
+
 // "ImportProgress" moves by tenths of the music items and of the lists and
 // by 5 after each reader, each value in "DBCheck" while the read goes on, and
 // stops at 49 although readers are left.
