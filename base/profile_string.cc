@@ -7,7 +7,7 @@
 
 #include <utf8.h>
 
-#include "base/code_page_1252.h"
+#include "base/code_page.h"
 #include "base/file_path.h"
 #include "base/file_util.h"
 #include "base/string_util.h"
@@ -23,15 +23,16 @@ namespace {
 // insert whole lines; every unit of an untouched line is written back as it
 // was read, so no byte changes that the call did not mean to change.
 //
-// 8-bit files: Windows reads them in the ANSI code page. A portable build has
-// none, so an 8-bit file that is valid UTF-8 (every file this program writes,
+// 8-bit files: Windows reads them in the ANSI code page, which the caller
+// names. An 8-bit file that is valid UTF-8 (every file this program writes,
 // and ASCII files) is read and extended as UTF-8, which keeps text in any
-// script; a file that is not valid UTF-8 is one written in a Western ANSI
-// code page and is read and extended as code page 1252, unmappable
-// characters becoming '?', as Windows does.
+// script; a file that is not valid UTF-8 was written in the ANSI code page
+// and is read and extended in it, unmappable characters becoming '?', as
+// Windows does.
 struct IniText {
-  enum Encoding { kUtf8, kCp1252, kUtf8Bom, kUtf16, kUtf16Be, kUtf16NoBom };
+  enum Encoding { kUtf8, kAnsi, kUtf8Bom, kUtf16, kUtf16Be, kUtf16NoBom };
   Encoding encoding = kUtf8;
+  uint32_t code_page = kCodePageWestern;
   std::wstring units;
 
   bool IsUtf16() const {
@@ -44,9 +45,9 @@ struct IniText {
     if (IsUtf16()) {
       for (char16_t u : WideToUTF16(text))
         out.push_back(static_cast<wchar_t>(u));
-    } else if (encoding == kCp1252) {
-      for (char16_t u : WideToUTF16(text))
-        out.push_back(WideToCp1252(u));
+    } else if (encoding == kAnsi) {
+      for (unsigned char b : WideToCodePage(text, code_page))
+        out.push_back(static_cast<wchar_t>(b));
     } else {
       for (unsigned char b : WideToUTF8(text))
         out.push_back(static_cast<wchar_t>(b));
@@ -62,29 +63,23 @@ struct IniText {
         utf16.push_back(static_cast<char16_t>(u));
       return UTF16ToWide(utf16);
     }
-    if (encoding == kCp1252) {
-      std::wstring wide;
-      for (wchar_t b : units_text)
-        wide.push_back(Cp1252ToWide(static_cast<unsigned char>(b)));
-      return wide;
-    }
     std::string bytes;
     for (wchar_t b : units_text)
       bytes.push_back(static_cast<char>(b));
-    return UTF8ToWide(bytes);
+    return encoding == kAnsi ? CodePageToWide(bytes, code_page) : UTF8ToWide(bytes);
   }
 };
 
-bool Load(const FilePath& path, IniText* text) {
+bool Load(const FilePath& path, uint32_t ansi_code_page, IniText* text) {
+  text->code_page = ansi_code_page;
   std::string bytes;
   if (!ReadFileToString(path, &bytes))
     return false;
   // A byte-order mark decides between UTF-16 little- and big-endian (the
   // latter as Wine reads it; Windows documents only the former).
-  const unsigned char b0 = bytes.size() >= 2 ? static_cast<unsigned char>(bytes[0]) : 0;
-  const unsigned char b1 = bytes.size() >= 2 ? static_cast<unsigned char>(bytes[1]) : 0;
-  if ((b0 == 0xFF && b1 == 0xFE) || (b0 == 0xFE && b1 == 0xFF)) {
-    bool little = b0 == 0xFF;
+  const ByteOrderMark mark = DetectByteOrderMark(bytes);
+  if (mark == ByteOrderMark::kUtf16Le || mark == ByteOrderMark::kUtf16Be) {
+    bool little = mark == ByteOrderMark::kUtf16Le;
     text->encoding = little ? IniText::kUtf16 : IniText::kUtf16Be;
     for (char16_t unit : UTF16UnitsFromBytes(std::string_view(bytes).substr(2), !little))
       text->units.push_back(static_cast<wchar_t>(unit));
@@ -99,28 +94,24 @@ bool Load(const FilePath& path, IniText* text) {
   //
   // The detection alone could take an 8-bit file holding NUL bytes for
   // UTF-16 after a write has made its length even, and the next call would
-  // no longer find what the last one wrote. So the file must also open as
-  // UTF-16 text of an INI file does: with an ASCII character (a '[', a ';',
-  // a key's first letter or a blank) followed by a zero byte. Only the
-  // deletion of its first section changes how a file begins.
-  const bool ascii_then_zero = bytes.size() >= 2 && bytes[0] != 0 &&
-                               static_cast<unsigned char>(bytes[0]) < 0x80 && bytes[1] == 0;
-  if (ascii_then_zero && bytes.size() % 2 == 0 && bytes.size() <= INT_MAX &&
-      IsTextUnicode(bytes.data(), static_cast<int>(bytes.size()), nullptr)) {
+  // no longer find what the last one wrote; the settings-file test also
+  // asks for the opening of an INI file's text. Only the deletion of its
+  // first section changes how a file begins.
+  if (IsUnmarkedUtf16Settings(bytes)) {
     text->encoding = IniText::kUtf16NoBom;
     for (char16_t unit : UTF16UnitsFromBytes(bytes, false))
       text->units.push_back(static_cast<wchar_t>(unit));
     return true;
   }
   size_t start = 0;
-  if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+  if (mark == ByteOrderMark::kUtf8) {
     text->encoding = IniText::kUtf8Bom;
     start = 3;
   }
   for (size_t i = start; i < bytes.size(); ++i)
     text->units.push_back(static_cast<wchar_t>(static_cast<unsigned char>(bytes[i])));
   if (start == 0 && !utf8::is_valid(bytes.begin(), bytes.end()))
-    text->encoding = IniText::kCp1252;
+    text->encoding = IniText::kAnsi;
   return true;
 }
 
@@ -260,12 +251,12 @@ constexpr wchar_t kCrLf[] = L"\r\n";
 }  // namespace
 
 bool WritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, const wchar_t* value,
-                                const wchar_t* file) {
+                                const wchar_t* file, uint32_t ansi_code_page) {
   if (!section || !file)
     return false;
   FilePath path = ResolvePathCase(FilePath(file));
   IniText text;
-  bool exists = Load(path, &text);
+  bool exists = Load(path, ansi_code_page, &text);
   if (!exists && (!key || !value))
     return true;  // nothing to delete
 
@@ -358,9 +349,10 @@ struct Entry {
 };
 
 // The entries of the first section called |section| (all names when null).
-bool ReadSection(const std::wstring& file, std::wstring_view section, std::vector<Entry>* out) {
+bool ReadSection(const std::wstring& file, uint32_t ansi_code_page, std::wstring_view section,
+                 std::vector<Entry>* out) {
   IniText text;
-  if (!Load(ResolvePathCase(FilePath(file)), &text))
+  if (!Load(ResolvePathCase(FilePath(file)), ansi_code_page, &text))
     return false;
   std::vector<Line> lines = SplitLines(text.units);
   SectionSpan span = FindSection(text.units, lines, text.ToUnits(section));
@@ -379,9 +371,9 @@ bool ReadSection(const std::wstring& file, std::wstring_view section, std::vecto
 
 std::wstring GetPrivateProfileStringW(const std::wstring& section, const std::wstring& key,
                                       const std::wstring& default_value,
-                                      const std::wstring& file) {
+                                      const std::wstring& file, uint32_t ansi_code_page) {
   std::vector<Entry> entries;
-  ReadSection(file, Trim(section), &entries);
+  ReadSection(file, ansi_code_page, Trim(section), &entries);
   std::wstring wanted(Trim(key));
   for (const Entry& entry : entries) {
     if (!SameName(entry.name, wanted))
@@ -399,11 +391,12 @@ std::wstring GetPrivateProfileStringW(const std::wstring& section, const std::ws
 }
 
 std::vector<std::wstring> GetPrivateProfileKeys(const std::wstring& section,
-                                                const std::wstring& file) {
+                                                const std::wstring& file,
+                                                uint32_t ansi_code_page) {
   // Unlike a value read, the key list does not trim the section name. A
   // list whose first name is empty counts as no list, as for Windows.
   std::vector<Entry> entries;
-  ReadSection(file, section, &entries);
+  ReadSection(file, ansi_code_page, section, &entries);
   std::vector<std::wstring> keys;
   if (!entries.empty() && entries.front().name.empty())
     return keys;
@@ -412,10 +405,11 @@ std::vector<std::wstring> GetPrivateProfileKeys(const std::wstring& section,
   return keys;
 }
 
-std::vector<std::wstring> GetPrivateProfileSections(const std::wstring& file) {
+std::vector<std::wstring> GetPrivateProfileSections(const std::wstring& file,
+                                                    uint32_t ansi_code_page) {
   IniText text;
   std::vector<std::wstring> sections;
-  if (!Load(ResolvePathCase(FilePath(file)), &text))
+  if (!Load(ResolvePathCase(FilePath(file)), ansi_code_page, &text))
     return sections;
   for (const Line& line : SplitLines(text.units)) {
     auto header = HeaderName(

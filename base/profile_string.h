@@ -1,6 +1,7 @@
 #ifndef BASE_PROFILE_STRING_H_
 #define BASE_PROFILE_STRING_H_
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,9 @@ namespace base {
 // changes it and saves it within the call, as a separate process would, so
 // that another process may read the file while we run:
 //  - a missing file is created (UTF-8, our stand-in for the ANSI code page:
-//    ASCII content is byte-identical); a file starting with the UTF-16LE
+//    ASCII content is byte-identical); an existing 8-bit file that is not
+//    valid UTF-8 is read and written in |ansi_code_page|, the code page of
+//    the user whose file it is; a file starting with the UTF-16LE
 //    byte-order mark stays UTF-16LE, one with the UTF-8 mark keeps it; a
 //    file without a mark that IsTextUnicode takes for UTF-16LE is read and
 //    written as UTF-16LE without a mark;
@@ -27,20 +30,24 @@ namespace base {
 //  - lines the call writes end in CR LF; every other line stays as it was.
 // Returns false only when |section| is null or the file cannot be written.
 [[nodiscard]] bool WritePrivateProfileStringW(const wchar_t* section, const wchar_t* key,
-                                              const wchar_t* value, const wchar_t* file);
+                                              const wchar_t* value, const wchar_t* file,
+                                              uint32_t ansi_code_page);
 
 // The matching reader: the value of |key| in |section| (trimmed, matching
 // quotes removed), or |default_value| without trailing blanks when absent.
+// The readers decode 8-bit files as the writer does.
 std::wstring GetPrivateProfileStringW(const std::wstring& section,
                                       const std::wstring& key,
                                       const std::wstring& default_value,
-                                      const std::wstring& file);
+                                      const std::wstring& file, uint32_t ansi_code_page);
 
 // Names of the keys of |section| that have a value, in file order, and names
 // of all sections, as the reader with a null key or section gives them.
 std::vector<std::wstring> GetPrivateProfileKeys(const std::wstring& section,
-                                                const std::wstring& file);
-std::vector<std::wstring> GetPrivateProfileSections(const std::wstring& file);
+                                                const std::wstring& file,
+                                                uint32_t ansi_code_page);
+std::vector<std::wstring> GetPrivateProfileSections(const std::wstring& file,
+                                                    uint32_t ansi_code_page);
 
 }  // namespace base
 

@@ -1,6 +1,7 @@
 #ifndef BASE_REGISTRY_HIVE_H_
 #define BASE_REGISTRY_HIVE_H_
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -29,6 +30,12 @@ using RegistryStrings = std::map<std::wstring, RegistryString>;
 // why when given) or the key does not exist. Never modifies the file.
 [[nodiscard]] bool ReadHiveKey(const FilePath& file, const std::wstring& subkey,
                                RegistryStrings* values, std::string* reason = nullptr);
+
+// Reads the REG_DWORD value |name| of key |subkey| (as for ReadHiveKey) of
+// the hive file |file|. False when the file is no hive, the key or value is
+// missing, or the value is of another type.
+[[nodiscard]] bool ReadHiveDword(const FilePath& file, const std::wstring& subkey,
+                                 const std::wstring& name, uint32_t* value);
 
 // Whether |file| opens as a hive; |*reason| says why not.
 [[nodiscard]] bool CheckHiveFile(const FilePath& file, std::string* reason);

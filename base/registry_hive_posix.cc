@@ -38,6 +38,22 @@ ScopedHive OpenHive(const FilePath& file, std::string* reason) {
   return ScopedHive(hive);
 }
 
+// The key |subkey| below the root; 0 when it does not exist.
+hive_node_h FindKey(hive_h* hive, const std::wstring& subkey) {
+  hive_node_h node = hivex_root(hive);
+  size_t start = 0;
+  while (node && start <= subkey.size()) {
+    size_t end = subkey.find(L'\\', start);
+    if (end == std::wstring::npos)
+      end = subkey.size();
+    std::wstring part = subkey.substr(start, end - start);
+    start = end + 1;
+    if (!part.empty())
+      node = hivex_node_get_child(hive, node, WideToUTF8(part).c_str());
+  }
+  return node;
+}
+
 }  // namespace
 
 bool IsRegistryHive(const std::string& bytes) {
@@ -62,17 +78,7 @@ bool ReadHiveKey(const FilePath& file, const std::wstring& subkey, RegistryStrin
   ScopedHive hive = OpenHive(file, reason);
   if (!hive)
     return false;
-  hive_node_h node = hivex_root(hive.get());
-  size_t start = 0;
-  while (node && start <= subkey.size()) {
-    size_t end = subkey.find(L'\\', start);
-    if (end == std::wstring::npos)
-      end = subkey.size();
-    std::wstring part = subkey.substr(start, end - start);
-    start = end + 1;
-    if (!part.empty())
-      node = hivex_node_get_child(hive.get(), node, WideToUTF8(part).c_str());
-  }
+  hive_node_h node = FindKey(hive.get(), subkey);
   if (!node)
     return false;
 
@@ -95,6 +101,28 @@ bool ReadHiveKey(const FilePath& file, const std::wstring& subkey, RegistryStrin
     entry.expand = type == hive_t_REG_EXPAND_SZ;
     (*values)[UTF8ToWide(name.get())] = std::move(entry);
   }
+  return true;
+}
+
+bool ReadHiveDword(const FilePath& file, const std::wstring& subkey, const std::wstring& name,
+                   uint32_t* value) {
+  ScopedHive hive = OpenHive(file, nullptr);
+  if (!hive)
+    return false;
+  hive_node_h node = FindKey(hive.get(), subkey);
+  if (!node)
+    return false;
+  hive_value_h found = hivex_node_get_value(hive.get(), node, WideToUTF8(name).c_str());
+  hive_type type;
+  size_t length = 0;
+  if (!found || hivex_value_type(hive.get(), found, &type, &length) != 0 ||
+      type != hive_t_REG_DWORD)
+    return false;
+  errno = 0;
+  int32_t number = hivex_value_dword(hive.get(), found);
+  if (number == -1 && errno != 0)
+    return false;
+  *value = static_cast<uint32_t>(number);
   return true;
 }
 

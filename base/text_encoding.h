@@ -4,8 +4,24 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace base {
+
+// The byte-order mark that text bytes start with, and its length in bytes.
+// The readers of text files share these tests and each applies them in its
+// own order.
+enum class ByteOrderMark { kNone, kUtf8, kUtf16Le, kUtf16Be };
+[[nodiscard]] ByteOrderMark DetectByteOrderMark(std::string_view bytes);
+[[nodiscard]] size_t ByteOrderMarkLength(ByteOrderMark mark);
+
+// Whether |bytes| without a byte-order mark are UTF-16LE text of a settings
+// file: IsTextUnicode accepts them, their length is even, and they open as
+// such a file's text does, with an ASCII character (a '[', a ';', a key's
+// first letter or a blank) followed by a zero byte. IsTextUnicode alone
+// would take an 8-bit file holding NUL bytes for UTF-16 once its length is
+// even.
+[[nodiscard]] bool IsUnmarkedUtf16Settings(std::string_view bytes);
 
 // Flags of IsTextUnicode, with the Windows values.
 enum TextUnicodeFlags : int {

@@ -1,6 +1,8 @@
 #include "base/windows_path.h"
 
+#include <locale.h>
 #include <stdlib.h>
+#include <wctype.h>
 
 #include "base/utf_string_conversions.h"
 
@@ -22,9 +24,28 @@ std::wstring WithSeparators(std::wstring path) {
   return path;
 }
 
+// Upper case of one character by the simple Unicode mapping; ASCII alone
+// when the C library has no Unicode character table.
+wchar_t ToUpper(wchar_t c) {
+  if (c < 0x80)
+    return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
+  static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
+  return unicode ? static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), unicode)) : c;
+}
+
 }  // namespace
 
-FilePath MapWindowsPath(const std::wstring& path) {
+std::wstring WindowsPathKey(std::wstring_view path) {
+  std::wstring key;
+  key.reserve(path.size());
+  for (wchar_t c : path)
+    key.push_back(c == L'/' ? L'\\' : ToUpper(c));
+  while (!key.empty() && key.back() == L'\\')
+    key.pop_back();
+  return key;
+}
+
+FilePath MapWindowsPath(const std::wstring& path, const DriveMap& drives) {
 #if defined(_WIN32)
   return FilePath(path);
 #else
@@ -33,16 +54,26 @@ FilePath MapWindowsPath(const std::wstring& path) {
   if (path.size() < 2 || !IsDriveLetter(path[0]) || path[1] != L':')
     return FilePath(WithSeparators(path));
 
-  char letter = static_cast<char>(path[0] >= L'a' ? path[0] - 32 : path[0]);
-  const std::string variable = std::string("VANTU_DRIVE_") + letter;
-  const char* folder = getenv(variable.c_str());
-  if (!folder || !*folder)
+  wchar_t letter = path[0] >= L'a' ? path[0] - 32 : path[0];
+  auto drive = drives.find(letter);
+  if (drive == drives.end() || drive->second.empty())
     return FilePath();
   std::wstring rest = WithSeparators(path.substr(2));
   size_t begin = rest.find_first_not_of(L'/');
-  FilePath mapped = FilePath::FromUTF8Unsafe(folder);
+  const FilePath& mapped = drive->second;
   return begin == std::wstring::npos ? mapped : mapped.Append(rest.substr(begin));
 #endif
+}
+
+DriveMap DriveMapFromEnvironment() {
+  DriveMap drives;
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    const std::string variable = std::string("VANTU_DRIVE_") + letter;
+    const char* folder = getenv(variable.c_str());
+    if (folder && *folder)
+      drives[static_cast<wchar_t>(letter)] = FilePath::FromUTF8Unsafe(folder);
+  }
+  return drives;
 }
 
 }  // namespace base

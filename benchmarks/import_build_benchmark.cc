@@ -25,6 +25,7 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/database_helper/database_helper.h"
+#include "tools/data_importer/environment/run_context.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
@@ -357,7 +358,8 @@ void BM_Generation6Import(benchmark::State& state) {
     ImportModel model;
     auto start = Clock::now();
     {
-      V6DataExporter exporter(&model);
+      RunContext context = RunContextFromEnvironment();
+      V6DataExporter exporter(context, &model);
       if (exporter.ExportData() != ExportResult::kExported) {
         state.SkipWithError("the source cannot be read");
         return;
@@ -416,7 +418,8 @@ void BM_Generation7Import(benchmark::State& state) {
     // What the run read, read again from its work copy, built at the
     // engine's pace.
     ImportModel model;
-    V7DataExporter exporter(&model);
+    RunContext context = RunContextFromEnvironment();
+    V7DataExporter exporter(context, &model);
     auto read_start = Clock::now();
     if (exporter.ExportData() != ExportResult::kExported) {
       state.SkipWithError("the work copy cannot be read");

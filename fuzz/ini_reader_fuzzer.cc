@@ -6,11 +6,12 @@
 #include <cstdlib>
 #include <string>
 
+#include "base/code_page.h"
 #include "tools/data_importer/settings/ini_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
-  IniReader reader;
+  IniReader reader(base::kCodePageSimplifiedChinese);
   reader.ParseData(bytes, size % 2 == 0);
   reader.KeyExists(L"", L"");
   reader.ReadString(L"MainPlayList", L"PlayMode", L"3");

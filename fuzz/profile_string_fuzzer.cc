@@ -9,11 +9,15 @@
 #include <string>
 #include <string_view>
 
+#include "base/code_page.h"
 #include "base/file_util.h"
 #include "fuzz/fuzz_scratch.h"
 #include "base/profile_string.h"
 
 namespace {
+
+// A multi-byte code page: its lead and trail bytes are the harder case.
+constexpr uint32_t kCodePage = base::kCodePageSimplifiedChinese;
 base::FilePath g_file;
 }
 
@@ -30,18 +34,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     return 0;
   const std::wstring& file = g_file.value();
   const wchar_t* path = file.c_str();
-  for (const std::wstring& section : base::GetPrivateProfileSections(file)) {
-    for (const std::wstring& key : base::GetPrivateProfileKeys(section, file))
-      base::GetPrivateProfileStringW(section, key, L"#", file);
+  for (const std::wstring& section : base::GetPrivateProfileSections(file, kCodePage)) {
+    for (const std::wstring& key : base::GetPrivateProfileKeys(section, file, kCodePage))
+      base::GetPrivateProfileStringW(section, key, L"#", file, kCodePage);
   }
-  base::GetPrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", file);
+  base::GetPrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", file, kCodePage);
   // The writes may fail on a hostile file; the read-back below only follows
   // a write that nothing can stop.
-  (void)base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", L"50", path);
-  (void)base::WritePrivateProfileStringW(L" DBCheck ", L"ImportState", L"", path);
-  (void)base::WritePrivateProfileStringW(L"New", L"key", L"\u7a3b\u9999 value", path);
-  (void)base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", nullptr, path);
-  (void)base::WritePrivateProfileStringW(L"New", nullptr, nullptr, path);
+  (void)base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", L"50", path, kCodePage);
+  (void)base::WritePrivateProfileStringW(L" DBCheck ", L"ImportState", L"", path, kCodePage);
+  (void)base::WritePrivateProfileStringW(L"New", L"key", L"\u7a3b\u9999 value", path, kCodePage);
+  (void)base::WritePrivateProfileStringW(L"DBCheck", L"ImportProgress", nullptr, path, kCodePage);
+  (void)base::WritePrivateProfileStringW(L"New", nullptr, nullptr, path, kCodePage);
   // A value just written must read back, in every file whose encoding the
   // writes cannot change: one with a byte-order mark, or one without NUL
   // bytes (8-bit text). An unmarked file with NUL bytes is taken for UTF-16
@@ -51,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const bool marked = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
                       bytes.starts_with("\xEF\xBB\xBF");
   if ((marked || bytes.find('\0') == std::string_view::npos) &&
-      base::GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"#", file) != L"")
+      base::GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"#", file, kCodePage) != L"")
     __builtin_trap();
   return 0;
 }

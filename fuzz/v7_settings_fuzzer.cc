@@ -28,6 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (!base::WriteFile(g_folder.Append(L"vantu.ini"),
                        std::string(reinterpret_cast<const char*>(data), size)))
     return 0;
-  (void)MigrateV7Settings(g_folder);  // every outcome is allowed; crashes are not
+  // 936, the code page a run takes when the machine names none.
+  (void)MigrateV7Settings(g_folder, 936);  // every outcome is allowed; crashes are not
   return 0;
 }

@@ -10,20 +10,22 @@
 
 #include "base/file_util.h"
 #include "fuzz/fuzz_scratch.h"
+#include "tools/data_importer/environment/run_context.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
 namespace {
 base::FilePath g_root;
+RunContext g_context;
 }
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("VANTU_LOG_LEVEL", "5", 1);
   g_root = FuzzScratchPath("vantu-v7-fuzz");
-  setenv("LOCALAPPDATA", g_root.Append(L"local").AsUTF8Unsafe().c_str(), 1);
-  setenv("APPDATA", g_root.Append(L"roaming").AsUTF8Unsafe().c_str(), 1);
-  setenv("VANTU_REGISTRY_FILE", g_root.Append(L"none.reg").AsUTF8Unsafe().c_str(), 1);
+  SetLocalAppData(g_root.Append(L"local"), &g_context);
+  g_context.m_roaming_app_data = g_root.Append(L"roaming");
+  g_context.m_registry_file = g_root.Append(L"none.reg");
   // The scratch folder goes with the process.
   std::atexit([] { (void)base::DeleteFile(g_root, true); });
   return 0;
@@ -33,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (!base::DeleteFile(g_root, true))
     return 0;
   base::FilePath folder = g_root.Append(L"roaming").Append(L"Vantu7");
-  if (!base::CreateDirectory(folder) || !base::CreateDirectory(g_root.Append(L"local")))
+  if (!base::CreateDirectory(folder) || !base::CreateDirectory(g_context.m_data_folder))
     return 0;
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   base::FilePath source = folder.Append(L"VTData.db");
@@ -43,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // "DBCheck" keys, and the reader runs several times faster.
   ProgressRecord record;
   ImportModel model(&record);
-  V7DataExporter exporter(&model);
+  V7DataExporter exporter(g_context, &model);
   (void)exporter.Dump(source);   // every outcome is allowed; crashes are not
   (void)exporter.ExportData();
   std::string after;

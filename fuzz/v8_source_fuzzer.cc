@@ -10,6 +10,7 @@
 
 #include "base/file_util.h"
 #include "fuzz/fuzz_scratch.h"
+#include "tools/data_importer/environment/run_context.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
@@ -17,15 +18,16 @@
 namespace {
 base::FilePath g_root;
 base::FilePath g_data_folder;
+RunContext g_context;
 }
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("VANTU_LOG_LEVEL", "5", 1);
   g_root = FuzzScratchPath("vantu-v8-fuzz");
-  setenv("LOCALAPPDATA", g_root.AsUTF8Unsafe().c_str(), 1);
-  setenv("APPDATA", g_root.Append(L"roaming").AsUTF8Unsafe().c_str(), 1);
-  setenv("VANTU_REGISTRY_FILE", g_root.Append(L"none.reg").AsUTF8Unsafe().c_str(), 1);
-  g_data_folder = g_root.Append(L"VanTu8");
+  SetLocalAppData(g_root, &g_context);
+  g_context.m_roaming_app_data = g_root.Append(L"roaming");
+  g_context.m_registry_file = g_root.Append(L"none.reg");
+  g_data_folder = g_context.m_data_folder;
   // The scratch folder goes with the process.
   std::atexit([] { (void)base::DeleteFile(g_root, true); });
   return 0;
@@ -46,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     return 0;
   ProgressRecord record;
   ImportModel model(&record);
-  V8DataExporter exporter(&model);
+  V8DataExporter exporter(g_context, &model);
   (void)exporter.ExportData();  // every outcome is allowed; crashes are not
   std::string after;
   if (!base::ReadFileToString(music_path, &after) || after != music ||

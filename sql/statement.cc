@@ -69,6 +69,10 @@ int64_t Statement::ColumnInt64(int col) const {
   return CheckColumn(col) ? sqlite3_column_int64(ref_->stmt(), col) : 0;
 }
 
+bool Statement::ColumnIsNull(int col) const {
+  return CheckColumn(col) && sqlite3_column_type(ref_->stmt(), col) == SQLITE_NULL;
+}
+
 double Statement::ColumnDouble(int col) const {
   return CheckColumn(col) ? sqlite3_column_double(ref_->stmt(), col) : 0.0;
 }

@@ -50,6 +50,8 @@ class Statement {
   [[nodiscard]] double ColumnDouble(int col) const;
   std::string ColumnString(int col) const;     // UTF-8
   std::wstring ColumnString16(int col) const;  // wide text
+  // Whether the column holds NULL (false when out of range).
+  [[nodiscard]] bool ColumnIsNull(int col) const;
 
  private:
   [[nodiscard]] bool CheckColumn(int col) const;

@@ -11,6 +11,7 @@
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/test_support.h"
+#include "tools/data_importer/environment/run_context.h"
 
 // A user profile of its own for one test: a temporary folder holding the
 // per-user ("local") and roaming application-data folders and a registry
@@ -45,6 +46,15 @@ class TestProfile {
   std::wstring registry_;
   logging::ScopedLogging logging_{{data_folder().Append(L"DataImporter.log"), 0, false}};
 };
+
+// The run context the test's environment gives (a TestProfile's folders
+// and registry, any drives the test has set), with |source_folder| as the
+// player's switch "i"; its data folder is made, as the entry point makes it
+// at the start of a run.
+RunContext TestRunContext(const base::FilePath& source_folder = base::FilePath());
+
+// The data folder of TestRunContext(), made when missing.
+base::FilePath TestDataFolder();
 
 class ProgressRecord;
 
@@ -132,8 +142,9 @@ const base::Value* FindEntry(const base::Value& list, const std::string& key,
 //    "(not recorded)");
 //  - per source table, the rows read, less those merged into a record of
 //    another table, are all found again in the pairs of each target family
-//    it feeds (DownloadHistoryItem takes only the finished downloads, so it
-//    is left out), and no more records were made than rows read;
+//    it feeds (DownloadHistoryItem takes only the finished downloads of a
+//    source that also feeds DownloadItem, so it is left out there), and no
+//    more records were made than rows read;
 //  - the reasons' counts sum to the pairs' drops;
 //  - each target table holds, in the finished files, what its writers sent.
 void ExpectReportReconciles(const base::Value& report, const base::FilePath& data_folder);

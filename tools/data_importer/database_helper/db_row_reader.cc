@@ -56,6 +56,11 @@ std::string DbRowReader::GetString(const std::string& name) {
   return index < 0 ? std::string() : statement_.ColumnString(index);
 }
 
+bool DbRowReader::IsNull(const std::string& name) {
+  int index = GetColumnIndex(name);
+  return index >= 0 && statement_.ColumnIsNull(index);
+}
+
 std::wstring DbRowReader::GetString16(const std::string& name) {
   int index = GetColumnIndex(name);
   return index < 0 ? std::wstring() : statement_.ColumnString16(index);

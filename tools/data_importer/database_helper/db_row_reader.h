@@ -20,6 +20,8 @@ class RowReaderInterface {
   [[nodiscard]] virtual int64_t GetInt64(const std::string& name) = 0;
   virtual std::string GetString(const std::string& name) = 0;
   virtual std::wstring GetString16(const std::string& name) = 0;
+  // Whether the column holds NULL (false for a column the row lacks).
+  [[nodiscard]] virtual bool IsNull(const std::string& name) = 0;
   [[nodiscard]] virtual bool IsValid() const = 0;
   [[nodiscard]] virtual bool Step() = 0;
 };
@@ -50,6 +52,7 @@ class DbRowReader : public RowReaderInterface {
   [[nodiscard]] int64_t GetInt64(const std::string& name) override;
   std::string GetString(const std::string& name) override;  // UTF-8
   std::wstring GetString16(const std::string& name) override;
+  [[nodiscard]] bool IsNull(const std::string& name) override;
   [[nodiscard]] bool IsValid() const override;
   [[nodiscard]] bool Step() override;
 

@@ -19,7 +19,7 @@
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/test_support.h"
-#include "tools/data_importer/environment/data_folder.h"
+#include "tools/data_importer/environment/run_context.h"
 #include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "testing/importer_test_util.h"
@@ -174,9 +174,10 @@ class DamagedSourceTest : public testing::Test {
         testing_support::WriteBytes(source, Damaged(original, damage, seed));
         Counts expected = TableByTable(source, layout);
         ProgressRecord record;
-        record.Initialise(GetDataFolder());
+        record.Initialise(TestDataFolder());
         ImportModel model(&record);
-        Exporter exporter(&model);
+        const RunContext context = TestRunContext();
+        Exporter exporter(context, &model);
         // A source of which nothing can be read answers 1 and gives nothing.
         (void)exporter.ExportData();
         Counts got = Exported(model);

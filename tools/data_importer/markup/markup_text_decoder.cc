@@ -46,15 +46,16 @@ std::wstring DecodeMarkupBytes(const std::string& bytes) {
   // The detection sees the real data only: the zero padding would make it
   // refuse every short UTF-16 text.
   const int detect_length = size > INT_MAX ? INT_MAX : static_cast<int>(size);
+  // The system's text detection first, then the byte-order marks; anything
+  // else, an 8-bit file in a local code page included, is read as UTF-8.
+  const base::ByteOrderMark mark = base::DetectByteOrderMark(bytes);
   if (base::IsTextUnicode(data, detect_length, nullptr)) {
-    const size_t skip = (data[0] == 0xFF && data[1] == 0xFE) ? 2 : 0;
+    const size_t skip = mark == base::ByteOrderMark::kUtf16Le ? 2 : 0;
     return UnitsToText(data + skip, size - skip, false);
   }
-  if (data[0] == 0xEF) {
-    const size_t skip = (data[1] == 0xBB && data[2] == 0xBF) ? 3 : 0;
-    return UTF8ToText(reinterpret_cast<const char*>(data + skip));
-  }
-  if (data[0] == 0xFE && data[1] == 0xFF)
+  if (mark == base::ByteOrderMark::kUtf8)
+    return UTF8ToText(reinterpret_cast<const char*>(data + 3));
+  if (mark == base::ByteOrderMark::kUtf16Be)
     return UnitsToText(data + 2, size - 2 + (size & 1), true);
   return UTF8ToText(reinterpret_cast<const char*>(data));
 }

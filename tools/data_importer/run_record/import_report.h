@@ -35,6 +35,9 @@ inline constexpr DropReason kDownloadUnresolved = {
 inline constexpr DropReason kFolderFileMissing = {
     "folder_file_missing", "watched-folder file that is not in the library",
     "watched-folder files that are not in the library"};
+inline constexpr DropReason kUnlinkedFile = {
+    "unlinked_file", "file without a path (its link taken away by the user)",
+    "files without a path (their link taken away by the user)"};
 inline constexpr DropReason kCopyNotEncrypted = {
     "copy_not_encrypted", "row of a version-2 database whose encrypted copy is not in place",
     "rows of a version-2 database whose encrypted copy is not in place"};
@@ -142,11 +145,24 @@ class ImportReport {
   // MV (video) files among the rows written to "ShareFileItems".
   void AddLibraryVideos(int64_t videos) { library_videos_ += videos; }
 
+  // Records kept as they were where a link could not be made, by what was
+  // not found (e.g. "local_file_folder_not_in_library"); written under
+  // "kept_unlinked".
+  void AddKeptUnlinked(const std::string& what, int64_t count) { m_kept_unlinked[what] += count; }
+
   // What a version-2 task ended with, as the words of "UpgradeResult.json"
   // (an object); a null value for every other task.
   void SetUpgradeOutcome(base::Value outcome) { upgrade_ = std::move(outcome); }
 
+  // What the run looked at to find earlier installations (an object: the
+  // lines in words, the installations found and passed over, those named
+  // but not reachable); null when the task decision did not run.
+  void SetLookup(base::Value lookup) { lookup_ = std::move(lookup); }
+
   void AddSettingsKey(const std::string& key);
+  // Values of the source's settings files the carried settings were read
+  // from (the keys carried beyond them hold defaults).
+  void AddSettingsRead(int64_t values) { settings_read_ += values; }
   // A "DBCheck" value written by this run (the last one of a key wins).
   void NoteDBCheck(const std::wstring& key, const std::wstring& value);
   void AddStage(const std::string& name, double seconds);
@@ -209,8 +225,11 @@ class ImportReport {
   // Database -> (read back soundly, why not).
   std::map<std::string, std::pair<bool, std::string>> verified_;
   int64_t library_videos_ = 0;
+  std::map<std::string, int64_t> m_kept_unlinked;
   base::Value upgrade_;
+  base::Value lookup_;
   std::vector<std::string> settings_keys_;
+  int64_t settings_read_ = 0;
   std::vector<std::pair<std::wstring, std::wstring>> dbcheck_;
   std::vector<std::pair<std::string, double>> stages_;
 };

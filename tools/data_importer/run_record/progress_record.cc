@@ -32,14 +32,15 @@ void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
     return;
   report()->NoteDBCheck(key, value);
   // A profile write that fails is ignored (see the header).
-  (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str());
+  (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str(),
+                                         m_ansi_code_page);
   if (key_observer_)
     key_observer_(key, value);
 }
 
-void ProgressRecord::Initialise(const base::FilePath& data_folder) {
-  if (!data_folder.empty())
-    ini_path_ = base::ResolvePathCase(data_folder.Append(kSettingsFileName)).value();
+void ProgressRecord::Initialise(const base::FilePath& folder) {
+  if (!folder.empty())
+    ini_path_ = base::ResolvePathCase(folder.Append(kSettingsFileName)).value();
   WriteKey(kKeyImportProgress, L"");
   WriteKey(kKeyImportState, L"");
   WriteKey(kKeyUpdateProgress, L"");

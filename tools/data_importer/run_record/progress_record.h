@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "base/code_page.h"
 #include "base/file_path.h"
 #include "tools/data_importer/run_record/importer_names.h"
 class ImportReport;
@@ -40,6 +41,11 @@ class ProgressRecord {
   // "BeforceImportEmpty" = "-1". With an empty |data_folder| nothing is
   // written, now or later.
   void Initialise(const base::FilePath& data_folder);
+
+  // The code page in which an existing 8-bit settings file is written (the
+  // user's ANSI code page); set before Initialise.
+  void SetAnsiCodePage(uint32_t code_page) { m_ansi_code_page = code_page; }
+  [[nodiscard]] uint32_t ansi_code_page() const { return m_ansi_code_page; }
 
   // Adds |delta| to the progress; a sum below |floor| becomes |floor|, one
   // of 100 or more becomes 99 (only the entry point writes "100"). Writes
@@ -105,6 +111,7 @@ class ProgressRecord {
   ImportReport* report_ = nullptr;
   KeyObserver key_observer_;
   std::unique_ptr<ImportReport> own_report_;
+  uint32_t m_ansi_code_page = base::kCodePageSimplifiedChinese;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_PROGRESS_RECORD_H_

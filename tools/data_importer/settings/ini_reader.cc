@@ -5,10 +5,11 @@
 
 #include <utf8.h>
 
-#include "base/code_page_1252.h"
+#include "base/code_page.h"
 #include "base/file_util.h"
 #include "base/string_number_conversions.h"
 #include "base/string_util.h"
+#include "base/text_encoding.h"
 #include "base/utf_string_conversions.h"
 #include "logging/debug_output.h"
 
@@ -19,16 +20,25 @@ std::wstring DecodeUTF16(const std::string& bytes, size_t start, bool big_endian
       base::UTF16UnitsFromBytes(std::string_view(bytes).substr(start), big_endian));
 }
 
-std::wstring DecodeFile(const std::string& bytes) {
-  if (bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE')
-    return DecodeUTF16(bytes, 2, false);
-  if (bytes.size() >= 2 && bytes[0] == '\xFE' && bytes[1] == '\xFF')
-    return DecodeUTF16(bytes, 2, true);
-  if (bytes.compare(0, 3, "\xEF\xBB\xBF") == 0)
-    return base::UTF8ToWide(std::string_view(bytes).substr(3));
+// A byte-order mark first; then UTF-16LE without one, by the rule the
+// profile functions apply to the files they edit (generation 7 wrote its
+// settings file so); then UTF-8.
+std::wstring DecodeFile(const std::string& bytes, uint32_t ansi_code_page) {
+  switch (base::DetectByteOrderMark(bytes)) {
+    case base::ByteOrderMark::kUtf16Le:
+      return DecodeUTF16(bytes, 2, false);
+    case base::ByteOrderMark::kUtf16Be:
+      return DecodeUTF16(bytes, 2, true);
+    case base::ByteOrderMark::kUtf8:
+      return base::UTF8ToWide(std::string_view(bytes).substr(3));
+    case base::ByteOrderMark::kNone:
+      break;
+  }
+  if (base::IsUnmarkedUtf16Settings(bytes))
+    return DecodeUTF16(bytes, 0, false);
   if (utf8::is_valid(bytes.begin(), bytes.end()))
     return base::UTF8ToWide(bytes);
-  return base::Cp1252ToWide(bytes);
+  return base::CodePageToWide(bytes, ansi_code_page);
 }
 
 bool IsBlank(wchar_t c) {
@@ -78,7 +88,7 @@ void IniReader::ParseData(const std::string& bytes, bool fold_case) {
 
 void IniReader::AddFile(const std::string& bytes) {
   std::map<std::wstring, Section> file;
-  ParseText(DecodeFile(bytes), &file);
+  ParseText(DecodeFile(bytes, m_ansi_code_page), &file);
   for (auto& [name, keys] : file) {
     Section& merged = m_sections[name];
     for (auto& [key, value] : keys)
@@ -131,6 +141,7 @@ const std::wstring* IniReader::Find(std::wstring_view section, std::wstring_view
   const auto found_key = found_section->second.find(Name(Trim(key)));
   if (found_key == found_section->second.end())
     return nullptr;
+  m_found.emplace(found_section->first, found_key->first);
   return &found_key->second;
 }
 

@@ -1,7 +1,9 @@
 #ifndef TOOLS_DATA_IMPORTER_SETTINGS_INI_READER_H_
 #define TOOLS_DATA_IMPORTER_SETTINGS_INI_READER_H_
 
+#include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,13 +26,15 @@
 //    skipped after the debug line "Failing on char %d\n", where the number
 //    is the position of the line's first character in the file's text
 //    (counted in characters from 0).
-// Files are UTF-16LE or UTF-16BE with their byte-order mark, UTF-8 with or
-// without its mark, or else (when not valid UTF-8) code page 1252.
+// Files are UTF-16LE or UTF-16BE with their byte-order mark, UTF-16LE
+// without one (as the profile functions tell it), UTF-8 with or without its
+// mark, or else (when not valid UTF-8) 8-bit text in the user's ANSI code
+// page, which the reader is given.
 //
 // Nothing throws; missing files and keys give the defaults.
 class IniReader {
  public:
-  IniReader() = default;
+  explicit IniReader(uint32_t ansi_code_page) : m_ansi_code_page(ansi_code_page) {}
   IniReader(const IniReader&) = delete;
   IniReader& operator=(const IniReader&) = delete;
 
@@ -63,6 +67,10 @@ class IniReader {
   // ReadInt with the default 1 or 0; true when the number is not 0.
   bool ReadBool(std::wstring_view section, std::wstring_view key, bool default_value) const;
 
+  // How many distinct keys the reads so far found in the files (a read
+  // that fell back to its default does not count).
+  size_t FoundKeyCount() const { return m_found.size(); }
+
  private:
   using Section = std::map<std::wstring, std::wstring>;
 
@@ -72,9 +80,12 @@ class IniReader {
   std::wstring Name(std::wstring_view name) const;
   const std::wstring* Find(std::wstring_view section, std::wstring_view key) const;
 
+  uint32_t m_ansi_code_page;
   std::vector<base::FilePath> m_paths;
   bool m_fold_case = false;
   std::map<std::wstring, Section> m_sections;
+  // Section and key names (as compared) of every key a read found.
+  mutable std::set<std::pair<std::wstring, std::wstring>> m_found;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_SETTINGS_INI_READER_H_

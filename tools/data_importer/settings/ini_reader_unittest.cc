@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "base/code_page.h"
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
 #include "testing/test_support.h"
@@ -43,7 +44,7 @@ class IniReaderTest : public testing::Test {
 };
 
 TEST_F(IniReaderTest, ReadsSectionsKeysAndComments) {
-  IniReader reader;
+  IniReader reader(base::kCodePageWestern);
   reader.SetFiles({base::FilePath(), Write(L"vantu.ini", kSettings)});
   ASSERT_TRUE(reader.Parse(true));
   EXPECT_EQ(L"before any section", reader.ReadString(L"", L"top", L"-"));
@@ -58,7 +59,7 @@ TEST_F(IniReaderTest, ReadsSectionsKeysAndComments) {
 }
 
 TEST_F(IniReaderTest, CaseFolding) {
-  IniReader reader;
+  IniReader reader(base::kCodePageWestern);
   reader.SetFiles({Write(L"vantu.ini", kSettings)});
   ASSERT_TRUE(reader.Parse(true));
   EXPECT_TRUE(reader.KeyExists(L"MAINPLAYLIST", L"playmode"));
@@ -71,7 +72,7 @@ TEST_F(IniReaderTest, CaseFolding) {
 }
 
 TEST_F(IniReaderTest, NumbersAndDefaults) {
-  IniReader reader;
+  IniReader reader(base::kCodePageWestern);
   reader.SetFiles({Write(L"vantu.ini", kSettings)});
   ASSERT_TRUE(reader.Parse(true));
   EXPECT_EQ(12, reader.ReadInt(L"NetConfig", L"MaxDownloadFile", 3));
@@ -97,6 +98,7 @@ TEST_F(IniReaderTest, Encodings) {
   }
   const std::pair<const wchar_t*, std::string> files[] = {
       {L"le.ini", utf16le},
+      {L"le-unmarked.ini", utf16le.substr(2)},
       {L"le-truncated.ini", utf16le + "\x41"},
       {L"be.ini", utf16be},
       {L"utf8.ini", base::WideToUTF8(text)},
@@ -104,21 +106,35 @@ TEST_F(IniReaderTest, Encodings) {
   };
   for (const auto& [name, bytes] : files) {
     SCOPED_TRACE(base::WideToUTF8(name));
-    IniReader reader;
+    IniReader reader(base::kCodePageWestern);
     reader.SetFiles({Write(name, bytes)});
     ASSERT_TRUE(reader.Parse(true));
     EXPECT_EQ(L"\u5b8b\u4f53", reader.ReadString(L"lyric", L"font", L""));
     EXPECT_EQ(12, reader.ReadInt(L"Lyric", L"Size", 0));
   }
   // An 8-bit file that is not UTF-8 is read in code page 1252.
-  IniReader ansi;
+  IniReader ansi(base::kCodePageWestern);
   ansi.SetFiles({Write(L"ansi.ini", "[A]\r\nName=Caf\xE9 \x80\r\n")});
   ASSERT_TRUE(ansi.Parse(true));
   EXPECT_EQ(L"Caf\u00e9 \u20ac", ansi.ReadString(L"A", L"Name", L""));
+
+  // The same bytes are other letters in another code page: the reader reads
+  // the one it is given.
+  const base::FilePath chinese =
+      Write(L"chinese.ini", "[A]\r\nLyricPath=D:\\\xB8\xE8\xB4\xCA\r\nName=Caf\xA8\xA6\r\n");
+  IniReader in_936(base::kCodePageSimplifiedChinese);
+  in_936.SetFiles({chinese});
+  ASSERT_TRUE(in_936.Parse(true));
+  EXPECT_EQ(L"D:\\\u6b4c\u8bcd", in_936.ReadString(L"A", L"LyricPath", L""));
+  EXPECT_EQ(L"Caf\u00e9", in_936.ReadString(L"A", L"Name", L""));
+  IniReader in_1252(base::kCodePageWestern);
+  in_1252.SetFiles({chinese});
+  ASSERT_TRUE(in_1252.Parse(true));
+  EXPECT_EQ(L"D:\\\u00b8\u00e8\u00b4\u00ca", in_1252.ReadString(L"A", L"LyricPath", L""));
 }
 
 TEST_F(IniReaderTest, FileListAndMissingFiles) {
-  IniReader reader;
+  IniReader reader(base::kCodePageWestern);
   EXPECT_FALSE(reader.Parse(true));
   EXPECT_EQ(L"d", reader.ReadString(L"A", L"k", L"d"));
   reader.SetFiles({base::FilePath(), temp_.path().Append(L"missing.ini")});
@@ -139,7 +155,7 @@ TEST_F(IniReaderTest, FileListAndMissingFiles) {
 
 TEST_F(IniReaderTest, BadLinesAreReportedAndSkipped) {
   logging::ScopedLogging logging({base::FilePath(), logging::LOG_PROGRESS, true});
-  IniReader reader;
+  IniReader reader(base::kCodePageWestern);
   reader.SetFiles({Write(L"bad.ini", "[A]\nok=1\n  [Broken\nnoequals\n=value\nlast=2\n")});
   testing::internal::CaptureStderr();
   ASSERT_TRUE(reader.Parse(true));

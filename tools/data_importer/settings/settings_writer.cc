@@ -135,12 +135,12 @@ Entries SettingsEntries(const ImportedSettings& s) {
 }
 
 bool WriteImportedSettings(const std::vector<ImportedSettings>& records,
-                           const base::FilePath& ini_path) {
+                           const base::FilePath& ini_path, uint32_t ansi_code_page) {
   bool all_written = true;
   for (const ImportedSettings& record : records) {
     for (const auto& [key, value] : SettingsEntries(record)) {
       if (!base::WritePrivateProfileStringW(importer_names::kSettingsSection, key.c_str(), value.c_str(),
-                                            ini_path.value().c_str()))
+                                            ini_path.value().c_str(), ansi_code_page))
         all_written = false;
     }
   }

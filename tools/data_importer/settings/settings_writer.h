@@ -25,7 +25,8 @@ std::vector<std::pair<std::wstring, std::wstring>> SettingsEntries(const Importe
 // file gets no "Settings" section). Other sections, "DBCheck" among them,
 // are left as they are. False when a key could not be written; the keys
 // after it are still tried.
+// An existing 8-bit file is written in |ansi_code_page|.
 [[nodiscard]] bool WriteImportedSettings(const std::vector<ImportedSettings>& records,
-                                         const base::FilePath& ini_path);
+                                         const base::FilePath& ini_path, uint32_t ansi_code_page);
 
 #endif  // TOOLS_DATA_IMPORTER_SETTINGS_SETTINGS_WRITER_H_

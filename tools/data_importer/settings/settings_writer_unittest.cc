@@ -4,17 +4,20 @@
 
 #include <string>
 
+#include "base/code_page.h"
 #include "base/profile_string.h"
 #include "base/utf_string_conversions.h"
 #include "testing/test_support.h"
 
 namespace {
 
+constexpr uint32_t kCodePage = base::kCodePageSimplifiedChinese;
+
 class SettingsWriterTest : public testing::Test {
  protected:
   base::FilePath ini() const { return dir_.path().Append(L"Vantu.ini"); }
   std::wstring Read(const std::wstring& key) const {
-    return base::GetPrivateProfileStringW(importer_names::kSettingsSection, key, L"#missing#", ini().value());
+    return base::GetPrivateProfileStringW(importer_names::kSettingsSection, key, L"#missing#", ini().value(), kCodePage);
   }
 
   testing_support::ScopedTempDir dir_;
@@ -43,7 +46,7 @@ ImportedSettings Sample() {
 // Each field under its own key, in the value form of its type; keys that
 // depend on presence appear only when set.
 TEST_F(SettingsWriterTest, WritesEveryFieldUnderItsName) {
-  ASSERT_TRUE(WriteImportedSettings({Sample()}, ini()));
+  ASSERT_TRUE(WriteImportedSettings({Sample()}, ini(), kCodePage));
   const std::pair<const wchar_t*, const wchar_t*> expected[] = {
       {L"AutoLogin", L"1"},
       {L"Mute", L"0"},
@@ -79,7 +82,7 @@ TEST_F(SettingsWriterTest, WritesEveryFieldUnderItsName) {
   std::vector<std::wstring> names;
   for (const auto& entry : SettingsEntries(Sample()))
     names.push_back(entry.first);
-  EXPECT_EQ(names, base::GetPrivateProfileKeys(importer_names::kSettingsSection, ini().value()));
+  EXPECT_EQ(names, base::GetPrivateProfileKeys(importer_names::kSettingsSection, ini().value(), kCodePage));
   EXPECT_EQ(size_t{127}, names.size());
 
   ImportedSettings with_position = Sample();
@@ -87,7 +90,7 @@ TEST_F(SettingsWriterTest, WritesEveryFieldUnderItsName) {
   with_position.MainWindowPositionSet = true;
   with_position.MainWindowX = -20;
   with_position.MainWindowY = 40;
-  ASSERT_TRUE(WriteImportedSettings({with_position}, ini()));
+  ASSERT_TRUE(WriteImportedSettings({with_position}, ini(), kCodePage));
   EXPECT_EQ(L"0", Read(L"ShowLyric"));
   EXPECT_EQ(L"-20", Read(L"MainWindowX"));
   EXPECT_EQ(L"40", Read(L"MainWindowY"));
@@ -105,20 +108,20 @@ TEST_F(SettingsWriterTest, LaterRecordWinsAndDBCheckStays) {
   ImportedSettings second;
   second.Volume = 20;
   second.ProxyType = 3;
-  ASSERT_TRUE(WriteImportedSettings({first, second}, ini()));
+  ASSERT_TRUE(WriteImportedSettings({first, second}, ini(), kCodePage));
   EXPECT_EQ(L"20", Read(L"Volume"));
   EXPECT_EQ(L"3", Read(L"ProxyType"));
   EXPECT_EQ(L"1", Read(L"ShowLyric"));
   const std::string bytes = testing_support::ReadBytes(ini());
   EXPECT_EQ(dbcheck, bytes.substr(0, dbcheck.size()));
   EXPECT_EQ((std::vector<std::wstring>{L"DBCheck", L"Settings"}),
-            base::GetPrivateProfileSections(ini().value()));
+            base::GetPrivateProfileSections(ini().value(), kCodePage));
 }
 
 TEST_F(SettingsWriterTest, NoRecordWritesNoSection) {
   const std::string dbcheck = "[DBCheck]\r\nImportEnd=4\r\n";
   testing_support::WriteBytes(ini(), dbcheck);
-  ASSERT_TRUE(WriteImportedSettings({}, ini()));
+  ASSERT_TRUE(WriteImportedSettings({}, ini(), kCodePage));
   EXPECT_EQ(dbcheck, testing_support::ReadBytes(ini()));
 }
 
@@ -127,18 +130,19 @@ TEST_F(SettingsWriterTest, Utf16FileStaysUtf16) {
   testing_support::WriteBytes(ini(), "\xFF\xFE" + testing_support::UTF16Bytes(text, false));
   ImportedSettings settings;
   settings.LyricWinFontName = L"Caf\u00e9 \u5b8b\u4f53";
-  ASSERT_TRUE(WriteImportedSettings({settings}, ini()));
+  ASSERT_TRUE(WriteImportedSettings({settings}, ini(), kCodePage));
   const std::string bytes = testing_support::ReadBytes(ini());
   ASSERT_EQ("\xFF\xFE", bytes.substr(0, 2));
   EXPECT_NE(std::string::npos,
             bytes.find(testing_support::UTF16Bytes(L"LyricWinFontName=Caf\u00e9 \u5b8b\u4f53\r\n", false)));
   EXPECT_EQ(L"Caf\u00e9 \u5b8b\u4f53", Read(L"LyricWinFontName"));
-  EXPECT_EQ(L"4", base::GetPrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", ini().value()));
+  EXPECT_EQ(L"4", base::GetPrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", ini().value(), kCodePage));
 }
 
 TEST_F(SettingsWriterTest, UnwritableFileIsReported) {
   EXPECT_FALSE(WriteImportedSettings({ImportedSettings()},
-                                     dir_.path().Append(L"missing").Append(L"Vantu.ini")));
+                                     dir_.path().Append(L"missing").Append(L"Vantu.ini"),
+                                     kCodePage));
 }
 
 }  // namespace

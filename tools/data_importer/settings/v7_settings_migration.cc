@@ -263,13 +263,14 @@ uint16_t ConvertHotKey(int old_value) {
   return static_cast<uint16_t>((flags << 8) | virtual_key);
 }
 
-std::optional<ImportedSettings> MigrateV7Settings(const base::FilePath& v7_folder) {
+std::optional<ImportedSettings> MigrateV7Settings(const base::FilePath& v7_folder,
+                                                  uint32_t ansi_code_page) {
   const base::FilePath file = v7_folder.Append(L"vantu.ini");
   if (!base::PathExists(file))
     return std::nullopt;
   const bool hot_keys = base::DirectoryExists(v7_folder.Append(L"SkinPic2012"));
 
-  IniReader ini;
+  IniReader ini(ansi_code_page);
   // The first, empty path stands for a file of defaults, which generation 7
   // did not have.
   ini.SetFiles({base::FilePath(), file});
@@ -281,6 +282,7 @@ std::optional<ImportedSettings> MigrateV7Settings(const base::FilePath& v7_folde
   ReadLyrics(read, &settings);
   ReadNetwork(ini, &settings);
   ReadAudio(ini, read, hot_keys, &settings);
+  settings.m_source_values = static_cast<int>(ini.FoundKeyCount());
   return settings;
 }
 

@@ -19,8 +19,11 @@
 // The old names are kept as generation 7 spelt them ("LyrciConfig",
 // "PluginCofing", "SoftUpdataConfig", "DeleteOperarion"). Hot keys are only
 // taken when the folder "SkinPic2012" exists beside the file (later
-// releases of generation 7 stored them in the form converted here).
-std::optional<ImportedSettings> MigrateV7Settings(const base::FilePath& v7_folder);
+// releases of generation 7 stored them in the form converted here). A file
+// in 8-bit text is read in |ansi_code_page|, the code page of the user's
+// Windows.
+std::optional<ImportedSettings> MigrateV7Settings(const base::FilePath& v7_folder,
+                                                  uint32_t ansi_code_page);
 
 // Copies the main window's position into |settings| when the generation-7
 // reader found one: |found| set and neither coordinate -1.

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "base/code_page.h"
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
 #include "testing/test_support.h"
@@ -211,7 +212,7 @@ TEST_F(V7SettingsMigrationTest, ReadsEachKeyByItsRule) {
       testing_support::WriteBytes(
           folder().Append(L"VanTu.INI"),
           utf16 ? "\xFF\xFE" + testing_support::UTF16Bytes(text, false) : base::WideToUTF8(text));
-      const std::optional<ImportedSettings> settings = MigrateV7Settings(folder());
+      const std::optional<ImportedSettings> settings = MigrateV7Settings(folder(), base::kCodePageSimplifiedChinese);
       ASSERT_TRUE(settings.has_value());
       EXPECT_EQ(c.expected, c.field(*settings)) << (utf16 ? "UTF-16" : "8-bit");
     }
@@ -219,13 +220,13 @@ TEST_F(V7SettingsMigrationTest, ReadsEachKeyByItsRule) {
 }
 
 TEST_F(V7SettingsMigrationTest, NoFileGivesNoRecord) {
-  EXPECT_FALSE(MigrateV7Settings(folder()).has_value());
+  EXPECT_FALSE(MigrateV7Settings(folder(), base::kCodePageSimplifiedChinese).has_value());
   ASSERT_TRUE(base::CreateDirectory(folder().Append(L"SkinPic2012")));
   testing_support::WriteBytes(folder().Append(L"vantu.ini.bak"), "[Player]\r\nVolume=5\r\n");
-  EXPECT_FALSE(MigrateV7Settings(folder()).has_value());
+  EXPECT_FALSE(MigrateV7Settings(folder(), base::kCodePageSimplifiedChinese).has_value());
   // An empty file still gives a record, with the defaults.
   testing_support::WriteBytes(folder().Append(L"vantu.ini"), "");
-  const std::optional<ImportedSettings> settings = MigrateV7Settings(folder());
+  const std::optional<ImportedSettings> settings = MigrateV7Settings(folder(), base::kCodePageSimplifiedChinese);
   ASSERT_TRUE(settings.has_value());
   EXPECT_EQ(0x80000003u, settings->PlayMode);
   EXPECT_EQ(9000, settings->DownloadPort);

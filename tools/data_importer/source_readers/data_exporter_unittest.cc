@@ -17,7 +17,8 @@ namespace {
 // Opens the protected mechanisms of the base to the tests.
 class ProbeExporter : public DataExporter {
  public:
-  explicit ProbeExporter(ImportModel* model = nullptr) : DataExporter(model) {}
+  explicit ProbeExporter(const RunContext& context, ImportModel* model = nullptr)
+      : DataExporter(context, model) {}
   ExportResult ExportData() override { return ExportResult::kExported; }
   std::wstring Dump(const base::FilePath&) override { return std::wstring(); }
   base::FilePath GetDatabasePath() override { return base::FilePath(); }
@@ -35,11 +36,12 @@ class ProbeExporter : public DataExporter {
 
 TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   TestProfile profile;
-  ProbeExporter exporter;
-  base::FilePath folder = GetDataFolder();
+  const RunContext run_context = TestRunContext();
+  ProbeExporter exporter(run_context);
+  base::FilePath folder = TestDataFolder();
   base::FilePath work = folder.Append(L"Work.db");
   base::FilePath source = profile.root().Append(L"Source.db");
-  base::FilePath backup = GetDatedBackupFolder().Append(L"Backup.db");
+  base::FilePath backup = GetDatedBackupFolder(TestRunContext()).Append(L"Backup.db");
   base::FilePath intermediate = folder.Append(L"DataImporter.db");
   auto find = [&] { return source; };
 
@@ -112,7 +114,8 @@ TEST(DataExporterTest, SalvagedSourceIsReadAndItsLossesCounted) {
   base::FilePath salvage(work.value() + L".salvage");
   base::Value report;
   {
-    ProbeExporter exporter;
+    const RunContext run_context = TestRunContext();
+    ProbeExporter exporter(run_context);
     ASSERT_TRUE(exporter.OpenSourceWithRepair(work));
     EXPECT_TRUE(base::PathExists(salvage));
     auto rows = exporter.ReadRows({"SELECT * FROM T", "T"}, [](DbRowReader& row, SourceTableTally&) {
@@ -141,7 +144,8 @@ TEST(DataExporterTest, SalvagedSourceIsReadAndItsLossesCounted) {
 
 TEST(DataExporterTest, OpenSourceWithRepairRefusesGarbage) {
   testing_support::ScopedTempDir dir;
-  ProbeExporter exporter;
+  const RunContext run_context = TestRunContext();
+  ProbeExporter exporter(run_context);
   base::FilePath good = dir.path().Append(L"good.db");
   {
     sql::Connection db;
@@ -194,10 +198,11 @@ TEST(DataExporterTest, DumpSummaries) {
 TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.SetProgress(10);
   ImportModel model(&record);
-  ProbeExporter exporter(&model);
+  const RunContext run_context = TestRunContext();
+  ProbeExporter exporter(run_context, &model);
 
   exporter.AdvanceReadProgress(5);
   EXPECT_EQ(L"15", profile.DBCheck(L"ImportProgress"));
@@ -216,7 +221,7 @@ TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
 
   // Without a progress record the advance is a no-op.
   ImportModel bare;
-  ProbeExporter detached(&bare);
+  ProbeExporter detached(run_context, &bare);
   detached.AdvanceReadProgress(5);
 
   // A ticker made on the exporter advances the record itself.

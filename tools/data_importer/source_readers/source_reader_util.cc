@@ -27,6 +27,17 @@ void FillSongFromFile(const ShareFileItem& file, SongItem* song) {
   song->MusicFileLastModifyTime = file.LastWriteTime;
 }
 
+void FillSongVideoFromFile(const ShareFileItem& video, SongItem* song) {
+  song->MVFilePath = video.FileName;
+  song->MVFileHash = video.MD5;
+  song->MVFileSource = video.FileSource;
+  song->MVFileSize = video.FileSize;
+  song->MVFileCDNFlag = video.CDNFlag;
+  song->MVFileDuration = video.Duration;
+  song->MVFileBitrate = video.BitRate;
+  song->MVFileLastModifyTime = video.LastWriteTime;
+}
+
 std::wstring MusicItemName(int id) {
   return L"music item " + std::to_wstring(id);
 }

@@ -25,6 +25,10 @@ std::wstring BaseNameWithoutExtension(const std::wstring& path);
 // the file's title and artist as the entry's.
 void FillSongFromFile(const ShareFileItem& file, SongItem* song);
 
+// Fills the MV half of a list entry from the library file that is its MV:
+// path, hash, source, size, CDN flag, duration, bit rate and time.
+void FillSongVideoFromFile(const ShareFileItem& video, SongItem* song);
+
 // How the import report names a music item it has nothing else of, such as
 // the one a dropped list entry refers to: "music item <id>".
 std::wstring MusicItemName(int id);

@@ -99,13 +99,14 @@ void ReleaseDatabase(std::unique_ptr<DatabaseHelper>* helper) {
 // The keys carried are named in the import report.
 void WriteSettings(ImportModel* model, const base::FilePath& data_folder) {
   const base::FilePath ini = data_folder.Append(names::kSettingsFileName);
-  if (!WriteImportedSettings(model->m_settings, ini)) {
+  if (!WriteImportedSettings(model->m_settings, ini, model->m_ansi_code_page)) {
     VLOG_AT(logging::LOG_FAILURE) << L"Writing the imported settings to {" << ini.value()
                                   << L"} failed.";
     return;
   }
   std::set<std::wstring> keys;
   for (const ImportedSettings& settings : model->m_settings) {
+    model->report()->AddSettingsRead(settings.m_source_values);
     for (const auto& [key, value] : SettingsEntries(settings)) {
       if (keys.insert(key).second)
         model->report()->AddSettingsKey(base::WideToUTF8(key));
@@ -273,6 +274,11 @@ base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folde
       WriteSettings(model, data_folder);
     Step(model, step.weight);
     done(step.name);
+  }
+
+  if (!model->CarryCloudLists()) {
+    VLOG_AT(logging::LOG_FAILURE) << L"The cloud lists were not all carried into the new files.";
+    model->ReportState(ProgressRecord::kStateTableFailed);
   }
 
   base::Status counted = model->ReportListCounts();

@@ -8,6 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/code_page.h"
+#include "base/file_path.h"
 #include "base/status.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/settings/imported_settings.h"
@@ -74,14 +76,23 @@ class ImportModel {
   // or "RadioChannel_<id>" (kRadioChannel, music-library database), created
   // even for no songs. General-list entries are translated to the new file
   // ids and dropped when their audio file was not imported; radio entries
-  // are written as they are.
+  // are written as they are. MusicFilePlayable follows
+  // MusicFilePlayableFromPath in both.
   void WriteSongList(int id, const SongList& songs, SongListKind kind);
 
   // Refills m_file_flag_map from m_share_files: the flag of an audio file's
-  // new id is 1 when the file has no local path (an entry the player cannot
-  // play from disk), else 0. The general-list writer stores the negation in
+  // new id is 1 when the file has no local path (empty or the unlinked mark:
+  // an entry the player cannot play from disk), else 0. The general-list writer stores the negation in
   // MusicFilePlayable.
   void FillFileFlagMap();
+
+  // Copies the cloud lists of m_cloud_list_source into the playlist
+  // database where the cloud-list move of the upgrade puts them:
+  // "CloudListTable", the "NewCloudList_<id>" table of every id above 0,
+  // "CloudAccompanimentItemSet" and "CloudOperation", each only when the
+  // source has it and the playlist database has not. False when a table
+  // could not be copied (the others still are).
+  [[nodiscard]] bool CarryCloudLists();
 
   // Counts each list's entries in the playlist database and reports them as
   // "ImportPlayLists": "<PlaylistID>:<entries>" per list in the lists'
@@ -116,6 +127,11 @@ class ImportModel {
   std::unique_ptr<DatabaseHelper> m_music_db;
   std::unique_ptr<DatabaseHelper> m_playlist_db;
   ProgressRecord* m_progress = nullptr;
+  // A music database of the current generation's own format whose cloud
+  // lists the new playlist file takes; empty for none.
+  base::FilePath m_cloud_list_source;
+  // The code page of the user's 8-bit settings files, read and written.
+  uint32_t m_ansi_code_page = base::kCodePageSimplifiedChinese;
   // What the build read back from each finished encrypted file (schema and
   // rows per table), for the import report; ok = false with the reason when
   // the file failed and was not moved into place.

@@ -132,6 +132,10 @@ class ValueSource {
 
  private:
   void Set(std::wstring* value) { *value = Text(); }
+  void Set(NullableText* value) {
+    value->text = Text();
+    value->is_null = value->text.empty() && Chance(50);
+  }
   void Set(int* value) { *value = Int(); }
   void Set(int64_t* value) { *value = Int64(); }
   void Set(bool* value) { *value = Chance(50); }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 // The plain records through which every source reader hands its data to the
 // database writers. Text fields are wide strings; numbers default to 0, texts
@@ -16,6 +17,22 @@
 
 // The hash of a file that has no hash.
 inline constexpr wchar_t kNoFileHash[] = L"00000000000000000000000000000000";
+
+// What a text field of generation 7 holds where the user took the file's
+// link away: the file has no path. The mark is shown to the user in place of
+// the path; it names no file.
+inline constexpr wchar_t kUnlinkedFileMark[] = L"\u7528\u6237\u53d6\u6d88\u5173\u8054";  // 用户取消关联
+
+// The text of a column that may hold NULL; a NULL read is written back as
+// NULL.
+struct NullableText {
+  NullableText() = default;
+  NullableText(std::wstring value) : text(std::move(value)) {}  // NOLINT: a text is no NULL
+  bool operator==(const NullableText&) const = default;
+
+  std::wstring text;
+  bool is_null = false;
+};
 
 // One media file known to the player.
 struct ShareFileItem {
@@ -165,7 +182,7 @@ struct PlayedRadioRecord {
 struct LocalFileInfo {
   int origin = 0;
   std::wstring FilePath;
-  std::wstring FolderPath;  // replaced on writing by the path of old_folder_id
+  std::wstring FolderPath;  // replaced on writing by the path of old_folder_id, when found
   std::wstring Artist;
   std::wstring Album;
   std::wstring SimpLetterByArtist;
@@ -183,7 +200,12 @@ struct LocalFileInfo {
 // One download, finished or not. Percent 100 with DownType 0 or 20 is a
 // finished download and also goes to the history.
 struct DownloadRecord {
+  // The download tables a record goes to: by the rule above, or exactly
+  // one of them (a re-import gives each table back its own rows).
+  enum class Tables { kByRule, kItemOnly, kHistoryOnly };
+
   int origin = 0;
+  Tables tables = Tables::kByRule;
   int file_id = 0;  // old id of the downloaded file
   std::wstring MD5;
   int FileID = 0;
@@ -264,7 +286,7 @@ struct AppToolRecord {
   int ID = 0;
   int SoftIndex = 0;
   int64_t Version = 0;
-  std::wstring Path;
+  NullableText Path;  // "AppTools.Path" may be NULL
 };
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_RECORDS_H_

@@ -126,18 +126,21 @@ void ImportModel::WriteLocalFiles() {
   std::map<int, const std::wstring*> folder_paths;
   for (const auto& folder : m_share_folders)
     folder_paths.emplace(folder->old_id, &folder->Path);
-  const std::wstring no_folder;
   // The old file id needs no translation here: the table is keyed by the
   // file path and has no column for a file id.
   WriteTable(m_music_db.get(), kLocalFiles, m_local_files, EmptyList::kSkipTable,
              [&](const LocalFileInfo& f, RowBuilder* row) {
+               // The table is keyed by the path; a file whose link the user
+               // took away has none (two of them would collide on the mark).
+               if (f.FilePath == kUnlinkedFileMark)
+                 return RowFate::Drop(drop_reason::kUnlinkedFile);
                auto folder = folder_paths.find(f.old_folder_id);
                AppendColumnsReplacing<LocalFileInfo, std::wstring>(
                    f, LocalFileColumns(),
                    {{&LocalFileInfo::FolderPath,
-                     folder == folder_paths.end() ? no_folder : *folder->second}},
+                     folder == folder_paths.end() ? f.FolderPath : *folder->second}},
                    row);
-               return true;
+               return RowFate::Write();
              }, report());
 }
 

@@ -48,7 +48,7 @@ void ImportModel::WriteRecentlyPlayedItems() {
   // Created even when nothing was played; SQLite numbers the rows.
   WriteTable(m_music_db.get(), kRecentlyPlayedItem, m_recent_songs, EmptyList::kCreateTable,
              [](const SongItem& song, RowBuilder* row) {
-               AppendSongColumns(song, song.MusicFilePlayable, row);
+               AppendSongColumns(song, MusicFilePlayableFromPath(song.MusicFilePath), row);
                return true;
              }, report());
 }
@@ -58,7 +58,7 @@ void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind
   const TableDef definition = {name, SongTableSchema(name)};
   DatabaseHelper* db = kind == kGeneralList ? m_playlist_db.get() : m_music_db.get();
   WriteTable(db, definition, songs, EmptyList::kCreateTable, [&](const SongItem& song, RowBuilder* row) {
-    int playable = song.MusicFilePlayable;
+    int playable = MusicFilePlayableFromPath(song.MusicFilePath);
     if (kind == kGeneralList) {
       // The song tables keep a file by its path and hash, not by id: the
       // new ids decide only whether the entry survives and how playable
@@ -84,7 +84,7 @@ void ImportModel::FillFileFlagMap() {
       continue;
     int new_id = Lookup(m_music_id_map, file->old_id);
     if (new_id != 0)
-      m_file_flag_map[new_id] = file->FileName.empty() ? 1 : 0;
+      m_file_flag_map[new_id] = MusicFilePlayableFromPath(file->FileName) ? 0 : 1;
   }
 }
 

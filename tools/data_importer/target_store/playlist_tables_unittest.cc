@@ -21,25 +21,36 @@ class PlaylistWritersTest : public testing::Test {
   ImportModel model_;
 };
 
-// General-list entries need an imported audio file and take their
-// playability from the library; radio entries are written as they are; a
-// list without entries still gets its table; negative ids keep their sign.
+// General-list entries need an imported audio file; radio entries are
+// written untranslated; a list without entries still gets its table;
+// negative ids keep their sign. Playability is one rule in every song
+// table, whatever the record held: a local path that is not the unlinked
+// mark (for general lists, the library file's).
 TEST_F(PlaylistWritersTest, SongListsTranslateAndDrop) {
   AddFile(&model_, 100, L"D:\\kept.mp3", HashOf(1));
   AddFile(&model_, 101, L"", HashOf(2));  // known to the library, no local file
   AddFile(&model_, 102, L"D:\\clip.mkv", HashOf(3), 2);
+  AddFile(&model_, 103, kUnlinkedFileMark, HashOf(4));
   AddList(&model_, -3, L"Default", 2);
   AddList(&model_, 7, L"Empty", 1);
   AddSong(&model_, -3, 1, 100)->MusicFilePlayable = 0;
   AddSong(&model_, -3, 2, 999);  // file never imported
   AddSong(&model_, -3, 3, 101)->MusicFilePlayable = 1;
   AddSong(&model_, -3, 4, 102);  // an MV id is no audio file
-  auto radio_song = std::make_shared<SongItem>();
-  radio_song->SongID = 9;
-  radio_song->music_file_id = 999;
-  radio_song->MusicFilePlayable = 5;
-  model_.m_radio_songs[12].push_back(radio_song);
+  AddSong(&model_, -3, 5, 103)->MusicFilePath = L"D:\\stale.mp3";
+  auto song_at = [](int id, const std::wstring& path, int playable) {
+    auto song = std::make_shared<SongItem>();
+    song->SongID = id;
+    song->music_file_id = 999;
+    song->MusicFilePath = path;
+    song->MusicFilePlayable = playable;
+    return song;
+  };
+  model_.m_radio_songs[12] = {song_at(9, L"", 5), song_at(10, L"D:\\r.mp3", 0),
+                              song_at(11, kUnlinkedFileMark, 1)};
   model_.m_radio_songs[13];
+  model_.m_recent_songs = {song_at(1, L"D:\\r.mp3", 0), song_at(2, kUnlinkedFileMark, 1),
+                           song_at(3, L"", 1)};
 
   model_.WriteShareFileItems();
   model_.WriteGeneralListTable();
@@ -49,28 +60,31 @@ TEST_F(PlaylistWritersTest, SongListsTranslateAndDrop) {
   for (const auto& [id, songs] : model_.m_radio_songs)
     model_.WriteSongList(id, songs, ImportModel::kRadioChannel);
 
-  EXPECT_EQ((std::vector<std::string>{"1|song 1|1", "3|song 3|0"}),
+  model_.WriteRecentlyPlayedItems();
+  EXPECT_EQ((std::vector<std::string>{"1|song 1|1", "3|song 3|0", "5|song 5|0"}),
             QueryRows(playlists(),
                       "SELECT SongID, TitleName, MusicFilePlayable FROM \"GeneralList_-3\" ORDER BY 1"));
   EXPECT_TRUE(playlists()->DoesTableExist("GeneralList_7"));
   EXPECT_TRUE(QueryRows(playlists(), "SELECT * FROM GeneralList_7").empty());
-  EXPECT_EQ((std::vector<std::string>{"9|5"}),
-            QueryRows(music(), "SELECT SongID, MusicFilePlayable FROM RadioChannel_12"));
+  EXPECT_EQ((std::vector<std::string>{"9|0", "10|1", "11|0"}),
+            QueryRows(music(), "SELECT SongID, MusicFilePlayable FROM RadioChannel_12 ORDER BY 1"));
+  EXPECT_EQ((std::vector<std::string>{"1|1", "2|0", "3|0"}),
+            QueryRows(music(), "SELECT rowid, MusicFilePlayable FROM RecentlyPlayedItem ORDER BY 1"));
   EXPECT_TRUE(music()->DoesTableExist("RadioChannel_13"));
   EXPECT_FALSE(music()->DoesTableExist("GeneralList_-3"));
   EXPECT_TRUE(playlists()->DoesTableExist("GeneralList_-3"));
 
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   model_.m_progress = &record;
   EXPECT_TRUE(model_.ReportListCounts().ok());
-  EXPECT_EQ(L"7:0,-3:2", profile_.DBCheck(L"ImportPlayLists"));
+  EXPECT_EQ(L"7:0,-3:3", profile_.DBCheck(L"ImportPlayLists"));
   EXPECT_TRUE(model_.m_file_flag_map.empty());
 }
 
 TEST_F(PlaylistWritersTest, ListCountReportFailsWithoutListTable) {
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   model_.m_progress = &record;
   EXPECT_FALSE(model_.ReportListCounts().ok());
   EXPECT_EQ(L"0", profile_.DBCheck(L"ImportPlayLists"));

@@ -19,11 +19,12 @@
 // Writing follows the row-writing rule of RowBuilder: texts as quoted
 // literals, integers, times and booleans in decimal, reals with 17 digits.
 // Reading goes through a RowReaderInterface: a column the row lacks, or a
-// NULL, reads as 0, 0.0, false or empty.
+// NULL, reads as 0, 0.0, false or empty, except in a NullableText field,
+// which keeps a NULL and is written as NULL again.
 template <typename Record>
 struct RecordColumn {
-  using Field = std::variant<std::wstring Record::*, int Record::*, int64_t Record::*,
-                             bool Record::*, double Record::*>;
+  using Field = std::variant<std::wstring Record::*, NullableText Record::*, int Record::*,
+                             int64_t Record::*, bool Record::*, double Record::*>;
   const char* name;
   Field field;
 };
@@ -36,6 +37,12 @@ namespace record_columns_internal {
 inline void Append(RowBuilder* row, const char* name, const std::wstring& value) {
   row->Text(name, value);
 }
+inline void Append(RowBuilder* row, const char* name, const NullableText& value) {
+  if (value.is_null)
+    row->Null(name);
+  else
+    row->Text(name, value.text);
+}
 inline void Append(RowBuilder* row, const char* name, int value) { row->Int(name, value); }
 inline void Append(RowBuilder* row, const char* name, int64_t value) { row->Int(name, value); }
 inline void Append(RowBuilder* row, const char* name, bool value) { row->Bool(name, value); }
@@ -43,6 +50,10 @@ inline void Append(RowBuilder* row, const char* name, double value) { row->Real(
 
 inline void Read(RowReaderInterface* row, const std::string& name, std::wstring* value) {
   *value = row->GetString16(name);
+}
+inline void Read(RowReaderInterface* row, const std::string& name, NullableText* value) {
+  value->is_null = row->IsNull(name);
+  value->text = row->GetString16(name);
 }
 inline void Read(RowReaderInterface* row, const std::string& name, int* value) {
   *value = row->GetInt(name);

@@ -38,6 +38,10 @@ std::string SongTableSchema(const std::string& table) {
   return (boost::format(kSongTableSchema) % table).str();
 }
 
+int MusicFilePlayableFromPath(const std::wstring& music_file_path) {
+  return !music_file_path.empty() && music_file_path != kUnlinkedFileMark ? 1 : 0;
+}
+
 void AppendSongColumns(const SongItem& s, int music_file_playable, RowBuilder* row) {
   AppendColumnsReplacing<SongItem, int>(
       s, SongColumns(), {{&SongItem::MusicFilePlayable, music_file_playable}}, row);

@@ -17,7 +17,7 @@ const ColumnList<ShareFileItem>& ShareFileColumns();
 // "ShareFolders": every column but "id".
 const ColumnList<ShareFolderItem>& ShareFolderColumns();
 // "LocalFiles": "FolderPath" is bound to the record's field but written as
-// the path of the record's folder.
+// the path of the record's folder when the library has it.
 const ColumnList<LocalFileInfo>& LocalFileColumns();
 const ColumnList<AppToolRecord>& AppToolColumns();
 const ColumnList<PlayListInfo>& GeneralListColumns();

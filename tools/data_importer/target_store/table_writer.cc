@@ -38,6 +38,11 @@ void RowBuilder::Int(std::string_view column, int64_t value) {
   values_.append(buffer, result.ptr);
 }
 
+void RowBuilder::Null(std::string_view column) {
+  AddColumn(column);
+  values_ += "NULL";
+}
+
 void RowBuilder::Real(std::string_view column, double value) {
   AddColumn(column);
   if (!std::isfinite(value))

@@ -38,6 +38,7 @@ class RowBuilder {
  public:
   void Text(std::string_view column, std::wstring_view value);
   void Int(std::string_view column, int64_t value);
+  void Null(std::string_view column);
   void Bool(std::string_view column, bool value) { Int(column, value ? 1 : 0); }
   // Written with 17 significant digits ("%.17g"), which SQLite reads back as
   // the same double. (The shortest round-trip text is not enough: SQLite's

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "base/code_page.h"
 #include "base/file_util.h"
 #include "base/profile_string.h"
 #include "testing/fixtures/generation6_fixture.h"
@@ -50,7 +51,7 @@ TEST_F(V6SettingsImportTest, UnusableSettingsFileLeavesNoSection) {
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
   EXPECT_EQ(L"#missing#", profile_.Setting(L"Volume"));
-  EXPECT_TRUE(base::GetPrivateProfileKeys(L"Settings", profile_.ini().value()).empty());
+  EXPECT_TRUE(base::GetPrivateProfileKeys(L"Settings", profile_.ini().value(), base::kCodePageSimplifiedChinese).empty());
 }
 
 }  // namespace

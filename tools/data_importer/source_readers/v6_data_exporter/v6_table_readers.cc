@@ -229,15 +229,7 @@ void V6DataExporter::FillFromMusic(const MusicEntry& music, SongItem* song) cons
   auto mv = music.mv_id > 0 ? m_mv_items.find(music.mv_id) : m_mv_items.end();
   if (mv == m_mv_items.end())
     return;
-  const ShareFileItem& video = *mv->second;
-  song->MVFilePath = video.FileName;
-  song->MVFileHash = video.MD5;
-  song->MVFileSource = video.FileSource;
-  song->MVFileSize = video.FileSize;
-  song->MVFileCDNFlag = video.CDNFlag;
-  song->MVFileDuration = video.Duration;
-  song->MVFileBitrate = video.BitRate;
-  song->MVFileLastModifyTime = video.LastWriteTime;
+  FillSongVideoFromFile(*mv->second, song);
 }
 
 bool V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_number) {

@@ -94,7 +94,8 @@ class V7DataExporterTest : public testing::Test {
 
   // Runs one export into a fresh model; answers ExportData's result.
   ExportResult Export(ImportModel* model) {
-    V7DataExporter exporter(model);
+    const RunContext run_context = TestRunContext();
+    V7DataExporter exporter(run_context, model);
     return exporter.ExportData();
   }
 
@@ -117,7 +118,7 @@ TEST_F(V7DataExporterTest, ImportedEndToEnd) {
   EXPECT_EQ("plug", testing_support::ReadBytes(data(L"PlugData.VST")));
   EXPECT_TRUE(base::PathExists(data(L"VT7Data.db")));
   EXPECT_TRUE(base::PathExists(data(L"DataImporter.db")));
-  EXPECT_TRUE(base::PathExists(GetDatedBackupFolder().Append(L"VT7Data.db")));
+  EXPECT_TRUE(base::PathExists(GetDatedBackupFolder(TestRunContext()).Append(L"VT7Data.db")));
 
   auto music = OpenFinal(L"VTMusicV3.db");
   auto lists = OpenFinal(L"playlistV3.db");
@@ -178,6 +179,75 @@ TEST_F(V7DataExporterTest, ImportedEndToEnd) {
             log.find("[V7数据导入]  Size of PlayListItems(ID=11) is {TOTAL:3, LOADED:2}."));
 }
 
+// The links between records: a finished download whose file moved finds it
+// by its catalogue hash, an entry carries its music item's MV, playability
+// follows one rule in every song table, and files without a path (the
+// unlinked mark) stay out of "LocalFiles".
+TEST_F(V7DataExporterTest, DownloadsVideosAndUnlinkedFiles) {
+  V7Database db;
+  db.music = {Music(1, L"Moved"), Music(2, L"With video"), Music(3, L"The video"),
+              Music(4, L"Gone one"), Music(5, L"Gone two")};
+  db.music[0].inet_hash = Hash(901);
+  db.music[1].mv_id = 3;
+  db.music[2].file_name = L"D:\\Video\\The video.mkv";
+  db.music[2].duration = 180000;
+  db.music[3].file_name = L" ";
+  db.music[4].file_name = L" ";
+  db.lists = {{10, 1, L"Default", 0}, {13, 5, L"Played lately", 1}};
+  db.items = {{1, 10, 2, 0, 1}, {2, 10, 4, 0, 2}, {3, 13, 1, 0, 1}, {4, 13, 4, 0, 2}};
+  V7Download moved;  // renamed after its download; its catalogue hash is item 1's
+  moved.finished = true;
+  moved.file_name = L"D:\\Down\\Moved (1).mp3";
+  moved.inet_hash = Hash(901);
+  V7Download by_file_hash;  // the catalogue hash is item 2's content hash
+  by_file_hash.finished = true;
+  by_file_hash.file_name = L"D:\\Down\\Elsewhere.mp3";
+  by_file_hash.inet_hash = Hash(2);
+  V7Download by_path;  // the path wins over a hash naming another item
+  by_path.finished = true;
+  by_path.file_name = L"D:\\Music\\With video.mp3";
+  by_path.inet_hash = Hash(901);
+  V7Download stray;
+  stray.finished = true;
+  stray.file_name = L"D:\\Down\\Unknown.mp3";
+  stray.inet_hash = Hash(999);
+  db.downloads = {moved, by_file_hash, by_path, stray};
+  db.folders = {{1, L"D:\\Music", 1, 1400000300}};
+  db.folder_items = {{1, 1, L"A", L"B", L"C"}, {1, 4, L"A", L"B", L"C"}, {1, 5, L"A", L"B", L"C"}};
+  ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
+
+  DataImporterMain();
+
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  auto music = OpenFinal(L"VTMusicV3.db");
+  auto lists = OpenFinal(L"playlistV3.db");
+  EXPECT_EQ((std::vector<std::string>{"Moved (1)|1", "Elsewhere|2", "With video|2"}),
+            QueryRows(music.get(), "SELECT h.FileName, d.FileID FROM DownloadHistoryItem h "
+                                   "JOIN DownloadItem d ON d.ID = h.ID ORDER BY h.ID"));
+  EXPECT_EQ((std::vector<std::string>{
+                "With video|D:\\Video\\The video.mkv|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA3|180000|1",
+                "Gone one|||0|0"}),
+            QueryRows(lists.get(), "SELECT TitleName, MVFilePath, MVFileHash, MVFileDuration, "
+                                   "MusicFilePlayable FROM GeneralList_10 ORDER BY SortID"));
+  EXPECT_EQ((std::vector<std::string>{"Moved|1", "Gone one|0"}),
+            QueryRows(music.get(), "SELECT TitleName, MusicFilePlayable FROM RecentlyPlayedItem "
+                                   "ORDER BY SongID"));
+  EXPECT_EQ((std::vector<std::string>{"D:\\Music\\Moved.mp3"}),
+            QueryRows(music.get(), "SELECT FilePath FROM LocalFiles"));
+
+  base::Value report = ReadImportReport(profile_.data_folder());
+  const base::Value* history =
+      FindEntry(report["flows"], "from", "DownHistory", "to", "DownloadItem");
+  ASSERT_TRUE(history);
+  EXPECT_EQ(3, (*history)["written"]);
+  EXPECT_EQ(1, (*history)["dropped_by_reason"]["download_unresolved"]);
+  const base::Value* local = FindEntry(report["flows"], "from", "FolderItems", "to", "LocalFiles");
+  ASSERT_TRUE(local);
+  EXPECT_EQ(1, (*local)["written"]);
+  EXPECT_EQ(2, (*local)["dropped_by_reason"]["unlinked_file"]);
+  ExpectReportReconciles(report, profile_.data_folder());
+}
+
 // "ImportProgress" moves by tenths of the music items and of the lists and
 // by 5 after each reader, each value in "DBCheck" while the read goes on, and
 // stops at 49 although readers are left.
@@ -192,7 +262,7 @@ TEST_F(V7DataExporterTest, ProgressMovesWhileReading) {
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
 
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.SetProgress(10);
   ImportModel model(&record);
   ProgressTrace trace(&record, profile_);
@@ -218,7 +288,7 @@ TEST_F(V7DataExporterTest, MissingTables) {
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
   {
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
     EXPECT_EQ(ExportResult::kExported, Export(&model));
     EXPECT_EQ(L"16", profile_.DBCheck(L"ImportState"));
@@ -237,9 +307,9 @@ TEST_F(V7DataExporterTest, MissingTables) {
   db.omit_tables = {"FileItems"};
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration7);
-  RunImport(&record);
+  RunImport(TestRunContext(), &record);
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
   EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
   EXPECT_FALSE(base::PathExists(data(L"VTMusicV3.db")));
@@ -268,7 +338,7 @@ TEST_F(V7DataExporterTest, WorkCopyReusedAndNoSource) {
 
   ASSERT_TRUE(base::DeleteFile(data(L"VT7Data.db")));
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   ImportModel model(&record);
   EXPECT_EQ(ExportResult::kNothingExported, Export(&model));
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
@@ -321,7 +391,7 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
   LoseFreePages(source);
   {
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
     EXPECT_EQ(ExportResult::kExported, Export(&model));
     EXPECT_EQ(4u, model.m_share_files.size());
@@ -349,9 +419,9 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
   // its salvage copy: the lists come across (their entries, whose songs are
   // gone, are dropped), and the lost table keeps its failure bit.
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration7);
-  RunImport(&record);
+  RunImport(TestRunContext(), &record);
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportState"));
   EXPECT_TRUE(base::PathExists(data(L"VTMusicV3.db")));
   base::Value report = record.report()->ToJson();
@@ -387,7 +457,7 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
     ASSERT_TRUE(raw.Execute("UPDATE PlayLists SET PlayListType = 1"));
   }
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   ImportModel model(&record);
   ASSERT_EQ(ExportResult::kExported, Export(&model));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
@@ -408,7 +478,8 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
 
 TEST_F(V7DataExporterTest, DumpAndDatabasePath) {
   ImportModel model;
-  V7DataExporter exporter(&model);
+  const RunContext run_context = TestRunContext();
+  V7DataExporter exporter(run_context, &model);
   EXPECT_EQ(v7().Append(L"VTData.db").value(), exporter.GetDatabasePath().value());
   ASSERT_TRUE(Sample().Write(v7().Append(L"VTData.db")));
   std::wstring dump = exporter.Dump(exporter.GetDatabasePath());

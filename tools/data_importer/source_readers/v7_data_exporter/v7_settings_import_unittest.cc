@@ -41,7 +41,8 @@ class V7SettingsImportTest : public testing::Test {
 
   // Runs the exporter alone; answers the progress it reached.
   int Export(ImportModel* model) {
-    V7DataExporter exporter(model);
+    const RunContext run_context = TestRunContext();
+    V7DataExporter exporter(run_context, model);
     EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     return model->m_progress->progress();
   }
@@ -60,10 +61,11 @@ class SettingsStep : public V7DataExporter {
 // it, neither.
 TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.SetProgress(20);
   ImportModel model(&record);
-  SettingsStep step(&model);
+  const RunContext run_context = TestRunContext();
+  SettingsStep step(run_context, &model);
   step.MigrateSettings();
   EXPECT_EQ(20, record.progress());
   EXPECT_TRUE(model.m_settings.empty());
@@ -74,10 +76,19 @@ TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
   ASSERT_EQ(1u, model.m_settings.size());
   EXPECT_EQ(66, model.m_settings[0].Volume);
   EXPECT_FALSE(model.m_settings[0].MainWindowPositionSet);
+  // A file in UTF-16LE without its byte-order mark, as generation 7 could
+  // leave it, is read all the same.
+  testing_support::WriteBytes(v7().Append(L"VANTU.INI"),
+                              testing_support::UTF16Bytes(kSettings, false));
+  step.MigrateSettings();
+  ASSERT_EQ(2u, model.m_settings.size());
+  EXPECT_EQ(66, model.m_settings[1].Volume);
+  EXPECT_EQ(L"\u5b8b\u4f53", model.m_settings[1].LyricFontName);
   // The whole export carries the same record.
   ImportModel whole(&record);
   EXPECT_EQ(49, Export(&whole));
   ASSERT_EQ(1u, whole.m_settings.size());
+  EXPECT_EQ(L"\u5b8b\u4f53", whole.m_settings[0].LyricFontName);
   EXPECT_EQ(66, whole.m_settings[0].Volume);
 }
 
@@ -94,6 +105,28 @@ TEST_F(V7SettingsImportTest, SettingsArriveInTheNewIni) {
   EXPECT_EQ(L"2", profile_.Setting(L"ProxyType"));
   EXPECT_EQ(L"9000", profile_.Setting(L"DownloadPort"));
   EXPECT_EQ(L"#missing#", profile_.Setting(L"MainWindowX"));
+}
+
+// A Chinese Windows wrote the old settings file, and the player's own
+// settings file, in code page 936: both are read in it, and the new keys go
+// into the existing file in it, its other lines untouched.
+TEST_F(V7SettingsImportTest, EightBitFilesInTheUsersCodePage) {
+  testing_support::WriteBytes(v7().Append(L"vantu.ini"),
+                              "[Player]\r\nVolume=66\r\n[LyrciConfig]\r\n"
+                              "LyricPath=D:\\\xB8\xE8\xB4\xCA\r\nLyricFontName=Caf\xA8\xA6\r\n");
+  const std::string own = "[Player]\r\nSkin=\xC4\xAC\xC8\xCF\r\n";  // 默认
+  ASSERT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  testing_support::WriteBytes(profile_.ini(), own);
+
+  DataImporterMain();
+
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"66", profile_.Setting(L"Volume"));
+  EXPECT_EQ(L"D:\\\u6b4c\u8bcd", profile_.Setting(L"LyricPath"));
+  EXPECT_EQ(L"Caf\u00e9", profile_.Setting(L"LyricFontName"));
+  const std::string bytes = testing_support::ReadBytes(profile_.ini());
+  EXPECT_EQ(0u, bytes.find(own));
+  EXPECT_NE(std::string::npos, bytes.find("LyricPath=D:\\\xB8\xE8\xB4\xCA\r\n"));
 }
 
 }  // namespace

@@ -20,11 +20,9 @@
 namespace {
 
 // What generation 7 stored in a text field whose file link the user took
-// away: a single blank. It is shown as this mark.
-constexpr wchar_t kUnlinkedMark[] = L"用户取消关联";
-
+// away: a single blank. It is shown as the unlinked mark.
 std::wstring MarkUnlinked(std::wstring text) {
-  return text == L" " ? std::wstring(kUnlinkedMark) : text;
+  return text == L" " ? std::wstring(kUnlinkedFileMark) : text;
 }
 
 // "PlayListItems" is read once per list for the lists' entries and once for
@@ -131,9 +129,13 @@ std::shared_ptr<SongItem> V7DataExporter::MakeListEntry(DbRowReader& row) const 
   const MusicEntry& music = found->second;
   auto song = std::make_shared<SongItem>();
   FillSongFromFile(*music.file, song.get());
-  if (music.file->FileName == kUnlinkedMark)
+  if (music.file->FileName == kUnlinkedFileMark)
     song->MusicFilePath.clear();
+  // "MVItemID" names the music item that is the entry's MV.
   song->mv_file_id = music.mv_id;
+  auto video = music.mv_id > 0 ? m_music_items.find(music.mv_id) : m_music_items.end();
+  if (video != m_music_items.end())
+    FillSongVideoFromFile(*video->second.file, song.get());
   song->PlayCount = music.play_count;
   song->CueBeginTime = music.start_time;
   song->SongID = row.GetInt("ItemID");
@@ -272,27 +274,43 @@ bool V7DataExporter::ReadUnfinishedDownloads() {
   }).ok;
 }
 
-// "DownHistory": finished downloads. The row names the file by its path
-// only and supplies no file hash (the hash stays all zero; "InetHash" is
-// the catalogue's hash of the track), so the download is tied to the
-// library item that has the same path.
+// "DownHistory": finished downloads. The row supplies no file hash (the
+// hash stays all zero) and names the file by its path and by "InetHash", the
+// catalogue's hash of the track. The download is tied to the library item
+// with the same path; when none has it (the file was moved or renamed after
+// its download), to the item whose "InetHash" or "FileHash" equals the
+// row's (a downloaded file's catalogue hash is its content hash). A row
+// that neither finds keeps no file and is dropped by the writer, reported.
 bool V7DataExporter::ReadFinishedDownloads() {
+  // Items are visited in id order: the lowest id wins where several share a
+  // path or a hash.
   std::unordered_map<std::wstring, int> file_by_path;
+  std::unordered_map<std::wstring, int> file_by_hash;
   file_by_path.reserve(m_music_items.size());
-  for (const auto& [id, music] : m_music_items)
-    file_by_path.emplace(music.file->FileName, id);
+  for (const auto& [id, music] : m_music_items) {
+    if (!music.file->FileName.empty() && music.file->FileName != kUnlinkedFileMark)
+      file_by_path.emplace(music.file->FileName, id);
+    for (const std::wstring* hash : {&music.file->MpegMD5, &music.file->MD5}) {
+      if (*hash != kNoFileHash)
+        file_by_hash.emplace(*hash, id);
+    }
+  }
+  auto find = [](const std::unordered_map<std::wstring, int>& map, const std::wstring& key) {
+    auto found = map.find(key);
+    return found == map.end() ? 0 : found->second;
+  };
   RowQuery query{"select * from DownHistory", "DownHistory", L"DownHistroy"};
   return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
     auto download = std::make_shared<DownloadRecord>();
     download->DestFileName = row.GetString16("FileName");
     download->FileName = BaseNameWithoutExtension(download->DestFileName);
-    auto file = file_by_path.find(download->DestFileName);
-    if (file != file_by_path.end() && !download->DestFileName.empty()) {
-      download->file_id = file->second;
-      download->FileID = file->second;
-    }
-    download->FileSize = row.GetInt("FileSize");
     download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
+    int file_id = find(file_by_path, download->DestFileName);
+    if (file_id == 0)
+      file_id = find(file_by_hash, download->RelevanceFileHash);
+    download->file_id = file_id;
+    download->FileID = file_id;
+    download->FileSize = row.GetInt("FileSize");
     download->MD5 = kNoFileHash;
     download->Method = row.GetInt("Method");
     download->StartTime = row.GetInt64("StartTime");

@@ -25,8 +25,9 @@
 // characters with neither separator whose length is not 15, and a text in
 // which its pattern finds fewer than the three date fields. Missing time
 // fields of a long form read as 0. A year beyond a million either way
-// answers 0 as well. A date the C library cannot represent
-// answers its -1.
+// answers 0 as well. A time before 1970-01-01 00:00:00 UTC or after
+// 3000-12-31 23:59:59 UTC, or one the C library cannot represent, answers
+// -1, as the player platform's 64-bit conversion does.
 int64_t ParseV7TimeText(std::string_view text);
 
 #endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_V7_DATA_EXPORTER_V7_TIME_TEXT_H_

@@ -72,6 +72,20 @@ TEST(V7TimeTextTest, PatternsAndOpenCases) {
     EXPECT_EQ(k20240315 - 3600, ParseV7TimeText("2024-03-15"));
   }
 
+  // Outside 1970-01-01 00:00:00 to 3000-12-31 23:59:59 UTC the answer is -1,
+  // the local midnight that starts 1970 here included (it is 16:00 UTC on
+  // the day before).
+  {
+    ScopedTimeZone utc("UTC0");
+    EXPECT_EQ(-1, ParseV7TimeText("1969-12-31"));
+    EXPECT_EQ(-1, ParseV7TimeText("1969-12-31 23:59:59"));
+    EXPECT_EQ(0, ParseV7TimeText("1970-01-01 00:00:00"));
+    EXPECT_EQ(32535215999, ParseV7TimeText("3000-12-31 23:59:59"));
+    EXPECT_EQ(-1, ParseV7TimeText("3001-01-01"));
+  }
+  EXPECT_EQ(-1, ParseV7TimeText("1970-01-01"));
+  EXPECT_EQ(28800, ParseV7TimeText("1970-01-01 16:00:00"));
+
   // A NUL inside the text ends the scan; the length still counts it.
   EXPECT_EQ(k20240315, ParseV7TimeText(std::string_view("2024-03-15\0 10:11:12", 20)));
 }

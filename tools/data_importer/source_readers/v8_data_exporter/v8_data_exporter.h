@@ -46,16 +46,16 @@ inline constexpr wchar_t kV8LogTag[] = L"[V8数据导入] ";
 // Rows come back as the records the writers made them from. Ids the new
 // databases assign are tied up again the way the writers read them: a list,
 // recently-played or radio entry finds its files by path and hash together,
-// else by path, else by hash; a
-// local file its folder by path; a download its file by its FileID, else by
-// destination path, else (in the writer) by hash.
+// else by path, else by hash; a local file its folder by path (compared as
+// Windows compares paths); a download its file by its FileID, else by
+// destination path, else (in the writer) by hash; a history row its
+// download by "DownloadID" and destination path. Each download table gets
+// back exactly its own rows.
 //
-// Every row read is counted in the import report under its table and file;
-// a history row that repeats a finished "DownloadItem" row counts as merged
-// into that download.
+// Every row read is counted in the import report under its table and file.
 class V8DataExporter : public DataExporter {
  public:
-  explicit V8DataExporter(ImportModel* model);
+  V8DataExporter(const RunContext& context, ImportModel* model);
   ~V8DataExporter() override;
 
   [[nodiscard]] ExportResult ExportData() override;

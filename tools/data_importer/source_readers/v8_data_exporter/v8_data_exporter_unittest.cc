@@ -22,7 +22,7 @@ using testing_support::ReadBytes;
 class V8DataExporterTest : public testing::Test {
  protected:
   void SetUp() override {
-    record_.Initialise(GetDataFolder());
+    record_.Initialise(TestDataFolder());
     model_.m_progress = &record_;
   }
 
@@ -39,7 +39,8 @@ class V8DataExporterTest : public testing::Test {
   }
 
   ExportResult Export() {
-    V8DataExporter exporter(&model_);
+    const RunContext run_context = TestRunContext();
+    V8DataExporter exporter(run_context, &model_);
     return exporter.ExportData();
   }
 
@@ -122,16 +123,23 @@ TEST_F(V8DataExporterTest, LibraryAloneWithMissingColumnsAndNulls) {
   EXPECT_EQ(8, model_.m_recent_songs[1]->PlayCount);
 
   // Downloads: by destination path, not by the FileID of a video, by the
-  // FileID of an audio file; the history row of download 5 is that
-  // download again, the one of download 8 a download of its own.
-  ASSERT_EQ(4u, model_.m_downloads.size());
+  // FileID of an audio file; each history row is a record of the history
+  // alone, the one of download 5 with that download's file, the one of
+  // download 8 with the file at its path.
+  using Tables = DownloadRecord::Tables;
+  ASSERT_EQ(5u, model_.m_downloads.size());
   EXPECT_EQ(1, model_.m_downloads[0]->file_id);
   EXPECT_EQ(0, model_.m_downloads[1]->file_id);
   EXPECT_EQ(1, model_.m_downloads[2]->file_id);
-  EXPECT_EQ(8, model_.m_downloads[3]->DownloadID);
-  EXPECT_EQ(100, model_.m_downloads[3]->Percent);
-  EXPECT_EQ(20, model_.m_downloads[3]->DownType);
+  for (int i = 0; i < 3; ++i)
+    EXPECT_EQ(Tables::kItemOnly, model_.m_downloads[i]->tables);
+  EXPECT_EQ(5, model_.m_downloads[3]->DownloadID);
   EXPECT_EQ(1, model_.m_downloads[3]->file_id);
+  EXPECT_EQ(8, model_.m_downloads[4]->DownloadID);
+  EXPECT_EQ(20, model_.m_downloads[4]->DownType);
+  EXPECT_EQ(1, model_.m_downloads[4]->file_id);
+  for (int i = 3; i < 5; ++i)
+    EXPECT_EQ(Tables::kHistoryOnly, model_.m_downloads[i]->tables);
 
   // Channel tables by their names as the writers give them.
   ASSERT_EQ(2u, model_.m_radio_songs.size());
@@ -205,12 +213,113 @@ TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
   record_.SetProgress(10);
   ImportModel model(&record_);
   ProgressTrace trace(&record_, profile_);
-  V8DataExporter exporter(&model);
+  const RunContext run_context = TestRunContext();
+  V8DataExporter exporter(run_context, &model);
   EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
   std::vector<int> deltas = Tenths();
   deltas.insert(deltas.end(), 12, 5);  // the files' table and the eleven others
   EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
   EXPECT_EQ(10u, model.m_share_files.size());
+}
+
+// Downloads, local files and NULLs come back as they were: each download
+// table its own rows, neither doubled nor moved between the tables, local
+// files in the library folder that Windows would take their folder path
+// for, a NULL where the column takes one.
+TEST_F(V8DataExporterTest, DownloadsAndFoldersComeBackAsTheyWere) {
+  MakeDatabase(
+      Data(L"VTMusic.db"),
+      {"CREATE TABLE ShareFileItems(id integer PRIMARY KEY, FileName text, MD5 char(32))",
+       "INSERT INTO ShareFileItems VALUES (1, 'D:\\Music\\a.mp3', NULL), "
+       "(2, 'D:\\Music\\b.mp3', NULL), (3, 'D:\\Music\\c.mp3', NULL)",
+       "CREATE TABLE ShareFolders(id integer PRIMARY KEY, Path text)",
+       "INSERT INTO ShareFolders VALUES (1, 'D:\\Music')",
+       "CREATE TABLE LocalFiles(FilePath text, FolderPath text)",
+       "INSERT INTO LocalFiles VALUES ('D:\\Music\\a.mp3', 'd:\\music'), "
+       "('D:\\Music\\b.mp3', 'D:\\Music\\'), ('E:\\c.mp3', 'E:\\Elsewhere')",
+       "CREATE TABLE DownloadItem(ID integer PRIMARY KEY, DownloadID integer, DestFileName "
+       "text, FileID integer, Percent integer, DownType integer, AccessTime integer)",
+       // 5 finished (its history row's access time drifted), 6 unfinished.
+       "INSERT INTO DownloadItem VALUES (1, 5, 'D:\\Music\\a.mp3', 1, 100, 0, 111), "
+       "(2, 6, 'D:\\Music\\b.mp3', 2, 40, 0, 0)",
+       "CREATE TABLE DownloadHistoryItem(ID integer PRIMARY KEY, DownloadID integer, "
+       "DestFileName text, DownType integer, AccessTime integer)",
+       // 5 again; 7 of another type; 8 whose download the user removed.
+       "INSERT INTO DownloadHistoryItem VALUES (1, 5, 'D:\\Music\\a.mp3', 0, 222), "
+       "(2, 7, 'D:\\Music\\b.mp3', 1, 0), (3, 8, 'D:\\Music\\c.mp3', 0, 0)",
+       "CREATE TABLE AppTools(ID INTEGER PRIMARY KEY NOT NULL, Path VARCHAR(260) NULL)",
+       "INSERT INTO AppTools VALUES (1, NULL), (2, ''), (3, 'C:\\tool.exe')"});
+  MakeDatabase(Data(L"vantu.db"),
+               {"CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text)",
+                "INSERT INTO GeneralListTable VALUES (1, 'One')",
+                "CREATE TABLE GeneralList_1(SongID integer PRIMARY KEY, MusicFilePath text)",
+                "INSERT INTO GeneralList_1 VALUES (1, 'D:\\Music\\a.mp3')"});
+
+  DataImporterMain();
+
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  sql::Connection built;
+  ASSERT_TRUE(built.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
+  EXPECT_EQ((std::vector<std::string>{"5|1|111", "6|2|0"}),
+            QueryRows(&built, "SELECT DownloadID, FileID, AccessTime FROM DownloadItem ORDER BY ID"));
+  EXPECT_EQ((std::vector<std::string>{"5|0|222", "7|1|0", "8|0|0"}),
+            QueryRows(&built, "SELECT DownloadID, DownType, AccessTime FROM DownloadHistoryItem "
+                              "ORDER BY ID"));
+  EXPECT_EQ((std::vector<std::string>{"D:\\Music\\a.mp3|D:\\Music", "D:\\Music\\b.mp3|D:\\Music",
+                                      "E:\\c.mp3|E:\\Elsewhere"}),
+            QueryRows(&built, "SELECT FilePath, FolderPath FROM LocalFiles ORDER BY FilePath"));
+
+  // A NULL comes back as NULL where the column allows it.
+  EXPECT_EQ((std::vector<std::string>{"1|1|", "2|0|", "3|0|C:\\tool.exe"}),
+            QueryRows(&built, "SELECT ID, Path IS NULL, Path FROM AppTools ORDER BY ID"));
+
+  base::Value report = ReadImportReport(profile_.data_folder());
+  EXPECT_EQ(1, report["kept_unlinked"]["local_file_folder_not_in_library"]);
+  ExpectReportReconciles(report, profile_.data_folder());
+}
+
+// The cloud lists of an older music database go into the new playlist file
+// where the cloud-list move puts them: the list table, the song table of
+// every list above 0, the accompaniments and the pending operations.
+TEST_F(V8DataExporterTest, CloudListsAreCarried) {
+  MakeDatabase(
+      Data(L"VTMusic.db"),
+      {"CREATE TABLE ShareFileItems(id integer PRIMARY KEY, FileName text)",
+       "INSERT INTO ShareFileItems VALUES (1, 'D:\\Music\\a.mp3')",
+       "CREATE TABLE CloudListTable(CloudListID integer, Name text)",
+       "INSERT INTO CloudListTable VALUES (3, 'Mine'), (0, 'Zero')",
+       "CREATE TABLE NewCloudList_3(SongID integer, TitleName text)",
+       "INSERT INTO NewCloudList_3 VALUES (1, 'It''s one'), (2, 'two')",
+       "CREATE TABLE NewCloudList_0(SongID integer)",
+       "INSERT INTO NewCloudList_0 VALUES (1)",
+       "CREATE TABLE CloudOperation(ID integer)", "INSERT INTO CloudOperation VALUES (1), (2)",
+       "CREATE TABLE CloudAccompanimentItemSet(ID integer)",
+       "INSERT INTO CloudAccompanimentItemSet VALUES (7)",
+       "CREATE TABLE CloudList_Sync(ID integer)", "INSERT INTO CloudList_Sync VALUES (1)"});
+  MakeDatabase(Data(L"vantu.db"),
+               {"CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text)",
+                "INSERT INTO GeneralListTable VALUES (1, 'One')",
+                "CREATE TABLE GeneralList_1(SongID integer PRIMARY KEY, MusicFilePath text)",
+                "INSERT INTO GeneralList_1 VALUES (1, 'D:\\Music\\a.mp3')"});
+
+  DataImporterMain();
+
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+  sql::Connection lists;
+  ASSERT_TRUE(lists.OpenWithKey(Data(L"playlistV3.db"), kVersion3DatabaseKey));
+  EXPECT_EQ((std::vector<std::string>{"3|Mine", "0|Zero"}),
+            QueryRows(&lists, "SELECT CloudListID, Name FROM CloudListTable ORDER BY rowid"));
+  EXPECT_EQ((std::vector<std::string>{"1|It's one", "2|two"}),
+            QueryRows(&lists, "SELECT SongID, TitleName FROM NewCloudList_3 ORDER BY SongID"));
+  EXPECT_FALSE(lists.DoesTableExist("NewCloudList_0"));
+  EXPECT_FALSE(lists.DoesTableExist("CloudList_Sync"));
+  EXPECT_EQ(std::vector<std::string>{"2"}, QueryRows(&lists, "SELECT count(*) FROM CloudOperation"));
+  EXPECT_EQ(std::vector<std::string>{"7"},
+            QueryRows(&lists, "SELECT ID FROM CloudAccompanimentItemSet"));
+  sql::Connection music;
+  ASSERT_TRUE(music.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
+  EXPECT_FALSE(music.DoesTableExist("CloudListTable"));
 }
 
 // A library file that one VACUUM repairs is imported whole; its original
@@ -246,7 +355,7 @@ TEST_F(V8DataExporterTest, RepairableLibraryImportedEndToEnd) {
   EXPECT_EQ(music, ReadBytes(Data(L"VTMusic.db")));
   EXPECT_EQ(lists, ReadBytes(Data(L"vantu.db")));
   // The dated backup holds the originals under their own names.
-  base::FileEnumerator backups(GetDatedBackupFolder(), L"*.db");
+  base::FileEnumerator backups(GetDatedBackupFolder(TestRunContext()), L"*.db");
   std::vector<std::wstring> names;
   for (base::FilePath file = backups.Next(); !file.empty(); file = backups.Next())
     names.push_back(file.BaseName().value());

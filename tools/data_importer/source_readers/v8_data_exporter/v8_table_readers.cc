@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/utf_string_conversions.h"
+#include "base/windows_path.h"
 #include "logging/logging.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
@@ -115,6 +116,9 @@ bool V8DataExporter::ReadMusicDatabase() {
     ReportState(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed);
     return false;
   }
+  // An older music database still holds the user's cloud lists; the build
+  // carries them into the new playlist file.
+  m_model->m_cloud_list_source = m_music_copy;
   if (!ReadShareFileItems())
     ReportState(ProgressRecord::kStateMusicFailed);
   TableRead();
@@ -214,7 +218,8 @@ bool V8DataExporter::ReadShareFolders() {
                       [&](DbRowReader* row, ShareFolderItem* folder) {
                         folder->old_id =
                             row->GetColumnIndex("id") >= 0 ? row->GetInt("id") : next_id++;
-                        Remember(&m_folder_by_path, folder->Path, folder->old_id);
+                        Remember(&m_folder_by_path, base::WindowsPathKey(folder->Path),
+                                 folder->old_id);
                         ids.insert(folder->old_id);
                       });
   // An id below every folder's stands for "no folder" (0 unless taken).
@@ -222,17 +227,25 @@ bool V8DataExporter::ReadShareFolders() {
   return ok;
 }
 
-// A local file's folder is the library folder with its folder path; its file
-// the audio file with its path. A folder path the library does not know is
-// not kept: the new table takes the path from the folder.
+// A local file's folder is the library folder with its folder path, the
+// paths compared as Windows compares them ("d:\music" and "D:\Music\" are
+// the folder "D:\Music", which the new table then names); its file the audio
+// file with its path. A folder path the library does not know is kept as it
+// was and counted in the report.
 bool V8DataExporter::ReadLocalFiles() {
-  return ReadTable("LocalFiles", LocalFileColumns(), &m_model->m_local_files,
-                   [&](DbRowReader*, LocalFileInfo* file) {
-                     auto folder = m_folder_by_path.find(file->FolderPath);
-                     file->old_folder_id =
-                         folder == m_folder_by_path.end() ? m_no_folder_id : folder->second;
-                     file->old_file_id = Find(m_audio_files.by_path, file->FilePath);
-                   });
+  int64_t unknown_folders = 0;
+  bool ok = ReadTable("LocalFiles", LocalFileColumns(), &m_model->m_local_files,
+                      [&](DbRowReader*, LocalFileInfo* file) {
+                        auto folder = m_folder_by_path.find(base::WindowsPathKey(file->FolderPath));
+                        file->old_folder_id =
+                            folder == m_folder_by_path.end() ? m_no_folder_id : folder->second;
+                        if (folder == m_folder_by_path.end() && !file->FolderPath.empty())
+                          ++unknown_folders;
+                        file->old_file_id = Find(m_audio_files.by_path, file->FilePath);
+                      });
+  if (unknown_folders > 0)
+    Report()->AddKeptUnlinked("local_file_folder_not_in_library", unknown_folders);
+  return ok;
 }
 
 // A song-table row's files are found in the library read before.
@@ -253,48 +266,49 @@ bool V8DataExporter::ReadSongTable(const std::string& table, SongList* songs,
 // video, or neither finds a file, the writer looks for it by hash (as it
 // found it when it wrote the row).
 //
-// Finished downloads are in both tables, and the model keeps one record for
-// both: a history row that repeats a finished "DownloadItem" row (every
-// history column equal) is that download again; any other history row is a
-// finished download of its own.
+// Each table gets back exactly its own rows: a "DownloadItem" row goes to
+// "DownloadItem" alone and a history row to "DownloadHistoryItem" alone,
+// whatever their columns (a finished download's two rows drift apart in
+// their access times; a history row may have another DownType; the user
+// may have removed the download and kept its history). A history row is
+// paired with its download by their identity, "DownloadID" and the
+// destination file, and takes that download's file, since the history has
+// no FileID column of its own.
 bool V8DataExporter::ReadDownloads() {
-  auto resolve = [this](DbRowReader*, DownloadRecord* download) {
+  auto resolve = [this](DownloadRecord* download) {
     if (m_audio_files.ids.count(download->FileID))
       download->file_id = download->FileID;
     else if (!m_video_files.ids.count(download->FileID))
       download->file_id = Find(m_audio_files.by_path, download->DestFileName);
   };
+  auto identity = [](const DownloadRecord& download) {
+    return std::to_wstring(download.DownloadID) + L'\x01' + download.DestFileName;
+  };
   RecordList<DownloadRecord> items;
-  bool ok = ReadTable("DownloadItem", DownloadItemColumns(), &items, resolve);
-  RecordList<DownloadRecord> history;
-  ok = ReadTable("DownloadHistoryItem", DownloadHistoryColumns(), &history,
-                 [&](DbRowReader* row, DownloadRecord* download) {
+  bool ok = ReadTable("DownloadItem", DownloadItemColumns(), &items,
+                      [&](DbRowReader*, DownloadRecord* download) {
+                        download->tables = DownloadRecord::Tables::kItemOnly;
+                        resolve(download);
+                      });
+  std::unordered_map<std::wstring, const DownloadRecord*> by_identity;
+  for (const auto& item : items)
+    by_identity.emplace(identity(*item), item.get());
+  size_t paired = 0;
+  ok = ReadTable("DownloadHistoryItem", DownloadHistoryColumns(), &items,
+                 [&](DbRowReader*, DownloadRecord* download) {
+                   download->tables = DownloadRecord::Tables::kHistoryOnly;
                    download->Percent = 100;
-                   resolve(row, download);
+                   auto item = by_identity.find(identity(*download));
+                   if (item != by_identity.end()) {
+                     ++paired;
+                     download->FileID = item->second->FileID;
+                     download->file_id = item->second->file_id;
+                   } else {
+                     resolve(download);
+                   }
                  }) &&
        ok;
-  auto history_key = [](const DownloadRecord& download) {
-    RowBuilder key;
-    AppendColumns(download, DownloadHistoryColumns(), &key);
-    return key.Statement(std::string());
-  };
-  std::multiset<std::string> finished;
-  for (const auto& item : items) {
-    if (item->Percent == 100 && (item->DownType == 0 || item->DownType == 20))
-      finished.insert(history_key(*item));
-  }
-  size_t history_only = 0;
-  for (auto& entry : history) {
-    auto same = finished.find(history_key(*entry));
-    if (same != finished.end()) {
-      finished.erase(same);
-      Report()->AddMerged(entry->origin, 1);
-      continue;
-    }
-    items.push_back(entry);
-    ++history_only;
-  }
-  V8LOG(logging::LOG_PROGRESS) << L"History rows of no other download: {" << history_only
+  V8LOG(logging::LOG_PROGRESS) << L"History rows of a download in DownloadItem: {" << paired
                                << L"}.";
   m_model->m_downloads.insert(m_model->m_downloads.end(), items.begin(), items.end());
   return ok;
