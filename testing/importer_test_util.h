@@ -13,6 +13,10 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/run_context.h"
 
+namespace sql {
+class Connection;
+}
+
 // A user profile of its own for one test: a temporary folder holding the
 // per-user ("local") and roaming application-data folders and a registry
 // file, with the environment pointing at them for the test's life. Its log
@@ -80,10 +84,6 @@ std::vector<int> ExpectedReadProgress(int start, const std::vector<int>& deltas)
 
 // The ten single steps of a long reader that walks ten or more rows.
 std::vector<int> Tenths();
-
-namespace sql {
-class Connection;
-}
 
 // Runs |query| and answers each row as its columns' text joined by "|"
 // (a NULL reads as empty).
