@@ -5,15 +5,20 @@
 #include <string>
 
 #include "base/file_path.h"
+#include "base/registry_hive.h"
 
 namespace base {
 
 // Read access to string values of the current user's registry hive
-// (HKEY_CURRENT_USER). On POSIX the hive is the file named by the environment
-// variable VANTU_REGISTRY_FILE, read at each Open, in either of two forms,
-// told apart by the file's first bytes:
+// (HKEY_CURRENT_USER). When the environment variable VANTU_REGISTRY_FILE
+// names a file (a copied profile's registry; on POSIX the only registry
+// there is), that file is the hive, read at each Open; otherwise Windows
+// reads the user's own registry (RegOpenKeyExW, RegQueryValueExW) and POSIX
+// finds no key. The file comes in either of two forms, told apart by its
+// first bytes:
 // - a binary registry hive ("regf", a profile's "NTUSER.DAT"), read with
-//   libhivex; values of types REG_SZ and REG_EXPAND_SZ are read;
+//   libhivex on POSIX and through RegLoadAppKeyW on a temporary copy on
+//   Windows; values of types REG_SZ and REG_EXPAND_SZ are read;
 // - a ".reg" export ("Windows Registry Editor Version 5.00" or "REGEDIT4"
 //   first line, "[HKEY_CURRENT_USER\Key\Sub]" section lines, "Name"="value"
 //   lines with \\ and \" escapes, @=... for the default value, ";" comments,
@@ -40,6 +45,9 @@ class RegKey {
   [[nodiscard]] bool ReadValue(const std::wstring& name, std::wstring* value) const;
 
  private:
+  // Takes |strings| as the open key's values.
+  bool Adopt(const std::wstring& subkey, RegistryStrings strings);
+
   bool valid_ = false;
   // Value names folded to lower case -> value.
   std::wstring key_name_;

@@ -98,4 +98,9 @@ bool ReadHiveKey(const FilePath& file, const std::wstring& subkey, RegistryStrin
   return true;
 }
 
+bool ReadCurrentUserKey(const std::wstring& subkey, RegistryStrings* values) {
+  values->clear();
+  return false;
+}
+
 }  // namespace base

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 
+#include "base/environment.h"
 #include "base/file_path.h"
 #include "base/file_util.h"
 #include "base/registry_hive.h"
@@ -192,15 +193,16 @@ std::wstring ExpandEnvironmentReferences(const std::wstring& text) {
     }
     out += text.substr(pos, open - pos);
     std::string name = WideToUTF8(text.substr(open + 1, close - open - 1));
-    const char* value = name.empty() ? nullptr : getenv(name.c_str());
-    if (!value) {
+    std::wstring value;
+    bool found = !name.empty() && GetEnvironmentString(name, &value);
+    if (!found && !name.empty()) {
       std::string upper = name;
       for (char& c : upper)
         c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
-      value = upper.empty() ? nullptr : getenv(upper.c_str());
+      found = GetEnvironmentString(upper, &value);
     }
-    if (value) {
-      out += UTF8ToWide(value);
+    if (found) {
+      out += value;
       pos = close + 1;
     } else {
       // Keeps the first '%' and looks for a reference from the second on.
@@ -216,23 +218,31 @@ std::wstring ExpandEnvironmentReferences(const std::wstring& text) {
 bool RegKey::Open(const std::wstring& subkey) {
   valid_ = false;
   values_.reset();
-  const char* file = getenv("VANTU_REGISTRY_FILE");
-  if (!file || !*file)
-    return false;
-  const FilePath path = FilePath::FromUTF8Unsafe(file);
-  std::string bytes;
-  if (!ReadFileToString(path, &bytes))
-    return false;
   std::wstring wanted = subkey;
   while (!wanted.empty() && wanted.back() == L'\\')
     wanted.pop_back();
-
   RegistryStrings strings;
+  std::wstring file;
+  if (!GetEnvironmentString("VANTU_REGISTRY_FILE", &file) || file.empty()) {
+    // No registry file given: the current user's own registry, where the
+    // system has one.
+    if (!ReadCurrentUserKey(wanted, &strings))
+      return false;
+    return Adopt(subkey, std::move(strings));
+  }
+  const FilePath path(file);
+  std::string bytes;
+  if (!ReadFileToString(path, &bytes))
+    return false;
   bool found = IsRegistryHive(bytes) ? ReadHiveKey(path, wanted, &strings)
                                      : ReadExportKey(RegistryText(std::move(bytes)),
                                                      Fold(kHive + wanted), &strings);
   if (!found)
     return false;
+  return Adopt(subkey, std::move(strings));
+}
+
+bool RegKey::Adopt(const std::wstring& subkey, RegistryStrings strings) {
   auto values = std::make_shared<Values>();
   for (auto& [name, value] : strings) {
     values->by_name[Fold(name)] =
