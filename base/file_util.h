@@ -2,6 +2,7 @@
 #define BASE_FILE_UTIL_H_
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -59,6 +60,10 @@ struct FileInfo {
 
 // Reads the whole file into |contents| (binary). False when it cannot be read.
 [[nodiscard]] bool ReadFileToString(const FilePath& path, std::string* contents);
+// Opens the file as the C library's fopen does with |mode| ("rb", "ab",
+// ...), taking the path as wide text on every system. Null on failure.
+FILE* OpenFile(const FilePath& path, const char* mode);
+
 // Writes |data| as the whole file (binary), creating or truncating it.
 [[nodiscard]] bool WriteFile(const FilePath& path, const std::string& data);
 

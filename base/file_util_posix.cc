@@ -273,6 +273,13 @@ bool ReadFileToString(const FilePath& path, std::string* contents) {
   return true;
 }
 
+FILE* OpenFile(const FilePath& path, const char* mode) {
+  FILE* f = fopen(NativePath(path).c_str(), mode);
+  if (!f)
+    Fail();
+  return f;
+}
+
 bool WriteFile(const FilePath& path, const std::string& data) {
   std::string native = NativePath(path);
   FILE* f = fopen(native.c_str(), "wb");

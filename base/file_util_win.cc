@@ -2,6 +2,9 @@
 
 #include "base/windows_headers.h"
 
+#include <errno.h>
+#include <string.h>
+
 #include <algorithm>
 #include <string>
 
@@ -234,6 +237,14 @@ bool ReadFileToString(const FilePath& path, std::string* contents) {
   if (ok)
     *contents = std::move(data);
   return ok;
+}
+
+FILE* OpenFile(const FilePath& path, const char* mode) {
+  std::wstring wide_mode(mode, mode + strlen(mode));
+  FILE* f = _wfopen(NativePath(path).c_str(), wide_mode.c_str());
+  if (!f)
+    g_last_error = errno;
+  return f;
 }
 
 bool WriteFile(const FilePath& path, const std::string& data) {
