@@ -71,6 +71,16 @@ FILE* OpenFile(const FilePath& path, const char* mode);
 // POSIX, GetLastError on Windows), for log lines.
 [[nodiscard]] int GetLastSystemError();
 
+// The system's words for an error code of GetLastSystemError.
+std::string SystemErrorText(int code);
+
+// Creates a new folder with a unique name starting with |prefix| in the
+// system's temporary folder. False when it cannot.
+[[nodiscard]] bool CreateNewTempDirectory(const std::wstring& prefix, FilePath* path);
+
+// This process's id.
+[[nodiscard]] int GetCurrentProcessNumber();
+
 // Lists the regular files directly inside one folder (not recursive) whose
 // names match a wildcard pattern ("*" any run of characters, "?" one
 // character; letters compared case-insensitively, as FindFirstFileW does).

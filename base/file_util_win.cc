@@ -9,6 +9,7 @@
 #include <string>
 
 #include "base/string_util.h"
+#include "base/utf_string_conversions.h"
 
 namespace base {
 
@@ -270,6 +271,48 @@ bool WriteFile(const FilePath& path, const std::string& data) {
 
 int GetLastSystemError() {
   return g_last_error;
+}
+
+std::string SystemErrorText(int code) {
+  wchar_t* text = nullptr;
+  DWORD n = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
+                               FORMAT_MESSAGE_IGNORE_INSERTS,
+                           nullptr, static_cast<DWORD>(code), 0,
+                           reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+  std::wstring message = n && text ? std::wstring(text, n) : std::wstring();
+  if (text)
+    LocalFree(text);
+  while (!message.empty() && (message.back() == L'\r' || message.back() == L'\n' ||
+                              message.back() == L'.' || message.back() == L' ')) {
+    message.pop_back();
+  }
+  if (message.empty())
+    return "error " + std::to_string(code);
+  return WideToUTF8(message);
+}
+
+bool CreateNewTempDirectory(const std::wstring& prefix, FilePath* path) {
+  wchar_t temp[MAX_PATH + 1];
+  DWORD n = GetTempPathW(MAX_PATH + 1, temp);
+  if (n == 0 || n > MAX_PATH)
+    return Fail();
+  FilePath folder(std::wstring(temp, n));
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    std::wstring name = prefix + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                        std::to_wstring(GetTickCount64() + attempt);
+    FilePath candidate = folder.Append(name);
+    if (CreateDirectoryW(NativePath(candidate).c_str(), nullptr)) {
+      *path = candidate;
+      return true;
+    }
+    if (GetLastError() != ERROR_ALREADY_EXISTS)
+      return Fail();
+  }
+  return Fail();
+}
+
+int GetCurrentProcessNumber() {
+  return static_cast<int>(GetCurrentProcessId());
 }
 
 FileEnumerator::FileEnumerator(const FilePath& folder, const std::wstring& pattern) {

@@ -5,12 +5,18 @@
 
 #include <string>
 
+#include "base/environment.h"
+
 namespace base {
 
 namespace {
 
-// A folder of the shell (CSIDL_*) as the current user sees it.
-FilePath ShellFolder(int csidl) {
+// A folder of the shell (CSIDL_*) as the current user sees it, or the
+// environment's |variable| when the folders are redirected.
+FilePath ShellFolder(int csidl, const char* variable) {
+  std::wstring value;
+  if (GetEnvironmentString(kFoldersFromEnvironment, &value) && !value.empty())
+    return GetEnvironmentString(variable, &value) ? FilePath(value) : FilePath();
   wchar_t buffer[MAX_PATH];
   if (FAILED(SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, buffer)))
     return FilePath();
@@ -39,7 +45,7 @@ bool PathService::Get(int key, FilePath* path) {
       return true;
     }
     case DIR_LOCAL_APP_DATA:
-      *path = ShellFolder(CSIDL_LOCAL_APPDATA);
+      *path = ShellFolder(CSIDL_LOCAL_APPDATA, "LOCALAPPDATA");
       return !path->empty();
     default:
       return false;
@@ -47,7 +53,7 @@ bool PathService::Get(int key, FilePath* path) {
 }
 
 FilePath GetRoamingAppDataFolder() {
-  return ShellFolder(CSIDL_APPDATA);
+  return ShellFolder(CSIDL_APPDATA, "APPDATA");
 }
 
 }  // namespace base

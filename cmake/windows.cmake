@@ -31,7 +31,7 @@ set_property(TARGET utf8cpp APPEND PROPERTY
 # The system libraries the Windows layer calls into.
 add_library(vantu_platform INTERFACE)
 target_link_libraries(vantu_platform INTERFACE
-    advapi32 shell32 bcrypt version dbghelp psapi shlwapi)
+    advapi32 shell32 ole32 uuid bcrypt version dbghelp psapi shlwapi)
 
 # UTF-16 wide calls throughout; no min/max macros.
 add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601)

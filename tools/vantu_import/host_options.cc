@@ -1,7 +1,6 @@
 #include "tools/vantu_import/host_options.h"
 
 #include <errno.h>
-#include <sys/stat.h>
 
 #include <cctype>
 #include <cstdlib>
@@ -9,7 +8,9 @@
 #include <utility>
 
 #include "base/file_path.h"
+#include "base/environment.h"
 #include "base/file_util.h"
+#include "base/path_service.h"
 #include "base/reg_key.h"
 #include "base/utf_string_conversions.h"
 #include "base/windows_path.h"
@@ -188,18 +189,17 @@ bool CheckPath(const char* option, const std::string& path, bool want_folder,
   if (path.empty())
     return true;
   // Letter case is resolved as the importer resolves it.
-  std::string resolved =
-      base::ResolvePathCase(mapped.empty() ? base::FilePath::FromUTF8Unsafe(path) : mapped)
-          .AsUTF8Unsafe();
-  struct stat info;
-  const char* reason = nullptr;
-  if (stat(resolved.c_str(), &info) != 0)
-    reason = std::strerror(errno);
-  else if (want_folder && !S_ISDIR(info.st_mode))
+  base::FilePath resolved =
+      base::ResolvePathCase(mapped.empty() ? base::FilePath::FromUTF8Unsafe(path) : mapped);
+  base::FileInfo info;
+  std::string reason;
+  if (!base::GetFileInfo(resolved, &info))
+    reason = base::SystemErrorText(base::GetLastSystemError());
+  else if (want_folder && !info.is_directory)
     reason = std::strerror(ENOTDIR);
-  else if (!want_folder && S_ISDIR(info.st_mode))
+  else if (!want_folder && info.is_directory)
     reason = std::strerror(EISDIR);
-  if (!reason)
+  if (reason.empty())
     return true;
   *error = std::string(option) + " " + path + ": " + reason;
   return false;
@@ -247,20 +247,34 @@ std::vector<std::string> NormalisedSourceArguments(int argc, const char* const* 
 }
 
 void ApplyHostEnvironment(const HostOptions& options) {
+  // Names, and values in UTF-8 as the options hold them; a failure leaves
+  // the variable as it was, which the run's outcome then shows.
+  auto set = [](const std::string& name, const std::string& value) {
+    (void)base::SetEnvironmentString(name, base::UTF8ToWide(value));
+  };
+  const std::string separator(1, static_cast<char>(base::FilePath::kSeparator));
+  bool redirected = false;
   if (!options.profile.empty()) {
-    setenv("LOCALAPPDATA", (options.profile + "/AppData/Local").c_str(), 1);
-    setenv("APPDATA", (options.profile + "/AppData/Roaming").c_str(), 1);
+    set("LOCALAPPDATA", options.profile + separator + "AppData" + separator + "Local");
+    set("APPDATA", options.profile + separator + "AppData" + separator + "Roaming");
     // REG_EXPAND_SZ values of the profile's registry refer to it.
-    setenv("USERPROFILE", options.profile.c_str(), 1);
+    set("USERPROFILE", options.profile);
+    redirected = true;
   }
   for (const std::string& drive : options.drives)
-    setenv(("VANTU_DRIVE_" + drive.substr(0, 1)).c_str(), drive.substr(2).c_str(), 1);
-  if (!options.local_appdata.empty())
-    setenv("LOCALAPPDATA", options.local_appdata.c_str(), 1);
-  if (!options.roaming_appdata.empty())
-    setenv("APPDATA", options.roaming_appdata.c_str(), 1);
+    set("VANTU_DRIVE_" + drive.substr(0, 1), drive.substr(2));
+  if (!options.local_appdata.empty()) {
+    set("LOCALAPPDATA", options.local_appdata);
+    redirected = true;
+  }
+  if (!options.roaming_appdata.empty()) {
+    set("APPDATA", options.roaming_appdata);
+    redirected = true;
+  }
+  if (redirected)
+    set(base::kFoldersFromEnvironment, "1");
   if (!options.registry.empty())
-    setenv("VANTU_REGISTRY_FILE", options.registry.c_str(), 1);
+    set("VANTU_REGISTRY_FILE", options.registry);
   if (options.verbose)
-    setenv("VANTU_LOG_STDERR", "1", 1);
+    set("VANTU_LOG_STDERR", "1");
 }

@@ -4,7 +4,17 @@
 // did from the import report it wrote.
 
 #include <stdlib.h>
+
+#if defined(_WIN32)
+#include <io.h>
+
+#include "base/command_line.h"
+#include "base/windows_headers.h"
+
+#include <shellapi.h>
+#else
 #include <unistd.h>
+#endif
 
 #include <algorithm>
 #include <cerrno>
@@ -19,6 +29,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/environment.h"
 #include "base/file_util.h"
 #include "base/path_service.h"
 #include "base/string_number_conversions.h"
@@ -127,19 +138,19 @@ class TemporaryFolder {
   TemporaryFolder() = default;
   ~TemporaryFolder() {
     if (!path_.empty() && !keep_) {
-      std::error_code ignored;  // a leftover in the temporary folder is harmless
-      std::filesystem::remove_all(path_, ignored);
+      // A leftover in the temporary folder is harmless.
+      (void)base::DeleteFile(base::FilePath::FromUTF8Unsafe(path_), true);
     }
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  // Creates /tmp/<prefix>XXXXXX; false when it cannot.
+  // Creates <temporary folder>/<prefix>XXXXXX; false when it cannot.
   bool Create(const char* prefix, bool keep) {
-    std::string pattern = std::string("/tmp/") + prefix + "XXXXXX";
-    if (!mkdtemp(pattern.data()))
+    base::FilePath made;
+    if (!base::CreateNewTempDirectory(base::UTF8ToWide(prefix), &made))
       return false;
-    path_ = pattern;
+    path_ = made.AsUTF8Unsafe();
     keep_ = keep;
     return true;
   }
@@ -149,6 +160,58 @@ class TemporaryFolder {
   std::string path_;
   bool keep_ = false;
 };
+
+bool StandardOutputIsTerminal() {
+#if defined(_WIN32)
+  return _isatty(_fileno(stdout)) != 0;
+#else
+  return isatty(STDOUT_FILENO) != 0;
+#endif
+}
+
+#if defined(_WIN32)
+// Runs this program again with |args| and answers its exit status (the
+// system has no exec: the first process waits for the second).
+int RunAgain(const std::vector<std::string>& args) {
+  wchar_t exe[32768];
+  DWORD n = GetModuleFileNameW(nullptr, exe, 32768);
+  if (n == 0 || n >= 32768)
+    return -1;
+  std::wstring line;
+  for (const std::string& arg : args) {
+    if (!line.empty())
+      line += L' ';
+    line += base::QuoteCommandLineArgument(base::UTF8ToWide(arg));
+  }
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof(startup);
+  PROCESS_INFORMATION process = {};
+  if (!CreateProcessW(exe, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                      &process)) {
+    return -1;
+  }
+  CloseHandle(process.hThread);
+  WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD code = 0;
+  bool got = GetExitCodeProcess(process.hProcess, &code);
+  CloseHandle(process.hProcess);
+  return got ? static_cast<int>(code) : -1;
+}
+
+// The arguments as UTF-8 from the wide command line (argv holds them in the
+// ANSI code page, which loses characters).
+std::vector<std::string> Utf8Arguments() {
+  std::vector<std::string> args;
+  int count = 0;
+  wchar_t** wide = CommandLineToArgvW(::GetCommandLineW(), &count);
+  if (!wide)
+    return args;
+  for (int i = 0; i < count; ++i)
+    args.push_back(base::WideToUTF8(wide[i]));
+  LocalFree(wide);
+  return args;
+}
+#endif
 
 int Fail(int status, const std::string& message) {
   std::fprintf(stderr, "vantu-import: %s\n", message.c_str());
@@ -191,7 +254,10 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
       if (!CopyFolder(real_data_folder, data_folder, &error))
         return Fail(kExitFailed, error);
     }
-    setenv("LOCALAPPDATA", temp.AsUTF8Unsafe().c_str(), 1);
+    if (!base::SetEnvironmentString("LOCALAPPDATA", temp.value()) ||
+        !base::SetEnvironmentString(base::kFoldersFromEnvironment, L"1")) {
+      return Fail(kExitFailed, "cannot redirect the data folder for the dry run");
+    }
   }
   if (!CheckDataFolder(data_folder, &error))
     return Fail(kExitFailed, error);
@@ -200,7 +266,7 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
   base::FilePath report_path = data_folder.Append(kReportFile);
   ReportFile before = StatReport(report_path);
   bool text = !options.json && !options.quiet;
-  ProgressView view(text, isatty(STDOUT_FILENO) && !options.verbose);
+  ProgressView view(text, StandardOutputIsTerminal() && !options.verbose);
   RunImporter(ini, &view);
 
   // The run must have left both its record in "DBCheck" and a new report.
@@ -253,6 +319,17 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
+#if defined(_WIN32)
+  std::vector<std::string> utf8_args = Utf8Arguments();
+  std::vector<char*> utf8_argv;
+  for (std::string& arg : utf8_args)
+    utf8_argv.push_back(arg.data());
+  utf8_argv.push_back(nullptr);
+  if (!utf8_args.empty()) {
+    argc = static_cast<int>(utf8_args.size());
+    argv = utf8_argv.data();
+  }
+#endif
   HostOptions options;
   std::string error;
   if (!ParseHostOptions(argc, argv, &options, &error))
@@ -272,12 +349,20 @@ int main(int argc, char** argv) {
   // "--i=DIR" only: the program starts again with that form.
   std::vector<std::string> normalised = NormalisedSourceArguments(argc, argv);
   if (!normalised.empty()) {
+#if defined(_WIN32)
+    int status = RunAgain(normalised);
+    if (status < 0)
+      return Fail(kExitFailed, "cannot restart with --i=DIR: " +
+                                   base::SystemErrorText(static_cast<int>(GetLastError())));
+    return status;
+#else
     std::vector<char*> args;
     for (std::string& arg : normalised)
       args.push_back(arg.data());
     args.push_back(nullptr);
     execv("/proc/self/exe", args.data());
     return Fail(kExitFailed, std::string("cannot restart with --i=DIR: ") + std::strerror(errno));
+#endif
   }
 
   TemporaryFolder demo_folder;
