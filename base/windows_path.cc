@@ -1,7 +1,6 @@
 #include "base/windows_path.h"
 
-#include <stdlib.h>
-
+#include "base/environment.h"
 #include "base/utf_string_conversions.h"
 
 namespace base {
@@ -13,36 +12,37 @@ bool IsDriveLetter(wchar_t c) {
 }
 
 std::wstring WithSeparators(std::wstring path) {
-#if !defined(_WIN32)
   for (wchar_t& c : path) {
-    if (c == L'\\')
-      c = L'/';
+    if (c == L'\\' || c == L'/')
+      c = FilePath::kSeparator;
   }
-#endif
   return path;
 }
 
 }  // namespace
 
 FilePath MapWindowsPath(const std::wstring& path) {
-#if defined(_WIN32)
-  return FilePath(path);
-#else
+  const bool on_drive = path.size() >= 2 && IsDriveLetter(path[0]) && path[1] == L':';
+#if !defined(_WIN32)
   if (path.size() >= 2 && path[0] == L'\\' && path[1] == L'\\')
     return FilePath();  // a network share: nothing here stands for it
-  if (path.size() < 2 || !IsDriveLetter(path[0]) || path[1] != L':')
+#endif
+  if (!on_drive)
     return FilePath(WithSeparators(path));
 
   char letter = static_cast<char>(path[0] >= L'a' ? path[0] - 32 : path[0]);
-  const std::string variable = std::string("VANTU_DRIVE_") + letter;
-  const char* folder = getenv(variable.c_str());
-  if (!folder || !*folder)
+  std::wstring folder;
+  if (!GetEnvironmentString(std::string("VANTU_DRIVE_") + letter, &folder) || folder.empty()) {
+#if defined(_WIN32)
+    return FilePath(path);  // the machine's own drive
+#else
     return FilePath();
-  std::wstring rest = WithSeparators(path.substr(2));
-  size_t begin = rest.find_first_not_of(L'/');
-  FilePath mapped = FilePath::FromUTF8Unsafe(folder);
-  return begin == std::wstring::npos ? mapped : mapped.Append(rest.substr(begin));
 #endif
+  }
+  std::wstring rest = WithSeparators(path.substr(2));
+  size_t begin = rest.find_first_not_of(FilePath::kSeparator);
+  FilePath mapped(folder);
+  return begin == std::wstring::npos ? mapped : mapped.Append(rest.substr(begin));
 }
 
 }  // namespace base

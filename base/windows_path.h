@@ -20,7 +20,8 @@ namespace base {
 // other path (a POSIX path, a relative path) keeps its text with backslashes
 // turned into separators.
 //
-// On Windows the path is its own answer.
+// On Windows a drive the environment maps (a copied profile's drives) maps
+// the same way; any other path is its own answer.
 FilePath MapWindowsPath(const std::wstring& path);
 
 }  // namespace base

@@ -2,14 +2,14 @@
 // bytes become the work copy "VT6Data.db" of a scratch data folder, which
 // the reader opens with repair and reads into an import model.
 
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
+#include "base/environment.h"
 #include "base/file_util.h"
+#include "base/path_service.h"
 #include "fuzz/fuzz_scratch.h"
 #include "tools/data_importer/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -21,11 +21,12 @@ base::FilePath g_root;
 }
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  setenv("VANTU_LOG_LEVEL", "5", 1);
+  (void)base::SetEnvironmentString("VANTU_LOG_LEVEL", L"5");  // fails only without memory
   base::FilePath root = FuzzScratchPath("vantu-v6-fuzz");
-  setenv("LOCALAPPDATA", root.AsUTF8Unsafe().c_str(), 1);
-  setenv("APPDATA", root.Append(L"roaming").AsUTF8Unsafe().c_str(), 1);
-  setenv("VANTU_REGISTRY_FILE", root.Append(L"none.reg").AsUTF8Unsafe().c_str(), 1);
+  (void)base::SetEnvironmentString("LOCALAPPDATA", root.value());  // fails only without memory
+  (void)base::SetEnvironmentString(base::kFoldersFromEnvironment, L"1");  // fails only without memory
+  (void)base::SetEnvironmentString("APPDATA", root.Append(L"roaming").value());  // fails only without memory
+  (void)base::SetEnvironmentString("VANTU_REGISTRY_FILE", root.Append(L"none.reg").value());  // fails only without memory
   g_data_folder = root.Append(L"VanTu8");
   g_root = root;
   // The scratch folder goes with the process.

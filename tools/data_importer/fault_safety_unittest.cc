@@ -2,10 +2,12 @@
 // sources: nothing may crash, change a source byte, leave work files behind
 // or put a database in place that does not open with the key.
 
+#if !defined(_WIN32)
 #include <signal.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <gtest/gtest.h>
 
@@ -63,6 +65,8 @@ class FaultSafetyTest : public testing::Test {
     return found;
   }
 
+#if !defined(_WIN32)
+  // Kill tests fork a child process and kill it: the Windows build has no fork.
   // Runs |body| in a child process and answers how it ended.
   static int InChild(const std::function<void()>& body) {
     pid_t child = fork();
@@ -75,9 +79,12 @@ class FaultSafetyTest : public testing::Test {
     return status;
   }
 
+#endif  // !defined(_WIN32)
   TestProfile profile_;
 };
 
+#if !defined(_WIN32)
+// Kill tests fork a child process and kill it: the Windows build has no fork.
 // A run killed at any point of the import, then run again, ends with both
 // version-3 files holding every row (of the killed run or of a fresh
 // import), no work file left and the installation unchanged. Kill points:
@@ -137,6 +144,8 @@ TEST_F(FaultSafetyTest, KilledRunIsCompletedOrRedoneByTheNextRun) {
     EXPECT_EQ(source, Fingerprint(program())) << where;
   }
 }
+
+#endif  // !defined(_WIN32)
 
 // One damage of |bytes|, chosen by |random|: bit flips, a truncation, a
 // page of zeros, or one page copied over another.

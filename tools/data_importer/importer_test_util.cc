@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#if !defined(_WIN32)
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <algorithm>
 #include <cstdio>
@@ -270,6 +272,7 @@ void ExpectReportReconciles(const base::Value& report, const base::FilePath& dat
   }
 }
 
+#if !defined(_WIN32)
 long ProcessorMicrosOfWholeRun() {
   pid_t child = fork();
   if (child == 0) {
@@ -285,3 +288,4 @@ long ProcessorMicrosOfWholeRun() {
   return usage.ru_utime.tv_sec * 1000000L + usage.ru_utime.tv_usec +
          usage.ru_stime.tv_sec * 1000000L + usage.ru_stime.tv_usec;
 }
+#endif  // !defined(_WIN32)

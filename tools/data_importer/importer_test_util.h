@@ -130,10 +130,12 @@ void ExpectReportReconciles(const base::Value& report, const base::FilePath& dat
 // The number of rows of |table| in |db|; -1 when it cannot be counted.
 int64_t TableRowCount(sql::Connection* db, const std::string& table);
 
+#if !defined(_WIN32)
 // Runs DataImporterMain once in a child process and answers the processor
 // time (user and system) the child took, in microseconds, for kill tests
 // that stop later runs at random points within it; -1 (and a failed
 // expectation) when the child did not exit normally.
 long ProcessorMicrosOfWholeRun();
+#endif
 
 #endif  // TOOLS_DATA_IMPORTER_IMPORTER_TEST_UTIL_H_

@@ -1,10 +1,12 @@
 #include "tools/data_importer/version2_upgrade.h"
 
+#if !defined(_WIN32)
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <functional>
 #include <memory>
@@ -175,6 +177,8 @@ TEST_F(Version2TaskTest, CopyFailuresLeaveVersion2FilesAndPlainCopies) {
   EXPECT_EQ(PlainContent(L"VTMusicV2.db"), Content(music.get()));
 }
 
+#if !defined(_WIN32)
+// The file-size limit of a child process stands for a full disk: POSIX only.
 // A disk that fills up during the copy (a file-size limit in a child
 // process: the music copy no longer fits, the playlist copy does) leaves no
 // version-3 file at all, so the run after it, with room again, copies both.
@@ -207,6 +211,8 @@ TEST_F(Version2TaskTest, FullDiskDuringCopyPutsNothingInPlace) {
   EXPECT_TRUE(Keyed(L"VTMusicV3.db") && Keyed(L"playlistV3.db"));
 }
 
+#endif  // !defined(_WIN32)
+
 // Running the copy twice replaces the version-3 files by fresh copies.
 TEST_F(Version2TaskTest, CopyTwiceMakesFreshCopies) {
   ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
@@ -228,6 +234,8 @@ TEST_F(Version2TaskTest, CopyTwiceMakesFreshCopies) {
             QueryRows(Keyed(L"playlistV3.db").get(), "SELECT count(*) FROM GeneralListTable"));
 }
 
+#if !defined(_WIN32)
+// Kill tests fork a child process and kill it: the Windows build has no fork.
 // A copy killed at any point, then run again, never leaves one version-3
 // file without the other or a plain one under its final name: the next run
 // either redoes the copy (a kill before the commit) or completes the commit
@@ -317,6 +325,8 @@ TEST_F(Version2TaskTest, KilledCopyIsCompletedOrRedoneByTheNextRun) {
       break;
   }
 }
+
+#endif  // !defined(_WIN32)
 
 // A copy that cannot be renamed over its version-3 file (a folder in the
 // way) is reported as not in place; the commit record makes a later run put

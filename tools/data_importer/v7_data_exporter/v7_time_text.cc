@@ -45,5 +45,9 @@ int64_t ParseV7TimeText(std::string_view text) {
   parts.tm_min = minute;
   parts.tm_sec = second;
   parts.tm_isdst = -1;  // let the C library decide, as the local conversion does
+#if defined(_WIN32)
+  return static_cast<int64_t>(_mktime64(&parts));
+#else
   return static_cast<int64_t>(std::mktime(&parts));
+#endif
 }
