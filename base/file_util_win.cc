@@ -3,6 +3,8 @@
 #include "base/windows_headers.h"
 
 #include <errno.h>
+#include <fcntl.h>
+#include <io.h>
 #include <string.h>
 
 #include <algorithm>
@@ -241,11 +243,47 @@ bool ReadFileToString(const FilePath& path, std::string* contents) {
 }
 
 FILE* OpenFile(const FilePath& path, const char* mode) {
-  std::wstring wide_mode(mode, mode + strlen(mode));
-  FILE* f = _wfopen(NativePath(path).c_str(), wide_mode.c_str());
-  if (!f)
-    g_last_error = errno;
-  return f;
+  // Opened through CreateFileW with every sharing flag, so that the file can
+  // be read, renamed or deleted while it is open, as on POSIX (a log file
+  // moved away keeps taking lines).
+  const std::string m(mode);
+  DWORD access = GENERIC_READ;
+  DWORD disposition = OPEN_EXISTING;
+  int flags = _O_RDONLY;
+  if (m.find('w') != std::string::npos) {
+    access = GENERIC_WRITE;
+    disposition = CREATE_ALWAYS;
+    flags = _O_WRONLY;
+  } else if (m.find('a') != std::string::npos) {
+    access = FILE_APPEND_DATA;
+    disposition = OPEN_ALWAYS;
+    flags = _O_WRONLY | _O_APPEND;
+  }
+  if (m.find('+') != std::string::npos) {
+    access |= GENERIC_READ | GENERIC_WRITE;
+    flags = (flags & ~(_O_RDONLY | _O_WRONLY)) | _O_RDWR;
+  }
+  if (m.find('b') != std::string::npos)
+    flags |= _O_BINARY;
+  HANDLE handle = CreateFileW(NativePath(path).c_str(), access,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    Fail();
+    errno = GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND
+                ? ENOENT
+                : EACCES;
+    return nullptr;
+  }
+  int fd = _open_osfhandle(reinterpret_cast<intptr_t>(handle), flags);
+  if (fd < 0) {
+    CloseHandle(handle);
+    return nullptr;
+  }
+  FILE* file = _fdopen(fd, mode);
+  if (!file)
+    _close(fd);
+  return file;
 }
 
 bool WriteFile(const FilePath& path, const std::string& data) {
