@@ -94,18 +94,22 @@ TEST_F(Version2TaskTest, CopyEncryptsBothCopiesAndRefreshesPlaylistStorage) {
   for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"}) {
     sql::Connection plain;
     EXPECT_FALSE(plain.Open(Data(name)));
+#if !defined(_WIN32)  // the stock sqlcipher tool runs on the Linux build only
     EXPECT_NE(std::string::npos,
               SqlcipherOutput(Data(name), L"", "SELECT count(*) FROM sqlite_master;")
                   .find("not a database"));
+#endif
   }
   auto music = Keyed(L"VTMusicV3.db");
   ASSERT_TRUE(music);
   EXPECT_EQ(music_content, Content(music.get()));  // the cloud lists stay for the upgrade
+#if !defined(_WIN32)  // the stock sqlcipher tool runs on the Linux build only
   EXPECT_EQ("40\n", SqlcipherOutput(Data(L"VTMusicV3.db"), kVersion3DatabaseKey,
                                     "SELECT count(*) FROM ShareFileItems;"));
   EXPECT_EQ("List 1\nList 2\n",
             SqlcipherOutput(Data(L"playlistV3.db"), kVersion3DatabaseKey,
                             "SELECT PlaylistName FROM GeneralListTable ORDER BY SortID;"));
+#endif
   for (const wchar_t* work : {L"VTMusicV2.db.tmp", L"playlist.db.tmp", L"VTMusicV2.db.tmp.enc",
                               L"DatabaseReplace.commit"})
     EXPECT_FALSE(base::PathExists(Data(work))) << base::FilePath(work).AsUTF8Unsafe();
@@ -119,7 +123,9 @@ TEST_F(Version2TaskTest, CopyEncryptsBothCopiesAndRefreshesPlaylistStorage) {
             Result());
 
   // The next run finds the version-3 files and upgrades; a run with nothing
-  // to do leaves no record of an earlier one.
+  // to do leaves no record of an earlier one. (The test's own connection
+  // goes first: Windows deletes no open file.)
+  music.reset();
   DataImporterMain();
   EXPECT_NE(std::string::npos, Result().find("\"task\":\"updatevantu8\""));
   for (const wchar_t* name : {L"VTMusicV2.db", L"VTMusicV3.db", L"playlistV3.db"})
