@@ -8,7 +8,7 @@
 #include <string>
 
 #include "base/file_util.h"
-#include "tools/data_importer/source_reader_util.h"
+#include "tools/data_importer/source_readers/source_reader_util.h"
 
 namespace {
 

@@ -11,9 +11,9 @@
 #include "base/file_util.h"
 #include "base/path_service.h"
 #include "fuzz/fuzz_scratch.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
-#include "tools/data_importer/v6_data_exporter/v6_data_exporter.h"
+#include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 
 namespace {
 base::FilePath g_data_folder;

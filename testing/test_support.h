@@ -6,7 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include <gtest/gtest.h>
+
 #include "base/file_path.h"
+#include "base/status.h"
 
 namespace testing_support {
 
@@ -78,5 +81,14 @@ std::string UTF16Bytes(std::wstring_view text, bool big_endian);
 std::wstring NumberedHash(int n, wchar_t fill);
 
 }  // namespace testing_support
+
+// For ASSERT_TRUE(IsOk(...)) and EXPECT_FALSE(IsOk(...)): a failure prints
+// the status's message.
+inline ::testing::AssertionResult IsOk(const base::Status& status) {
+  if (status.ok())
+    return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "not OK: " << std::string(status.message().begin(),
+                                                                     status.message().end());
+}
 
 #endif  // TESTING_TEST_SUPPORT_H_

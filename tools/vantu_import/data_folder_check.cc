@@ -8,7 +8,7 @@
 #include <system_error>
 
 #include "base/file_util.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 namespace {
 

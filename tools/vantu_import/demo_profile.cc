@@ -4,7 +4,7 @@
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/fixtures/version2_fixture.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include "base/profile_string.h"
 #include "base/string_number_conversions.h"
 #include "base/utf_string_conversions.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 namespace names = importer_names;
 
@@ -185,7 +185,7 @@ std::string ReportTask(const base::Value& report) {
 std::string TaskInWords(const std::string& task) {
   if (task.empty())
     return "nothing to do";
-  if (IsTask(task, names::kTaskUpdateVersion2))
+  if (IsTask(task, names::kTaskUpgradeVersion3))
     return "upgrade of the version-3 databases (" + task + ")";
   if (IsTask(task, names::kTaskCopyVersion2))
     return "copy of the version-2 databases to encrypted version 3 (" + task + ")";
@@ -251,7 +251,7 @@ std::string VerdictLine(const base::Value& report) {
   std::string task = ReportTask(report);
   if (task.empty())
     return "Nothing to import: no earlier installation of the player was found.";
-  if (IsTask(task, names::kTaskUpdateVersion2))
+  if (IsTask(task, names::kTaskUpgradeVersion3))
     return "Ran the upgrade of the version-3 databases.";
   if (IsTask(task, names::kTaskCopyVersion2))
     return "Ran the copy of the version-2 databases to encrypted version 3.";

@@ -36,7 +36,7 @@
 #include "base/time.h"
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/data_importer_main.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/vantu_import/data_folder_check.h"
 #include "tools/vantu_import/demo_profile.h"
 #include "tools/vantu_import/host_options.h"
@@ -48,7 +48,6 @@ namespace {
 
 constexpr auto kPollInterval = std::chrono::milliseconds(100);
 constexpr int kBarWidth = 40;
-constexpr wchar_t kReportFile[] = L"ImportReport.json";
 
 // Shows the progress of the run from its start: on a terminal one bar line
 // with the elapsed time, redrawn in full each time (so it never ends half
@@ -263,7 +262,7 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
     return Fail(kExitFailed, error);
 
   base::FilePath ini = data_folder.Append(names::kSettingsFileName);
-  base::FilePath report_path = data_folder.Append(kReportFile);
+  base::FilePath report_path = data_folder.Append(importer_names::kReportFileName);
   ReportFile before = StatReport(report_path);
   bool text = !options.json && !options.quiet;
   ProgressView view(text, StandardOutputIsTerminal() && !options.verbose);

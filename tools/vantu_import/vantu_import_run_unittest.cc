@@ -13,6 +13,7 @@
 #include "sql/connection.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/test_support.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 namespace {
 
@@ -211,7 +212,7 @@ TEST_F(HostRunTest, JsonIsTheReport) {
   base::Value printed = base::Value::parse(output_, nullptr, false);
   ASSERT_TRUE(printed.is_object()) << output_;
   base::Value written;
-  ASSERT_TRUE(base::ReadJsonFile(data_folder().Append(L"ImportReport.json"), &written));
+  ASSERT_TRUE(base::ReadJsonFile(data_folder().Append(importer_names::kReportFileName), &written));
   EXPECT_EQ(written, printed);
   EXPECT_EQ("importvantu6", printed["task"]["name"]);
   EXPECT_EQ(3, printed["summary"]["songs"]);

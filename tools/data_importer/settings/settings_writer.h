@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/file_path.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/settings/imported_settings.h"
 
 // The keys and values one record writes, in field order. Keys are the field

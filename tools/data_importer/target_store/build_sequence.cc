@@ -11,9 +11,9 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/target_store/verify_database.h"
-#include "tools/data_importer/import_report.h"
-#include "tools/data_importer/importer_names.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/import_report.h"
+#include "tools/data_importer/run_record/importer_names.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/settings/settings_writer.h"
 
 namespace {
@@ -249,15 +249,15 @@ bool EncryptAndVerify(ImportModel* model, const base::FilePath& data_folder,
 
 }  // namespace
 
-int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
-                   const BuildStageCallback& stage_done) {
+base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
+                           const BuildStageCallback& stage_done) {
   std::function<void(const char*)> done = [&](const char* stage) {
     if (stage_done)
       stage_done(stage);
   };
   if (!PrepareFiles(model, data_folder)) {
     model->ReportState(ProgressRecord::kStateNotStarted);
-    return 1;
+    return base::Status::Error(L"the temporary database files could not be prepared");
   }
   if (model->m_progress)
     model->m_progress->SetSourceEmpty(IsSourceEmpty(*model));
@@ -275,14 +275,17 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
     done(step.name);
   }
 
-  if (!model->ReportListCounts())
+  base::Status counted = model->ReportListCounts();
+  if (!counted.ok()) {
+    VLOG_AT(logging::LOG_FAILURE) << L"List-count report FAILED: {" << counted.message() << L"}.";
     model->ReportState(ProgressRecord::kStateBuildFailed);
+  }
   done("ListCountReport");
 
   bool verified = EncryptAndVerify(model, data_folder, done);
   if (!verified) {
     model->ReportState(ProgressRecord::kStateBuildFailed);
-    return 1;
+    return base::Status::Error(L"a finished database did not read back as written");
   }
 
   // Unlike a plain pair of renames, the commit either puts both files in
@@ -292,7 +295,7 @@ int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
   done("Replace");
   if (!replaced) {
     model->ReportState(ProgressRecord::kStateBuildFailed);
-    return 1;
+    return base::Status::Error(L"the finished databases could not be put in place");
   }
-  return 0;
+  return base::Status::OK();
 }

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "base/file_path.h"
+#include "base/status.h"
 
 class ImportModel;
 
@@ -30,13 +31,14 @@ inline constexpr wchar_t kVersion3DatabaseKey[] = L"3C5A0F1E9D2B47A6B8E1C4D7F0A2
 //     left as they were, state 8 is recorded and the answer is 1;
 //  7. replaces "VTMusicV3.db" and "playlistV3.db" as one commit
 //     (replacement_commit.h); a failed step records state 8 and answers 1.
-// Returns 0 once the files are in place. Writers never fail the build.
+// OK once the files are in place; otherwise the error says which step
+// failed (the state bit is recorded already). Writers never fail the build.
 // |stage_done|, when given, is told the name of each stage as it ends
 // ("Prepare", each writer's table, "ListCountReport", "CountRows",
 // "Encrypt", "Verify", the commit's steps, "Replace"), for measurements and
 // for tests that stop the process at a given point.
 using BuildStageCallback = std::function<void(const char* stage)>;
-int BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
-                   const BuildStageCallback& stage_done = nullptr);
+base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
+                           const BuildStageCallback& stage_done = nullptr);
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_BUILD_SEQUENCE_H_

@@ -16,17 +16,18 @@
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
 #include "testing/test_support.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
-#include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "testing/importer_test_util.h"
+#include "tools/data_importer/run_record/progress_record.h"
 
 namespace {
 
 class BuildSequenceTest : public testing::Test {
  protected:
   void SetUp() override {
-    record_.Initialise();
+    record_.Initialise(GetDataFolder());
     model_.m_progress = &record_;
   }
 
@@ -78,7 +79,7 @@ TEST_F(BuildSequenceTest, FilledModelBecomesTwoEncryptedDatabases) {
       base::WriteFile(profile_.data_folder().Append(L"VTMusicV2.db.tmp"), "stale, not a database"));
   record_.SetProgress(20);
 
-  ASSERT_EQ(0, BuildDatabases(&model_, profile_.data_folder()));
+  ASSERT_TRUE(IsOk(BuildDatabases(&model_, profile_.data_folder())));
 
   EXPECT_EQ((std::vector<std::wstring>{L"VTMusicV3.db", L"playlistV3.db"}), DataFolderFiles());
   EXPECT_EQ(L"85", profile_.DBCheck(L"ImportProgress"));  // 20 -> 50 floor, +35
@@ -127,11 +128,11 @@ TEST_F(BuildSequenceTest, ProgressFloorAndCeiling) {
   for (auto [start, end] : {std::pair{45, L"90"}, std::pair{95, L"99"}}) {
     TestProfile profile;
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     record.SetProgress(start);
     ImportModel model(&record);
     AddList(&model, 1, L"list", 0);
-    ASSERT_EQ(0, BuildDatabases(&model, profile.data_folder()));
+    ASSERT_TRUE(IsOk(BuildDatabases(&model, profile.data_folder())));
     EXPECT_EQ(end, profile.DBCheck(L"ImportProgress")) << start;
   }
 }
@@ -143,9 +144,9 @@ TEST_F(BuildSequenceTest, StepWeightsInOrder) {
   FillModel();
   record_.SetProgress(50);  // the floor, so that the first weight shows too
   std::vector<std::string> steps;
-  ASSERT_EQ(0, BuildDatabases(&model_, profile_.data_folder(), [&](const char* stage) {
+  ASSERT_TRUE(IsOk(BuildDatabases(&model_, profile_.data_folder(), [&](const char* stage) {
     steps.push_back(std::string(stage) + "=" + std::to_string(record_.progress()));
-  }));
+  })));
   ASSERT_GE(steps.size(), 18u);
   const std::vector<std::string> writers(steps.begin() + 1, steps.begin() + 18);
   EXPECT_EQ((std::vector<std::string>{
@@ -171,7 +172,7 @@ TEST_F(BuildSequenceTest, EmptySourcesAndFailingListReport) {
   for (const Case& c : {Case{0, 0, L"1"}, Case{1, 0, L"1"}, Case{1, 2, L"0"}, Case{2, 0, L"0"}}) {
     TestProfile profile;
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     AddFile(&model, 1, L"a.mp3", HashOf(1));
     for (int list = 0; list < c.lists; ++list) {
@@ -179,7 +180,7 @@ TEST_F(BuildSequenceTest, EmptySourcesAndFailingListReport) {
       for (int entry = 0; entry < c.entries; ++entry)
         AddSong(&model, list, entry + 1, 1);
     }
-    ASSERT_EQ(0, BuildDatabases(&model, profile.data_folder()));
+    ASSERT_TRUE(IsOk(BuildDatabases(&model, profile.data_folder())));
     EXPECT_EQ(c.empty, profile.DBCheck(L"BeforceImportEmpty")) << c.lists << "/" << c.entries;
     // No list records: no GeneralListTable, so the report fails.
     EXPECT_EQ(L"8", profile.DBCheck(L"ImportState"));
@@ -196,11 +197,11 @@ TEST_F(BuildSequenceTest, EarlierVersion2DatabaseStopsTheBuild) {
   for (const wchar_t* blocking : {L"VTMusicV2.db", L"playlist.db"}) {
     TestProfile profile;
     ProgressRecord record;
-    record.Initialise();
+    record.Initialise(GetDataFolder());
     ImportModel model(&record);
     AddFile(&model, 1, L"a.mp3", HashOf(1));
     TestProfile::Touch(profile.data_folder().Append(blocking));
-    EXPECT_EQ(1, BuildDatabases(&model, profile.data_folder()));
+    EXPECT_FALSE(IsOk(BuildDatabases(&model, profile.data_folder())));
     EXPECT_EQ(L"1", profile.DBCheck(L"ImportState"));
     std::vector<std::wstring> left;
     base::FileEnumerator files(profile.data_folder(), L"*.db*");
@@ -222,7 +223,7 @@ TEST_F(BuildSequenceTest, StoredSchemasAreTheExpectedTexts) {
   model_.m_login_history.push_back(std::make_shared<LoginRecord>());
   model_.m_search_keywords.push_back(std::make_shared<SearchKeywordRecord>());
   model_.m_app_tools.push_back(std::make_shared<AppToolRecord>());
-  ASSERT_EQ(0, BuildDatabases(&model_, profile_.data_folder()));
+  ASSERT_TRUE(IsOk(BuildDatabases(&model_, profile_.data_folder())));
   auto music = OpenFinal(L"VTMusicV3.db");
   auto playlists = OpenFinal(L"playlistV3.db");
 
@@ -283,7 +284,7 @@ TEST_F(BuildSequenceTest, FailedEncryptionReplacesNothing) {
   ASSERT_TRUE(base::CreateDirectory(blocker));
   TestProfile::Touch(blocker.Append(L"keep"));
 
-  EXPECT_EQ(1, BuildDatabases(&model_, profile_.data_folder()));
+  EXPECT_FALSE(IsOk(BuildDatabases(&model_, profile_.data_folder())));
   record_.WriteEnd();
 
   EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
@@ -309,13 +310,13 @@ TEST_F(BuildSequenceTest, FullDiskDuringEncryptionReplacesNothing) {
   ASSERT_NE(-1, child);
   if (child == 0) {
     signal(SIGXFSZ, SIG_IGN);  // writes past the limit fail with EFBIG instead
-    int result = BuildDatabases(&model_, profile_.data_folder(), [](const char* stage) {
+    base::Status result = BuildDatabases(&model_, profile_.data_folder(), [](const char* stage) {
       if (std::string(stage) == "CountRows") {
         rlimit limit{8192, 8192};
         setrlimit(RLIMIT_FSIZE, &limit);
       }
     });
-    _exit(result);
+    _exit(result.ok() ? 0 : 1);
   }
   int status = 0;
   ASSERT_EQ(child, waitpid(child, &status, 0));
@@ -329,7 +330,7 @@ TEST_F(BuildSequenceTest, FullDiskDuringEncryptionReplacesNothing) {
 // With the verified files in place, the model holds what they read back.
 TEST_F(BuildSequenceTest, VerifiedRowCountsAreKept) {
   FillModel();
-  ASSERT_EQ(0, BuildDatabases(&model_, profile_.data_folder()));
+  ASSERT_TRUE(IsOk(BuildDatabases(&model_, profile_.data_folder())));
   EXPECT_TRUE(model_.m_verified_music.ok);
   EXPECT_EQ(3, model_.m_verified_music.row_counts.at("ShareFileItems"));
   EXPECT_EQ(2, model_.m_verified_music.row_counts.at("DownloadItem"));

@@ -1,7 +1,7 @@
 #include "tools/data_importer/target_store/import_model.h"
 
-#include "tools/data_importer/import_report.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/import_report.h"
+#include "tools/data_importer/run_record/progress_record.h"
 
 ImportModel::ImportModel(ProgressRecord* progress) : m_progress(progress) {}
 

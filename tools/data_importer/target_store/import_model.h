@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/status.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/settings/imported_settings.h"
 #include "tools/data_importer/target_store/import_records.h"
@@ -86,7 +87,7 @@ class ImportModel {
   // "ImportPlayLists": "<PlaylistID>:<entries>" per list in the lists'
   // SortID order, joined by ",". Reports "0" and fails when the database is
   // not open or has no GeneralListTable. Clears m_file_flag_map.
-  bool ReportListCounts();
+  [[nodiscard]] base::Status ReportListCounts();
 
   RecordList<ShareFileItem> m_share_files;
   RecordList<ShareFolderItem> m_share_folders;

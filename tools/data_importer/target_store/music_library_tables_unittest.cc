@@ -11,7 +11,7 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
-#include "tools/data_importer/importer_test_util.h"
+#include "testing/importer_test_util.h"
 
 namespace {
 

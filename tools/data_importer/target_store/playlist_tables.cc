@@ -9,7 +9,7 @@
 
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/song_table.h"
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
@@ -88,12 +88,12 @@ void ImportModel::FillFileFlagMap() {
   }
 }
 
-bool ImportModel::ReportListCounts() {
+base::Status ImportModel::ReportListCounts() {
   sql::Connection* connection = m_playlist_db ? m_playlist_db->connection() : nullptr;
   if (!connection || !connection->is_open() || !connection->DoesTableExist("GeneralListTable")) {
     if (m_progress)
       m_progress->SetPlaylists(L"0");
-    return false;
+    return base::Status::Error(L"the playlist database has no list table to count");
   }
   std::wstring counts;
   DbRowReader lists(*connection, "select * from GeneralListTable order by SortId");
@@ -109,7 +109,7 @@ bool ImportModel::ReportListCounts() {
   if (m_progress)
     m_progress->SetPlaylists(counts);
   m_file_flag_map.clear();
-  return true;
+  return base::Status::OK();
 }
 
 const ColumnList<PlayListInfo>& GeneralListColumns() {

@@ -3,10 +3,11 @@
 #include <string>
 
 #include "testing/test_support.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
-#include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "testing/importer_test_util.h"
+#include "tools/data_importer/run_record/progress_record.h"
 
 namespace {
 
@@ -60,21 +61,21 @@ TEST_F(PlaylistWritersTest, SongListsTranslateAndDrop) {
   EXPECT_TRUE(playlists()->DoesTableExist("GeneralList_-3"));
 
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   model_.m_progress = &record;
-  EXPECT_TRUE(model_.ReportListCounts());
+  EXPECT_TRUE(model_.ReportListCounts().ok());
   EXPECT_EQ(L"7:0,-3:2", profile_.DBCheck(L"ImportPlayLists"));
   EXPECT_TRUE(model_.m_file_flag_map.empty());
 }
 
 TEST_F(PlaylistWritersTest, ListCountReportFailsWithoutListTable) {
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   model_.m_progress = &record;
-  EXPECT_FALSE(model_.ReportListCounts());
+  EXPECT_FALSE(model_.ReportListCounts().ok());
   EXPECT_EQ(L"0", profile_.DBCheck(L"ImportPlayLists"));
   model_.m_playlist_db.reset();
-  EXPECT_FALSE(model_.ReportListCounts());
+  EXPECT_FALSE(model_.ReportListCounts().ok());
 }
 
 // A download is kept when its file is found by old id or else by hash; only

@@ -6,7 +6,7 @@
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
 #include "sql/connection.h"
-#include "tools/data_importer/importer_names.h"
+#include "tools/data_importer/run_record/importer_names.h"
 
 namespace {
 

@@ -5,8 +5,9 @@
 #include <string>
 
 #include "base/file_util.h"
-#include "tools/data_importer/importer_test_util.h"
-#include "tools/data_importer/progress_record.h"
+#include "tools/data_importer/environment/data_folder.h"
+#include "testing/importer_test_util.h"
+#include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 
@@ -17,7 +18,7 @@ namespace {
 TEST(SettingsStepTest, RecordsWrittenInOrderAfterTheTables) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise();
+  record.Initialise(GetDataFolder());
   ImportModel model(&record);
   ImportedSettings first;
   first.Volume = 30;
@@ -29,12 +30,12 @@ TEST(SettingsStepTest, RecordsWrittenInOrderAfterTheTables) {
   model.AddSettings(second);
 
   std::wstring volume_before, volume_after;
-  ASSERT_EQ(0, BuildDatabases(&model, profile.data_folder(), [&](const char* stage) {
+  ASSERT_TRUE(IsOk(BuildDatabases(&model, profile.data_folder(), [&](const char* stage) {
               if (std::string(stage) == "KeywordSearchHistory")
                 volume_before = profile.Setting(L"Volume");
               if (std::string(stage) == "Settings")
                 volume_after = profile.Setting(L"Volume");
-            }));
+            })));
   EXPECT_EQ(L"#missing#", volume_before);
   EXPECT_EQ(L"70", volume_after);
   EXPECT_EQ(L"1", profile.Setting(L"ShowLyric"));
@@ -47,7 +48,7 @@ TEST(SettingsStepTest, UnwritableIniDoesNotFailTheBuild) {
   ASSERT_TRUE(base::CreateDirectory(profile.ini()));  // a folder in its place
   ImportModel model;
   model.AddSettings(ImportedSettings());
-  EXPECT_EQ(0, BuildDatabases(&model, profile.data_folder()));
+  EXPECT_TRUE(IsOk(BuildDatabases(&model, profile.data_folder())));
   EXPECT_TRUE(base::PathExists(profile.data_folder().Append(L"VTMusicV3.db")));
   EXPECT_TRUE(base::PathExists(profile.data_folder().Append(L"playlistV3.db")));
 }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "base/utf_string_conversions.h"
+#include "logging/logging.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 
 namespace {
@@ -70,8 +72,19 @@ TableTransaction::TableTransaction(DatabaseHelper* db, const TableDef& definitio
 TableTransaction::~TableTransaction() {
   sql::Connection* connection = OpenConnection(db_);
   if (open_ && connection)
-    // A destructor has no one to tell; each insert was checked on its own.
-    (void)connection->CommitTransaction();
+    connection->RollbackTransaction();
+}
+
+bool TableTransaction::Commit() {
+  if (!open_)
+    return true;
+  open_ = false;
+  sql::Connection* connection = OpenConnection(db_);
+  if (connection && connection->CommitTransaction())
+    return true;
+  VLOG_AT(logging::LOG_FAILURE) << L"Commit of table {" << base::UTF8ToWide(definition_.name)
+                                << L"} FAILED; its rows are lost.";
+  return false;
 }
 
 bool TableTransaction::Execute(const std::string& statement) {

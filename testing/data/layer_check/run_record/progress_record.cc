@@ -1,0 +1,2 @@
+#include "tools/data_importer/run_record/importer_names.h"
+#include "tools/data_importer/driver/import_run.h"

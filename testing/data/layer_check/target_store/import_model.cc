@@ -1,0 +1,2 @@
+#include "tools/data_importer/settings/imported_settings.h"
+#include "tools/data_importer/run_record/import_report.h"

@@ -1,0 +1,15 @@
+#ifndef TOOLS_DATA_IMPORTER_DRIVER_EXPORTER_FACTORY_H_
+#define TOOLS_DATA_IMPORTER_DRIVER_EXPORTER_FACTORY_H_
+
+#include <memory>
+
+#include "tools/data_importer/source_readers/data_exporter.h"
+
+class ImportModel;
+
+// The exporter for an import kind (1 2008 edition, 2 generation 6,
+// 3 generation 7, 4 current generation). A kind whose reader is not part of
+// this library gets one that reports state 1 and imports nothing.
+std::unique_ptr<DataExporter> CreateExporter(int import_kind, ImportModel* model);
+
+#endif  // TOOLS_DATA_IMPORTER_DRIVER_EXPORTER_FACTORY_H_

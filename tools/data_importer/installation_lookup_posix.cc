@@ -1,7 +1,0 @@
-#include "tools/data_importer/installation_lookup.h"
-
-base::FilePath FindGeneration6ProgramByShortcut() {
-  return base::FilePath();
-}
-
-void RunStartupRegistryStep() {}

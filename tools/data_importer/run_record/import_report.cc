@@ -1,0 +1,349 @@
+#include "tools/data_importer/run_record/import_report.h"
+
+#include "base/file_util.h"
+#include "base/utf_string_conversions.h"
+#include "tools/data_importer/run_record/importer_names.h"
+
+namespace {
+
+
+std::string Utf8(const std::wstring& text) {
+  return base::WideToUTF8(text);
+}
+
+// Names of tables are written unquoted: "GeneralList_-3", not
+// "\"GeneralList_-3\"".
+std::string PlainTableName(std::string name) {
+  if (name.size() >= 2 && name.front() == '"' && name.back() == '"')
+    name = name.substr(1, name.size() - 2);
+  return name;
+}
+
+base::Value ExampleJson(const ImportReport::DropExample& example) {
+  return {{"table", example.table}, {"old_id", example.old_id}, {"name", Utf8(example.name)}};
+}
+
+}  // namespace
+
+ImportReport::ImportReport() {
+  source_tables_.push_back({L"", "(not recorded)"});
+}
+
+void ImportReport::SetTask(const std::wstring& task, int import_kind) {
+  task_ = task;
+  import_kind_ = import_kind;
+}
+
+ImportReport::Source* ImportReport::FindSource(const std::wstring& read_path) {
+  for (Source& source : sources_) {
+    if (source.read_path == read_path)
+      return &source;
+  }
+  return nullptr;
+}
+
+void ImportReport::AddSource(const base::FilePath& original, const base::FilePath& read_path,
+                             const std::string& layout, unsigned flags) {
+  if (Source* known = FindSource(read_path.value())) {
+    known->flags |= flags;
+    return;
+  }
+  sources_.push_back({original.value(), read_path.value(), layout, flags});
+}
+
+void ImportReport::MarkSource(const base::FilePath& read_path, unsigned flags) {
+  if (Source* known = FindSource(read_path.value()))
+    known->flags |= flags;
+  else
+    sources_.push_back({read_path.value(), read_path.value(), std::string(), flags});
+}
+
+int ImportReport::SourceTable(const base::FilePath& read_path, const std::string& table) {
+  for (size_t i = 1; i < source_tables_.size(); ++i) {
+    if (source_tables_[i].source == read_path.value() && source_tables_[i].table == table)
+      return static_cast<int>(i);
+  }
+  source_tables_.push_back({read_path.value(), table});
+  return static_cast<int>(source_tables_.size() - 1);
+}
+
+void ImportReport::AddRead(int origin, int64_t rows, int64_t made) {
+  if (origin <= 0 || static_cast<size_t>(origin) >= source_tables_.size())
+    origin = 0;
+  source_tables_[origin].rows_read += rows;
+  source_tables_[origin].records_made += made;
+}
+
+void ImportReport::AddMerged(int origin, int64_t rows) {
+  if (origin <= 0 || static_cast<size_t>(origin) >= source_tables_.size())
+    origin = 0;
+  source_tables_[origin].records_made -= rows;
+  source_tables_[origin].rows_merged += rows;
+}
+
+void ImportReport::AddDrop(int origin, const std::string& target, const DropReason& reason,
+                           const DropExample& example) {
+  AddDrops(origin, target, reason, 1, {example});
+}
+
+void ImportReport::AddDrops(int origin, const std::string& target, const DropReason& reason,
+                            int64_t count, const std::vector<DropExample>& examples) {
+  if (count <= 0)
+    return;
+  flows_[{origin, PlainTableName(target)}].dropped[reason.key] += count;
+  Drops& drops = drops_.try_emplace(reason.key, Drops{reason, 0, {}}).first->second;
+  drops.count += count;
+  for (const DropExample& example : examples) {
+    if (drops.examples.size() >= kMaxExamples)
+      break;
+    drops.examples.push_back(example);
+    // A writer's example names the source table through the origin.
+    if (example.table.empty() && origin > 0 && static_cast<size_t>(origin) < source_tables_.size())
+      drops.examples.back().table = source_tables_[origin].table;
+  }
+}
+
+void ImportReport::AddWritten(int origin, const std::string& target, int64_t rows) {
+  flows_[{origin, PlainTableName(target)}].written += rows;
+}
+
+void ImportReport::SetCountedRows(const std::string& database,
+                                  const std::map<std::string, int64_t>& counts, bool ok,
+                                  const std::string& error) {
+  for (const auto& [table, rows] : counts)
+    counted_[table] = {database, rows};
+  verified_[database] = {ok, error};
+}
+
+void ImportReport::AddSettingsKey(const std::string& key) {
+  settings_keys_.push_back(key);
+}
+
+void ImportReport::NoteDBCheck(const std::wstring& key, const std::wstring& value) {
+  for (auto& entry : dbcheck_) {
+    if (entry.first == key) {
+      entry.second = value;
+      return;
+    }
+  }
+  dbcheck_.emplace_back(key, value);
+}
+
+void ImportReport::AddStage(const std::string& name, double seconds) {
+  stages_.emplace_back(name, seconds);
+}
+
+int64_t ImportReport::WrittenRows(const std::string& target) const {
+  int64_t rows = 0;
+  for (const auto& [key, flow] : flows_) {
+    if (key.second == target)
+      rows += flow.written;
+  }
+  return rows;
+}
+
+int64_t ImportReport::DropCount(const DropReason& reason) const {
+  auto found = drops_.find(reason.key);
+  return found == drops_.end() ? 0 : found->second.count;
+}
+
+base::Value ImportReport::ToJson() const {
+  base::Value report = base::Value::object();
+  report["report_version"] = kVersion;
+  report["task"] = {{"name", Utf8(task_)}, {"import_kind", import_kind_}};
+
+  base::Value sources = base::Value::array();
+  for (const Source& s : sources_) {
+    sources.push_back({{"path", Utf8(s.original)},
+                       {"read_from", Utf8(s.read_path)},
+                       {"layout", s.layout},
+                       {"copied", (s.flags & kCopied) != 0},
+                       {"reused_copy", (s.flags & kReusedCopy) != 0},
+                       {"repaired", (s.flags & kRepaired) != 0},
+                       {"unreadable", (s.flags & kUnreadable) != 0}});
+  }
+  report["sources"] = std::move(sources);
+
+  base::Value tables = base::Value::array();
+  for (size_t i = 1; i < source_tables_.size(); ++i) {
+    const SourceTableCount& t = source_tables_[i];
+    tables.push_back({{"source", Utf8(t.source)},
+                      {"table", t.table},
+                      {"rows_read", t.rows_read},
+                      {"records_made", t.records_made},
+                      {"rows_merged", t.rows_merged}});
+  }
+  report["source_tables"] = std::move(tables);
+
+  // One entry per source-to-target pair: what was read for the target is
+  // what was written plus what was dropped.
+  base::Value flows = base::Value::array();
+  for (const auto& [key, flow] : flows_) {
+    const SourceTableCount& from = source_tables_[key.first];
+    int64_t dropped = 0;
+    base::Value reasons = base::Value::object();
+    for (const auto& [reason, count] : flow.dropped) {
+      reasons[reason] = count;
+      dropped += count;
+    }
+    flows.push_back({{"source", Utf8(from.source)},
+                     {"from", from.table},
+                     {"to", key.second},
+                     {"read", flow.written + dropped},
+                     {"written", flow.written},
+                     {"dropped", dropped},
+                     {"dropped_by_reason", std::move(reasons)}});
+  }
+  report["flows"] = std::move(flows);
+
+  // Per target table: rows the writers sent, and rows found in the finished
+  // file when it was counted. A difference is reported, not corrected.
+  std::map<std::string, int64_t> sent;
+  for (const auto& [key, flow] : flows_)
+    sent[key.second] += flow.written;
+  for (const auto& [table, counted] : counted_)
+    sent.try_emplace(table, 0);
+  base::Value targets = base::Value::array();
+  for (const auto& [table, rows] : sent) {
+    base::Value entry = {{"table", table}, {"rows_sent", rows}};
+    auto counted = counted_.find(table);
+    if (counted == counted_.end()) {
+      entry["database"] = nullptr;
+      entry["rows_counted"] = nullptr;
+      entry["matches"] = nullptr;
+    } else {
+      entry["database"] = counted->second.first;
+      entry["rows_counted"] = counted->second.second;
+      entry["matches"] = counted->second.second == rows;
+    }
+    targets.push_back(std::move(entry));
+  }
+  report["target_tables"] = std::move(targets);
+  report["summary"] = Summary(sent);
+  base::Value databases = base::Value::array();
+  for (const auto& [database, result] : verified_) {
+    databases.push_back(
+        {{"database", database}, {"read_back", result.first}, {"error", result.second}});
+  }
+  report["target_databases"] = std::move(databases);
+
+  base::Value drops = base::Value::array();
+  for (const auto& [key, d] : drops_) {
+    base::Value examples = base::Value::array();
+    for (const DropExample& example : d.examples)
+      examples.push_back(ExampleJson(example));
+    drops.push_back({{"reason", key},
+                     {"text", d.count == 1 ? d.reason.one : d.reason.many},
+                     {"count", d.count},
+                     {"examples", std::move(examples)}});
+  }
+  report["dropped"] = std::move(drops);
+
+  report["upgrade"] = upgrade_;
+  report["settings_keys"] = settings_keys_;
+  base::Value dbcheck = base::Value::object();
+  for (const auto& [key, value] : dbcheck_)
+    dbcheck[Utf8(key)] = Utf8(value);
+  report["dbcheck"] = std::move(dbcheck);
+  base::Value stages = base::Value::array();
+  for (const auto& [name, seconds] : stages_)
+    stages.push_back({{"name", name}, {"seconds", seconds}});
+  report["stages"] = std::move(stages);
+  return report;
+}
+
+// What the new databases hold, in the terms a person counts in: rows as
+// counted in the finished files where they were counted, else as sent.
+base::Value ImportReport::Summary(const std::map<std::string, int64_t>& sent) const {
+  auto rows = [&](const std::string& table) -> int64_t {
+    auto counted = counted_.find(table);
+    if (counted != counted_.end())
+      return counted->second.second;
+    auto found = sent.find(table);
+    return found == sent.end() ? 0 : found->second;
+  };
+  int64_t entries = 0;
+  for (const auto& [table, unused] : sent) {
+    if (table.rfind("GeneralList_", 0) == 0)
+      entries += rows(table);
+  }
+  int64_t library = rows("ShareFileItems");
+  return {{"songs", library - library_videos_},
+          {"videos", library_videos_},
+          {"lists", rows("GeneralListTable")},
+          {"list_entries", entries},
+          {"downloads", rows("DownloadItem")},
+          {"settings", static_cast<int64_t>(settings_keys_.size())}};
+}
+
+bool ImportReport::Write(const base::FilePath& data_folder) const {
+  base::FilePath temp = data_folder.Append(importer_names::kReportTempFileName);
+  std::string text;
+  try {
+    text = ToJson().dump(2, ' ', false, base::Value::error_handler_t::replace);
+  } catch (...) {
+    return false;
+  }
+  if (!base::WriteFile(temp, text + "\n")) {
+    // The failure is what the caller reports; a half-written temporary
+    // file is only tidied away.
+    (void)base::DeleteFile(temp);
+    return false;
+  }
+  return base::ReplaceFile(temp, data_folder.Append(importer_names::kReportFileName));
+}
+
+SourceTableTally::SourceTableTally(ImportReport* report, const base::FilePath& read_path,
+                                   const std::string& table)
+    : report_(report), table_(table) {
+  if (report_)
+    origin_ = report_->SourceTable(read_path, table);
+}
+
+SourceTableTally::~SourceTableTally() {
+  if (report_)
+    report_->AddRead(origin_, read_, made_);
+}
+
+void SourceTableTally::Dropped(const std::string& target, const DropReason& reason,
+                               int64_t old_id, const std::wstring& name) {
+  if (report_)
+    report_->AddDrop(origin_, target, reason, {table_, old_id, name});
+}
+
+TargetTableTally::TargetTableTally(ImportReport* report, std::string target)
+    : report_(report), target_(std::move(target)) {}
+
+TargetTableTally::~TargetTableTally() {
+  if (!report_)
+    return;
+  for (const auto& [origin, counts] : counts_) {
+    if (counts.written)
+      report_->AddWritten(origin, target_, counts.written);
+    for (const auto& [reason, dropped] : counts.dropped)
+      report_->AddDrops(origin, target_, *reason, dropped.first, dropped.second);
+  }
+}
+
+TargetTableTally::Counts& TargetTableTally::For(int origin) {
+  if (origin != last_origin_ || !last_) {
+    last_ = &counts_[origin];
+    last_origin_ = origin;
+  }
+  return *last_;
+}
+
+void TargetTableTally::Written(int origin) {
+  if (report_)
+    ++For(origin).written;
+}
+
+void TargetTableTally::Dropped(int origin, const DropReason& reason,
+                               const ImportReport::DropExample& example) {
+  if (!report_)
+    return;
+  auto& dropped = For(origin).dropped[&reason];
+  ++dropped.first;
+  if (dropped.second.size() < ImportReport::kMaxExamples)
+    dropped.second.push_back(example);
+}

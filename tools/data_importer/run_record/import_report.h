@@ -1,0 +1,254 @@
+#ifndef TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_
+#define TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/file_path.h"
+#include "base/json_file.h"
+
+// Why a record of an older generation did not become a row of the new
+// databases. |key| names the reason in the report; |one| and |many| describe
+// one record and several of them for a person.
+struct DropReason {
+  const char* key;
+  const char* one;
+  const char* many;
+};
+
+namespace drop_reason {
+inline constexpr DropReason kListEntrySongMissing = {
+    "list_entry_song_missing", "list entry whose song is not in the library",
+    "list entries whose song is not in the library"};
+inline constexpr DropReason kListTypeNotImported = {
+    "list_type_not_imported", "list of a type that is not imported",
+    "lists of a type that is not imported"};
+inline constexpr DropReason kListWithoutEntries = {
+    "list_without_entries", "list without entries that can be imported",
+    "lists without entries that can be imported"};
+inline constexpr DropReason kDownloadUnresolved = {
+    "download_unresolved", "download whose file is not in the library",
+    "downloads whose file is not in the library"};
+inline constexpr DropReason kFolderFileMissing = {
+    "folder_file_missing", "watched-folder file that is not in the library",
+    "watched-folder files that are not in the library"};
+inline constexpr DropReason kCopyNotEncrypted = {
+    "copy_not_encrypted", "row of a version-2 database whose encrypted copy is not in place",
+    "rows of a version-2 database whose encrypted copy is not in place"};
+inline constexpr DropReason kCloudListsMissing = {
+    "cloud_lists_missing", "cloud-list row without a cloud list to belong to",
+    "cloud-list rows without a cloud list to belong to"};
+inline constexpr DropReason kRowRefused = {
+    "row_refused", "row refused by the new database", "rows refused by the new database"};
+}  // namespace drop_reason
+
+// The account of one run, written at its end as "ImportReport.json" in the
+// data folder: the task, every source found and what became of it, per
+// source table the rows read and the records made, per source-to-target pair
+// the rows read, written and dropped (by reason, with the first examples),
+// per target table the rows the writers sent and the rows counted in the
+// finished files, the settings keys carried, the "DBCheck" values written
+// and the time of each stage. It changes nothing the run does or writes
+// elsewhere.
+//
+// Readers reach the report through the import model (ImportModel::report())
+// and count with SourceTableTally; writers count with TargetTableTally (the
+// row-writing rule of table_writer.h does it for them). A record carries the
+// source table it was read from as its |origin|, an id this report hands
+// out; origin 0 stands for "not recorded", so records of a reader that does
+// not count still add up on the target side.
+//
+// Used on the run's one thread. Nothing here fails the run: a report that
+// cannot be written is logged and the run goes on.
+class ImportReport {
+ public:
+  static constexpr int kVersion = 1;
+  // Examples kept per drop reason.
+  static constexpr size_t kMaxExamples = 5;
+
+  // Flags of a source file.
+  enum SourceFlags : unsigned {
+    kCopied = 1,      // copied into the data folder by this run
+    kReusedCopy = 2,  // a copy an earlier run left in the data folder was read
+    kRepaired = 4,    // damaged; readable after the compaction ("VACUUM")
+    kUnreadable = 8,  // exists but could not be copied or opened soundly
+  };
+
+  struct DropExample {
+    std::string table;  // source table, or target table for a refused row
+    int64_t old_id = 0;
+    std::wstring name;
+  };
+
+  ImportReport();
+
+  void SetTask(const std::wstring& task, int import_kind);
+  const std::wstring& task() const { return task_; }
+
+  // Records the source file |original| read through its copy |read_path|
+  // (the same path when the run read the file where it lies) with |flags|.
+  // A later call for the same |read_path| adds its flags.
+  void AddSource(const base::FilePath& original, const base::FilePath& read_path,
+                 const std::string& layout, unsigned flags);
+  // Adds |flags| to the source read through |read_path| (recorded as its own
+  // source when unknown).
+  void MarkSource(const base::FilePath& read_path, unsigned flags);
+
+  // The origin id of table |table| of the source file |read_path|; the same
+  // pair always answers the same id.
+  int SourceTable(const base::FilePath& read_path, const std::string& table);
+  void AddRead(int origin, int64_t rows, int64_t made);
+  // |rows| records made from |origin| turned out to repeat a record made
+  // from another table (a history row of a download that the download table
+  // holds as well): they are kept once, as that record, and count as merged
+  // instead of made.
+  void AddMerged(int origin, int64_t rows);
+
+  // A record of |origin| that was meant for |target| and is not there.
+  void AddDrop(int origin, const std::string& target, const DropReason& reason,
+               const DropExample& example);
+  void AddDrops(int origin, const std::string& target, const DropReason& reason, int64_t count,
+                const std::vector<DropExample>& examples);
+  // Rows of |origin| inserted into |target|.
+  void AddWritten(int origin, const std::string& target, int64_t rows);
+
+  // Per-table row counts read back from a finished database file |database|
+  // (its final name) before it replaced the old one; |ok| false with
+  // |error| when the file failed that check and did not replace it.
+  void SetCountedRows(const std::string& database, const std::map<std::string, int64_t>& counts,
+                      bool ok, const std::string& error);
+
+  // MV (video) files among the rows written to "ShareFileItems".
+  void AddLibraryVideos(int64_t videos) { library_videos_ += videos; }
+
+  // What a version-2 task ended with, as the words of "UpgradeResult.json"
+  // (an object); a null value for every other task.
+  void SetUpgradeOutcome(base::Value outcome) { upgrade_ = std::move(outcome); }
+
+  void AddSettingsKey(const std::string& key);
+  // A "DBCheck" value written by this run (the last one of a key wins).
+  void NoteDBCheck(const std::wstring& key, const std::wstring& value);
+  void AddStage(const std::string& name, double seconds);
+
+  // Rows a writer sent to |target| (0 when none).
+  int64_t WrittenRows(const std::string& target) const;
+  // Drops of |reason| over all pairs.
+  int64_t DropCount(const DropReason& reason) const;
+
+  base::Value ToJson() const;
+  // Writes the report as |data_folder|/"ImportReport.json", replacing an
+  // earlier one in one rename. False when it cannot be written.
+  [[nodiscard]] bool Write(const base::FilePath& data_folder) const;
+
+ private:
+  struct Source {
+    std::wstring original;
+    std::wstring read_path;
+    std::string layout;
+    unsigned flags = 0;
+  };
+  struct SourceTableCount {
+    std::wstring source;
+    std::string table;
+    int64_t rows_read = 0;
+    int64_t records_made = 0;
+    int64_t rows_merged = 0;
+  };
+  struct Flow {
+    int64_t written = 0;
+    std::map<std::string, int64_t> dropped;  // by reason key
+  };
+  struct Drops {
+    DropReason reason;
+    int64_t count = 0;
+    std::vector<DropExample> examples;
+  };
+
+  Source* FindSource(const std::wstring& read_path);
+  base::Value Summary(const std::map<std::string, int64_t>& sent) const;
+
+  std::wstring task_;
+  int import_kind_ = 0;
+  std::vector<Source> sources_;
+  std::vector<SourceTableCount> source_tables_;  // index = origin; 0 unrecorded
+  std::map<std::pair<int, std::string>, Flow> flows_;
+  std::map<std::string, Drops> drops_;  // by reason key
+  // Target table -> (database, rows counted in the finished file).
+  std::map<std::string, std::pair<std::string, int64_t>> counted_;
+  // Database -> (read back soundly, why not).
+  std::map<std::string, std::pair<bool, std::string>> verified_;
+  int64_t library_videos_ = 0;
+  base::Value upgrade_;
+  std::vector<std::string> settings_keys_;
+  std::vector<std::pair<std::wstring, std::wstring>> dbcheck_;
+  std::vector<std::pair<std::string, double>> stages_;
+};
+
+// Counts one source table as a reader walks it and hands the sums to the
+// report when it goes. A null report counts nothing.
+//
+//   SourceTableTally tally(m_model->report(), path, "MusicItems");
+//   while (row.Step()) {
+//     tally.Read();
+//     ...
+//     tally.Made(record.get());  // stamps the record's origin
+//   }
+class SourceTableTally {
+ public:
+  SourceTableTally(ImportReport* report, const base::FilePath& read_path,
+                   const std::string& table);
+  ~SourceTableTally();
+  SourceTableTally(const SourceTableTally&) = delete;
+  SourceTableTally& operator=(const SourceTableTally&) = delete;
+
+  void Read() { ++read_; }
+  template <typename Record>
+  void Made(Record* record) {
+    record->origin = origin_;
+    ++made_;
+  }
+  // A row read and not turned into a record for |target|.
+  void Dropped(const std::string& target, const DropReason& reason, int64_t old_id,
+               const std::wstring& name);
+  int origin() const { return origin_; }
+
+ private:
+  ImportReport* report_;
+  std::string table_;
+  int origin_ = 0;
+  int64_t read_ = 0;
+  int64_t made_ = 0;
+};
+
+// Counts the rows one writer sends to |target| by their records' origins and
+// hands the sums to the report when it goes. A null report counts nothing.
+class TargetTableTally {
+ public:
+  TargetTableTally(ImportReport* report, std::string target);
+  ~TargetTableTally();
+  TargetTableTally(const TargetTableTally&) = delete;
+  TargetTableTally& operator=(const TargetTableTally&) = delete;
+
+  void Written(int origin);
+  void Dropped(int origin, const DropReason& reason, const ImportReport::DropExample& example);
+
+ private:
+  struct Counts {
+    int64_t written = 0;
+    // By reason (the reasons are constants of drop_reason, or alike).
+    std::map<const DropReason*, std::pair<int64_t, std::vector<ImportReport::DropExample>>>
+        dropped;
+  };
+  Counts& For(int origin);
+
+  ImportReport* report_;
+  std::string target_;
+  std::map<int, Counts> counts_;
+  int last_origin_ = -1;
+  Counts* last_ = nullptr;
+};
+
+#endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_

@@ -1,0 +1,75 @@
+#include "tools/data_importer/run_record/progress_record.h"
+
+#include <gtest/gtest.h>
+
+#include "tools/data_importer/environment/data_folder.h"
+#include "testing/importer_test_util.h"
+
+namespace {
+
+TEST(ProgressRecordTest, InitialiseResetsTheSection) {
+  TestProfile profile;
+  ProgressRecord record;
+  record.Initialise(GetDataFolder());
+  EXPECT_EQ(profile.ini().value(), record.ini_path());
+  for (const wchar_t* key :
+       {L"ImportProgress", L"ImportState", L"UpdateProgress", L"ImportPlayLists", L"ForceDeleteDb"})
+    EXPECT_EQ(L"", profile.DBCheck(key)) << key;
+  EXPECT_EQ(L"-1", profile.DBCheck(L"BeforceImportEmpty"));
+  EXPECT_EQ(L"#missing#", profile.DBCheck(L"ImportEnd"));
+}
+
+TEST(ProgressRecordTest, AdvanceClampsToFloorAndNinetyNine) {
+  TestProfile profile;
+  ProgressRecord record;
+  record.Initialise(GetDataFolder());
+  record.Advance(1, 50);
+  EXPECT_EQ(50, record.progress());
+  EXPECT_EQ(L"50", profile.DBCheck(L"ImportProgress"));
+  record.SetProgress(98);
+  record.Advance(4, 0);
+  EXPECT_EQ(L"99", profile.DBCheck(L"ImportProgress"));
+  // A sum of exactly 100 is also held at 99: only the entry point writes 100.
+  record.SetProgress(90);
+  record.Advance(10, 0);
+  EXPECT_EQ(99, record.progress());
+  EXPECT_EQ(L"99", profile.DBCheck(L"ImportProgress"));
+  record.SetProgress(45);
+  record.Advance(10, 50);
+  EXPECT_EQ(L"55", profile.DBCheck(L"ImportProgress"));
+  record.Advance(5, 0);
+  EXPECT_EQ(60, record.progress());
+  record.Advance(-20, 0);  // below a floor of 0 nothing clamps
+  EXPECT_EQ(40, record.progress());
+}
+
+TEST(ProgressRecordTest, FailureReportsEndBeforeAddingBits) {
+  TestProfile profile;
+  ProgressRecord record;
+  record.Initialise(GetDataFolder());
+  record.ReportFailure(ProgressRecord::kStateBuildFailed);
+  // The first failure leaves "ImportEnd" at the state before it.
+  EXPECT_EQ(L"4", profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"8", profile.DBCheck(L"ImportState"));
+  EXPECT_EQ(8u, record.WriteEnd());
+  EXPECT_EQ(L"5", profile.DBCheck(L"ImportEnd"));
+
+  record.ReportFailure(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed);
+  EXPECT_EQ(L"28", profile.DBCheck(L"ImportState"));
+
+  // Bits 2, 4 and 16 alone do not make the end a failure.
+  ProgressRecord other;
+  other.Initialise(GetDataFolder());
+  other.ReportFailure(ProgressRecord::kStateListsFailed);
+  EXPECT_EQ(2u, other.WriteEnd());
+  EXPECT_EQ(L"4", profile.DBCheck(L"ImportEnd"));
+
+  // An empty source ends with "8" whatever the state.
+  other.SetSourceEmpty(true);
+  EXPECT_EQ(L"1", profile.DBCheck(L"BeforceImportEmpty"));
+  other.ReportFailure(ProgressRecord::kStateNotStarted);
+  other.WriteEnd();
+  EXPECT_EQ(L"8", profile.DBCheck(L"ImportEnd"));
+}
+
+}  // namespace

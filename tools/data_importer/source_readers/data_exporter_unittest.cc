@@ -1,0 +1,190 @@
+#include "tools/data_importer/source_readers/data_exporter.h"
+
+#include <gtest/gtest.h>
+
+#include "base/file_util.h"
+#include "sql/connection.h"
+#include "testing/test_support.h"
+#include "tools/data_importer/environment/data_folder.h"
+#include "testing/importer_test_util.h"
+#include "tools/data_importer/run_record/progress_record.h"
+#include "tools/data_importer/target_store/import_model.h"
+
+namespace {
+
+// Opens the protected mechanisms of the base to the tests.
+class ProbeExporter : public DataExporter {
+ public:
+  explicit ProbeExporter(ImportModel* model = nullptr) : DataExporter(model) {}
+  ExportResult ExportData() override { return ExportResult::kExported; }
+  std::wstring Dump(const base::FilePath&) override { return std::wstring(); }
+  base::FilePath GetDatabasePath() override { return base::FilePath(); }
+
+  using DataExporter::AdvanceReadProgress;
+  using DataExporter::ObtainWorkCopy;
+  using DataExporter::OpenSourceWithRepair;
+  using DataExporter::WorkCopy;
+  DatabaseHelper* db() { return m_db.get(); }
+};
+
+TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
+  TestProfile profile;
+  ProbeExporter exporter;
+  base::FilePath folder = GetDataFolder();
+  base::FilePath work = folder.Append(L"Work.db");
+  base::FilePath source = profile.root().Append(L"Source.db");
+  base::FilePath backup = GetDatedBackupFolder().Append(L"Backup.db");
+  base::FilePath intermediate = folder.Append(L"DataImporter.db");
+  int lookups = 0;
+  auto find = [&] {
+    ++lookups;
+    return source;
+  };
+
+  // No earlier copy, no source: nothing is created.
+  EXPECT_EQ(ProbeExporter::WorkCopy::kNoSource, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_FALSE(base::PathExists(work));
+  EXPECT_FALSE(base::PathExists(intermediate));
+
+  testing_support::WriteBytes(source, "first");
+  EXPECT_EQ(ProbeExporter::WorkCopy::kCopied, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ("first", testing_support::ReadBytes(work));
+  EXPECT_EQ("first", testing_support::ReadBytes(backup));
+  EXPECT_EQ("first", testing_support::ReadBytes(intermediate));
+
+  // A second run keeps its work copy and never asks for the source.
+  testing_support::WriteBytes(source, "second");
+  testing_support::WriteBytes(intermediate, "stale");
+  lookups = 0;
+  EXPECT_EQ(ProbeExporter::WorkCopy::kReused, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ(0, lookups);
+  EXPECT_EQ("first", testing_support::ReadBytes(work));
+  EXPECT_EQ("first", testing_support::ReadBytes(intermediate));
+
+  // A source that cannot be copied (here: a folder in the work copy's way
+  // is missing) ends before any other copy.
+  base::FilePath unreachable = folder.Append(L"no such folder").Append(L"Work.db");
+  EXPECT_TRUE(base::DeleteFile(intermediate));
+  EXPECT_EQ(ProbeExporter::WorkCopy::kCopyFailed,
+            exporter.ObtainWorkCopy(unreachable, find, L"Backup.db"));
+  EXPECT_FALSE(base::PathExists(intermediate));
+}
+
+TEST(DataExporterTest, OpenSourceWithRepairRefusesGarbage) {
+  testing_support::ScopedTempDir dir;
+  ProbeExporter exporter;
+  base::FilePath good = dir.path().Append(L"good.db");
+  {
+    sql::Connection db;
+    ASSERT_TRUE(db.Open(good));
+    ASSERT_TRUE(db.Execute("CREATE TABLE T(x)"));
+  }
+  base::FilePath garbage = dir.path().Append(L"garbage.db");
+  testing_support::WriteBytes(garbage, std::string(4096, 'g'));
+  EXPECT_TRUE(exporter.OpenSourceWithRepair(good));
+  EXPECT_TRUE(exporter.db()->connection()->DoesTableExist("T"));
+  EXPECT_FALSE(exporter.OpenSourceWithRepair(garbage));
+  EXPECT_FALSE(exporter.db()->connection()->DoesTableExist("T"));  // the old helper is gone
+}
+
+TEST(DataExporterTest, DumpSummaries) {
+  testing_support::ScopedTempDir dir;
+  base::FilePath missing = dir.path().Append(L"VTData.db");
+  EXPECT_EQ(L"{" + missing.value() + L"} do not exists.",
+            DumpTableSummary(missing, Generation7DumpTables()));
+  EXPECT_FALSE(base::PathExists(missing));  // nothing was created
+
+  base::FilePath none = dir.path().Append(L"none.db");
+  {
+    sql::Connection db;
+    ASSERT_TRUE(db.Open(none));
+    EXPECT_TRUE(db.Execute("CREATE TABLE Unrelated(x)"));
+  }
+  EXPECT_EQ(L"SUMMARY OF DB FILE {" + none.value() + L"}: \n",
+            DumpTableSummary(none, Generation7DumpTables()));
+
+  base::FilePath some = dir.path().Append(L"some.db");
+  {
+    sql::Connection db;
+    ASSERT_TRUE(db.Open(some));
+    EXPECT_TRUE(db.Execute("CREATE TABLE PlayLists(PlayListID integer)"));
+    EXPECT_TRUE(db.Execute("CREATE TABLE AppLists(ID integer)"));
+    EXPECT_TRUE(db.Execute("INSERT INTO AppLists VALUES (1), (2), (NULL)"));
+  }
+  EXPECT_EQ(L"SUMMARY OF DB FILE {" + some.value() + L"}: \n"
+                L"\tAppLists: COUNT(ID) is {2}.\n"
+                L"\tPlayLists: COUNT(PlayListID) is {0}.\n",
+            DumpTableSummary(some, Generation7DumpTables()));
+
+  base::FilePath garbage = dir.path().Append(L"garbage.db");
+  testing_support::WriteBytes(garbage, std::string(4096, 'g'));
+  EXPECT_EQ(L"Failed to open database file {" + garbage.value() + L"}.\n",
+            DumpTableSummary(garbage, Generation7DumpTables()));
+}
+
+TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
+  TestProfile profile;
+  ProgressRecord record;
+  record.Initialise(GetDataFolder());
+  record.SetProgress(10);
+  ImportModel model(&record);
+  ProbeExporter exporter(&model);
+
+  exporter.AdvanceReadProgress(5);
+  EXPECT_EQ(L"15", profile.DBCheck(L"ImportProgress"));
+  record.SetProgress(46);
+  exporter.AdvanceReadProgress(5);  // crosses 49: stops at it
+  EXPECT_EQ(L"49", profile.DBCheck(L"ImportProgress"));
+  exporter.AdvanceReadProgress(1);
+  EXPECT_EQ(49, record.progress());
+  exporter.AdvanceReadProgress(-3);  // never goes back
+  EXPECT_EQ(49, record.progress());
+  // Progress the build already moved past 49 is left alone, not pulled down.
+  record.SetProgress(60);
+  exporter.AdvanceReadProgress(1);
+  EXPECT_EQ(60, record.progress());
+  EXPECT_EQ(L"60", profile.DBCheck(L"ImportProgress"));
+
+  // Without a progress record the advance is a no-op.
+  ImportModel bare;
+  ProbeExporter detached(&bare);
+  detached.AdvanceReadProgress(5);
+
+  // A ticker made on the exporter advances the record itself.
+  record.SetProgress(10);
+  ReadProgressTicker ticker(&exporter, 4);
+  for (int i = 0; i < 4; ++i)
+    ticker.Tick();
+  EXPECT_EQ(L"20", profile.DBCheck(L"ImportProgress"));
+}
+
+TEST(DataExporterTest, TickerAdvancesOncePerTenthOfTheRows) {
+  std::vector<int> rows_that_advanced;
+  int total_delta = 0;
+  int row = 0;
+  ReadProgressTicker ticker(
+      [&](int delta) {
+        rows_that_advanced.push_back(row);
+        total_delta += delta;
+      },
+      25);
+  for (row = 1; row <= 30; ++row)  // five rows more than announced
+    ticker.Tick();
+  EXPECT_EQ((std::vector<int>{3, 5, 8, 10, 13, 15, 18, 20, 23, 25}), rows_that_advanced);
+  EXPECT_EQ(10, total_delta);
+  EXPECT_EQ(10, ticker.tenths());
+
+  // Fewer rows than tenths: each row advances by the tenths it covers.
+  std::vector<int> deltas;
+  ReadProgressTicker small([&](int delta) { deltas.push_back(delta); }, 3);
+  for (int i = 0; i < 3; ++i)
+    small.Tick();
+  EXPECT_EQ((std::vector<int>{3, 3, 4}), deltas);
+
+  int calls = 0;
+  ReadProgressTicker empty([&](int) { ++calls; }, 0);
+  empty.Tick();
+  EXPECT_EQ(0, calls);
+}
+
+}  // namespace

@@ -1,0 +1,309 @@
+#include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
+
+#include <cwchar>
+#include <exception>
+#include <filesystem>
+#include <system_error>
+
+#include "base/file_util.h"
+#include "tools/data_importer/environment/installation_lookup.h"
+#include "logging/debug_output.h"
+#include "logging/logging.h"
+#include "tools/data_importer/environment/data_folder.h"
+#include "tools/data_importer/run_record/import_report.h"
+#include "tools/data_importer/run_record/progress_record.h"
+#include "tools/data_importer/settings/v6_settings_reader.h"
+#include "tools/data_importer/target_store/import_model.h"
+
+
+namespace {
+
+constexpr wchar_t kV1Database[] = L"VTData.db";
+constexpr wchar_t kV1Copy[] = L"VT6Data.db";
+constexpr wchar_t kLibraryPattern[] = L"VTLibrary*.db";
+
+std::vector<base::FilePath> ListFiles(const base::FilePath& folder, const wchar_t* pattern) {
+  std::vector<base::FilePath> files;
+  base::FileEnumerator enumerator(folder, pattern);
+  for (base::FilePath file = enumerator.Next(); !file.empty(); file = enumerator.Next())
+    files.push_back(file);
+  return files;
+}
+
+// Entries of |folder| matching |pattern| that are not regular files, such
+// as a folder under a library file's name; the file enumeration passes over
+// them, so they would otherwise go unnoticed.
+std::vector<base::FilePath> ListNonFiles(const base::FilePath& folder, const wchar_t* pattern) {
+  std::vector<base::FilePath> entries;
+  std::error_code error;
+  std::filesystem::path native(base::ResolvePathCase(folder).AsUTF8Unsafe());
+  for (std::filesystem::directory_iterator it(native, error), end; !error && it != end;
+       it.increment(error)) {
+    base::FilePath entry = base::FilePath::FromUTF8Unsafe(it->path().string());
+    std::error_code type_error;
+    if (!it->is_regular_file(type_error) &&
+        base::FileEnumerator::MatchPattern(entry.BaseName().value(), pattern))
+      entries.push_back(entry);
+  }
+  return entries;
+}
+
+// The failure bits of the readers that read a library file: music items and
+// lists from each, the downloads from "VTLibrary.db" as well.
+uint32_t LibraryFileBits(const base::FilePath& file) {
+  uint32_t bits = ProgressRecord::kStateMusicFailed | ProgressRecord::kStateListsFailed;
+  if (base::FileEnumerator::MatchPattern(file.BaseName().value(), L"VTLibrary.db"))
+    bits |= ProgressRecord::kStateTableFailed;
+  return bits;
+}
+
+}  // namespace
+
+V6DataExporter::V6DataExporter(ImportModel* model) : DataExporter(model) {}
+
+V6DataExporter::~V6DataExporter() = default;
+
+std::wstring V6DataExporter::Dump(const base::FilePath& path) {
+  return std::wstring();
+}
+
+base::FilePath V6DataExporter::LocateInstallation() {
+  base::FilePath program = GetGeneration6ProgramPath();
+  return program.empty() ? program : program.DirName();
+}
+
+base::FilePath V6DataExporter::GetDatabasePath() {
+  base::FilePath folder = LocateInstallation();
+  if (folder.empty())
+    return folder;
+  m_source_db = folder.Append(kV1Database);
+  return m_source_db;
+}
+
+void V6DataExporter::ClearLookups() {
+  m_list_ids.clear();
+  m_music_items.clear();
+  m_mv_items.clear();
+  m_v2_music_items.clear();
+}
+
+ExportResult V6DataExporter::ExportData() {
+  ClearLookups();
+  CopyLyrics();
+
+  bool v1 = CopyV1Database();
+  bool v2 = !v1 && CopyV2Databases();
+  if (!v1 && !v2) {
+    logging::OutputDebugStringW(L"CopyV6DB Failed!!!");
+    ReportState(ProgressRecord::kStateNotStarted);
+    return ExportResult::kNothingExported;
+  }
+  V6LOG(logging::LOG_PROGRESS) << L"V6 DB version is {" << (v1 ? L"V1" : L"V2") << L"}.";
+  ExportResult result = v1 ? ReadV1Layout() : ReadV2Layout();
+
+  ClearLookups();
+  V6LOG(logging::LOG_PROGRESS) << L"V6DataExporter::ExportData DONE!";
+  return result;
+}
+
+const wchar_t* V6DataExporter::LogTag() const {
+  return kV6LogTag;
+}
+
+void V6DataExporter::CopyLyrics() {
+  base::FilePath program = LocateInstallation();
+  if (program.empty())
+    return;
+  std::vector<base::FilePath> lyrics = ListFiles(program.Append(L"Lyric"), L"*.krc");
+  if (lyrics.empty())
+    return;
+  base::FilePath target = GetLyricFolder();
+  if (!base::DirectoryExists(target))
+    // A folder that cannot be made makes every copy below fail.
+    (void)base::CreateDirectory(target);
+  for (const base::FilePath& lyric : lyrics)
+    // A lyric file that cannot be copied is skipped.
+    (void)base::CopyFile(lyric, target.Append(lyric.BaseName().value()));
+}
+
+bool V6DataExporter::CopyV1Database() {
+  m_work_db = GetDataFolder().Append(kV1Copy);
+  bool reused = base::PathExists(m_work_db);
+  if (reused) {
+    logging::OutputDebugStringW(L"v6bak DB exist!!!");
+  } else {
+    V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not found.";
+  }
+  WorkCopy copy = ObtainWorkCopy(
+      m_work_db, [this] { return GetDatabasePath(); }, kV1Copy, "V1");
+  if (copy == WorkCopy::kNoSource) {
+    V6LOG(logging::LOG_FAILURE) << L"File {" << m_source_db.value() << L"} do not found.";
+    logging::OutputDebugStringW(L"v6 DB is not exist!!!");
+    return false;
+  }
+  // A failed copy has been logged; reading then finds no work copy and
+  // reports it, so the layout still counts as found.
+  return true;
+}
+
+bool V6DataExporter::CopyV2Databases() {
+  try {
+    return CopyV2DatabasesUnguarded();
+  } catch (...) {
+    V6LOG(logging::LOG_FAILURE) << L"V6DataExporter::CopyV6DBV2: UNKNOWN EXCEPTION.";
+    logging::OutputDebugStringW(L"CopyV6DBv2 exception!!!");
+    return false;
+  }
+}
+
+bool V6DataExporter::CopyV2DatabasesUnguarded() {
+  base::FilePath work = GetDataFolder();
+  V6LOG(logging::LOG_PROGRESS) << L"Search folder {" << work.value() << L"} with pattern {"
+                               << kLibraryPattern << L"}.";
+  std::vector<base::FilePath> copies = ListFiles(work, kLibraryPattern);
+  if (!copies.empty()) {
+    V6LOG(logging::LOG_PROGRESS) << L"V6BakDB files exists, backup file count {"
+                                 << copies.size() << L"}.";
+    logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
+    base::FilePath backup = GetDatedBackupFolder();
+    // Copy failures are logged by CopyWithLog and do not stop the export.
+    for (const base::FilePath& copy : copies) {
+      Report()->AddSource(copy, copy, "V2", ImportReport::kReusedCopy);
+      (void)CopyWithLog(copy, backup.Append(copy.BaseName().value()));
+    }
+    return true;
+  }
+  base::FilePath program = LocateInstallation();
+  std::vector<base::FilePath> sources;
+  if (!program.empty()) {
+    sources = ListFiles(program, kLibraryPattern);
+    // A library file that exists but cannot be read still loses data: it is
+    // reported with the bits of the readers it would have fed.
+    for (const base::FilePath& entry : ListNonFiles(program, kLibraryPattern)) {
+      V6LOG(logging::LOG_FAILURE) << L"File {" << entry.value() << L"} is not a readable file.";
+      ReportState(LibraryFileBits(entry));
+    }
+  }
+  if (sources.empty()) {
+    V6LOG(logging::LOG_FAILURE) << L"V6DB files do not exists.";
+    logging::OutputDebugStringW(L"v6 DBv2 is not exist!!!");
+    return false;
+  }
+  base::FilePath backup = GetDatedBackupFolder();
+  for (const base::FilePath& source : sources) {
+    std::wstring name = source.BaseName().value();
+    bool copied = CopyWithLog(source, work.Append(name));  // logged there
+    if (!copied)
+      ReportState(LibraryFileBits(source));
+    Report()->AddSource(source, work.Append(name), "V2",
+                        copied ? ImportReport::kCopied : ImportReport::kUnreadable);
+    (void)CopyWithLog(source, backup.Append(name));  // the backup only: logged
+  }
+  return true;
+}
+
+ExportResult V6DataExporter::ReadV1Layout() {
+  if (!base::PathExists(m_work_db)) {
+    V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
+    ReportState(ProgressRecord::kStateNotStarted);
+  } else if (OpenSourceWithRepair(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
+    if (!ReadMusicVideos())
+      ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
+    if (!ReadMusicItems())
+      ReportState(ProgressRecord::kStateMusicFailed);
+    TableRead();
+    IndexListEntries();
+    if (!ReadPlayLists(false, 0))
+      ReportState(ProgressRecord::kStateListsFailed);
+    TableRead();
+    if (!ReadUnfinishedDownloads(false))
+      ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
+    if (!ReadFinishedDownloads())
+      ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
+  } else {
+    V6LOG(logging::LOG_FAILURE) << L"Table {MusicItems} do not exists.";
+    ReportState(ProgressRecord::kStateNotStarted);
+  }
+  if (m_read_extras) {
+    ReadSettings();
+    ReadLoginHistory();
+  }
+  return ExportResult::kExported;
+}
+
+ExportResult V6DataExporter::ReadV2Layout() {
+  base::FilePath work = GetDataFolder();
+  std::vector<base::FilePath> libraries = ListFiles(work, kLibraryPattern);
+  if (libraries.empty()) {
+    V6LOG(logging::LOG_FAILURE) << L"Files of V6 DB V2 not found.";
+    ReportState(ProgressRecord::kStateNotStarted);
+    return ExportResult::kNothingExported;
+  }
+
+  // The downloads live in the first library file only.
+  for (const base::FilePath& library : libraries) {
+    if (library.BaseName().value() != L"VTLibrary.db")
+      continue;
+    V6LOG(logging::LOG_PROGRESS) << L"Loading {VTLibrary.db}.";
+    if (base::PathExists(library)) {
+      if (OpenSourceWithRepair(library)) {
+        if (!ReadUnfinishedDownloads(true))
+          ReportState(ProgressRecord::kStateTableFailed);
+        TableRead();
+        if (!ReadFinishedDownloads())
+          ReportState(ProgressRecord::kStateTableFailed);
+        TableRead();
+      } else {
+        V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
+        ReportState(ProgressRecord::kStateTableFailed);
+      }
+    } else {
+      V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
+    }
+  }
+
+  for (const base::FilePath& library : libraries) {
+    int number = 0;
+    std::swscanf(library.BaseName().value().c_str(), L"VTLibrary%d.db", &number);
+    if (!base::PathExists(library)) {
+      V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
+      ReportState(ProgressRecord::kStateNotStarted);
+      continue;
+    }
+    // An unsound file leaves m_db closed: both readers then fail and report
+    // their bits.
+    if (!OpenSourceWithRepair(library))
+      V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
+    if (!ReadMusicItemsV2(number))
+      ReportState(ProgressRecord::kStateMusicFailed);
+    TableRead();
+    IndexListEntries();
+    if (!ReadPlayLists(true, number))
+      ReportState(ProgressRecord::kStateListsFailed);
+    TableRead();
+  }
+  if (m_read_extras) {
+    ReadSettings();
+    ReadLoginHistory();
+  }
+  return ExportResult::kExported;
+}
+
+void V6DataExporter::ReadSettings() {
+  const base::FilePath program = LocateInstallation();
+  if (program.empty())
+    return;
+  // Read in place: the markup reader only opens the file for reading.
+  std::optional<ImportedSettings> settings = ReadV6Settings(program);
+  if (!settings) {
+    V6LOG(logging::LOG_FAILURE) << L"No settings read from {"
+                                << program.Append(L"VanTa.xml").value() << L"}.";
+    return;
+  }
+  m_model->AddSettings(*settings);
+}
+
+void V6DataExporter::ReadLoginHistory() {}

@@ -1,0 +1,99 @@
+// The generation-7 settings file carried through the exporter and a whole
+// import run.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/file_util.h"
+#include "testing/fixtures/generation7_fixture.h"
+#include "testing/test_support.h"
+#include "tools/data_importer/environment/data_folder.h"
+#include "tools/data_importer/data_importer_main.h"
+#include "testing/importer_test_util.h"
+#include "tools/data_importer/run_record/progress_record.h"
+#include "tools/data_importer/target_store/import_model.h"
+#include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
+
+namespace {
+
+const wchar_t kSettings[] =
+    L"[Player]\r\nVolume=66\r\n[MainPlayList]\r\nPlayMode=4\r\n"
+    L"[LyrciConfig]\r\nLyricPlayClrNew=255;65280\r\nLyricFontName=\u5b8b\u4f53\r\n"
+    L"[HotKeyConfig]\r\nGlobalHotKey=4390915,0,0,0,0,0,0,0,0,0,0,0\r\n"
+    L"[NetConfig]\r\nProxyType=2\r\n";
+
+class V7SettingsImportTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    V7SampleSize size;
+    size.songs = 20;
+    size.list_entries = 30;
+    ASSERT_TRUE(MakeSampleV7Database(size).Write(v7().Append(L"VTData.db")));
+  }
+
+  base::FilePath v7() const { return Generation7Folder(profile_.roaming()); }
+  void WriteSettings() {
+    testing_support::WriteBytes(v7().Append(L"VANTU.INI"),
+                                "\xFF\xFE" + testing_support::UTF16Bytes(kSettings, false));
+    ASSERT_TRUE(base::CreateDirectory(v7().Append(L"SkinPic2012")));
+  }
+
+  // Runs the exporter alone; answers the progress it reached.
+  int Export(ImportModel* model) {
+    V7DataExporter exporter(model);
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
+    return model->m_progress->progress();
+  }
+
+  TestProfile profile_;
+};
+
+// The settings step alone, as the exporter runs it after the table readers.
+class SettingsStep : public V7DataExporter {
+ public:
+  using V7DataExporter::V7DataExporter;
+  using V7DataExporter::MigrateSettings;
+};
+
+// The settings file adds one record and exactly one progress step; without
+// it, neither.
+TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
+  ProgressRecord record;
+  record.Initialise(GetDataFolder());
+  record.SetProgress(20);
+  ImportModel model(&record);
+  SettingsStep step(&model);
+  step.MigrateSettings();
+  EXPECT_EQ(20, record.progress());
+  EXPECT_TRUE(model.m_settings.empty());
+
+  WriteSettings();
+  step.MigrateSettings();
+  EXPECT_EQ(21, record.progress());
+  ASSERT_EQ(1u, model.m_settings.size());
+  EXPECT_EQ(66, model.m_settings[0].Volume);
+  EXPECT_FALSE(model.m_settings[0].MainWindowPositionSet);
+  // The whole export carries the same record.
+  ImportModel whole(&record);
+  EXPECT_EQ(49, Export(&whole));
+  ASSERT_EQ(1u, whole.m_settings.size());
+  EXPECT_EQ(66, whole.m_settings[0].Volume);
+}
+
+TEST_F(V7SettingsImportTest, SettingsArriveInTheNewIni) {
+  WriteSettings();
+  DataImporterMain();
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"66", profile_.Setting(L"Volume"));
+  EXPECT_EQ(L"2147483649", profile_.Setting(L"PlayMode"));
+  EXPECT_EQ(L"-65536,-16711936", profile_.Setting(L"LyricPlayColors"));
+  EXPECT_EQ(L"\u5b8b\u4f53", profile_.Setting(L"LyricFontName"));
+  EXPECT_EQ(L"1603", profile_.Setting(L"GlobalHotKeys0"));
+  EXPECT_EQ(L"2", profile_.Setting(L"ProxyType"));
+  EXPECT_EQ(L"9000", profile_.Setting(L"DownloadPort"));
+  EXPECT_EQ(L"#missing#", profile_.Setting(L"MainWindowX"));
+}
+
+}  // namespace

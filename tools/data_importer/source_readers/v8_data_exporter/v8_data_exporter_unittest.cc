@@ -1,0 +1,283 @@
+#include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "base/file_util.h"
+#include "sql/connection.h"
+#include "testing/test_support.h"
+#include "tools/data_importer/environment/data_folder.h"
+#include "tools/data_importer/data_importer_main.h"
+#include "testing/importer_test_util.h"
+#include "tools/data_importer/run_record/progress_record.h"
+#include "tools/data_importer/target_store/build_sequence.h"
+
+namespace {
+
+using testing_support::ReadBytes;
+
+class V8DataExporterTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    record_.Initialise(GetDataFolder());
+    model_.m_progress = &record_;
+  }
+
+  base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
+
+  // A plain database made by |statements|, 4096-byte pages.
+  static void MakeDatabase(const base::FilePath& path, const std::vector<std::string>& statements) {
+    ASSERT_TRUE(base::CreateDirectory(path.DirName()));
+    sql::Connection db;
+    db.set_page_size(4096);
+    ASSERT_TRUE(db.Open(path));
+    for (const std::string& statement : statements)
+      ASSERT_TRUE(db.Execute(statement.c_str())) << statement;
+  }
+
+  ExportResult Export() {
+    V8DataExporter exporter(&model_);
+    return exporter.ExportData();
+  }
+
+  TestProfile profile_;
+  ProgressRecord record_;
+  ImportModel model_;
+};
+
+TEST_F(V8DataExporterTest, NeitherFileImportsNothing) {
+  ASSERT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  TestProfile::Touch(Data(L"VTMusic.db.bak"));
+  EXPECT_EQ(ExportResult::kNothingExported, Export());
+  EXPECT_EQ(1u, record_.state());
+  EXPECT_TRUE(model_.m_share_files.empty());
+  EXPECT_FALSE(base::PathExists(Data(L"VT8Music.db")));
+}
+
+// The library file alone, in another letter case, its tables short of
+// columns and holding NULLs: what is there is read, the rest is neutral.
+TEST_F(V8DataExporterTest, LibraryAloneWithMissingColumnsAndNulls) {
+  MakeDatabase(
+      Data(L"vtmusic.DB"),
+      {"CREATE TABLE ShareFileItems(FileName text, MD5 char(32), ShareFileType integer, "
+       "ReplayGain real)",
+       "INSERT INTO ShareFileItems VALUES ('C:\\a.mp3', NULL, 0, NULL), "
+       "('C:\\b.mkv', '0123456789ABCDEF0123456789ABCDEF', 2, -1.5), (NULL, NULL, NULL, NULL)",
+       "CREATE TABLE ShareFolders(id integer PRIMARY KEY, Path text)",
+       "INSERT INTO ShareFolders VALUES (3, 'C:\\'), (9, 'D:\\')",
+       "CREATE TABLE LocalFiles(FilePath text, FolderPath text, FileSize integer)",
+       "INSERT INTO LocalFiles VALUES ('C:\\a.mp3', 'D:\\', NULL), ('E:\\z.mp3', 'E:\\', 5)",
+       "CREATE TABLE RecentlyPlayedItem(SongID integer PRIMARY KEY, MusicFilePath text, "
+       "MVFileHash text, PlayCount integer)",
+       "INSERT INTO RecentlyPlayedItem VALUES (4, 'C:\\a.mp3', "
+       "'0123456789ABCDEF0123456789ABCDEF', NULL), (5, 'C:\\gone.mp3', NULL, 8)",
+       "CREATE TABLE DownloadItem(ID integer PRIMARY KEY, DownloadID integer, DestFileName "
+       "text, FileID integer, Percent integer, DownType integer)",
+       "INSERT INTO DownloadItem VALUES (1, 5, 'C:\\a.mp3', 0, 100, 0), "
+       "(2, 6, 'X', 2, 10, 0), (3, 7, 'Y', 1, 10, 0)",
+       "CREATE TABLE DownloadHistoryItem(ID integer PRIMARY KEY, DownloadID integer, "
+       "DestFileName text, DownType integer)",
+       "INSERT INTO DownloadHistoryItem VALUES (1, 5, 'C:\\a.mp3', 0), (2, 8, 'C:\\a.mp3', 20)",
+       "CREATE TABLE RadioChannel_12(SongID integer PRIMARY KEY, TitleName text)",
+       "INSERT INTO RadioChannel_12 VALUES (1, 'x')",
+       "CREATE TABLE RadioChannel_012(SongID integer PRIMARY KEY)",
+       "CREATE TABLE \"RadioChannel_-4\"(SongID integer PRIMARY KEY)"});
+  std::string original = ReadBytes(Data(L"vtmusic.DB"));
+
+  EXPECT_EQ(ExportResult::kExported, Export());
+  EXPECT_EQ(1u, record_.state());  // "vantu.db" is missing; nothing failed
+  EXPECT_EQ(original, ReadBytes(Data(L"vtmusic.DB")));
+  EXPECT_TRUE(base::PathExists(Data(L"VT8Music.db")));
+
+  // Without an "id" column the files are numbered in row order.
+  ASSERT_EQ(3u, model_.m_share_files.size());
+  const ShareFileItem& audio = *model_.m_share_files[0];
+  EXPECT_EQ(1, audio.old_id);
+  EXPECT_EQ(L"C:\\a.mp3", audio.FileName);
+  EXPECT_EQ(L"", audio.MD5);
+  EXPECT_EQ(0.0, audio.ReplayGain);
+  EXPECT_EQ(2, model_.m_share_files[1]->old_id);
+  EXPECT_EQ(-1.5, model_.m_share_files[1]->ReplayGain);
+  EXPECT_EQ(3, model_.m_share_files[2]->old_id);
+  EXPECT_EQ(L"", model_.m_share_files[2]->FileName);
+
+  ASSERT_EQ(2u, model_.m_share_folders.size());
+  EXPECT_EQ(9, model_.m_share_folders[1]->old_id);
+  ASSERT_EQ(2u, model_.m_local_files.size());
+  EXPECT_EQ(9, model_.m_local_files[0]->old_folder_id);
+  EXPECT_EQ(1, model_.m_local_files[0]->old_file_id);
+  EXPECT_EQ(0, model_.m_local_files[0]->FileSize);
+  EXPECT_EQ(0, model_.m_local_files[1]->old_folder_id);  // a folder the library lacks
+  EXPECT_EQ(5, model_.m_local_files[1]->FileSize);
+
+  // Entries find the audio file by path and the MV by hash.
+  ASSERT_EQ(2u, model_.m_recent_songs.size());
+  EXPECT_EQ(1, model_.m_recent_songs[0]->music_file_id);
+  EXPECT_EQ(2, model_.m_recent_songs[0]->mv_file_id);
+  EXPECT_EQ(0, model_.m_recent_songs[0]->PlayCount);
+  EXPECT_EQ(0, model_.m_recent_songs[1]->music_file_id);
+  EXPECT_EQ(8, model_.m_recent_songs[1]->PlayCount);
+
+  // Downloads: by destination path, not by the FileID of a video, by the
+  // FileID of an audio file; the history row of download 5 is that
+  // download again, the one of download 8 a download of its own.
+  ASSERT_EQ(4u, model_.m_downloads.size());
+  EXPECT_EQ(1, model_.m_downloads[0]->file_id);
+  EXPECT_EQ(0, model_.m_downloads[1]->file_id);
+  EXPECT_EQ(1, model_.m_downloads[2]->file_id);
+  EXPECT_EQ(8, model_.m_downloads[3]->DownloadID);
+  EXPECT_EQ(100, model_.m_downloads[3]->Percent);
+  EXPECT_EQ(20, model_.m_downloads[3]->DownType);
+  EXPECT_EQ(1, model_.m_downloads[3]->file_id);
+
+  // Channel tables by their names as the writers give them.
+  ASSERT_EQ(2u, model_.m_radio_songs.size());
+  EXPECT_EQ(1u, model_.m_radio_songs[12].size());
+  EXPECT_EQ(L"x", model_.m_radio_songs[12][0]->TitleName);
+  EXPECT_TRUE(model_.m_radio_songs[-4].empty());
+  EXPECT_TRUE(model_.m_play_lists.empty());
+}
+
+// The list file alone: lists and every entry table come back, entries
+// without a library to find their files in.
+TEST_F(V8DataExporterTest, ListsAlone) {
+  MakeDatabase(Data(L"VANTU.db"),
+               {"CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text, "
+                "SortID integer)",
+                "INSERT INTO GeneralListTable VALUES (-3, 'Default', 0), (6, 'Mine', 1)",
+                "CREATE TABLE \"GeneralList_-3\"(SongID integer PRIMARY KEY, TitleName text, "
+                "MusicFilePath text)",
+                "INSERT INTO \"GeneralList_-3\" VALUES (2, 'b', 'C:\\b.mp3'), (1, 'a', NULL)",
+                "CREATE TABLE GeneralList_9(SongID integer PRIMARY KEY)",
+                "CREATE TABLE GeneralListX(SongID integer PRIMARY KEY)"});
+  EXPECT_EQ(ExportResult::kExported, Export());
+  EXPECT_EQ(1u, record_.state());
+  ASSERT_EQ(2u, model_.m_play_lists.size());
+  EXPECT_EQ(6, model_.m_play_lists[1]->PlaylistID);
+  EXPECT_EQ(L"Mine", model_.m_play_lists[1]->PlaylistName);
+  ASSERT_EQ(2u, model_.m_list_songs.size());
+  const SongList& songs = model_.m_list_songs[-3];
+  ASSERT_EQ(2u, songs.size());
+  EXPECT_EQ(1, songs[0]->SongID);  // in row order
+  EXPECT_EQ(L"C:\\b.mp3", songs[1]->MusicFilePath);
+  EXPECT_EQ(0, songs[1]->music_file_id);
+  EXPECT_TRUE(model_.m_list_songs[9].empty());
+}
+
+// "ImportProgress" moves by tenths of the files and of the list entries, by
+// 5 after each table reader, and stops at 49; each value is in "DBCheck"
+// while the read goes on. The list file alone shows the list readers' steps,
+// the library alone those of its readers (every one of them runs, also for a
+// table that is not there).
+TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
+  std::vector<std::string> lists = {
+      "CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text)",
+      "INSERT INTO GeneralListTable VALUES (1, 'One'), (2, 'Two')",
+      "CREATE TABLE GeneralList_1(SongID integer PRIMARY KEY, MusicFilePath text)",
+      "CREATE TABLE GeneralList_2(SongID integer PRIMARY KEY, MusicFilePath text)"};
+  for (int song = 1; song <= 20; ++song)
+    lists.push_back("INSERT INTO GeneralList_" + std::to_string(song % 2 + 1) +
+                    " VALUES (" + std::to_string(song) + ", 'C:\\s.mp3')");
+  MakeDatabase(Data(L"VANTU.db"), lists);
+  record_.SetProgress(10);
+  {
+    ProgressTrace trace(&record_, profile_);
+    EXPECT_EQ(ExportResult::kExported, Export());
+    std::vector<int> deltas = {5};  // the list table
+    for (int tenth : Tenths())
+      deltas.push_back(tenth);
+    deltas.push_back(5);
+    EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
+    EXPECT_EQ(L"30", profile_.DBCheck(L"ImportProgress"));
+  }
+
+  ASSERT_TRUE(base::DeleteFile(Data(L"VANTU.db")));
+  ASSERT_TRUE(base::DeleteFile(Data(L"VT8Playlist.db")));
+  std::vector<std::string> library = {
+      "CREATE TABLE ShareFileItems(id integer PRIMARY KEY, FileName text)"};
+  for (int file = 1; file <= 10; ++file)
+    library.push_back("INSERT INTO ShareFileItems VALUES (" + std::to_string(file) + ", 'C:\\" +
+                      std::to_string(file) + ".mp3')");
+  MakeDatabase(Data(L"VTMusic.db"), library);
+  record_.SetProgress(10);
+  ImportModel model(&record_);
+  ProgressTrace trace(&record_, profile_);
+  V8DataExporter exporter(&model);
+  EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
+  std::vector<int> deltas = Tenths();
+  deltas.insert(deltas.end(), 12, 5);  // the files' table and the eleven others
+  EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
+  EXPECT_EQ(10u, model.m_share_files.size());
+}
+
+// A library file that one VACUUM repairs is imported whole; its original
+// stays as it was, damage included.
+TEST_F(V8DataExporterTest, RepairableLibraryImportedEndToEnd) {
+  std::vector<std::string> statements = {
+      "CREATE TABLE ShareFileItems(id integer PRIMARY KEY, FileName text, MD5 char(32))",
+      "BEGIN"};
+  for (int i = 1; i <= 3000; ++i) {
+    statements.push_back("INSERT INTO ShareFileItems(FileName) VALUES ('D:\\Music\\a fairly long "
+                         "file name number " + std::to_string(i) + ".mp3')");
+  }
+  statements.push_back("COMMIT");
+  statements.push_back("DELETE FROM ShareFileItems WHERE id > 2000");
+  MakeDatabase(Data(L"VTMusic.db"), statements);
+  testing_support::ForgetFreePages(Data(L"VTMusic.db"));
+  MakeDatabase(Data(L"vantu.db"),
+               {"CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text)",
+                "INSERT INTO GeneralListTable VALUES (1, 'One')",
+                "CREATE TABLE GeneralList_1(SongID integer PRIMARY KEY, MusicFilePath text)",
+                "INSERT INTO GeneralList_1 VALUES (7, 'D:\\Music\\a fairly long file name number "
+                "1500.mp3'), (8, 'D:\\Music\\a fairly long file name number 2500.mp3')"});
+  std::string music = ReadBytes(Data(L"VTMusic.db"));
+  std::string lists = ReadBytes(Data(L"vantu.db"));
+
+  DataImporterMain();
+
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"1:1", profile_.DBCheck(L"ImportPlayLists"));  // the deleted file's entry is gone
+  sql::Connection built;
+  ASSERT_TRUE(built.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
+  EXPECT_EQ(std::vector<std::string>{"2000"}, QueryRows(&built, "SELECT count(*) FROM ShareFileItems"));
+  EXPECT_EQ(music, ReadBytes(Data(L"VTMusic.db")));
+  EXPECT_EQ(lists, ReadBytes(Data(L"vantu.db")));
+  // The dated backup holds the originals under their own names.
+  base::FileEnumerator backups(GetDatedBackupFolder(), L"*.db");
+  std::vector<std::wstring> names;
+  for (base::FilePath file = backups.Next(); !file.empty(); file = backups.Next())
+    names.push_back(file.BaseName().value());
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ((std::vector<std::wstring>{L"VTMusic.db", L"vantu.db"}), names);
+}
+
+// A library file beyond repair fails every library reader; the lists are
+// still read and the build still runs.
+TEST_F(V8DataExporterTest, LibraryBeyondRepair) {
+  MakeDatabase(Data(L"VTMusic.db"),
+               {"CREATE TABLE ShareFileItems(id integer PRIMARY KEY, FileName text)",
+                "INSERT INTO ShareFileItems(FileName) VALUES ('a'), ('b')"});
+  std::vector<std::string> root;
+  {
+    sql::Connection db;
+    ASSERT_TRUE(db.Open(Data(L"VTMusic.db")));
+    root = QueryRows(&db, "SELECT rootpage FROM sqlite_master WHERE name='ShareFileItems'");
+  }
+  ASSERT_EQ(1u, root.size());
+  testing_support::DamageDatabasePage(Data(L"VTMusic.db"), std::stoi(root[0]), 0, 64);
+  MakeDatabase(Data(L"vantu.db"),
+               {"CREATE TABLE GeneralListTable(PlayListID integer PRIMARY KEY, PlaylistName text)",
+                "INSERT INTO GeneralListTable VALUES (4, 'Four')"});
+
+  EXPECT_EQ(ExportResult::kExported, Export());
+  EXPECT_EQ(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed,
+            record_.state());
+  EXPECT_TRUE(model_.m_share_files.empty());
+  ASSERT_EQ(1u, model_.m_play_lists.size());
+  EXPECT_EQ(L"Four", model_.m_play_lists[0]->PlaylistName);
+}
+
+}  // namespace

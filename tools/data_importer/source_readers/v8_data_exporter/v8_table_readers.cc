@@ -1,0 +1,310 @@
+// The table readers of the current-generation re-import. Each reads its
+// table in row order through the column lists the writers fill the same
+// table with, so a row comes back as the record it was written from.
+
+#include <charconv>
+#include <climits>
+#include <functional>
+#include <set>
+#include <vector>
+
+#include "logging/logging.h"
+#include "tools/data_importer/run_record/progress_record.h"
+#include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/run_record/import_report.h"
+#include "tools/data_importer/target_store/table_columns.h"
+#include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
+
+
+namespace {
+
+void LogSize(const char* table, size_t count) {
+  V8LOG(logging::LOG_PROGRESS) << L"Size of " << table << L" is {" << count << L"}.";
+}
+
+// The id of a table named |prefix| + decimal id, as the writers name them
+// ("GeneralList_-3"); false for any other name, a name with leading zeros
+// or a "+" included, since that table would come back under another name.
+bool ParseTableId(const std::string& name, const char* prefix, int32_t* id) {
+  std::string_view rest(name);
+  size_t length = std::char_traits<char>::length(prefix);
+  if (rest.size() <= length)
+    return false;
+  for (size_t i = 0; i < length; ++i) {
+    if (std::tolower(static_cast<unsigned char>(rest[i])) !=
+        std::tolower(static_cast<unsigned char>(prefix[i])))
+      return false;
+  }
+  rest.remove_prefix(length);
+  auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), *id);
+  return error == std::errc() && end == rest.data() + rest.size() &&
+         std::to_string(*id) == rest;
+}
+
+// A file's key for the path and hash lookups; the first file with a key
+// keeps it.
+void Remember(std::unordered_map<std::wstring, int>* map, const std::wstring& key, int id) {
+  if (!key.empty())
+    map->emplace(key, id);
+}
+
+// The key of a file by its path and hash together; no path holds the
+// separator, a control character.
+std::wstring PathAndHash(const std::wstring& path, const std::wstring& hash) {
+  return path + L'\x01' + hash;
+}
+
+}  // namespace
+
+int V8DataExporter::Find(const std::unordered_map<std::wstring, int>& map,
+                         const std::wstring& key) {
+  auto found = map.find(key);
+  return found == map.end() ? 0 : found->second;
+}
+
+int V8DataExporter::FindFile(const FileLookup& files, const std::wstring& path,
+                             const std::wstring& hash) {
+  if (int id = Find(files.by_path_and_hash, PathAndHash(path, hash)))
+    return id;
+  if (int id = Find(files.by_path, path))
+    return id;
+  return Find(files.by_hash, hash);
+}
+
+std::unique_ptr<DbRowReader> V8DataExporter::OpenTable(const std::string& table) {
+  sql::Connection* db = m_db->connection();
+  if (!db->DoesTableExist(table.c_str())) {
+    V8LOG(logging::LOG_FAILURE) << L"Table {" << table.c_str() << L"} do not exists.";
+    return nullptr;
+  }
+  // Row order is the order the rows were written in, so rows whose ids the
+  // new database assigns get the same ones again. A table without row ids
+  // is read in its key order.
+  std::string select = "SELECT * FROM " + SqlTableName(table);
+  auto reader = std::make_unique<DbRowReader>(*db, select + " ORDER BY rowid");
+  if (!reader->IsValid())
+    reader = std::make_unique<DbRowReader>(*db, select);
+  return reader;
+}
+
+template <typename Record, typename Finish>
+bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record>& columns,
+                               RecordList<Record>* list, Finish finish) {
+  std::unique_ptr<DbRowReader> row = OpenTable(table);
+  if (!row)
+    return true;  // an absent table is no failure
+  if (!row->IsValid()) {
+    V8LOG(logging::LOG_FAILURE) << L"Table {" << table.c_str() << L"} cannot be read.";
+    return false;
+  }
+  SourceTableTally tally(Report(), m_db->connection()->path(), table);
+  size_t count = 0;
+  while (row->Step()) {
+    tally.Read();
+    auto record = std::make_shared<Record>();
+    ReadColumns(row.get(), columns, record.get());
+    finish(row.get(), record.get());
+    tally.Made(record.get());
+    list->push_back(record);
+    ++count;
+  }
+  LogSize(table.c_str(), count);
+  return true;
+}
+
+template <typename Record>
+bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record>& columns,
+                               RecordList<Record>* list) {
+  return ReadTable(table, columns, list, [](DbRowReader*, Record*) {});
+}
+
+void V8DataExporter::ReadMusicDatabase() {
+  if (!OpenSourceWithRepair(m_music_copy)) {
+    V8LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_music_copy.value()
+                                << L"}.";
+    ReportState(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed);
+    return;
+  }
+  if (!ReadShareFileItems())
+    ReportState(ProgressRecord::kStateMusicFailed);
+  TableRead();
+  // Each of the other tables reports the shared bit; every reader runs, and
+  // the progress moves after each one.
+  ImportModel& model = *m_model;
+  const std::function<bool()> readers[] = {
+      [&] { return ReadShareFolders(); },
+      [&] { return ReadLocalFiles(); },
+      [&] { return ReadTable("AppTools", AppToolColumns(), &model.m_app_tools); },
+      [&] {
+        return ReadTable("RadioChannelTable", RadioChannelColumns(), &model.m_radio_channels,
+                         [](DbRowReader* row, RadioChannelInfo* channel) {
+                           channel->FMStat = row->GetString16("FMStat");
+                         });
+      },
+      [&] { return ReadTable("DislikeRadioItem", DislikeRadioColumns(), &model.m_dislike_radio); },
+      [&] { return ReadTable("PlayedNJRadioItem", PlayedRadioColumns(), &model.m_played_radio); },
+      [&] { return ReadSongTable("RecentlyPlayedItem", &model.m_recent_songs, nullptr); },
+      [&] { return ReadDownloads(); },
+      [&] { return ReadTable("UserLoginHistory", LoginColumns(), &model.m_login_history); },
+      [&] {
+        return ReadTable("KeywordSearchHistory", SearchKeywordColumns(),
+                         &model.m_search_keywords);
+      },
+      [&] { return ReadSongTables("RadioChannel_", &model.m_radio_songs); },
+  };
+  for (const auto& read : readers) {
+    if (!read())
+      ReportState(ProgressRecord::kStateTableFailed);
+    TableRead();
+  }
+}
+
+void V8DataExporter::ReadListDatabase() {
+  if (!OpenSourceWithRepair(m_list_copy)) {
+    V8LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_list_copy.value()
+                                << L"}.";
+    ReportState(ProgressRecord::kStateListsFailed);
+    return;
+  }
+  if (!ReadTable("GeneralListTable", GeneralListColumns(), &m_model->m_play_lists))
+    ReportState(ProgressRecord::kStateListsFailed);
+  TableRead();
+  if (!ReadSongTables("GeneralList_", &m_model->m_list_songs))
+    ReportState(ProgressRecord::kStateListsFailed);
+  TableRead();
+}
+
+// Files keep their old id ("id") for the id maps; a table without the column
+// numbers its rows from 1. The path and hash lookups let the entries of lists
+// and downloads find their files again.
+bool V8DataExporter::ReadShareFileItems() {
+  ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "ShareFileItems"));
+  int next_id = 1;
+  return ReadTable("ShareFileItems", ShareFileColumns(), &m_model->m_share_files,
+                   [&](DbRowReader* row, ShareFileItem* file) {
+                     file->old_id = row->GetColumnIndex("id") >= 0 ? row->GetInt("id") : next_id++;
+                     FileLookup& files = file->ShareFileType == 2 ? m_video_files : m_audio_files;
+                     files.ids.insert(file->old_id);
+                     files.by_path_and_hash.emplace(PathAndHash(file->FileName, file->MD5),
+                                                    file->old_id);
+                     Remember(&files.by_path, file->FileName, file->old_id);
+                     if (file->MD5 != kNoFileHash)
+                       Remember(&files.by_hash, file->MD5, file->old_id);
+                     ticker.Tick();
+                   });
+}
+
+bool V8DataExporter::ReadShareFolders() {
+  int next_id = 1;
+  std::set<int> ids;
+  bool ok = ReadTable("ShareFolders", ShareFolderColumns(), &m_model->m_share_folders,
+                      [&](DbRowReader* row, ShareFolderItem* folder) {
+                        folder->old_id =
+                            row->GetColumnIndex("id") >= 0 ? row->GetInt("id") : next_id++;
+                        Remember(&m_folder_by_path, folder->Path, folder->old_id);
+                        ids.insert(folder->old_id);
+                      });
+  // An id below every folder's stands for "no folder" (0 unless taken).
+  m_no_folder_id = ids.empty() || *ids.begin() > 0 ? 0 : *ids.begin() - 1;
+  return ok;
+}
+
+// A local file's folder is the library folder with its folder path; its file
+// the audio file with its path. A folder path the library does not know is
+// not kept: the new table takes the path from the folder.
+bool V8DataExporter::ReadLocalFiles() {
+  return ReadTable("LocalFiles", LocalFileColumns(), &m_model->m_local_files,
+                   [&](DbRowReader*, LocalFileInfo* file) {
+                     auto folder = m_folder_by_path.find(file->FolderPath);
+                     file->old_folder_id =
+                         folder == m_folder_by_path.end() ? m_no_folder_id : folder->second;
+                     file->old_file_id = Find(m_audio_files.by_path, file->FilePath);
+                   });
+}
+
+// A song-table row's files are found in the library read before.
+bool V8DataExporter::ReadSongTable(const std::string& table, SongList* songs,
+                                   ReadProgressTicker* ticker) {
+  return ReadTable(table, SongColumns(), songs, [&](DbRowReader* row, SongItem* song) {
+    song->SongID = row->GetInt("SongID");
+    song->music_file_id = FindFile(m_audio_files, song->MusicFilePath, song->MusicFileHash);
+    song->mv_file_id = FindFile(m_video_files, song->MVFilePath, song->MVFileHash);
+    if (ticker)
+      ticker->Tick();
+  });
+}
+
+// A download's file is the library file its FileID names. An older file
+// may hold another number there: when FileID names no file of the library,
+// the audio file at the destination path is taken. When FileID names a
+// video, or neither finds a file, the writer looks for it by hash (as it
+// found it when it wrote the row).
+//
+// Finished downloads are in both tables, and the model keeps one record for
+// both: a history row that repeats a finished "DownloadItem" row (every
+// history column equal) is that download again; any other history row is a
+// finished download of its own.
+bool V8DataExporter::ReadDownloads() {
+  auto resolve = [this](DbRowReader*, DownloadRecord* download) {
+    if (m_audio_files.ids.count(download->FileID))
+      download->file_id = download->FileID;
+    else if (!m_video_files.ids.count(download->FileID))
+      download->file_id = Find(m_audio_files.by_path, download->DestFileName);
+  };
+  RecordList<DownloadRecord> items;
+  bool ok = ReadTable("DownloadItem", DownloadItemColumns(), &items, resolve);
+  RecordList<DownloadRecord> history;
+  ok = ReadTable("DownloadHistoryItem", DownloadHistoryColumns(), &history,
+                 [&](DbRowReader* row, DownloadRecord* download) {
+                   download->Percent = 100;
+                   resolve(row, download);
+                 }) &&
+       ok;
+  auto history_key = [](const DownloadRecord& download) {
+    RowBuilder key;
+    AppendColumns(download, DownloadHistoryColumns(), &key);
+    return key.Statement(std::string());
+  };
+  std::multiset<std::string> finished;
+  for (const auto& item : items) {
+    if (item->Percent == 100 && (item->DownType == 0 || item->DownType == 20))
+      finished.insert(history_key(*item));
+  }
+  size_t history_only = 0;
+  for (auto& entry : history) {
+    auto same = finished.find(history_key(*entry));
+    if (same != finished.end()) {
+      finished.erase(same);
+      Report()->AddMerged(entry->origin, 1);
+      continue;
+    }
+    items.push_back(entry);
+    ++history_only;
+  }
+  V8LOG(logging::LOG_PROGRESS) << L"History rows of no other download: {" << history_only
+                               << L"}.";
+  m_model->m_downloads.insert(m_model->m_downloads.end(), items.begin(), items.end());
+  return ok;
+}
+
+// The song tables are found by name, so every one comes back, also one
+// without its list record and one without rows.
+bool V8DataExporter::ReadSongTables(const char* prefix, std::map<int32_t, SongList>* lists) {
+  sql::Connection* db = m_db->connection();
+  std::vector<std::pair<int32_t, std::string>> tables;
+  DbRowReader names(*db, "SELECT name FROM sqlite_master WHERE type='table' ORDER BY name");
+  while (names.Step()) {
+    std::string name = names.GetString("name");
+    int32_t id = 0;
+    if (ParseTableId(name, prefix, &id))
+      tables.emplace_back(id, name);
+  }
+  int64_t total = 0;
+  for (const auto& [id, name] : tables)
+    total += CountRows(*db, SqlTableName(name).c_str());
+  ReadProgressTicker ticker(this, total);
+  bool ok = true;
+  for (const auto& [id, name] : tables)
+    ok = ReadSongTable(name, &(*lists)[id], &ticker) && ok;
+  return ok;
+}
