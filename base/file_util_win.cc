@@ -190,11 +190,23 @@ bool DeleteFile(const FilePath& path, bool recursive) {
 }
 
 bool ReplaceFile(const FilePath& from, const FilePath& to) {
-  if (!MoveFileExW(NativePath(from).c_str(), NativePath(to).c_str(),
-                   MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-    return Fail();
+  // A reader holding |to| open for a moment (the player polling "Vantu.ini")
+  // makes the replacement fail with a sharing error: tried again for about a
+  // second before giving up.
+  const std::wstring source = NativePath(from);
+  const std::wstring target = NativePath(to);
+  for (int attempt = 0;; ++attempt) {
+    if (MoveFileExW(source.c_str(), target.c_str(),
+                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+      return true;
+    }
+    DWORD error = GetLastError();
+    bool busy = error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED ||
+                error == ERROR_LOCK_VIOLATION;
+    if (!busy || attempt >= 20)
+      return Fail();
+    Sleep(50);
   }
-  return true;
 }
 
 bool SetFileAttributesNormal(const FilePath& path) {
