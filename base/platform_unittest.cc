@@ -38,11 +38,9 @@ TEST(CommandLineTest, SwitchesAndQuoting) {
 
 TEST(RegKeyTest, ReadsTheRegistryFile) {
   testing_support::ScopedTempDir dir;
-  testing_support::ScopedEnv env;
   FilePath file = dir.path().Append(L"user.reg");
-  env.Set("VANTU_REGISTRY_FILE", file.AsUTF8Unsafe());
   RegKey missing_file;
-  EXPECT_FALSE(missing_file.Open(L"Software\\VanTa6"));
+  EXPECT_FALSE(missing_file.Open(file, L"Software\\VanTa6"));
 
   EXPECT_TRUE(
       WriteFile(file,
@@ -55,7 +53,7 @@ TEST(RegKeyTest, ReadsTheRegistryFile) {
                 "[HKEY_CURRENT_USER\\Software\\Other]\r\n"
                 "\"AppFileName\"=\"other\"\r\n"));
   RegKey key;
-  ASSERT_TRUE(key.Open(L"software\\vanta6"));
+  ASSERT_TRUE(key.Open(file, L"software\\vanta6"));
   std::wstring value;
   EXPECT_TRUE(key.ReadValue(L"appfilename", &value));
   EXPECT_EQ(L"C:\\Program Files\\VanTa6\\\"quoted\".exe", value);
@@ -66,7 +64,7 @@ TEST(RegKeyTest, ReadsTheRegistryFile) {
   EXPECT_FALSE(key.ReadValue(L"Missing", &value));
   EXPECT_EQ(L"", value);
   RegKey absent;
-  EXPECT_FALSE(absent.Open(L"Software\\VanTa7"));
+  EXPECT_FALSE(absent.Open(file, L"Software\\VanTa7"));
   EXPECT_FALSE(absent.ReadValue(L"AppFileName", &value));
 
   // UTF-16LE with a byte-order mark.
@@ -74,7 +72,7 @@ TEST(RegKeyTest, ReadsTheRegistryFile) {
   EXPECT_TRUE(
       WriteFile(file, std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2)));
   RegKey utf16;
-  ASSERT_TRUE(utf16.Open(L"Software\\VanTa6"));
+  ASSERT_TRUE(utf16.Open(file, L"Software\\VanTa6"));
   EXPECT_TRUE(utf16.ReadValue(L"a", &value));
   EXPECT_EQ(L"\u00e9", value);
 }

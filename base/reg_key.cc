@@ -17,12 +17,13 @@
 namespace base {
 
 struct RegKey::Values {
-  std::map<std::wstring, std::wstring> by_name;  // folded name -> value
+  std::map<std::wstring, RegistryString> by_name;  // folded name -> value
 };
 
 namespace {
 
-constexpr wchar_t kHive[] = L"hkey_current_user\\";
+constexpr wchar_t kCurrentUser[] = L"hkey_current_user\\";
+constexpr wchar_t kUsers[] = L"hkey_users\\";
 
 std::wstring Fold(const std::wstring& text) {
   return ToLowerASCII(text);
@@ -103,8 +104,22 @@ bool ReadHexString(const std::wstring& data, std::wstring* out) {
   return true;
 }
 
-// The string values of |wanted| (folded, without the hive prefix) in a
-// ".reg" export; false when the key is absent.
+// Whether the folded section name |name| is the user's key |wanted| (folded,
+// without a root): under HKEY_CURRENT_USER, or under HKEY_USERS\<one key>,
+// where an export of another user's loaded hive puts it.
+bool IsUserKey(const std::wstring& name, const std::wstring& wanted) {
+  if (name == kCurrentUser + wanted)
+    return true;
+  const std::wstring users = kUsers;
+  if (name.compare(0, users.size(), users) != 0)
+    return false;
+  size_t separator = name.find(L'\\', users.size());
+  return separator != std::wstring::npos && separator > users.size() &&
+         name.compare(separator + 1, std::wstring::npos, wanted) == 0;
+}
+
+// The string values of |wanted| (folded, without the root) in a ".reg"
+// export; false when the key is absent.
 bool ReadExportKey(const std::wstring& text, const std::wstring& wanted, RegistryStrings* values) {
   bool found = false;
   bool in_key = false;
@@ -131,7 +146,7 @@ bool ReadExportKey(const std::wstring& text, const std::wstring& wanted, Registr
       size_t close = line.rfind(L']');
       std::wstring name = Fold(Trim(line.substr(1, close == std::wstring::npos ? std::wstring::npos
                                                                                : close - 1)));
-      in_key = name == wanted;
+      in_key = IsUserKey(name, wanted);
       found = found || in_key;
       continue;
     }
@@ -177,11 +192,16 @@ bool ReadExportKey(const std::wstring& text, const std::wstring& wanted, Registr
   return found;
 }
 
-// Replaces each "%NAME%" by the environment variable NAME (looked up as
-// written, then in upper case, since Windows names are case-insensitive);
-// a reference to a variable that is not set stays as it is, as Windows
-// leaves it.
-std::wstring ExpandEnvironmentReferences(const std::wstring& text) {
+// Whether |text| starts as a registry editor's export does.
+bool IsRegistryExport(const std::wstring& text) {
+  size_t end = text.find(L'\n');
+  std::wstring first = Trim(text.substr(0, end));
+  return first == L"Windows Registry Editor Version 5.00" || first == L"REGEDIT4";
+}
+
+}  // namespace
+
+std::wstring ExpandEnvironmentReferences(const std::wstring& text, const VariableLookup& lookup) {
   std::wstring out;
   size_t pos = 0;
   while (pos < text.size()) {
@@ -192,16 +212,9 @@ std::wstring ExpandEnvironmentReferences(const std::wstring& text) {
       break;
     }
     out += text.substr(pos, open - pos);
-    std::string name = WideToUTF8(text.substr(open + 1, close - open - 1));
+    std::wstring name = text.substr(open + 1, close - open - 1);
     std::wstring value;
-    bool found = !name.empty() && GetEnvironmentString(name, &value);
-    if (!found && !name.empty()) {
-      std::string upper = name;
-      for (char& c : upper)
-        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
-      found = GetEnvironmentString(upper, &value);
-    }
-    if (found) {
+    if (!name.empty() && lookup && lookup(name, &value)) {
       out += value;
       pos = close + 1;
     } else {
@@ -213,30 +226,26 @@ std::wstring ExpandEnvironmentReferences(const std::wstring& text) {
   return out;
 }
 
-}  // namespace
-
-bool RegKey::Open(const std::wstring& subkey) {
+bool RegKey::Open(const FilePath& path, const std::wstring& subkey) {
   valid_ = false;
   values_.reset();
   std::wstring wanted = subkey;
   while (!wanted.empty() && wanted.back() == L'\\')
     wanted.pop_back();
   RegistryStrings strings;
-  std::wstring file;
-  if (!GetEnvironmentString("VANTU_REGISTRY_FILE", &file) || file.empty()) {
+  if (path.empty()) {
     // No registry file given: the current user's own registry, where the
     // system has one.
     if (!ReadCurrentUserKey(wanted, &strings))
       return false;
     return Adopt(subkey, std::move(strings));
   }
-  const FilePath path(file);
   std::string bytes;
   if (!ReadFileToString(path, &bytes))
     return false;
   bool found = IsRegistryHive(bytes) ? ReadHiveKey(path, wanted, &strings)
                                      : ReadExportKey(RegistryText(std::move(bytes)),
-                                                     Fold(kHive + wanted), &strings);
+                                                     Fold(wanted), &strings);
   if (!found)
     return false;
   return Adopt(subkey, std::move(strings));
@@ -244,10 +253,8 @@ bool RegKey::Open(const std::wstring& subkey) {
 
 bool RegKey::Adopt(const std::wstring& subkey, RegistryStrings strings) {
   auto values = std::make_shared<Values>();
-  for (auto& [name, value] : strings) {
-    values->by_name[Fold(name)] =
-        value.expand ? ExpandEnvironmentReferences(value.text) : std::move(value.text);
-  }
+  for (auto& [name, value] : strings)
+    values->by_name[Fold(name)] = std::move(value);
   valid_ = true;
   key_name_ = subkey;
   values_ = values;
@@ -263,17 +270,25 @@ bool CheckRegistryFile(const FilePath& file, std::string* reason) {
   }
   if (IsRegistryHive(bytes))
     return CheckHiveFile(file, reason);
+  if (!IsRegistryExport(RegistryText(std::move(bytes)))) {
+    *reason = "neither a registry hive nor a .reg export";
+    return false;
+  }
   return true;
 }
 
-bool RegKey::ReadValue(const std::wstring& name, std::wstring* value) const {
+bool RegKey::ReadValue(const std::wstring& name, std::wstring* value, bool* expandable) const {
   value->clear();
+  if (expandable)
+    *expandable = false;
   if (!valid_ || !values_)
     return false;
   auto it = values_->by_name.find(name == L"@" ? std::wstring() : Fold(name));
   if (it == values_->by_name.end())
     return false;
-  *value = it->second;
+  *value = it->second.text;
+  if (expandable)
+    *expandable = it->second.expand;
   return true;
 }
 

@@ -7,6 +7,7 @@
 
 #include "base/file_util.h"
 #include "base/reg_key.h"
+#include "base/string_util.h"
 #include "base/windows_path.h"
 #include "testing/fixtures/registry_hive_fixture.h"
 #include "testing/test_support.h"
@@ -22,22 +23,28 @@ class RegistryTest : public testing::Test {
  protected:
   RegistryTest() {
     file_ = dir_.path().Append(L"NTUSER.DAT");
-    env_.Set("VANTU_REGISTRY_FILE", file_.AsUTF8Unsafe());
-    env_.Set("USERPROFILE", "/profiles/bob");
-    env_.Set("VANTU_UNSET_FOR_TEST", std::nullopt);
   }
 
-  // The value |name| of |key|, or "#missing#".
+  // The value |name| of |key|, or "#missing#"; a REG_EXPAND_SZ value with
+  // its references expanded, USERPROFILE (in any letter case) being
+  // "/profiles/bob".
   std::wstring Read(const std::wstring& key, const std::wstring& name) {
     RegKey reg;
     std::wstring value;
-    if (!reg.Open(key) || !reg.ReadValue(name, &value))
+    bool expandable = false;
+    if (!reg.Open(file_, key) || !reg.ReadValue(name, &value, &expandable))
       return L"#missing#";
-    return value;
+    if (!expandable)
+      return value;
+    return ExpandEnvironmentReferences(value, [](const std::wstring& variable, std::wstring* out) {
+      if (ToLowerASCII(variable) != L"userprofile")
+        return false;
+      *out = L"/profiles/bob";
+      return true;
+    });
   }
 
   testing_support::ScopedTempDir dir_;
-  testing_support::ScopedEnv env_;
   FilePath file_;
 };
 
@@ -45,7 +52,7 @@ TEST_F(RegistryTest, BinaryHive) {
   std::string hive = BuildRegistryHive(
       {{L"Software\\VanTa6",
         {{L"AppFileName", L"C:\\Program Files\\VanTa6\\VanTa6.exe"},
-         {L"Expanded", L"%USERPROFILE%\\Music;%VANTU_UNSET_FOR_TEST%;100%", kHiveRegExpandSz},
+         {L"Expanded", L"%UserProfile%\\Music;%VANTU_UNSET_FOR_TEST%;100%", kHiveRegExpandSz},
          {L"Plain", L"%USERPROFILE%", kHiveRegSz},
          {L"", L"default"},
          {L"Count", L"7", kHiveRegDword},
@@ -76,7 +83,7 @@ TEST_F(RegistryTest, BinaryHive) {
   EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"Absent"));
   EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa7", L"AppFileName"));
   RegKey empty_key;
-  EXPECT_TRUE(empty_key.Open(L"Software\\VanTa"));
+  EXPECT_TRUE(empty_key.Open(file_, L"Software\\VanTa"));
   std::string reason;
   EXPECT_TRUE(CheckRegistryFile(file_, &reason)) << reason;
 
@@ -123,6 +130,34 @@ TEST_F(RegistryTest, RegistryEditorExport) {
   EXPECT_TRUE(CheckRegistryFile(file_, &reason));
 }
 
+// An export of a user's hive loaded under HKEY_USERS is that user's
+// registry; only one key name may stand between the root and the path.
+TEST_F(RegistryTest, ExportOfALoadedHive) {
+  testing_support::WriteBytes(file_,
+                              "REGEDIT4\n"
+                              "[HKEY_USERS\\Customer\\Software\\VanTa6]\n"
+                              "\"AppFileName\"=\"D:\\\\VanTa6\\\\VanTa6.exe\"\n"
+                              "[HKEY_USERS\\Software\\VanTa]\n"
+                              "\"AppFileName\"=\"not a user's key\"\n"
+                              "[HKEY_USERS\\A\\B\\Software\\VanTa7]\n"
+                              "\"AppFileName\"=\"two names deep\"\n");
+  EXPECT_EQ(L"D:\\VanTa6\\VanTa6.exe", Read(L"Software\\VanTa6", L"AppFileName"));
+  EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa", L"AppFileName"));
+  EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa7", L"AppFileName"));
+}
+
+// Random bytes or an empty file are no registry: the check says so, where
+// reading would only find every key missing.
+TEST_F(RegistryTest, NeitherHiveNorExportIsRefused) {
+  for (const std::string& bytes :
+       {std::string(), std::string("\x13\x9a\x00garbage\xff", 13), std::string("[HKEY_CURRENT_USER\\X]\n")}) {
+    testing_support::WriteBytes(file_, bytes);
+    std::string reason;
+    EXPECT_FALSE(CheckRegistryFile(file_, &reason));
+    EXPECT_EQ("neither a registry hive nor a .reg export", reason);
+  }
+}
+
 TEST(WindowsPathTest, DrivesMapToFolders) {
   // Expected paths are written with '/'; the build's separator replaces it.
   auto native = [](std::wstring path) {
@@ -142,25 +177,28 @@ TEST(WindowsPathTest, DrivesMapToFolders) {
 #endif
   env.Set("VANTU_DRIVE_D", std::nullopt);
   env.Set("VANTU_DRIVE_E", "");
+  const DriveMap drives = DriveMapFromEnvironment();
+  EXPECT_EQ(0u, drives.count(L'D'));
+  EXPECT_EQ(0u, drives.count(L'E'));
   EXPECT_EQ(native(copied + L"/Program Files/VanTa6/VanTa6.exe"),
-            MapWindowsPath(L"C:\\Program Files\\VanTa6\\VanTa6.exe").value());
-  EXPECT_EQ(native(copied + L"/x/y"), MapWindowsPath(L"c:/x\\y").value());
-  EXPECT_EQ(native(copied), MapWindowsPath(L"C:").value());
-  EXPECT_EQ(native(copied), MapWindowsPath(L"C:\\").value());
-  EXPECT_EQ(native(copied + L"/data"), MapWindowsPath(L"C:data").value());
+            MapWindowsPath(L"C:\\Program Files\\VanTa6\\VanTa6.exe", drives).value());
+  EXPECT_EQ(native(copied + L"/x/y"), MapWindowsPath(L"c:/x\\y", drives).value());
+  EXPECT_EQ(native(copied), MapWindowsPath(L"C:", drives).value());
+  EXPECT_EQ(native(copied), MapWindowsPath(L"C:\\", drives).value());
+  EXPECT_EQ(native(copied + L"/data"), MapWindowsPath(L"C:data", drives).value());
 #if defined(_WIN32)
   // Drives without a folder of a copied profile are the machine's own.
-  EXPECT_EQ(L"D:\\Music", MapWindowsPath(L"D:\\Music").value());
-  EXPECT_EQ(L"E:\\Music", MapWindowsPath(L"E:\\Music").value());
-  EXPECT_EQ(L"\\\\server\\share\\x", MapWindowsPath(L"\\\\server\\share\\x").value());
+  EXPECT_EQ(L"D:\\Music", MapWindowsPath(L"D:\\Music", drives).value());
+  EXPECT_EQ(L"E:\\Music", MapWindowsPath(L"E:\\Music", drives).value());
+  EXPECT_EQ(L"\\\\server\\share\\x", MapWindowsPath(L"\\\\server\\share\\x", drives).value());
 #else
-  EXPECT_TRUE(MapWindowsPath(L"D:\\Music").empty());   // no folder for D
-  EXPECT_TRUE(MapWindowsPath(L"E:\\Music").empty());   // an empty folder is none
-  EXPECT_TRUE(MapWindowsPath(L"\\\\server\\share\\x").empty());
-  EXPECT_EQ(L"/home/u/VanTa6/VanTa6.exe", MapWindowsPath(L"/home/u/VanTa6/VanTa6.exe").value());
+  EXPECT_TRUE(MapWindowsPath(L"D:\\Music", drives).empty());   // no folder for D
+  EXPECT_TRUE(MapWindowsPath(L"E:\\Music", drives).empty());   // an empty folder is none
+  EXPECT_TRUE(MapWindowsPath(L"\\\\server\\share\\x", drives).empty());
+  EXPECT_EQ(L"/home/u/VanTa6/VanTa6.exe", MapWindowsPath(L"/home/u/VanTa6/VanTa6.exe", drives).value());
 #endif
-  EXPECT_EQ(native(L"Old Player/data"), MapWindowsPath(L"Old Player\\data").value());
-  EXPECT_EQ(L"", MapWindowsPath(L"").value());
+  EXPECT_EQ(native(L"Old Player/data"), MapWindowsPath(L"Old Player\\data", drives).value());
+  EXPECT_EQ(L"", MapWindowsPath(L"", drives).value());
 }
 
 }  // namespace

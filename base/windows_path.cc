@@ -21,7 +21,7 @@ std::wstring WithSeparators(std::wstring path) {
 
 }  // namespace
 
-FilePath MapWindowsPath(const std::wstring& path) {
+FilePath MapWindowsPath(const std::wstring& path, const DriveMap& drives) {
   const bool on_drive = path.size() >= 2 && IsDriveLetter(path[0]) && path[1] == L':';
 #if !defined(_WIN32)
   if (path.size() >= 2 && path[0] == L'\\' && path[1] == L'\\')
@@ -30,9 +30,9 @@ FilePath MapWindowsPath(const std::wstring& path) {
   if (!on_drive)
     return FilePath(WithSeparators(path));
 
-  char letter = static_cast<char>(path[0] >= L'a' ? path[0] - 32 : path[0]);
-  std::wstring folder;
-  if (!GetEnvironmentString(std::string("VANTU_DRIVE_") + letter, &folder) || folder.empty()) {
+  wchar_t letter = path[0] >= L'a' ? path[0] - 32 : path[0];
+  auto drive = drives.find(letter);
+  if (drive == drives.end() || drive->second.empty()) {
 #if defined(_WIN32)
     return FilePath(path);  // the machine's own drive
 #else
@@ -41,8 +41,19 @@ FilePath MapWindowsPath(const std::wstring& path) {
   }
   std::wstring rest = WithSeparators(path.substr(2));
   size_t begin = rest.find_first_not_of(FilePath::kSeparator);
-  FilePath mapped(folder);
+  const FilePath& mapped = drive->second;
   return begin == std::wstring::npos ? mapped : mapped.Append(rest.substr(begin));
+}
+
+DriveMap DriveMapFromEnvironment() {
+  DriveMap drives;
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    const std::string variable = std::string("VANTU_DRIVE_") + letter;
+    std::wstring folder;
+    if (GetEnvironmentString(variable, &folder) && !folder.empty())
+      drives[static_cast<wchar_t>(letter)] = FilePath(folder);
+  }
+  return drives;
 }
 
 }  // namespace base

@@ -1,6 +1,7 @@
 #ifndef BASE_WINDOWS_PATH_H_
 #define BASE_WINDOWS_PATH_H_
 
+#include <map>
 #include <string>
 
 #include "base/file_path.h"
@@ -11,18 +12,23 @@ namespace base {
 // registry, on the player's command line) into a path of this machine.
 //
 // A path with a drive letter ("C:\Program Files\VanTa6\VanTa6.exe", "c:/x",
-// "C:" alone) lives on the folder that the environment variable
-// VANTU_DRIVE_<LETTER> names (the letter in upper case, e.g. VANTU_DRIVE_C);
-// the rest of the path follows it. Backslashes become separators; the letter
+// "C:" alone) lives on the folder that |drives| gives for the letter (kept
+// in upper case); the rest of the path follows it. Backslashes become separators; the letter
 // case of each component is left to the case-insensitive file operations. A
 // path on a drive with no folder, and a network path ("\\server\share"), map
 // to the empty path, which every file operation treats as not found. Any
 // other path (a POSIX path, a relative path) keeps its text with backslashes
 // turned into separators.
 //
-// On Windows a drive the environment maps (a copied profile's drives) maps
-// the same way; any other path is its own answer.
-FilePath MapWindowsPath(const std::wstring& path);
+// On Windows a drive the map names (a copied profile's drives) maps the
+// same way; any other path is its own answer.
+using DriveMap = std::map<wchar_t, FilePath>;
+FilePath MapWindowsPath(const std::wstring& path, const DriveMap& drives);
+
+// The drive folders of the process environment: VANTU_DRIVE_<LETTER> (the
+// letter in upper case, e.g. VANTU_DRIVE_C) for each letter where it is set
+// and not empty.
+DriveMap DriveMapFromEnvironment();
 
 }  // namespace base
 

@@ -20,7 +20,6 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   g_file = FuzzScratchPath("vantu-registry-fuzz.reg");
   // The scratch file goes with the process.
   std::atexit([] { (void)base::DeleteFile(g_file); });
-  (void)base::SetEnvironmentString("VANTU_REGISTRY_FILE", g_file.value());  // fails only without memory
   return 0;
 }
 
@@ -32,8 +31,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (const wchar_t* key : {L"Software\\VanTa6", L"Software\\VanTa", L"software\\vantu\\database_update"}) {
     base::RegKey reg;
     std::wstring value;
-    if (reg.Open(key))
-      (void)reg.ReadValue(L"AppFileName", &value);  // missing values are fine
+    bool expandable = false;
+    if (reg.Open(g_file, key) && reg.ReadValue(L"AppFileName", &value, &expandable) && expandable)
+      (void)base::ExpandEnvironmentReferences(value, [](const std::wstring& name, std::wstring* out) {
+        *out = name;  // any text will do
+        return name.size() % 2 == 0;
+      });
   }
   return 0;
 }

@@ -11,6 +11,7 @@
 #include "base/file_util.h"
 #include "base/path_service.h"
 #include "fuzz/fuzz_scratch.h"
+#include "tools/data_importer/environment/run_context.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
@@ -18,16 +19,16 @@
 namespace {
 base::FilePath g_data_folder;
 base::FilePath g_root;
+RunContext g_context;
 }
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   (void)base::SetEnvironmentString("VANTU_LOG_LEVEL", L"5");  // fails only without memory
   base::FilePath root = FuzzScratchPath("vantu-v6-fuzz");
-  (void)base::SetEnvironmentString("LOCALAPPDATA", root.value());  // fails only without memory
-  (void)base::SetEnvironmentString(base::kFoldersFromEnvironment, L"1");  // fails only without memory
-  (void)base::SetEnvironmentString("APPDATA", root.Append(L"roaming").value());  // fails only without memory
-  (void)base::SetEnvironmentString("VANTU_REGISTRY_FILE", root.Append(L"none.reg").value());  // fails only without memory
-  g_data_folder = root.Append(L"VanTu8");
+  SetLocalAppData(root, &g_context);
+  g_context.m_roaming_app_data = root.Append(L"roaming");
+  g_context.m_registry_file = root.Append(L"none.reg");
+  g_data_folder = g_context.m_data_folder;
   g_root = root;
   // The scratch folder goes with the process.
   std::atexit([] { (void)base::DeleteFile(g_root, true); });
@@ -45,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // several times faster.
   ProgressRecord record;
   ImportModel model(&record);
-  V6DataExporter exporter(&model);
+  V6DataExporter exporter(g_context, &model);
   (void)exporter.ExportData();  // every outcome is allowed; crashes are not
   return 0;
 }

@@ -45,13 +45,10 @@ grep -q '^BeforceImportEmpty=-1' "$work/local/VanTu8/Vantu.ini" \
     || fail "the program's run left no DBCheck record"
 [ -s "$work/local/VanTu8/ImportReport.json" ] || fail "the program's run left no report"
 
-# The installed host finds the installed library, not the build's. Outputs
-# are taken whole before they are matched: "grep -q" stops reading at the
-# first match, and under pipefail the writer's broken pipe would fail the
-# check now and then.
-libraries=$(ldd "$prefix/bin/vantu-import")
-grep -q "libdata_importer.so => $prefix/" <<<"$libraries" \
-    || fail "vantu-import does not load the installed library: $libraries"
+# The installed host runs on its own (it carries the importer's core).
+# Outputs are taken whole before they are matched: "grep -q" stops reading
+# at the first match, and under pipefail the writer's broken pipe would fail
+# the check now and then.
 version=$("$prefix/bin/vantu-import" --version)
 grep -q '^vantu-import ' <<<"$version" || fail "vantu-import --version: $version"
 echo "check-install: installed library, header, pkg-config file and host work"

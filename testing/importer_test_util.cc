@@ -34,6 +34,18 @@ TestProfile::TestProfile() {
   env_.Set("VANTU_LOG_STDERR", std::nullopt);
 }
 
+RunContext TestRunContext(const base::FilePath& source_folder) {
+  RunContext context = RunContextFromEnvironment();
+  context.m_source_folder = source_folder;
+  if (!context.m_data_folder.empty() && !base::DirectoryExists(context.m_data_folder))
+    EXPECT_TRUE(base::CreateDirectory(context.m_data_folder));
+  return context;
+}
+
+base::FilePath TestDataFolder() {
+  return TestRunContext().m_data_folder;
+}
+
 void TestProfile::SetRegistryValue(const std::wstring& key, const std::wstring& name,
                                    const std::wstring& value) {
   std::wstring escaped;
@@ -290,3 +302,22 @@ long ProcessorMicrosOfWholeRun() {
          usage.ru_stime.tv_sec * 1000000L + usage.ru_stime.tv_usec;
 }
 #endif  // !defined(_WIN32)
+
+V6Music NumberedV6Music(int id, const std::wstring& title, wchar_t hash_fill, int mv_id) {
+  V6Music m;
+  m.id = id;
+  m.title = title;
+  m.file_name = L"D:\\Music\\" + title + L".mp3";
+  m.hash = testing_support::NumberedHash(id, hash_fill);
+  m.mv_id = mv_id;
+  return m;
+}
+
+V7Music NumberedV7Music(int id, const std::wstring& title, wchar_t hash_fill) {
+  V7Music m;
+  m.id = id;
+  m.title = title;
+  m.file_name = L"D:\\Music\\" + title + L".mp3";
+  m.hash = testing_support::NumberedHash(id, hash_fill);
+  return m;
+}

@@ -8,7 +8,10 @@
 #include "base/file_path.h"
 #include "base/json_file.h"
 #include "logging/logging.h"
+#include "testing/fixtures/generation6_fixture.h"
+#include "testing/fixtures/generation7_fixture.h"
 #include "testing/test_support.h"
+#include "tools/data_importer/environment/run_context.h"
 
 // A user profile of its own for one test: a temporary folder holding the
 // per-user ("local") and roaming application-data folders and a registry
@@ -43,6 +46,15 @@ class TestProfile {
   std::wstring registry_;
   logging::ScopedLogging logging_{{data_folder().Append(L"DataImporter.log"), 0, false}};
 };
+
+// The run context the test's environment gives (a TestProfile's folders
+// and registry, any drives the test has set), with |source_folder| as the
+// player's switch "i"; its data folder is made, as the entry point makes it
+// at the start of a run.
+RunContext TestRunContext(const base::FilePath& source_folder = base::FilePath());
+
+// The data folder of TestRunContext(), made when missing.
+base::FilePath TestDataFolder();
 
 class ProgressRecord;
 
@@ -137,5 +149,11 @@ int64_t TableRowCount(sql::Connection* db, const std::string& table);
 // expectation) when the child did not exit normally.
 long ProcessorMicrosOfWholeRun();
 #endif
+
+// A generation-6 or generation-7 library item "D:\Music\<title>.mp3" with
+// the hash NumberedHash(id, hash_fill), so that each test's songs have
+// hashes of their own.
+V6Music NumberedV6Music(int id, const std::wstring& title, wchar_t hash_fill, int mv_id = 0);
+V7Music NumberedV7Music(int id, const std::wstring& title, wchar_t hash_fill);
 
 #endif  // TESTING_IMPORTER_TEST_UTIL_H_

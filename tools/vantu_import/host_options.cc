@@ -15,135 +15,254 @@
 #include "base/utf_string_conversions.h"
 #include "base/windows_path.h"
 
-const char kHostUsage[] =
-    "Usage: vantu-import [options]\n"
-    "Runs the data importer once, as the player does, and reports the outcome.\n"
-    "\n"
-    "  --local-appdata DIR    per-user application-data folder (LOCALAPPDATA);\n"
-    "                         the importer's data folder is DIR/VanTu8\n"
-    "  --roaming-appdata DIR  roaming application-data folder (APPDATA)\n"
-    "  --registry FILE        the user's registry: a hive (NTUSER.DAT) or a .reg\n"
-    "                         export (VANTU_REGISTRY_FILE)\n"
-    "  --profile DIR          a copied user profile: DIR/AppData/Local,\n"
-    "                         DIR/AppData/Roaming and DIR/NTUSER.DAT; on a copied\n"
-    "                         volume (.../Users/NAME) drive C is the folder above\n"
-    "                         Users\n"
-    "  --drive C=DIR          the folder standing for Windows drive C: (repeatable)\n"
-    "  --i=DIR                folder of an older installation to import from\n"
-    "  --demo[=7|6|v2|v3]     build a sample user profile in a temporary folder\n"
-    "                         and run the importer on it: a generation-7\n"
-    "                         (default) or generation-6 installation to import,\n"
-    "                         plain version-2 databases to copy (v2), or\n"
-    "                         version-3 databases whose cloud lists are to be\n"
-    "                         moved (v3)\n"
-    "  --quiet                print only the outcome\n"
-    "  --help                 this text\n"
-    "\n"
-    "Exit status: 0 when the run ended without failure bits, 1 when\n"
-    "\"ImportState\" holds failure bits, 2 on bad usage.\n";
-
 namespace {
 
-// Matches "--name VALUE" and "--name=VALUE"; advances |i| past the value.
-bool TakeValue(int argc, const char* const* argv, int* i, const char* name, std::string* value,
-               bool* missing) {
-  const char* arg = argv[*i];
-  size_t length = std::strlen(name);
-  if (std::strncmp(arg, name, length) != 0)
-    return false;
-  if (arg[length] == '=') {
-    *value = arg + length + 1;
-    return true;
-  }
-  if (arg[length] != '\0')
-    return false;
-  if (*i + 1 >= argc) {
-    *missing = true;
-    return true;
-  }
-  *value = argv[++*i];
+// Sets one option; answers false with |error| for a value it refuses.
+using OptionSetter = bool (*)(const std::string& value, HostOptions* options, std::string* error);
+
+template <bool HostOptions::*kField>
+bool SetFlag(const std::string&, HostOptions* options, std::string*) {
+  options->*kField = true;
   return true;
 }
 
-// Matches one of the options that take a path; |*value| is then the field
-// that received it.
-bool TakeFolderValue(int argc, const char* const* argv, int* i, HostOptions* options,
-                     std::string** value, bool* missing) {
-  const std::pair<const char*, std::string*> kOptions[] = {
-      {"--i", &options->source},
-      {"--local-appdata", &options->local_appdata},
-      {"--roaming-appdata", &options->roaming_appdata},
-      {"--registry", &options->registry},
-      {"--profile", &options->profile},
-  };
-  for (const auto& [name, field] : kOptions) {
-    if (TakeValue(argc, argv, i, name, field, missing)) {
-      *value = field;
-      return true;
-    }
+template <std::string HostOptions::*kField>
+bool SetPath(const std::string& value, HostOptions* options, std::string*) {
+  options->*kField = value;
+  return true;
+}
+
+bool SetSource(const std::string& value, HostOptions* options, std::string*) {
+  options->source = value;
+  options->source_given = true;
+  return true;
+}
+
+bool SetDrive(const std::string& value, HostOptions* options, std::string* error) {
+  if (value.size() < 3 || value[1] != '=' || !std::isalpha(static_cast<unsigned char>(value[0]))) {
+    *error = "option --drive takes LETTER=DIR, not \"" + value + "\"";
+    return false;
   }
-  return false;
+  std::string drive = value;
+  drive[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(drive[0])));
+  options->drives.push_back(drive);
+  return true;
+}
+
+bool SetDemo(const std::string& value, HostOptions* options, std::string* error) {
+  if (value.empty() || value == "7") {
+    options->demo = 7;
+  } else if (value == "6") {
+    options->demo = 6;
+  } else if (value == "v2" || value == "v3") {
+    options->demo = 8;
+    options->demo_version = value.back() - '0';
+  } else {
+    *error = "option --demo takes 7, 6, v2 or v3, not \"" + value + "\"";
+    return false;
+  }
+  return true;
+}
+
+// How an option takes its value.
+enum class ValueForm {
+  kNone,      // "--name"
+  kRequired,  // "--name VALUE" or "--name=VALUE", not empty
+  kOptional,  // "--name" or "--name=VALUE"
+};
+
+struct OptionEntry {
+  HostOption option;
+  ValueForm form;
+  OptionSetter set;
+};
+
+// Every option of the program, in the order --help and README list them.
+const OptionEntry kOptionTable[] = {
+    {{"--local-appdata", "DIR",
+      "the per-user application-data folder; the importer's data folder is DIR/VanTu8"},
+     ValueForm::kRequired, SetPath<&HostOptions::local_appdata>},
+    {{"--roaming-appdata", "DIR", "the roaming application-data folder (generation 7 lives in it)"},
+     ValueForm::kRequired, SetPath<&HostOptions::roaming_appdata>},
+    {{"--registry", "FILE", "the user's registry: a hive (NTUSER.DAT) or a .reg export"},
+     ValueForm::kRequired, SetPath<&HostOptions::registry>},
+    {{"--profile", "DIR",
+      "a copied user profile: DIR/AppData/Local, DIR/AppData/Roaming and DIR/NTUSER.DAT (or "
+      "the Windows XP folders Local Settings/Application Data and Application Data); on a "
+      "copied volume (.../Users/NAME or .../Documents and Settings/NAME) drive C is the "
+      "folder above"},
+     ValueForm::kRequired, SetPath<&HostOptions::profile>},
+    {{"--drive", "LETTER=DIR", "the folder standing for a Windows drive (repeatable)"},
+     ValueForm::kRequired, SetDrive},
+    {{"--i", "DIR",
+      "the folder of an older installation to import from, as the player's switch --i=DIR (a "
+      "Windows path through --drive)"},
+     ValueForm::kRequired, SetSource},
+    {{"--demo", "[=7|6|v2|v3]",
+      "build a sample user profile in a temporary folder and run the importer on it: a "
+      "generation-7 (default) or generation-6 installation to import, plain version-2 "
+      "databases to copy (v2), or version-3 databases whose cloud lists are to be moved (v3)"},
+     ValueForm::kOptional, SetDemo},
+    {{"--dry-run", nullptr,
+      "run the same import on a temporary copy of the data folder and print what would be "
+      "imported; nothing else is changed"},
+     ValueForm::kNone, SetFlag<&HostOptions::dry_run>},
+    {{"--keep", nullptr, "keep the demo profile and the dry run's copy"},
+     ValueForm::kNone, SetFlag<&HostOptions::keep>},
+    {{"--quiet", nullptr, "print the verdict alone"}, ValueForm::kNone,
+     SetFlag<&HostOptions::quiet>},
+    {{"--verbose", nullptr,
+      "add where the run looked, the DBCheck values and per-table figures; copy the log to "
+      "standard error"},
+     ValueForm::kNone, SetFlag<&HostOptions::verbose>},
+    {{"--json", nullptr, "print the import report instead of text"}, ValueForm::kNone,
+     SetFlag<&HostOptions::json>},
+    {{"--version", nullptr, "print the version"}, ValueForm::kNone,
+     SetFlag<&HostOptions::version>},
+    {{"--help", nullptr, "print this text (also -h)"}, ValueForm::kNone,
+     SetFlag<&HostOptions::help>},
+};
+
+const HostExitStatus kExitTable[] = {
+    {0, "imported (or nothing to do) without failure"},
+    {1, "the import failed (ImportEnd 5, failure bits 1 or 8, a finished file that did not read "
+        "back or holds other rows than were written), the data folder cannot be used, or no "
+        "report was written"},
+    {2, "bad usage: nothing was run or created"},
+    {3, "finished, but a source was damaged (repaired by the compaction) or partly unreadable "
+        "(failure bits 2, 4 or 16): some records may be missing; the verdict names the file"},
+    {4, "nothing imported: an earlier installation is named (in the registry) but could not be "
+        "reached; the verdict names the path tried and the --drive option that would map it"},
+    {130, "stopped by Ctrl-C; the program says whether it stopped before anything was replaced "
+          "or while replacing (the next run completes the replacement)"},
+};
+
+// Appends |text| to |out| in lines of at most |width| columns, each
+// continuation line indented by |indent| spaces.
+void AppendWrapped(const std::string& text, size_t column, size_t indent, size_t width,
+                   std::string* out) {
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find(' ', start);
+    if (end == std::string::npos)
+      end = text.size();
+    std::string word = text.substr(start, end - start);
+    if (column > indent && column + 1 + word.size() > width) {
+      *out += "\n" + std::string(indent, ' ');
+      column = indent;
+    } else if (column > indent) {
+      *out += ' ';
+      ++column;
+    }
+    *out += word;
+    column += word.size();
+    start = end + 1;
+  }
+  *out += '\n';
 }
 
 }  // namespace
 
+std::vector<HostOption> HostOptionTable() {
+  std::vector<HostOption> options;
+  for (const OptionEntry& entry : kOptionTable)
+    options.push_back(entry.option);
+  return options;
+}
+
+std::vector<HostExitStatus> HostExitStatusTable() {
+  return std::vector<HostExitStatus>(std::begin(kExitTable), std::end(kExitTable));
+}
+
+std::string OptionSynopsis(const HostOption& option) {
+  if (!option.value)
+    return option.name;
+  return std::string(option.name) + (option.value[0] == '[' ? "" : " ") + option.value;
+}
+
+std::string HostUsage() {
+  constexpr size_t kIndent = 26;
+  constexpr size_t kWidth = 79;
+  std::string text =
+      "Usage: vantu-import [options]\n"
+      "Runs the data importer once, as the player does, and reports the outcome.\n"
+      "\nOptions:\n";
+  for (const OptionEntry& entry : kOptionTable) {
+    std::string synopsis = "  " + OptionSynopsis(entry.option);
+    text += synopsis;
+    if (synopsis.size() + 1 > kIndent) {
+      text += "\n" + std::string(kIndent, ' ');
+    } else {
+      text += std::string(kIndent - synopsis.size(), ' ');
+    }
+    AppendWrapped(entry.option.help, kIndent, kIndent, kWidth, &text);
+  }
+  text += "\nExit status:\n";
+  for (const HostExitStatus& status : kExitTable) {
+    std::string head = "  " + std::to_string(status.status) + "  ";
+    text += head;
+    AppendWrapped(status.meaning, head.size(), head.size(), kWidth, &text);
+  }
+  return text;
+}
+
 bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, std::string* error) {
   for (int i = 1; i < argc; ++i) {
     std::string arg = argv[i];
-    bool missing = false;
-    std::string* value = nullptr;
-    if (arg == "--quiet") {
-      options->quiet = true;
-    } else if (arg == "--verbose") {
-      options->verbose = true;
-    } else if (arg == "--json") {
-      options->json = true;
-    } else if (arg == "--version") {
-      options->version = true;
-    } else if (arg == "--help" || arg == "-h") {
-      options->help = true;
-    } else if (arg == "--demo" || arg == "--demo=7") {
-      options->demo = 7;
-    } else if (arg == "--demo=6") {
-      options->demo = 6;
-    } else if (arg == "--demo=v2" || arg == "--demo=v3") {
-      options->demo = 8;
-      options->demo_version = arg.back() - '0';
-    } else if (arg.rfind("--demo=", 0) == 0) {
-      *error = "option --demo takes 7, 6, v2 or v3, not \"" + arg.substr(7) + "\"";
-      return false;
-    } else if (arg == "--dry-run") {
-      options->dry_run = true;
-    } else if (arg == "--keep") {
-      options->keep = true;
-    } else if (TakeFolderValue(argc, argv, &i, options, &value, &missing)) {
-      if (missing) {
-        *error = "option " + arg + " needs a value";
-        return false;
+    if (arg == "-h")
+      arg = "--help";
+    const OptionEntry* match = nullptr;
+    std::string value;
+    bool has_value = false;
+    for (const OptionEntry& entry : kOptionTable) {
+      const std::string name = entry.option.name;
+      if (arg == name) {
+        match = &entry;
+      } else if (entry.form != ValueForm::kNone && arg.compare(0, name.size() + 1, name + "=") == 0) {
+        match = &entry;
+        value = arg.substr(name.size() + 1);
+        has_value = true;
       }
-      if (value->empty()) {
-        *error = "option " + arg.substr(0, arg.find('=')) + ": empty value";
-        return false;
-      }
-      if (value == &options->source)
-        options->source_given = true;
-    } else if (std::string drive; TakeValue(argc, argv, &i, "--drive", &drive, &missing)) {
-      if (missing) {
-        *error = "option " + arg + " needs a value";
-        return false;
-      }
-      if (drive.size() < 3 || drive[1] != '=' || !std::isalpha(static_cast<unsigned char>(drive[0]))) {
-        *error = "option --drive takes LETTER=DIR, not \"" + drive + "\"";
-        return false;
-      }
-      drive[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(drive[0])));
-      options->drives.push_back(drive);
-    } else {
+      if (match)
+        break;
+    }
+    if (!match) {
       *error = "unknown option " + arg;
       return false;
     }
+    const std::string name = match->option.name;
+    if (match->form == ValueForm::kRequired && !has_value) {
+      if (i + 1 >= argc) {
+        *error = "option " + name + " needs a value";
+        return false;
+      }
+      value = argv[++i];
+      has_value = true;
+    }
+    if (match->form == ValueForm::kRequired && value.empty()) {
+      *error = "option " + name + ": empty value";
+      return false;
+    }
+    if (!match->set(value, options, error))
+      return false;
   }
   return true;
+}
+
+ProfileFolders ProfileFoldersOf(const base::FilePath& profile) {
+  ProfileFolders folders;
+  base::FilePath xp_local =
+      base::ResolvePathCase(profile.Append(L"Local Settings").Append(L"Application Data"));
+  if (!base::DirectoryExists(base::ResolvePathCase(profile.Append(L"AppData").Append(L"Local"))) &&
+      base::DirectoryExists(xp_local)) {
+    folders.local = xp_local;
+    folders.roaming = base::ResolvePathCase(profile.Append(L"Application Data"));
+    folders.xp_layout = true;
+    return folders;
+  }
+  folders.local = base::ResolvePathCase(profile.Append(L"AppData").Append(L"Local"));
+  folders.roaming = base::ResolvePathCase(profile.Append(L"AppData").Append(L"Roaming"));
+  return folders;
 }
 
 bool ResolveProfileOptions(HostOptions* options, std::string* error) {
@@ -162,12 +281,15 @@ bool ResolveProfileOptions(HostOptions* options, std::string* error) {
       if (base::PathExists(hive))
         options->registry = hive.AsUTF8Unsafe();
     }
-    // A profile copied with its volume: ".../Users/NAME" (any letter case).
+    // A profile copied with its volume: ".../Users/NAME", or
+    // ".../Documents and Settings/NAME" before Windows Vista (any letter
+    // case).
     base::FilePath users = profile.DirName();
     std::string users_name = users.BaseName().AsUTF8Unsafe();
     for (char& c : users_name)
       c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    if (!drive_c && users_name == "users" && users.DirName() != users)
+    if (!drive_c && (users_name == "users" || users_name == "documents and settings") &&
+        users.DirName() != users)
       options->drives.push_back("C=" + users.DirName().AsUTF8Unsafe());
   }
   if (!options->registry.empty()) {
@@ -214,17 +336,18 @@ bool CheckHostPaths(const HostOptions& options, std::string* error) {
       !CheckPath("--registry", options.registry, false, error))
     return false;
   if (!options.profile.empty() && options.local_appdata.empty()) {
-    std::string local = options.profile + "/AppData/Local";
-    if (!CheckPath("--profile", local, true, error))
+    ProfileFolders folders = ProfileFoldersOf(base::FilePath::FromUTF8Unsafe(options.profile));
+    if (!CheckPath("--profile", folders.local.AsUTF8Unsafe(), true, error))
       return false;
   }
   return true;
 }
 
-bool CheckSourceFolder(const HostOptions& options, std::string* error) {
+bool CheckSourceFolder(const HostOptions& options, const RunContext& context,
+                       std::string* error) {
   if (options.source.empty())
     return true;
-  base::FilePath mapped = base::MapWindowsPath(base::UTF8ToWide(options.source));
+  base::FilePath mapped = base::MapWindowsPath(base::UTF8ToWide(options.source), context.m_drives);
   if (mapped.empty()) {
     *error = "--i " + options.source + ": no folder stands for its drive (see --drive)";
     return false;
@@ -232,49 +355,28 @@ bool CheckSourceFolder(const HostOptions& options, std::string* error) {
   return CheckPath("--i", options.source, true, error, mapped);
 }
 
-std::vector<std::string> NormalisedSourceArguments(int argc, const char* const* argv) {
-  std::vector<std::string> args;
-  bool changed = false;
-  for (int i = 0; i < argc; ++i) {
-    if (i > 0 && std::strcmp(argv[i], "--i") == 0 && i + 1 < argc) {
-      args.push_back(std::string("--i=") + argv[++i]);
-      changed = true;
-    } else {
-      args.push_back(argv[i]);
-    }
-  }
-  return changed ? args : std::vector<std::string>();
-}
-
-void ApplyHostEnvironment(const HostOptions& options) {
-  // Names, and values in UTF-8 as the options hold them; a failure leaves
-  // the variable as it was, which the run's outcome then shows.
-  auto set = [](const std::string& name, const std::string& value) {
-    (void)base::SetEnvironmentString(name, base::UTF8ToWide(value));
-  };
-  const std::string separator(1, static_cast<char>(base::FilePath::kSeparator));
-  bool redirected = false;
+RunContext HostRunContext(const HostOptions& options) {
+  RunContext context = RunContextFromEnvironment();
+  context.m_variables.clear();
   if (!options.profile.empty()) {
-    set("LOCALAPPDATA", options.profile + separator + "AppData" + separator + "Local");
-    set("APPDATA", options.profile + separator + "AppData" + separator + "Roaming");
-    // REG_EXPAND_SZ values of the profile's registry refer to it.
-    set("USERPROFILE", options.profile);
-    redirected = true;
+    base::FilePath profile = base::FilePath::FromUTF8Unsafe(options.profile);
+    ProfileFolders folders = ProfileFoldersOf(profile);
+    context.m_local_app_data = folders.local;
+    context.m_roaming_app_data = folders.roaming;
+    context.m_user_profile = profile;
   }
   for (const std::string& drive : options.drives)
-    set("VANTU_DRIVE_" + drive.substr(0, 1), drive.substr(2));
-  if (!options.local_appdata.empty()) {
-    set("LOCALAPPDATA", options.local_appdata);
-    redirected = true;
-  }
-  if (!options.roaming_appdata.empty()) {
-    set("APPDATA", options.roaming_appdata);
-    redirected = true;
-  }
-  if (redirected)
-    set(base::kFoldersFromEnvironment, "1");
+    context.m_drives[static_cast<wchar_t>(drive[0])] = base::FilePath::FromUTF8Unsafe(drive.substr(2));
+  if (!options.local_appdata.empty())
+    context.m_local_app_data = base::FilePath::FromUTF8Unsafe(options.local_appdata);
+  if (!options.roaming_appdata.empty())
+    context.m_roaming_app_data = base::FilePath::FromUTF8Unsafe(options.roaming_appdata);
   if (!options.registry.empty())
-    set("VANTU_REGISTRY_FILE", options.registry);
+    context.m_registry_file = base::FilePath::FromUTF8Unsafe(options.registry);
+  if (!options.source.empty())
+    context.m_source_folder = base::MapWindowsPath(base::UTF8ToWide(options.source), context.m_drives);
+  SetLocalAppData(context.m_local_app_data, &context);
   if (options.verbose)
-    set("VANTU_LOG_STDERR", "1");
+    context.m_log_to_stderr = true;
+  return context;
 }

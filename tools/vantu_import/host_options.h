@@ -4,19 +4,20 @@
 #include <string>
 #include <vector>
 
-// Options of the host program. Every folder option only sets an environment
-// variable of the run; "--i=DIR" is left on the process command line, where
-// the importer reads it as the player's switch ("--i DIR" is turned into
-// that form, see NormalisedSourceArguments).
+#include "tools/data_importer/environment/run_context.h"
+
+// Options of the host program. The folder options make the run's context
+// (HostRunContext); without them the run takes its folders from the
+// environment, as the player's entry point does.
 struct HostOptions {
-  std::string local_appdata;    // --local-appdata DIR -> LOCALAPPDATA
-  std::string roaming_appdata;  // --roaming-appdata DIR -> APPDATA
-  std::string registry;         // --registry FILE -> VANTU_REGISTRY_FILE
+  std::string local_appdata;    // --local-appdata DIR
+  std::string roaming_appdata;  // --roaming-appdata DIR
+  std::string registry;         // --registry FILE
   std::string profile;          // --profile DIR: DIR/AppData/{Local,Roaming}
-  std::string source;           // --i=DIR or --i DIR
+  std::string source;           // --i=DIR or --i DIR, the player's switch "i"
   bool source_given = false;
   // --drive C=DIR (repeatable): the folder standing for a Windows drive,
-  // as "C=DIR" -> VANTU_DRIVE_C.
+  // as "C=DIR".
   std::vector<std::string> drives;
   bool quiet = false;    // the verdict line alone
   bool verbose = false;  // "DBCheck" keys, per-table figures, the log on stderr
@@ -44,13 +45,9 @@ bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, s
 bool CheckHostPaths(const HostOptions& options, std::string* error);
 
 // Checks that --i names an existing folder, a Windows path ("E:\\Old")
-// through the folder that stands for its drive: call it once the drive
-// options are in the environment (ApplyHostEnvironment).
-bool CheckSourceFolder(const HostOptions& options, std::string* error);
-
-// argv with "--i DIR" written as "--i=DIR", the form the importer reads
-// from the process command line; empty when argv needs no change.
-std::vector<std::string> NormalisedSourceArguments(int argc, const char* const* argv);
+// through the folder that |context| has for its drive.
+bool CheckSourceFolder(const HostOptions& options, const RunContext& context,
+                       std::string* error);
 
 // Completes the options of a copied Windows profile and checks the files
 // they name. With --profile DIR and no --registry, the profile's own
@@ -61,10 +58,46 @@ std::vector<std::string> NormalisedSourceArguments(int argc, const char* const* 
 // read or is a damaged hive.
 bool ResolveProfileOptions(HostOptions* options, std::string* error);
 
-// Sets the environment variables the options ask for: --profile first, then
-// the single-folder options, which win over it.
-void ApplyHostEnvironment(const HostOptions& options);
+// The run's context: the process environment's (RunContextFromEnvironment,
+// without its other variables: they are this machine's, not the copied
+// profile's), then --profile, then the single-folder options, which win
+// over it; the drives; --i mapped through them; --verbose copies the log to
+// standard error.
+RunContext HostRunContext(const HostOptions& options);
 
-extern const char kHostUsage[];
+// The local and roaming application-data folders of a copied profile:
+// "AppData/Local" and "AppData/Roaming" (Windows Vista and later), or, when
+// the profile has no "AppData/Local" but "Local Settings/Application Data",
+// that and "Application Data" (Windows XP).
+struct ProfileFolders {
+  base::FilePath local;
+  base::FilePath roaming;
+  bool xp_layout = false;
+};
+ProfileFolders ProfileFoldersOf(const base::FilePath& profile);
+
+// One option as --help and README list it.
+struct HostOption {
+  const char* name;   // "--profile"
+  const char* value;  // "DIR", "[=7|6|v2|v3]"; null for a switch
+  const char* help;
+};
+
+// One exit status and its meaning.
+struct HostExitStatus {
+  int status;
+  const char* meaning;
+};
+
+// The one table of options the parser reads and --help and README print,
+// and the table of exit statuses.
+std::vector<HostOption> HostOptionTable();
+std::vector<HostExitStatus> HostExitStatusTable();
+
+// "--profile DIR", "--demo[=7|6|v2|v3]", "--quiet".
+std::string OptionSynopsis(const HostOption& option);
+
+// The text of --help, from the two tables (lines of at most 79 columns).
+std::string HostUsage();
 
 #endif  // TOOLS_VANTU_IMPORT_HOST_OPTIONS_H_

@@ -1,6 +1,8 @@
 #include "tools/vantu_import/run_outcome.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <sstream>
 #include <vector>
 
@@ -247,21 +249,107 @@ std::string DescribeImportState(const std::wstring& state) {
   return text + ")";
 }
 
+std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns) {
+  percent = std::clamp(percent, 0, 100);
+  char figures[48];
+  std::snprintf(figures, sizeof(figures), "] %3d%% %6.1fs", percent, seconds);
+  const int fixed = static_cast<int>(label.size() + 2 + std::strlen(figures));
+  const int width = std::clamp(columns - 1 - fixed, 10, 40);
+  const int filled = percent * width / 100;
+  std::string line = label + " [" + std::string(filled, '#') + std::string(width - filled, ' ') +
+                     figures;
+  if (columns > 1 && static_cast<int>(line.size()) > columns - 1)
+    line.resize(columns - 1);
+  return line;
+}
+
+bool ReplacedDatabases(const base::Value& report) {
+  for (const auto& stage : At(report, "stages")) {
+    std::string name = Text(At(stage, "name"));
+    if (name == "ReplaceMusic" || name == "ReplacePlaylist")
+      return true;
+  }
+  return false;
+}
+
+namespace {
+
+// An installation the registry names whose files were not found, in words
+// with the option that would map it.
+std::string UnreachableInWords(const base::Value& entry) {
+  std::string text = Text(At(entry, "generation")) + " at \"" + Text(At(entry, "expanded")) + "\"";
+  std::string drive = Text(At(entry, "drive"));
+  std::string tried = Text(At(entry, "tried"));
+  if (tried.empty())
+    text += " (no folder stands for drive " + drive + ":";
+  else
+    text += " (not found at " + tried;
+  if (!drive.empty())
+    text += "; give --drive " + drive + "=FOLDER with the copy of drive " + drive + ":";
+  return text + ")";
+}
+
+// What the lookup adds to the verdict of a run that imported an earlier
+// generation: the installations passed over and those that could not be
+// reached. A run on the data folder's own databases (the upgrade, the
+// copy, the re-import) follows an import made earlier: the installations
+// stay in its report alone.
+std::string LookupNotes(const base::Value& report) {
+  std::string notes;
+  std::string task = ReportTask(report);
+  if (!IsTask(task, names::kTaskImportGeneration7) && !IsTask(task, names::kTaskImportGeneration6) &&
+      !IsTask(task, names::kTaskImport2008))
+    return notes;
+  const base::Value& lookup = At(report, "lookup");
+  for (const auto& entry : At(lookup, "passed_over")) {
+    notes += "; " + Text(At(entry, "generation")) + " at " + Text(At(entry, "path")) +
+             " was found and not imported (" + Text(At(entry, "rule")) + ")";
+  }
+  for (const auto& entry : At(lookup, "unreachable"))
+    notes += "; " + UnreachableInWords(entry) + " could not be reached";
+  return notes;
+}
+
+}  // namespace
+
 std::string VerdictLine(const base::Value& report) {
   std::string task = ReportTask(report);
-  if (task.empty())
-    return "Nothing to import: no earlier installation of the player was found.";
+  if (task.empty()) {
+    const base::Value& unreachable = At(At(report, "lookup"), "unreachable");
+    if (unreachable.empty())
+      return "Nothing to import: no earlier installation of the player was found.";
+    std::string line = "Nothing imported: an earlier installation is named but could not be reached: ";
+    bool first = true;
+    for (const auto& entry : unreachable) {
+      line += (first ? "" : "; ") + UnreachableInWords(entry);
+      first = false;
+    }
+    return line + ".";
+  }
+  return TaskVerdict(report, task) + LookupNotes(report) + ".";
+}
+
+std::string LookupLines(const base::Value& report) {
+  std::string text;
+  for (const auto& line : At(At(report, "lookup"), "lines"))
+    text += "  " + Text(line) + "\n";
+  return text.empty() ? text : "Looked for earlier installations:\n" + text;
+}
+
+std::string TaskVerdict(const base::Value& report, const std::string& task) {
   if (IsTask(task, names::kTaskUpgradeVersion3))
-    return "Ran the upgrade of the version-3 databases.";
+    return "Ran the upgrade of the version-3 databases";
   if (IsTask(task, names::kTaskCopyVersion2))
-    return "Ran the copy of the version-2 databases to encrypted version 3.";
+    return "Ran the copy of the version-2 databases to encrypted version 3";
   if (DBCheckValue(report, "ImportStart") == "1")
-    return "Nothing imported: the databases of an earlier release of the player exist already.";
+    return "Nothing imported: the databases of an earlier release of the player exist already";
   std::string end = DBCheckValue(report, "ImportEnd");
   std::string state = DBCheckValue(report, "ImportState");
   if (end == "5") {
-    return "Import failed, nothing was replaced: ImportState " +
-           DescribeImportState(base::UTF8ToWide(state)) + Damage(report) + ".";
+    return std::string(ReplacedDatabases(report) ? "Import failed after the new databases "
+                                                   "replaced the old ones"
+                                                 : "Import failed, nothing was replaced") +
+           ": ImportState " + DescribeImportState(base::UTF8ToWide(state)) + Damage(report);
   }
   std::string line = "Imported " + ImportedCounts(report) + Skipped(report) + Damage(report);
   uint32_t source_bits = StateBits(report) &
@@ -273,11 +361,12 @@ std::string VerdictLine(const base::Value& report) {
   }
   if (end == "8")
     line += "; the old installation counts as empty (ImportEnd 8)";
-  return line + ".";
+  return line;
 }
 
 std::string DescribeDetails(const base::Value& report) {
   std::ostringstream out;
+  out << LookupLines(report);
   out << "DBCheck values written by this run:\n";
   for (const auto& [key, value] : At(report, "dbcheck").items())
     out << "  " << key << " = " << Text(value) << "\n";
@@ -303,6 +392,13 @@ std::string DescribeDetails(const base::Value& report) {
         << (At(t, "rows_counted").is_null() ? std::string("-") : std::to_string(Number(At(t, "rows_counted"))))
         << "\n";
   }
+  const base::Value& summary = At(report, "summary");
+  if (Number(At(summary, "settings_written"))) {
+    out << "Settings: " << Number(At(summary, "settings")) << " read from the source; "
+        << std::max<int64_t>(0, Number(At(summary, "settings_written")) -
+                                    Number(At(summary, "settings")))
+        << " defaults written beside them\n";
+  }
   out << "Stages:";
   for (const auto& stage : At(report, "stages")) {
     char seconds[32];
@@ -317,6 +413,8 @@ std::string DescribeDetails(const base::Value& report) {
 int ExitStatusOf(const base::Value& report) {
   if (!report.is_object())
     return kExitFailed;
+  if (ReportTask(report).empty() && !At(At(report, "lookup"), "unreachable").empty())
+    return kExitUnreachable;
   uint32_t bits = StateBits(report);
   if (DBCheckValue(report, "ImportEnd") == "5" ||
       (bits & (names::kStateNotStarted | names::kStateBuildFailed)))

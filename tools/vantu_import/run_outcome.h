@@ -17,6 +17,8 @@ enum HostExit : int {
   kExitFailed = 1,    // the import failed, or the run could not be judged
   kExitUsage = 2,     // bad usage; nothing was run or created
   kExitDamaged = 3,   // finished, but a source was damaged or partly unreadable
+  kExitUnreachable = 4,  // an earlier installation is named but could not be reached
+  kExitInterrupted = 130,  // stopped by Ctrl-C (128 + SIGINT, as shells report it)
 };
 
 // The task the report names ("" for none).
@@ -36,7 +38,19 @@ std::string DescribeImportState(const std::wstring& state);
 // why, which source was damaged, or why the import failed.
 std::string VerdictLine(const base::Value& report);
 
-// The "DBCheck" values of the run and the per-table figures (sources,
+// Whether the run renamed a new database into place (its stages name
+// "ReplaceMusic" or "ReplacePlaylist").
+bool ReplacedDatabases(const base::Value& report);
+
+// The verdict of a run that ran |task|, without the lookup's notes and the
+// final full stop.
+std::string TaskVerdict(const base::Value& report, const std::string& task);
+
+// The places the run looked at for earlier installations, one indented
+// line each under a heading; empty when the report has none.
+std::string LookupLines(const base::Value& report);
+
+// What the run looked at, the "DBCheck" values of the run and the per-table figures (sources,
 // source tables, source-to-target pairs, target tables, stage times).
 std::string DescribeDetails(const base::Value& report);
 
@@ -46,6 +60,12 @@ int ExitStatusOf(const base::Value& report);
 // Reads the report at |path|; false when it is missing or not a JSON
 // object.
 bool ReadReport(const base::FilePath& path, base::Value* report);
+
+// One line of the terminal's progress bar, e.g. "import [#####     ]  50%
+// 3.2s", at most |columns| - 1 characters wide (so that the terminal never
+// wraps it): the bar takes what the label and the figures leave, between 10
+// and 40 columns; on a terminal too narrow even for that, the line is cut.
+std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns);
 
 // The value of |key| in section "DBCheck" of |ini|.
 std::wstring ReadDBCheck(const base::FilePath& ini, const wchar_t* key);

@@ -13,6 +13,7 @@
 
 #include <shellapi.h>
 #else
+#include <sys/ioctl.h>
 #include <unistd.h>
 #endif
 
@@ -20,6 +21,7 @@
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -31,12 +33,12 @@
 
 #include "base/environment.h"
 #include "base/file_util.h"
-#include "base/path_service.h"
 #include "base/string_number_conversions.h"
 #include "base/time.h"
 #include "base/utf_string_conversions.h"
-#include "tools/data_importer/data_importer_main.h"
+#include "tools/data_importer/driver/data_importer_run.h"
 #include "tools/data_importer/run_record/importer_names.h"
+#include "tools/data_importer/data_importer_main.h"
 #include "tools/vantu_import/data_folder_check.h"
 #include "tools/vantu_import/demo_profile.h"
 #include "tools/vantu_import/host_options.h"
@@ -46,8 +48,20 @@ namespace names = importer_names;
 
 namespace {
 
+// The terminal's width in columns (80 when it cannot be told).
+int TerminalColumns() {
+#if defined(_WIN32)
+  CONSOLE_SCREEN_BUFFER_INFO info;
+  if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info))
+    return info.srWindow.Right - info.srWindow.Left + 1;
+  return 80;
+#else
+  struct winsize size = {};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col ? size.ws_col : 80;
+#endif
+}
+
 constexpr auto kPollInterval = std::chrono::milliseconds(100);
-constexpr int kBarWidth = 40;
 
 // Shows the progress of the run from its start: on a terminal one bar line
 // with the elapsed time, redrawn in full each time (so it never ends half
@@ -77,9 +91,10 @@ class ProgressView {
     }
     if (value.empty())
       label = "start";
-    int filled = percent * kBarWidth / 100;
-    std::printf("\r%-7s [%s%s] %3d%% %7.1fs", label.c_str(), std::string(filled, '#').c_str(),
-                std::string(kBarWidth - filled, ' ').c_str(), percent, seconds);
+    // The width is read at each redraw: the terminal may be resized.
+    int columns = TerminalColumns();
+    // "\r" and clearing to the end of the line redraw the bar in place.
+    std::printf("\r%s\x1b[K", ProgressBarLine(label, percent, seconds, columns).c_str());
     std::fflush(stdout);
     bar_shown_ = true;
   }
@@ -98,28 +113,80 @@ class ProgressView {
   std::wstring last_value_;
 };
 
-// Runs DataImporterMain on a worker thread and shows its progress until it
-// returns.
-void RunImporter(const base::FilePath& ini, ProgressView* view) {
+// Set by Ctrl-C (SIGINT); the main thread looks at it while the import
+// runs.
+volatile std::sig_atomic_t g_interrupted = 0;
+
+// The temporary folders to remove when Ctrl-C ends the program (the
+// TemporaryFolder objects below are not destroyed then).
+std::vector<std::string>& FoldersToRemoveOnInterrupt() {
+  static std::vector<std::string> folders;
+  return folders;
+}
+
+void OnInterrupt(int) {
+  g_interrupted = 1;
+}
+
+// Ends the program after Ctrl-C, saying in what state the data folder was
+// left: the importer is stopped where it stands, as a killed player would
+// stop it, and the next run recovers from there.
+[[noreturn]] void StopOnInterrupt(const base::FilePath& data_folder, bool started) {
+  std::printf("\n");
+  if (!started) {
+    std::printf("Stopped before the import started: nothing was changed.\n");
+  } else if (base::PathExists(data_folder.Append(names::kReplaceRecordName))) {
+    std::printf("Stopped while the new databases were replacing the old ones: the next run "
+                "completes the replacement.\n");
+  } else {
+    std::printf("Stopped before anything was replaced: the old databases are in place; the "
+                "next run starts the import again.\n");
+  }
+  std::fflush(stdout);
+  for (const std::string& folder : FoldersToRemoveOnInterrupt()) {
+    std::error_code ignored;  // a leftover in the temporary folder is harmless
+    std::filesystem::remove_all(folder, ignored);
+  }
+  std::_Exit(kExitInterrupted);
+}
+
+// Runs the importer on |context| on a worker thread and shows its progress
+// until it returns.
+void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressView* view) {
+  if (g_interrupted)
+    StopOnInterrupt(context.m_data_folder, false);
   std::mutex mutex;
   std::condition_variable finished;
   bool done = false;
   auto start = std::chrono::steady_clock::now();
   std::thread worker([&] {
-    DataImporterMain();
+    RunDataImporter(context);
     std::lock_guard<std::mutex> lock(mutex);
     done = true;
     finished.notify_one();
   });
+  // The section holds the previous run's values until this run resets it:
+  // they are not shown as this run's.
+  const std::wstring previous_import = ReadDBCheck(base::ResolvePathCase(ini), names::kKeyImportProgress);
+  const std::wstring previous_update = ReadDBCheck(base::ResolvePathCase(ini), names::kKeyUpdateProgress);
+  bool reset_seen = previous_import.empty() && previous_update.empty();
   auto show = [&] {
     base::FilePath current = base::ResolvePathCase(ini);
     std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    view->Show(ReadDBCheck(current, names::kKeyImportProgress),
-               ReadDBCheck(current, names::kKeyUpdateProgress), elapsed.count());
+    std::wstring import_progress = ReadDBCheck(current, names::kKeyImportProgress);
+    std::wstring update_progress = ReadDBCheck(current, names::kKeyUpdateProgress);
+    reset_seen = reset_seen || import_progress != previous_import || update_progress != previous_update;
+    if (!reset_seen) {
+      import_progress.clear();
+      update_progress.clear();
+    }
+    view->Show(import_progress, update_progress, elapsed.count());
   };
   std::unique_lock<std::mutex> lock(mutex);
   while (!done) {
     lock.unlock();
+    if (g_interrupted)
+      StopOnInterrupt(context.m_data_folder, true);
     show();
     lock.lock();
     finished.wait_for(lock, kPollInterval, [&] { return done; });
@@ -151,6 +218,8 @@ class TemporaryFolder {
       return false;
     path_ = made.AsUTF8Unsafe();
     keep_ = keep;
+    if (!keep)
+      FoldersToRemoveOnInterrupt().push_back(path_);
     return true;
   }
   const std::string& path() const { return path_; }
@@ -169,34 +238,6 @@ bool StandardOutputIsTerminal() {
 }
 
 #if defined(_WIN32)
-// Runs this program again with |args| and answers its exit status (the
-// system has no exec: the first process waits for the second).
-int RunAgain(const std::vector<std::string>& args) {
-  wchar_t exe[32768];
-  DWORD n = GetModuleFileNameW(nullptr, exe, 32768);
-  if (n == 0 || n >= 32768)
-    return -1;
-  std::wstring line;
-  for (const std::string& arg : args) {
-    if (!line.empty())
-      line += L' ';
-    line += base::QuoteCommandLineArgument(base::UTF8ToWide(arg));
-  }
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION process = {};
-  if (!CreateProcessW(exe, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                      &process)) {
-    return -1;
-  }
-  CloseHandle(process.hThread);
-  WaitForSingleObject(process.hProcess, INFINITE);
-  DWORD code = 0;
-  bool got = GetExitCodeProcess(process.hProcess, &code);
-  CloseHandle(process.hProcess);
-  return got ? static_cast<int>(code) : -1;
-}
-
 // The arguments as UTF-8 from the wide command line (argv holds them in the
 // ANSI code page, which loses characters).
 std::vector<std::string> Utf8Arguments() {
@@ -230,13 +271,26 @@ ReportFile StatReport(const base::FilePath& path) {
   return file;
 }
 
-int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
-  ApplyHostEnvironment(options);
-  base::FilePath app_data;
-  // Unknown, the data folder is relative and the outcome shows nothing found.
-  (void)base::PathService::Get(base::DIR_LOCAL_APP_DATA, &app_data);
-  base::FilePath real_data_folder =
-      base::ResolvePathCase(app_data.Append(names::kDataFolderName));
+// The files of |folder| with their sizes and modification times, to tell
+// whether a run wrote into it.
+std::string FolderState(const base::FilePath& folder) {
+  std::string state;
+  std::error_code error;  // a folder that cannot be listed has no files
+  for (const auto& entry :
+       std::filesystem::directory_iterator(folder.AsUTF8Unsafe(), error)) {
+    base::FileInfo info;
+    if (base::GetFileInfo(base::FilePath::FromUTF8Unsafe(entry.path().string()), &info)) {
+      state += entry.path().filename().string() + " " + std::to_string(info.size) + " " +
+               std::to_string(info.last_modified) + "\n";
+    }
+  }
+  return state;
+}
+
+int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run_folder) {
+  base::FilePath real_data_folder = context.m_data_folder;
+  if (real_data_folder.empty())
+    return Fail(kExitFailed, "no local application-data folder: give --local-appdata or --profile");
   base::FilePath data_folder = real_data_folder;
   std::string error;
 
@@ -253,10 +307,7 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
       if (!CopyFolder(real_data_folder, data_folder, &error))
         return Fail(kExitFailed, error);
     }
-    if (!base::SetEnvironmentString("LOCALAPPDATA", temp.value()) ||
-        !base::SetEnvironmentString(base::kFoldersFromEnvironment, L"1")) {
-      return Fail(kExitFailed, "cannot redirect the data folder for the dry run");
-    }
+    SetLocalAppData(temp, &context);
   }
   if (!CheckDataFolder(data_folder, &error))
     return Fail(kExitFailed, error);
@@ -264,9 +315,14 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
   base::FilePath ini = data_folder.Append(names::kSettingsFileName);
   base::FilePath report_path = data_folder.Append(importer_names::kReportFileName);
   ReportFile before = StatReport(report_path);
+  // Today's backup folder, as the importer names it; shown only when this
+  // run wrote into it.
+  base::FilePath backup =
+      data_folder.Append(L"Backup").Append(base::Time::Now().ToLocalDateString());
+  std::string backup_before = FolderState(backup);
   bool text = !options.json && !options.quiet;
   ProgressView view(text, StandardOutputIsTerminal() && !options.verbose);
-  RunImporter(ini, &view);
+  RunImporter(context, ini, &view);
 
   // The run must have left both its record in "DBCheck" and a new report.
   ReportFile after = StatReport(report_path);
@@ -289,6 +345,12 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
   std::printf("%s\n", VerdictLine(report).c_str());
   if (options.quiet)
     return ExitStatusOf(report);
+  if (!options.profile.empty() && options.registry.empty())
+    std::printf("The profile %s has no NTUSER.DAT: no registry was read.\n", options.profile.c_str());
+  // "Nothing to import" shows where the run looked (--verbose shows it for
+  // every run, with the details).
+  if (ReportTask(report).empty() && !options.verbose)
+    std::printf("%s", LookupLines(report).c_str());
 
   std::printf("Task:          %s\n", TaskInWords(ReportTask(report)).c_str());
   // What a version-2 task ended with, from the report like every other
@@ -304,9 +366,8 @@ int Run(const HostOptions& options, TemporaryFolder* dry_run_folder) {
   if (!options.dry_run || options.keep) {
     std::printf("Log:           %s\n",
                 data_folder.Append(names::kLogFileName).AsUTF8Unsafe().c_str());
-    base::FilePath backup =
-        data_folder.Append(L"Backup").Append(base::Time::Now().ToLocalDateString());
-    if (base::DirectoryExists(backup))
+    std::string backup_after = FolderState(backup);
+    if (!backup_after.empty() && backup_after != backup_before)
       std::printf("Backup folder: %s\n", backup.AsUTF8Unsafe().c_str());
     std::printf("Report:        %s\n", report_path.AsUTF8Unsafe().c_str());
   }
@@ -329,12 +390,13 @@ int main(int argc, char** argv) {
     argv = utf8_argv.data();
   }
 #endif
+  std::signal(SIGINT, OnInterrupt);
   HostOptions options;
   std::string error;
   if (!ParseHostOptions(argc, argv, &options, &error))
     return Fail(kExitUsage, error + " (see --help)");
   if (options.help) {
-    std::printf("%s", kHostUsage);
+    std::printf("%s", HostUsage().c_str());
     return kExitImported;
   }
   if (options.version) {
@@ -343,26 +405,6 @@ int main(int argc, char** argv) {
   }
   if (!CheckHostPaths(options, &error))
     return Fail(kExitUsage, error);
-
-  // The importer reads "--i" from the process command line in the form
-  // "--i=DIR" only: the program starts again with that form.
-  std::vector<std::string> normalised = NormalisedSourceArguments(argc, argv);
-  if (!normalised.empty()) {
-#if defined(_WIN32)
-    int status = RunAgain(normalised);
-    if (status < 0)
-      return Fail(kExitFailed, "cannot restart with --i=DIR: " +
-                                   base::SystemErrorText(static_cast<int>(GetLastError())));
-    return status;
-#else
-    std::vector<char*> args;
-    for (std::string& arg : normalised)
-      args.push_back(arg.data());
-    args.push_back(nullptr);
-    execv("/proc/self/exe", args.data());
-    return Fail(kExitFailed, std::string("cannot restart with --i=DIR: ") + std::strerror(errno));
-#endif
-  }
 
   TemporaryFolder demo_folder;
   if (options.demo) {
@@ -383,9 +425,9 @@ int main(int argc, char** argv) {
   }
   if (!ResolveProfileOptions(&options, &error))
     return Fail(kExitUsage, error);
-  ApplyHostEnvironment(options);
-  if (!CheckSourceFolder(options, &error))
+  RunContext context = HostRunContext(options);
+  if (!CheckSourceFolder(options, context, &error))
     return Fail(kExitUsage, error);
   TemporaryFolder dry_run_folder;
-  return Run(options, &dry_run_folder);
+  return Run(options, std::move(context), &dry_run_folder);
 }

@@ -12,6 +12,7 @@
 #include "base/md5.h"
 #include "sql/connection.h"
 #include "testing/fixtures/generation6_fixture.h"
+#include "testing/fixtures/generation7_fixture.h"
 #include "testing/test_support.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
@@ -202,6 +203,77 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
             output_.find("; " + source.AsUTF8Unsafe() +
                          " was damaged and repaired: some of its records may be missing"))
       << output_;
+}
+
+// "Backup folder:" names the folder only when this run wrote into it: the
+// import backs its source up, the upgrade after it writes no backup. The
+// upgrade's progress starts from its own values.
+TEST_F(HostRunTest, BackupFolderOnlyWhenThisRunWroteOne) {
+  WriteInstallation();
+  EXPECT_EQ(0, Run(ProfileArgs())) << output_;
+  EXPECT_NE(std::string::npos, output_.find("\nBackup folder: " + data_folder().AsUTF8Unsafe()))
+      << output_;
+  EXPECT_EQ(0, Run(ProfileArgs())) << output_;
+  EXPECT_NE(std::string::npos, output_.find("(updatevantu8)")) << output_;
+  EXPECT_EQ(std::string::npos, output_.find("Backup folder:")) << output_;
+  // The progress shown is this run's: not the import's 100 % left in the
+  // section by the run before.
+  EXPECT_EQ(std::string::npos, output_.find("import progress:")) << output_;
+  EXPECT_NE(std::string::npos, output_.find("upgrade progress: 100%")) << output_;
+}
+
+// Settings are counted as read from the source: an empty settings file
+// carries defaults only, which --verbose counts beside them.
+TEST_F(HostRunTest, SettingsCountedAsReadFromTheSource) {
+  base::FilePath roaming = profile().Append(L"AppData").Append(L"Roaming");
+  base::FilePath settings = Generation7Folder(roaming).Append(L"vantu.ini");
+  V7SampleSize size;
+  size.songs = 4;
+  size.lists = 1;
+  size.list_entries = 2;
+  ASSERT_TRUE(WriteSampleV7Installation(roaming, size));
+  testing_support::WriteBytes(settings, "");
+  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()))) << output_;
+  EXPECT_EQ(0u, output_.find("Imported 4 songs")) << output_;
+  EXPECT_EQ(std::string::npos, output_.find("setting")) << output_;
+
+  ASSERT_TRUE(base::DeleteFile(data_folder(), true));
+  testing_support::WriteBytes(settings,
+                              "[Player]\r\nVolume=35\r\n[NetConfig]\r\nDownloadPort=9100\r\n");
+  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << output_;
+  EXPECT_NE(std::string::npos, output_.find(" and 2 settings")) << output_;
+  EXPECT_NE(std::string::npos, output_.find("Settings: 2 read from the source; ")) << output_;
+}
+
+// Ctrl-C stops the run at once with exit status 130, says in which state it
+// left the data folder, and removes the demo's temporary profile.
+TEST_F(HostRunTest, InterruptSaysWhatStateItLeft) {
+  std::string command = "cd " + Quote(root()) +
+                        " && { " VANTU_BINARY_DIR "/vantu-import --demo & pid=$!; sleep 0.3; "
+                        "kill -INT $pid; wait $pid; echo \"exit $?\"; }";
+  ASSERT_EQ(0, testing_support::RunCommand(command, "", &output_));
+  EXPECT_NE(std::string::npos, output_.find("\nexit 130\n")) << output_;
+  EXPECT_NE(std::string::npos, output_.find("\nStopped ")) << output_;
+  base::FilePath demo = PathAfter(output_, "Demo profile: ");
+  if (!demo.empty())
+    EXPECT_FALSE(base::PathExists(demo)) << output_;
+}
+
+// --i=DIR with no program folder in the registry: the folder's settings
+// file and lyrics come along with its databases.
+TEST_F(HostRunTest, SourceFolderCarriesSettingsAndLyrics) {
+  base::FilePath old = root().Append(L"Old Player");
+  ASSERT_TRUE(WriteSampleV6Installation(old, 5));
+  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()) + " --i " + Quote(old))) << output_;
+  EXPECT_EQ(0u, output_.find("Imported 5 songs")) << output_;
+  EXPECT_NE(std::string::npos, output_.find(" settings")) << output_;
+  int lyrics = 0;
+  std::error_code code;
+  for (const auto& entry : std::filesystem::directory_iterator(
+           data_folder().Append(L"Lyric").AsUTF8Unsafe(), code)) {
+    lyrics += entry.path().extension() == ".krc";
+  }
+  EXPECT_EQ(2, lyrics);
 }
 
 // --json prints the report the run wrote, and nothing else, on standard

@@ -55,11 +55,67 @@ TEST(HostOptionsTest, SourceFolderInBothFormsAndNewSwitches) {
   EXPECT_FALSE(Parse({"--registry", ""}, &bad, &error));
   EXPECT_EQ("option --registry: empty value", error);
 
-  const char* spaced[] = {"vantu-import", "--quiet", "--i", "/old player", "--json"};
-  EXPECT_EQ((std::vector<std::string>{"vantu-import", "--quiet", "--i=/old player", "--json"}),
-            NormalisedSourceArguments(5, spaced));
-  const char* joined[] = {"vantu-import", "--i=/old", "--quiet"};
-  EXPECT_TRUE(NormalisedSourceArguments(3, joined).empty());
+}
+
+// Every option of the table parses in the form it is documented in, and
+// --help names it.
+TEST(HostOptionsTest, EveryOptionParsesAndIsDocumented) {
+  std::string usage = HostUsage();
+  for (const HostOption& option : HostOptionTable()) {
+    std::vector<const char*> args = {option.name};
+    std::string value;
+    if (option.value && option.value[0] != '[') {
+      value = std::string(option.value) == "LETTER=DIR" ? "C=/x" : "/x";
+      args.push_back(value.c_str());
+    }
+    HostOptions options;
+    std::string error;
+    EXPECT_TRUE(Parse(args, &options, &error)) << option.name << ": " << error;
+    EXPECT_NE(std::string::npos, usage.find("  " + OptionSynopsis(option) + " ")) << option.name;
+  }
+  HostOptions options;
+  std::string error;
+  ASSERT_TRUE(Parse({"-h", "--drive=d=/d", "--demo=v3"}, &options, &error)) << error;
+  EXPECT_TRUE(options.help);
+  EXPECT_EQ(std::vector<std::string>{"D=/d"}, options.drives);
+  EXPECT_EQ(8, options.demo);
+  EXPECT_EQ(3, options.demo_version);
+  // A switch takes no value.
+  EXPECT_FALSE(Parse({"--quiet=1"}, &options, &error));
+  EXPECT_EQ("unknown option --quiet=1", error);
+}
+
+// The bar takes what the terminal's width leaves and never fills the last
+// column, where a terminal would wrap it onto a new line.
+TEST(ProgressBarTest, FitsTheTerminal) {
+  EXPECT_EQ("import [####################                    ]  50%    3.2s",
+            ProgressBarLine("import", 50, 3.2, 120));
+  for (int columns : {80, 60, 40, 30, 12}) {
+    std::string line = ProgressBarLine("upgrade", 100, 12345.6, columns);
+    EXPECT_LE(line.size(), static_cast<size_t>(columns - 1)) << columns << ": " << line;
+  }
+  EXPECT_EQ("start [                  ]   0%    0.0s", ProgressBarLine("start", -5, 0, 40));
+}
+
+// The options become the run's context: the single-folder options win over
+// the profile's folders, and --i is a Windows path on a --drive folder.
+TEST(HostOptionsTest, ContextFromOptions) {
+  HostOptions options;
+  std::string error;
+  ASSERT_TRUE(Parse({"--profile", "/copy/Users/ann", "--roaming-appdata=/elsewhere", "--drive",
+                     "e=/mnt/e", "--i", "E:\\Old Player", "--registry", "/r.reg", "--verbose"},
+                    &options, &error));
+  RunContext context = HostRunContext(options);
+  EXPECT_EQ(L"/copy/Users/ann/AppData/Local", context.m_local_app_data.value());
+  EXPECT_EQ(L"/copy/Users/ann/AppData/Local/VanTu8", context.m_data_folder.value());
+  EXPECT_EQ(L"/copy/Users/ann/AppData/Local/VanTu8/DataImporter.log", context.m_log_file.value());
+  EXPECT_EQ(L"/elsewhere", context.m_roaming_app_data.value());
+  EXPECT_EQ(L"/copy/Users/ann", context.m_user_profile.value());
+  EXPECT_EQ(L"/r.reg", context.m_registry_file.value());
+  EXPECT_EQ(L"/mnt/e/Old Player", context.m_source_folder.value());
+  EXPECT_TRUE(context.m_log_to_stderr);
+  // The machine's own variables are not the copied user's.
+  EXPECT_TRUE(context.m_variables.empty());
 }
 
 base::Value ImportReport(const std::string& end, const std::string& state) {
@@ -89,6 +145,15 @@ TEST(RunOutcomeTest, ExitStatusAndVerdictOfEachOutcome) {
   EXPECT_EQ("Import failed, nothing was replaced: ImportState 8 (8: a later stage of the build "
             "failed).",
             VerdictLine(failed));
+  // A failure bit set by a reader while the build went on and put both new
+  // files in place: the verdict does not say nothing was replaced.
+  base::Value replaced = ImportReport("5", "1");
+  replaced["stages"] = {{{"name", "Export"}, {"seconds", 0.1}},
+                        {{"name", "ReplaceMusic"}, {"seconds", 0.0}},
+                        {{"name", "ReplacePlaylist"}, {"seconds", 0.0}}};
+  EXPECT_EQ(0u, VerdictLine(replaced).find("Import failed after the new databases replaced the "
+                                           "old ones: ImportState 1 "))
+      << VerdictLine(replaced);
 
   base::Value lost_rows = clean;
   lost_rows["target_tables"] = {

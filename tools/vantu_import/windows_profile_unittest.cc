@@ -8,6 +8,7 @@
 
 #include "base/file_util.h"
 #include "testing/fixtures/generation6_fixture.h"
+#include "testing/fixtures/generation7_fixture.h"
 #include "testing/fixtures/registry_hive_fixture.h"
 #include "testing/test_support.h"
 
@@ -53,13 +54,23 @@ class WindowsProfileTest : public testing::Test {
 
   // Runs vantu-import with |args| in a clean environment; answers its exit
   // status and keeps its output.
-  int Run(const std::string& args) {
+  int Run(const std::string& args, bool quiet = true) {
     std::string command =
         "env -u VANTU_REGISTRY_FILE -u LOCALAPPDATA -u APPDATA -u USERPROFILE "
-        "HOME=" + Quote(dir_.path()) + " " VANTU_BINARY_DIR "/vantu-import --quiet " + args +
-        " 2>&1";
+        "HOME=" + Quote(dir_.path()) + " " VANTU_BINARY_DIR "/vantu-import " +
+        (quiet ? "--quiet " : "") + args + " 2>&1";
     int status = testing_support::RunCommand(command, "", &output_);
     return status;
+  }
+
+  bool Contains(const std::string& text) const {
+    return output_.find(text) != std::string::npos;
+  }
+
+  // Forgets the outcome of an earlier run, so that the next one imports
+  // again.
+  void ClearDataFolder() {
+    EXPECT_TRUE(base::DeleteFile(profile_.Append(L"AppData/Local/VanTu8"), true));
   }
 
   bool Imported() const {
@@ -87,10 +98,117 @@ TEST_F(WindowsProfileTest, DriveOptionAndExpandedValue) {
   base::FilePath drive_d = dir_.path().Append(L"drive d");
   WriteInstallation(drive_d.Append(L"Apps").Append(L"VanTa6"));
   WriteHive(profile_.Append(L"NTUSER.DAT"), L"D:\\Apps\\VanTa6\\VanTa6.exe", kHiveRegSz);
-  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
+  // Named but not reachable: said so with the option that maps it.
+  EXPECT_EQ(4, Run("--profile " + Quote(profile_), false)) << output_;
   EXPECT_FALSE(Imported()) << "drive D has no folder: the program is not found";
+  EXPECT_TRUE(Contains("Nothing imported: an earlier installation is named but could not be "
+                       "reached: generation 6 at \"D:\\Apps\\VanTa6\\VanTa6.exe\" (no folder "
+                       "stands for drive D:; give --drive D=FOLDER"))
+      << output_;
+  EXPECT_TRUE(Contains("HKEY_CURRENT_USER\\Software\\VanTa6\\AppFileName = "
+                       "\"D:\\Apps\\VanTa6\\VanTa6.exe\" -> no folder stands for drive D:"))
+      << output_;
+  std::string log = testing_support::ReadBytes(
+      profile_.Append(L"AppData/Local/VanTu8/DataImporter.log"));
+  EXPECT_NE(std::string::npos, log.find("no folder stands for drive D:")) << log;
   EXPECT_EQ(0, Run("--profile " + Quote(profile_) + " --drive d=" + Quote(drive_d))) << output_;
   EXPECT_TRUE(Imported()) << output_;
+}
+
+// The folders of Windows written as references, in a plain string or an
+// expandable one; a 32-bit program named under %ProgramFiles% lives in
+// "Program Files (x86)".
+TEST_F(WindowsProfileTest, ProgramFilesReferencesExpandThroughTheDrive) {
+  WriteInstallation(volume_.Append(L"Program Files (x86)").Append(L"VanTa6"));
+  for (const auto& [value, type] :
+       {std::pair{L"%ProgramFiles(x86)%\\VanTa6\\VanTa6.exe", kHiveRegSz},
+        std::pair{L"%ProgramFiles%\\VanTa6\\VanTa6.exe", kHiveRegExpandSz},
+        std::pair{L"%SystemDrive%\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz}}) {
+    WriteHive(profile_.Append(L"NTUSER.DAT"), value, type);
+    EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
+    EXPECT_TRUE(Imported()) << base::FilePath(value).AsUTF8Unsafe() << ": " << output_;
+    ClearDataFolder();
+  }
+}
+
+// A ".reg" export made from a hive loaded under HKEY_USERS is the user's.
+TEST_F(WindowsProfileTest, ExportOfAHiveLoadedUnderHkeyUsers) {
+  WriteInstallation(volume_.Append(L"Program Files").Append(L"VanTa6"));
+  base::FilePath reg = dir_.path().Append(L"customer.reg");
+  testing_support::WriteBytes(reg,
+                              "Windows Registry Editor Version 5.00\r\n\r\n"
+                              "[HKEY_USERS\\Customer\\Software\\VanTa6]\r\n"
+                              "\"AppFileName\"=\"C:\\\\Program Files\\\\VanTa6\\\\VanTa6.exe\"\r\n");
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_) + " --registry " + Quote(reg))) << output_;
+  EXPECT_TRUE(Imported()) << output_;
+}
+
+// A profile copied from Windows XP: "Documents and Settings/NAME" with
+// "Local Settings/Application Data" and "Application Data".
+TEST_F(WindowsProfileTest, WindowsXpProfile) {
+  base::FilePath xp = volume_.Append(L"Documents and Settings").Append(L"Ann");
+  ASSERT_TRUE(base::CreateDirectory(xp.Append(L"Local Settings").Append(L"Application Data")));
+  ASSERT_TRUE(base::CreateDirectory(xp.Append(L"Application Data")));
+  WriteInstallation(volume_.Append(L"Program Files").Append(L"VanTa6"));
+  WriteHive(xp.Append(L"NTUSER.DAT"), L"C:\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  EXPECT_EQ(0, Run("--profile " + Quote(xp))) << output_;
+  base::FilePath data = xp.Append(L"Local Settings/Application Data/VanTu8");
+  EXPECT_TRUE(base::PathExists(data.Append(L"VTMusicV3.db"))) << output_;
+  EXPECT_TRUE(base::PathExists(data.Append(L"playlistV3.db"))) << output_;
+}
+
+// Without NTUSER.DAT nothing names an installation: the run says so and
+// where it looked.
+TEST_F(WindowsProfileTest, NothingToImportSaysWhereItLooked) {
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_), false)) << output_;
+  EXPECT_TRUE(Contains("Nothing to import: no earlier installation")) << output_;
+  EXPECT_TRUE(Contains("The profile " + profile_.AsUTF8Unsafe() + " has no NTUSER.DAT")) << output_;
+  EXPECT_TRUE(Contains("  registry: none given\n")) << output_;
+  EXPECT_TRUE(Contains("  generation 7: " +
+                       profile_.Append(L"AppData/Roaming/VanTu7/VTData.db").AsUTF8Unsafe() +
+                       " (not found)\n"))
+      << output_;
+  EXPECT_TRUE(Contains("  generation 6: registry value HKEY_CURRENT_USER\\Software\\VanTa6\\"
+                       "AppFileName not set\n"))
+      << output_;
+}
+
+// Generation 7 is imported when both are present; generation 6 is named
+// with the rule that passed it over.
+TEST_F(WindowsProfileTest, GenerationPassedOverIsNamed) {
+  base::FilePath program = volume_.Append(L"Program Files").Append(L"VanTa6");
+  WriteInstallation(program);
+  WriteHive(profile_.Append(L"NTUSER.DAT"), L"C:\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  V7SampleSize size;
+  size.songs = 5;
+  size.lists = 1;
+  size.list_entries = 3;
+  ASSERT_TRUE(WriteSampleV7Installation(profile_.Append(L"AppData/Roaming"), size));
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
+  EXPECT_TRUE(Contains("; generation 6 at " + program.Append(L"VanTa6.exe").AsUTF8Unsafe() +
+                       " was found and not imported (generation 7 comes first: one "
+                       "installation is imported per run)."))
+      << output_;
+  std::string report =
+      testing_support::ReadBytes(profile_.Append(L"AppData/Local/VanTu8/ImportReport.json"));
+  EXPECT_NE(std::string::npos, report.find("\"passed_over\"")) << report;
+}
+
+// Generation 7 imported, generation 6 named on a drive with no folder: the
+// verdict names the one not reached, the exit status is the import's.
+TEST_F(WindowsProfileTest, UnreachableBesideAnImportIsNamed) {
+  WriteHive(profile_.Append(L"NTUSER.DAT"), L"D:\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  V7SampleSize size;
+  size.songs = 5;
+  size.lists = 1;
+  size.list_entries = 3;
+  ASSERT_TRUE(WriteSampleV7Installation(profile_.Append(L"AppData/Roaming"), size));
+  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
+  EXPECT_TRUE(Imported()) << output_;
+  EXPECT_TRUE(Contains("; generation 6 at \"D:\\VanTa6\\VanTa6.exe\" (no folder stands for "
+                       "drive D:; give --drive D=FOLDER with the copy of drive D:) could not be "
+                       "reached."))
+      << output_;
 }
 
 TEST_F(WindowsProfileTest, ExpandedValueInsideTheProfile) {
@@ -127,6 +245,13 @@ TEST_F(WindowsProfileTest, DamagedHiveAndBadDrivesAreUsageErrors) {
   // Found in the profile rather than named: the same error.
   testing_support::WriteBytes(profile_.Append(L"NTUSER.DAT"), "regf and nothing more");
   EXPECT_EQ(2, Run("--profile " + Quote(profile_)));
+
+  // Random bytes or an empty file are no registry either.
+  for (const std::string& bytes : {std::string(), std::string("\x01\x02junk\xff", 7)}) {
+    testing_support::WriteBytes(hive, bytes);
+    EXPECT_EQ(2, Run("--profile " + Quote(profile_) + " --registry " + Quote(hive)));
+    EXPECT_TRUE(Contains("neither a registry hive nor a .reg export")) << output_;
+  }
 
   EXPECT_EQ(2, Run("--drive C"));
   EXPECT_EQ(2, Run("--drive 1=/tmp"));

@@ -1,4 +1,5 @@
 #include "tools/data_importer/data_importer_main.h"
+#include "tools/data_importer/driver/data_importer_run.h"
 
 #include <chrono>
 #include <exception>
@@ -7,6 +8,7 @@
 #include "base/command_line.h"
 #include "base/file_util.h"
 #include "base/path_service.h"
+#include "base/utf_string_conversions.h"
 #include "base/windows_path.h"
 #include "common/exception_report/crash_handler.h"
 #include "logging/logging.h"
@@ -36,14 +38,14 @@ void KeepUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& r
   }
 }
 
-void RunTask(const std::wstring& task, const base::FilePath& data_folder,
-             ProgressRecord* record) {
+void RunTask(const std::wstring& task, const RunContext& context, ProgressRecord* record) {
+  const base::FilePath& data_folder = context.m_data_folder;
   if (IsTask(task, kTaskUpgradeVersion3)) {
-    KeepUpgradeResult(data_folder, RunVersion3Upgrade(record), record);
+    KeepUpgradeResult(data_folder, RunVersion3Upgrade(data_folder, record), record);
     return;  // the playlist storage stays untouched
   }
   if (IsTask(task, kTaskCopyVersion2)) {
-    KeepUpgradeResult(data_folder, RunVersion2Copy(record), record);
+    KeepUpgradeResult(data_folder, RunVersion2Copy(data_folder, record), record);
   } else if (base::PathExists(data_folder.Append(importer_names::kMusicDatabaseV2))) {
     // Already imported by an earlier release.
     record->WriteImportStart();
@@ -51,7 +53,7 @@ void RunTask(const std::wstring& task, const base::FilePath& data_folder,
   } else if (int kind = ImportKindOfTask(task)) {
     record->set_import_kind(kind);
     record->SetProgress(10);
-    RunImport(record);
+    RunImport(context, record);
     record->SetProgress(100);
   }
   // The refresh only tells the player that its lists changed; the run's
@@ -61,24 +63,19 @@ void RunTask(const std::wstring& task, const base::FilePath& data_folder,
       << L"Playlist storage: {" << StorageRefreshText(refresh) << L"}.";
 }
 
-void Run() {
+void Run(const RunContext& context) {
   base::FilePath exe_folder;
   // Unknown, the crash records name an empty executable folder.
   (void)base::PathService::Get(base::DIR_EXE, &exe_folder);
-  exception_report::ScopedCrashHandler crash_handler(exe_folder, GetCrashFolder());
+  exception_report::ScopedCrashHandler crash_handler(exe_folder, GetCrashFolder(context));
 
-  base::CommandLine::Init(0, nullptr);
   RunStartupRegistryStep();
 
-  base::CommandLine command_line = base::CommandLine::FromString(base::GetCommandLineW());
-  base::CommandLine::SwitchMap switches = command_line.GetSwitches();
-  auto source = switches.find("i");
-  // The player may pass a Windows path ("D:\\Old Player\\data").
-  base::FilePath source_folder =
-      source == switches.end() ? base::FilePath() : base::MapWindowsPath(source->second);
-
   auto decision_start = std::chrono::steady_clock::now();
-  base::FilePath data_folder = GetDataFolder();
+  const base::FilePath& data_folder = context.m_data_folder;
+  if (!data_folder.empty() && !base::DirectoryExists(data_folder))
+    // A folder that cannot be made shows when its files are written.
+    (void)base::CreateDirectory(data_folder);
   // A build killed between its two renames is completed before the task is
   // decided, so the decision sees both version-3 files or neither. Without a
   // data folder there is nothing to clean (and no relative path may be).
@@ -87,21 +84,27 @@ void Run() {
     RemoveStaleWorkFiles(data_folder);
     replacement_complete = CompleteOrUndoReplacement(data_folder);
   }
-  std::wstring task = DecideTask(data_folder, source_folder);
+  TaskSearch search;
+  std::wstring task = DecideTask(context, &search);
+  base::Value lookup = DescribeTaskSearch(context, search);
+  for (const auto& line : lookup["lines"])
+    VLOG_AT(logging::LOG_PROGRESS) << L"Looked for earlier installations: "
+                                   << base::UTF8ToWide(line.get<std::string>());
   std::chrono::duration<double> decision_time = std::chrono::steady_clock::now() - decision_start;
   VLOG_AT(logging::LOG_PROGRESS) << importer_names::kTaskLogMarker << task << L"}, source folder {"
-                                 << source_folder.value() << L"}.";
+                                 << context.m_source_folder.value() << L"}.";
 
   ImportReport report;
   report.SetTask(task, ImportKindOfTask(task));
   report.AddStage("TaskDecision", decision_time.count());
+  report.SetLookup(std::move(lookup));
   ProgressRecord record;
   record.set_report(&report);
-  record.Initialise(GetDataFolder());
+  record.Initialise(data_folder);
   if (!replacement_complete)
     record.ReportFailure(ProgressRecord::kStateBuildFailed);
   ClearUpgradeResult(data_folder);
-  RunTask(task, data_folder, &record);
+  RunTask(task, context, &record);
 
   // The account of the run, for the player's support and the host program.
   if (!data_folder.empty() && !report.Write(data_folder)) {
@@ -112,9 +115,9 @@ void Run() {
 }
 
 // Runs the whole import; nothing escapes.
-void RunAndReport() {
+void RunAndReport(const RunContext& context) {
   try {
-    Run();
+    Run(context);
   } catch (const std::exception& e) {
     VLOG_AT(logging::LOG_ASSERT) << L"DataImporterMain: unexpected exception {"
                                  << e.what() << L"}.";
@@ -125,14 +128,35 @@ void RunAndReport() {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) void DataImporterMain() {
-  // Nothing may escape into the player's thread. The log is the data
-  // folder's, opened once for the run, with the level and the stderr switch
-  // read once from the environment.
+RunContext RunContextOfProcess() {
+  RunContext context = RunContextFromEnvironment();
+  base::CommandLine::Init(0, nullptr);
+  base::CommandLine command_line = base::CommandLine::FromString(base::GetCommandLineW());
+  base::CommandLine::SwitchMap switches = command_line.GetSwitches();
+  auto source = switches.find("i");
+  // The player may pass a Windows path ("D:\\Old Player\\data").
+  if (source != switches.end())
+    context.m_source_folder = base::MapWindowsPath(source->second, context.m_drives);
+  return context;
+}
+
+void RunDataImporter(const RunContext& context) {
+  // Nothing may escape into the caller's thread. The log is opened once for
+  // the run.
   try {
-    logging::ScopedLogging logging(logging::LogSettingsFromEnvironment(GetLogFile()));
-    RunAndReport();
+    logging::ScopedLogging logging(
+        {context.m_log_file, context.m_log_level, context.m_log_to_stderr});
+    RunAndReport(context);
   } catch (...) {
     // Only starting the log can get here (no memory): nowhere to report to.
+  }
+}
+
+extern "C" __attribute__((visibility("default"))) void DataImporterMain() {
+  try {
+    RunDataImporter(RunContextOfProcess());
+  } catch (...) {
+    // Only reading the environment can get here (no memory): nowhere to
+    // report to.
   }
 }

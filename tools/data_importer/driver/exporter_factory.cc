@@ -13,7 +13,8 @@ namespace {
 // yet: the source counts as not found.
 class UnavailableDataExporter : public DataExporter {
  public:
-  UnavailableDataExporter(ImportModel* model, int kind) : DataExporter(model), kind_(kind) {}
+  UnavailableDataExporter(const RunContext& context, ImportModel* model, int kind)
+      : DataExporter(context, model), kind_(kind) {}
 
   ExportResult ExportData() override {
     VLOG_AT(logging::LOG_FAILURE) << L"No reader for import kind {" << kind_ << L"}.";
@@ -29,17 +30,18 @@ class UnavailableDataExporter : public DataExporter {
 
 }  // namespace
 
-std::unique_ptr<DataExporter> CreateExporter(int import_kind, ImportModel* model) {
+std::unique_ptr<DataExporter> CreateExporter(const RunContext& context, int import_kind,
+                                             ImportModel* model) {
   switch (import_kind) {
     case ProgressRecord::kKind2008:
-      return std::make_unique<VT2008DataExporter>(model);
+      return std::make_unique<VT2008DataExporter>(context, model);
     case ProgressRecord::kKindGeneration6:
-      return std::make_unique<V6DataExporter>(model);
+      return std::make_unique<V6DataExporter>(context, model);
     case ProgressRecord::kKindGeneration7:
-      return std::make_unique<V7DataExporter>(model);
+      return std::make_unique<V7DataExporter>(context, model);
     case ProgressRecord::kKindCurrent:
-      return std::make_unique<V8DataExporter>(model);
+      return std::make_unique<V8DataExporter>(context, model);
     default:
-      return std::make_unique<UnavailableDataExporter>(model, import_kind);
+      return std::make_unique<UnavailableDataExporter>(context, model, import_kind);
   }
 }

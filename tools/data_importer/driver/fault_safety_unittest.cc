@@ -115,9 +115,9 @@ TEST_F(FaultSafetyTest, KilledRunIsCompletedOrRedoneByTheNextRun) {
       where = stages[point];
       status = InChild([&] {
         ProgressRecord record;
-        record.Initialise(GetDataFolder());
+        record.Initialise(TestDataFolder());
         record.set_import_kind(ProgressRecord::kKindGeneration6);
-        RunImport(&record, [&](const char* stage) {
+        RunImport(TestRunContext(), &record, [&](const char* stage) {
           if (where == stage)
             raise(SIGKILL);
         });
@@ -219,9 +219,10 @@ TEST_F(FaultSafetyTest, DamagedSourcesNeverCrashOrLeaveBrokenFiles) {
       }
     } else {
       ProgressRecord record;
-      record.Initialise(GetDataFolder());
+      record.Initialise(TestDataFolder());
       ImportModel model(&record);
-      V6DataExporter exporter(&model);
+      const RunContext run_context = TestRunContext();
+      V6DataExporter exporter(run_context, &model);
       (void)exporter.ExportData();  // any outcome; the damage decides
     }
     EXPECT_EQ(damaged_database, testing_support::ReadBytes(database)) << where;

@@ -160,7 +160,7 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
     ImportModel model;
     FillGeneratedModel(&model, 7);
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     model.m_progress = &record;
     ASSERT_TRUE(IsOk(BuildDatabases(&model, profile_.data_folder())));
     model.m_progress = nullptr;
@@ -280,8 +280,8 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
     ImportReport lost;
     ProgressRecord record;
     record.set_report(&lost);
-    record.Initialise(GetDataFolder());
-    (void)RunVersion2Copy(&record, [&](const char* stage) {
+    record.Initialise(TestDataFolder());
+    (void)RunVersion2Copy(TestDataFolder(), &record, [&](const char* stage) {
       if (std::string(stage) != "Copy")
         return;  // a step of the commit that puts the copies in place
       sql::Connection db;

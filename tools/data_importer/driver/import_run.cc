@@ -6,14 +6,15 @@
 #include "logging/logging.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/source_readers/data_exporter.h"
-#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/import_report.h"
+#include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/driver/exporter_factory.h"
 
-void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
+void RunImport(const RunContext& context, ProgressRecord* record,
+               const BuildStageCallback& stage_done) {
   ImportModel model;
   model.m_progress = record;
 
@@ -28,7 +29,7 @@ void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
     stage_start = std::chrono::steady_clock::now();
   };
 
-  std::unique_ptr<DataExporter> exporter = CreateExporter(record->import_kind(), &model);
+  std::unique_ptr<DataExporter> exporter = CreateExporter(context, record->import_kind(), &model);
   base::FilePath source = exporter->GetDatabasePath();
   std::wstring summary = exporter->Dump(source);
   if (!summary.empty())
@@ -37,7 +38,7 @@ void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done) {
   timed_stage_done("Export");
   if (exported == ExportResult::kExported) {
     // The build records its failures in "DBCheck" itself; the log says why.
-    base::Status built = BuildDatabases(&model, GetDataFolder(), timed_stage_done);
+    base::Status built = BuildDatabases(&model, context.m_data_folder, timed_stage_done);
     if (!built.ok())
       VLOG_AT(logging::LOG_FAILURE) << L"Build of the new databases FAILED: {" << built.message()
                                     << L"}.";

@@ -3,6 +3,8 @@
 
 #include "tools/data_importer/target_store/build_sequence.h"
 
+#include "tools/data_importer/environment/run_context.h"
+
 class ProgressRecord;
 
 // Imports one earlier generation, chosen by the record's import kind, into
@@ -10,7 +12,9 @@ class ProgressRecord;
 // the exporter for the kind, asks it for its database path, logs its
 // summary, runs its export, and runs the build sequence only when the export
 // returned 0; then writes "ImportEnd". A kind without an exporter imports
-// nothing. |stage_done| is handed to the build sequence.
-void RunImport(ProgressRecord* record, const BuildStageCallback& stage_done = nullptr);
+// nothing. The exporter reads the machine through |context|, the build
+// writes into its data folder. |stage_done| is handed to the build sequence.
+void RunImport(const RunContext& context, ProgressRecord* record,
+               const BuildStageCallback& stage_done = nullptr);
 
 #endif  // TOOLS_DATA_IMPORTER_DRIVER_IMPORT_RUN_H_

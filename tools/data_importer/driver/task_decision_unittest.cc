@@ -9,7 +9,7 @@ namespace {
 
 class TaskDecisionTest : public ::testing::Test {
  protected:
-  std::wstring Decide() { return DecideTask(profile_.data_folder(), source_); }
+  std::wstring Decide() { return DecideTask(TestRunContext(source_)); }
   base::FilePath Data(const wchar_t* name) { return profile_.data_folder().Append(name); }
 
   TestProfile profile_;

@@ -4,20 +4,53 @@
 #include <string>
 
 #include "base/file_path.h"
+#include "tools/data_importer/environment/run_context.h"
 
-// Where earlier generations of the player left their data.
+// Where earlier generations of the player left their data, read from the
+// user's registry (RunContext::m_registry_file) and turned into paths of
+// this machine through the context's folders and drive map.
 
-// The string value |value_name| of key |subkey| in the current user's
-// registry hive; empty when the key or the value is missing.
-std::wstring ReadRegistryString(const std::wstring& subkey, const std::wstring& value_name);
+// What one registry path value led to, step by step, so that a run can say
+// what it looked for and where.
+struct RegistryPathLookup {
+  std::wstring key;         // e.g. L"Software\\VanTa6"
+  std::wstring value_name;  // e.g. L"AppFileName"
+  bool value_found = false;
+  std::wstring text;      // the value as stored
+  std::wstring expanded;  // "%NAME%" references replaced (== text without any)
+  // The path of this machine it names; empty when its drive has no folder
+  // (or no value was found).
+  base::FilePath local;
+  bool exists = false;
+};
 
-// The path in string value |value_name| of key |subkey|, as a path of this
-// machine (drive letters mapped, backslashes turned into separators: see
-// base/windows_path.h); empty when missing or on an unmapped drive.
-base::FilePath ReadRegistryPath(const std::wstring& subkey, const std::wstring& value_name);
+// Looks up the path in string value |value_name| of key |subkey|: expands
+// its references (ExpandWindowsVariables), maps
+// the drive letter, and checks that the path exists. A path under
+// "<drive>:\Program Files\" that does not exist is looked for under
+// "Program Files (x86)" too, where Windows puts a 32-bit program named
+// under %ProgramFiles%.
+RegistryPathLookup LookUpRegistryPath(const RunContext& context, const std::wstring& subkey,
+                                      const std::wstring& value_name);
+
+// |text| with its "%NAME%" references replaced: USERPROFILE, APPDATA and
+// LOCALAPPDATA by the context's folders, then the context's variables, then
+// the folders every Windows installation has (SystemDrive "C:", SystemRoot
+// and windir "C:\Windows", ProgramFiles and ProgramW6432 "C:\Program Files",
+// ProgramFiles(x86) "C:\Program Files (x86)"). Unknown names stay.
+std::wstring ExpandWindowsVariables(const RunContext& context, const std::wstring& text);
+
+// The string value |value_name| of key |subkey| in the user's registry, as
+// stored; empty when the key or the value is missing.
+std::wstring ReadRegistryString(const RunContext& context, const std::wstring& subkey,
+                                const std::wstring& value_name);
+
+// The local path LookUpRegistryPath finds (whether or not it exists).
+base::FilePath ReadRegistryPath(const RunContext& context, const std::wstring& subkey,
+                                const std::wstring& value_name);
 
 // The generation-6 program path, "AppFileName" of "Software\VanTa6".
-base::FilePath GetGeneration6ProgramPath();
+base::FilePath GetGeneration6ProgramPath(const RunContext& context);
 
 // The generation-6 program found through the user's shortcuts (".lnk" files
 // whose target is the generation-6 program, confirmed by its version

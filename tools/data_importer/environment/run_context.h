@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/file_path.h"
+#include "base/windows_path.h"
 
 // Everything a run takes from the machine it runs on, found once at the start
 // of the run and handed down; nothing below the entry point reads the process
@@ -27,7 +28,11 @@ struct RunContext {
   // ".reg" export); empty for the process's own registry.
   base::FilePath m_registry_file;
   // Windows drive letters ('C') to the folders standing for them.
-  std::map<wchar_t, base::FilePath> m_drives;
+  base::DriveMap m_drives;
+  // Further variables of the user's Windows environment that a registry
+  // value may refer to as "%NAME%" (names compared in any letter case);
+  // the folders above and the fixed Windows folders need no entry.
+  std::map<std::wstring, std::wstring> m_variables;
   // The folder named by the command line's switch "i" (empty without it).
   base::FilePath m_source_folder;
   // The code page of 8-bit text files written by the old player (the user's
@@ -39,5 +44,26 @@ struct RunContext {
   int m_log_level = 0;
   bool m_log_to_stderr = false;
 };
+
+// The context of the player's process, from its environment:
+//   local application data  LOCALAPPDATA, else XDG_DATA_HOME, else
+//                           HOME/.local/share (the data folder is
+//                           "VanTu8" under it, the log "DataImporter.log"
+//                           in that);
+//   roaming application data  APPDATA, else XDG_CONFIG_HOME, else
+//                           HOME/.config;
+//   user profile            USERPROFILE;
+//   registry                VANTU_REGISTRY_FILE;
+//   drives                  VANTU_DRIVE_<LETTER>;
+//   log                     VANTU_LOG_LEVEL, VANTU_LOG_STDERR;
+// and every other environment variable in m_variables. The source folder is
+// left empty: it comes from the command line.
+RunContext RunContextFromEnvironment();
+
+// Sets the local application-data folder of |context| to |local_app_data|,
+// and with it the data folder ("VanTu8" under it, in the letter case found
+// on disk) and the log file ("DataImporter.log" in that); all empty when
+// |local_app_data| is.
+void SetLocalAppData(const base::FilePath& local_app_data, RunContext* context);
 
 #endif  // TOOLS_DATA_IMPORTER_ENVIRONMENT_RUN_CONTEXT_H_

@@ -240,6 +240,7 @@ base::Value ImportReport::ToJson() const {
   report["dropped"] = std::move(drops);
 
   report["upgrade"] = upgrade_;
+  report["lookup"] = lookup_;
   report["settings_keys"] = settings_keys_;
   base::Value dbcheck = base::Value::object();
   for (const auto& [key, value] : dbcheck_)
@@ -273,7 +274,8 @@ base::Value ImportReport::Summary(const std::map<std::string, int64_t>& sent) co
           {"lists", rows("GeneralListTable")},
           {"list_entries", entries},
           {"downloads", rows("DownloadItem")},
-          {"settings", static_cast<int64_t>(settings_keys_.size())}};
+          {"settings", settings_read_},
+          {"settings_written", static_cast<int64_t>(settings_keys_.size())}};
 }
 
 bool ImportReport::Write(const base::FilePath& data_folder) const {

@@ -128,7 +128,15 @@ class ImportReport {
   // (an object); a null value for every other task.
   void SetUpgradeOutcome(base::Value outcome) { upgrade_ = std::move(outcome); }
 
+  // What the run looked at to find earlier installations (an object: the
+  // lines in words, the installations found and passed over, those named
+  // but not reachable); null when the task decision did not run.
+  void SetLookup(base::Value lookup) { lookup_ = std::move(lookup); }
+
   void AddSettingsKey(const std::string& key);
+  // Values of the source's settings files the carried settings were read
+  // from (the keys carried beyond them hold defaults).
+  void AddSettingsRead(int64_t values) { settings_read_ += values; }
   // A "DBCheck" value written by this run (the last one of a key wins).
   void NoteDBCheck(const std::wstring& key, const std::wstring& value);
   void AddStage(const std::string& name, double seconds);
@@ -182,7 +190,9 @@ class ImportReport {
   std::map<std::string, std::pair<bool, std::string>> verified_;
   int64_t library_videos_ = 0;
   base::Value upgrade_;
+  base::Value lookup_;
   std::vector<std::string> settings_keys_;
+  int64_t settings_read_ = 0;
   std::vector<std::pair<std::wstring, std::wstring>> dbcheck_;
   std::vector<std::pair<std::string, double>> stages_;
 };

@@ -27,12 +27,7 @@ std::wstring Hash(int n) {
 }
 
 V6Music Music(int id, const std::wstring& title) {
-  V6Music m;
-  m.id = id;
-  m.title = title;
-  m.file_name = L"D:\\Music\\" + title + L".mp3";
-  m.hash = Hash(id);
-  return m;
+  return NumberedV6Music(id, title, L'B');
 }
 
 class ImportReportTest : public testing::Test {
@@ -185,11 +180,11 @@ TEST_F(ImportReportTest, V2RepairedAndUnreadableLibrariesAreNamed) {
   ImportReport report;
   ProgressRecord record;
   record.set_report(&report);
-  record.Initialise(GetDataFolder());
-  std::wstring task = DecideTask(GetDataFolder(), source);
+  record.Initialise(TestDataFolder());
+  std::wstring task = DecideTask(TestRunContext(source));
   ASSERT_EQ(L"importvantu6", task);
   record.set_import_kind(ImportKindOfTask(task));
-  RunImport(&record);
+  RunImport(TestRunContext(), &record);
 
   base::Value json = report.ToJson();
   ASSERT_EQ(3u, json["sources"].size()) << json["sources"].dump();
@@ -231,9 +226,9 @@ TEST_F(ImportReportTest, CountOfTheFinishedFileCatchesLostRows) {
   ImportReport report;
   ProgressRecord record;
   record.set_report(&report);
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.set_import_kind(ImportKindOfTask(L"importvantu6"));
-  RunImport(&record, [&](const char* stage) {
+  RunImport(TestRunContext(), &record, [&](const char* stage) {
     if (std::string(stage) != "ListCountReport")
       return;
     sql::Connection raw;

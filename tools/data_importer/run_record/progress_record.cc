@@ -37,9 +37,9 @@ void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
     key_observer_(key, value);
 }
 
-void ProgressRecord::Initialise(const base::FilePath& data_folder) {
-  if (!data_folder.empty())
-    ini_path_ = base::ResolvePathCase(data_folder.Append(kSettingsFileName)).value();
+void ProgressRecord::Initialise(const base::FilePath& folder) {
+  if (!folder.empty())
+    ini_path_ = base::ResolvePathCase(folder.Append(kSettingsFileName)).value();
   WriteKey(kKeyImportProgress, L"");
   WriteKey(kKeyImportState, L"");
   WriteKey(kKeyUpdateProgress, L"");

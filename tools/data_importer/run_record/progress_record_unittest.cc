@@ -10,7 +10,7 @@ namespace {
 TEST(ProgressRecordTest, InitialiseResetsTheSection) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   EXPECT_EQ(profile.ini().value(), record.ini_path());
   for (const wchar_t* key :
        {L"ImportProgress", L"ImportState", L"UpdateProgress", L"ImportPlayLists", L"ForceDeleteDb"})
@@ -22,7 +22,7 @@ TEST(ProgressRecordTest, InitialiseResetsTheSection) {
 TEST(ProgressRecordTest, AdvanceClampsToFloorAndNinetyNine) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.Advance(1, 50);
   EXPECT_EQ(50, record.progress());
   EXPECT_EQ(L"50", profile.DBCheck(L"ImportProgress"));
@@ -46,7 +46,7 @@ TEST(ProgressRecordTest, AdvanceClampsToFloorAndNinetyNine) {
 TEST(ProgressRecordTest, FailureReportsEndBeforeAddingBits) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.ReportFailure(ProgressRecord::kStateBuildFailed);
   // The first failure leaves "ImportEnd" at the state before it.
   EXPECT_EQ(L"4", profile.DBCheck(L"ImportEnd"));
@@ -59,7 +59,7 @@ TEST(ProgressRecordTest, FailureReportsEndBeforeAddingBits) {
 
   // Bits 2, 4 and 16 alone do not make the end a failure.
   ProgressRecord other;
-  other.Initialise(GetDataFolder());
+  other.Initialise(TestDataFolder());
   other.ReportFailure(ProgressRecord::kStateListsFailed);
   EXPECT_EQ(2u, other.WriteEnd());
   EXPECT_EQ(L"4", profile.DBCheck(L"ImportEnd"));

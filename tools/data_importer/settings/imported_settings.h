@@ -111,6 +111,10 @@ struct ImportedSettings {
   bool MainWindowPositionSet = false;
   int32_t MainWindowX = 0;
   int32_t MainWindowY = 0;
+
+  // How many values of the source's settings file this record was read
+  // from; every other field holds the current generation's default.
+  int m_source_values = 0;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_SETTINGS_IMPORTED_SETTINGS_H_

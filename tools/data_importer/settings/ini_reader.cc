@@ -131,6 +131,7 @@ const std::wstring* IniReader::Find(std::wstring_view section, std::wstring_view
   const auto found_key = found_section->second.find(Name(Trim(key)));
   if (found_key == found_section->second.end())
     return nullptr;
+  m_found.emplace(found_section->first, found_key->first);
   return &found_key->second;
 }
 

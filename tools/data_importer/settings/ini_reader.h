@@ -2,6 +2,7 @@
 #define TOOLS_DATA_IMPORTER_SETTINGS_INI_READER_H_
 
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,6 +64,10 @@ class IniReader {
   // ReadInt with the default 1 or 0; true when the number is not 0.
   bool ReadBool(std::wstring_view section, std::wstring_view key, bool default_value) const;
 
+  // How many distinct keys the reads so far found in the files (a read
+  // that fell back to its default does not count).
+  size_t FoundKeyCount() const { return m_found.size(); }
+
  private:
   using Section = std::map<std::wstring, std::wstring>;
 
@@ -75,6 +80,8 @@ class IniReader {
   std::vector<base::FilePath> m_paths;
   bool m_fold_case = false;
   std::map<std::wstring, Section> m_sections;
+  // Section and key names (as compared) of every key a read found.
+  mutable std::set<std::pair<std::wstring, std::wstring>> m_found;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_SETTINGS_INI_READER_H_

@@ -52,16 +52,26 @@ std::optional<ImportedSettings> ReadV6Settings(const base::FilePath& program_fol
   const auto player = {L"Player", L"PlayBack"};
   ImportedSettings settings;
   std::wstring value;
-  if (ReadKey(root, player, L"Volume", &value))
+  if (ReadKey(root, player, L"Volume", &value)) {
     settings.Volume = markup::ParseInteger(value);
-  if (ReadKey(root, player, L"AutoPlay", &value))
+    ++settings.m_source_values;
+  }
+  if (ReadKey(root, player, L"AutoPlay", &value)) {
     settings.AutoPlay = IsTrueText(value);
-  if (ReadKey(root, player, L"SFadeInTime", &value))
+    ++settings.m_source_values;
+  }
+  if (ReadKey(root, player, L"SFadeInTime", &value)) {
     settings.MusicFadeIn = markup::ParseInteger(value);
-  if (ReadKey(root, player, L"SFadeOutTime", &value))
+    ++settings.m_source_values;
+  }
+  if (ReadKey(root, player, L"SFadeOutTime", &value)) {
     settings.MusicFadeOut = markup::ParseInteger(value);
+    ++settings.m_source_values;
+  }
   settings.MusicUserFade = settings.MusicFadeIn != 0 || settings.MusicFadeOut != 0;
-  if (ReadKey(root, {L"Network"}, L"ProxyType", &value))
+  if (ReadKey(root, {L"Network"}, L"ProxyType", &value)) {
     settings.ProxyType = markup::ParseInteger(value);
+    ++settings.m_source_values;
+  }
   return settings;
 }

@@ -281,6 +281,7 @@ std::optional<ImportedSettings> MigrateV7Settings(const base::FilePath& v7_folde
   ReadLyrics(read, &settings);
   ReadNetwork(ini, &settings);
   ReadAudio(ini, read, hot_keys, &settings);
+  settings.m_source_values = static_cast<int>(ini.FoundKeyCount());
   return settings;
 }
 

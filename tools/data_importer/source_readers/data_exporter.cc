@@ -14,8 +14,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
-DataExporter::DataExporter(ImportModel* model)
-    : m_model(model), m_db(std::make_unique<DatabaseHelper>()) {}
+DataExporter::DataExporter(const RunContext& context, ImportModel* model)
+    : m_context(context), m_model(model), m_db(std::make_unique<DatabaseHelper>()) {}
 
 DataExporter::~DataExporter() = default;
 
@@ -62,8 +62,8 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
                                                   : ImportReport::kReusedCopy);
   // Both copies are only for safekeeping and inspection: the export goes on
   // without them, CopyWithLog has logged the failure.
-  (void)CopyWithLog(work_copy, GetDatedBackupFolder().Append(backup_name));
-  (void)CopyWithLog(work_copy, GetDataFolder().Append(L"DataImporter.db"));
+  (void)CopyWithLog(work_copy, GetDatedBackupFolder(m_context).Append(backup_name));
+  (void)CopyWithLog(work_copy, m_context.m_data_folder.Append(L"DataImporter.db"));
   return result;
 }
 

@@ -10,6 +10,7 @@
 
 #include "base/file_path.h"
 #include "tools/data_importer/database_helper/database_helper.h"
+#include "tools/data_importer/environment/run_context.h"
 
 class ImportModel;
 class ImportReport;
@@ -31,7 +32,9 @@ enum class ExportResult : int32_t {
 // Nothing here throws: source failures become state bits via ReportState.
 class DataExporter {
  public:
-  explicit DataExporter(ImportModel* model);
+  // |context| (the machine's folders, registry and drives) and |model|
+  // outlive the exporter.
+  DataExporter(const RunContext& context, ImportModel* model);
   virtual ~DataExporter();
   DataExporter(const DataExporter&) = delete;
   DataExporter& operator=(const DataExporter&) = delete;
@@ -113,6 +116,7 @@ class DataExporter {
 
   friend class ReadProgressTicker;
 
+  const RunContext& m_context;
   ImportModel* m_model;                  // not owned; outlives the exporter
   std::unique_ptr<DatabaseHelper> m_db;  // the open source copy
 

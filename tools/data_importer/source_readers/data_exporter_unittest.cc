@@ -15,7 +15,8 @@ namespace {
 // Opens the protected mechanisms of the base to the tests.
 class ProbeExporter : public DataExporter {
  public:
-  explicit ProbeExporter(ImportModel* model = nullptr) : DataExporter(model) {}
+  explicit ProbeExporter(const RunContext& context, ImportModel* model = nullptr)
+      : DataExporter(context, model) {}
   ExportResult ExportData() override { return ExportResult::kExported; }
   std::wstring Dump(const base::FilePath&) override { return std::wstring(); }
   base::FilePath GetDatabasePath() override { return base::FilePath(); }
@@ -29,11 +30,12 @@ class ProbeExporter : public DataExporter {
 
 TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   TestProfile profile;
-  ProbeExporter exporter;
-  base::FilePath folder = GetDataFolder();
+  const RunContext run_context = TestRunContext();
+  ProbeExporter exporter(run_context);
+  base::FilePath folder = TestDataFolder();
   base::FilePath work = folder.Append(L"Work.db");
   base::FilePath source = profile.root().Append(L"Source.db");
-  base::FilePath backup = GetDatedBackupFolder().Append(L"Backup.db");
+  base::FilePath backup = GetDatedBackupFolder(TestRunContext()).Append(L"Backup.db");
   base::FilePath intermediate = folder.Append(L"DataImporter.db");
   int lookups = 0;
   auto find = [&] {
@@ -72,7 +74,8 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
 
 TEST(DataExporterTest, OpenSourceWithRepairRefusesGarbage) {
   testing_support::ScopedTempDir dir;
-  ProbeExporter exporter;
+  const RunContext run_context = TestRunContext();
+  ProbeExporter exporter(run_context);
   base::FilePath good = dir.path().Append(L"good.db");
   {
     sql::Connection db;
@@ -125,10 +128,11 @@ TEST(DataExporterTest, DumpSummaries) {
 TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.SetProgress(10);
   ImportModel model(&record);
-  ProbeExporter exporter(&model);
+  const RunContext run_context = TestRunContext();
+  ProbeExporter exporter(run_context, &model);
 
   exporter.AdvanceReadProgress(5);
   EXPECT_EQ(L"15", profile.DBCheck(L"ImportProgress"));
@@ -147,7 +151,7 @@ TEST(DataExporterTest, ReadProgressStopsShortOfTheBuild) {
 
   // Without a progress record the advance is a no-op.
   ImportModel bare;
-  ProbeExporter detached(&bare);
+  ProbeExporter detached(run_context, &bare);
   detached.AdvanceReadProgress(5);
 
   // A ticker made on the exporter advances the record itself.

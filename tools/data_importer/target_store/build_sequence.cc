@@ -106,6 +106,7 @@ void WriteSettings(ImportModel* model, const base::FilePath& data_folder) {
   }
   std::set<std::wstring> keys;
   for (const ImportedSettings& settings : model->m_settings) {
+    model->report()->AddSettingsRead(settings.m_source_values);
     for (const auto& [key, value] : SettingsEntries(settings)) {
       if (keys.insert(key).second)
         model->report()->AddSettingsKey(base::WideToUTF8(key));

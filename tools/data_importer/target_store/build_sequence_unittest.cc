@@ -27,7 +27,7 @@ namespace {
 class BuildSequenceTest : public testing::Test {
  protected:
   void SetUp() override {
-    record_.Initialise(GetDataFolder());
+    record_.Initialise(TestDataFolder());
     model_.m_progress = &record_;
   }
 
@@ -128,7 +128,7 @@ TEST_F(BuildSequenceTest, ProgressFloorAndCeiling) {
   for (auto [start, end] : {std::pair{45, L"90"}, std::pair{95, L"99"}}) {
     TestProfile profile;
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     record.SetProgress(start);
     ImportModel model(&record);
     AddList(&model, 1, L"list", 0);
@@ -172,7 +172,7 @@ TEST_F(BuildSequenceTest, EmptySourcesAndFailingListReport) {
   for (const Case& c : {Case{0, 0, L"1"}, Case{1, 0, L"1"}, Case{1, 2, L"0"}, Case{2, 0, L"0"}}) {
     TestProfile profile;
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
     AddFile(&model, 1, L"a.mp3", HashOf(1));
     for (int list = 0; list < c.lists; ++list) {
@@ -197,7 +197,7 @@ TEST_F(BuildSequenceTest, EarlierVersion2DatabaseStopsTheBuild) {
   for (const wchar_t* blocking : {L"VTMusicV2.db", L"playlist.db"}) {
     TestProfile profile;
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
     AddFile(&model, 1, L"a.mp3", HashOf(1));
     TestProfile::Touch(profile.data_folder().Append(blocking));

@@ -61,7 +61,7 @@ TEST_F(PlaylistWritersTest, SongListsTranslateAndDrop) {
   EXPECT_TRUE(playlists()->DoesTableExist("GeneralList_-3"));
 
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   model_.m_progress = &record;
   EXPECT_TRUE(model_.ReportListCounts().ok());
   EXPECT_EQ(L"7:0,-3:2", profile_.DBCheck(L"ImportPlayLists"));
@@ -70,7 +70,7 @@ TEST_F(PlaylistWritersTest, SongListsTranslateAndDrop) {
 
 TEST_F(PlaylistWritersTest, ListCountReportFailsWithoutListTable) {
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   model_.m_progress = &record;
   EXPECT_FALSE(model_.ReportListCounts().ok());
   EXPECT_EQ(L"0", profile_.DBCheck(L"ImportPlayLists"));

@@ -18,7 +18,7 @@ namespace {
 TEST(SettingsStepTest, RecordsWrittenInOrderAfterTheTables) {
   TestProfile profile;
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   ImportModel model(&record);
   ImportedSettings first;
   first.Volume = 30;

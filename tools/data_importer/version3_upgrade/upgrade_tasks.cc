@@ -22,11 +22,12 @@ constexpr wchar_t kTag[] = L"[V8数据升级]";
 
 // Runs |step| on a fresh upgrader between "UpdateProgress" 10 and 100.
 template <typename Step>
-UpgradeResult RunWrapped(ProgressRecord* record, const wchar_t* task, Step step) {
+UpgradeResult RunWrapped(const base::FilePath& data_folder, ProgressRecord* record,
+                         const wchar_t* task, Step step) {
   UpgradeResult result;
   result.task = task;
   record->SetUpdateProgress(10);
-  auto upgrader = std::make_unique<UpgradeTasks>(GetDataFolder());
+  auto upgrader = std::make_unique<UpgradeTasks>(data_folder);
   step(upgrader.get(), &result);
   record->SetUpdateProgress(100);
   upgrader.reset();
@@ -43,16 +44,16 @@ double Lap(std::chrono::steady_clock::time_point* start) {
 
 }  // namespace
 
-UpgradeResult RunVersion2Copy(ProgressRecord* record, const BuildStageCallback& stage_done) {
+UpgradeResult RunVersion2Copy(const base::FilePath& folder, ProgressRecord* record,
+                              const BuildStageCallback& stage_done) {
   ImportReport* report = record->report();
-  base::FilePath folder = GetDataFolder();
   auto start = std::chrono::steady_clock::now();
   const base::FilePath music = folder.Append(importer_names::kMusicDatabaseV2);
   const base::FilePath playlist = folder.Append(importer_names::kPlaylistDatabaseV2);
   VerifiedDatabase music_read = CountPlainDatabase(music);
   VerifiedDatabase playlist_read = CountPlainDatabase(playlist);
   UpgradeResult result = RunWrapped(
-      record, kTaskCopyVersion2, [&](UpgradeTasks* upgrader, UpgradeResult* outcome) {
+      folder, record, kTaskCopyVersion2, [&](UpgradeTasks* upgrader, UpgradeResult* outcome) {
         upgrader->CopyVersion2Databases(outcome, stage_done);
       });
   report->AddStage("Copy", Lap(&start));
@@ -67,16 +68,16 @@ UpgradeResult RunVersion2Copy(ProgressRecord* record, const BuildStageCallback& 
   return result;
 }
 
-UpgradeResult RunVersion3Upgrade(ProgressRecord* record) {
+UpgradeResult RunVersion3Upgrade(const base::FilePath& data_folder, ProgressRecord* record) {
   ImportReport* report = record->report();
   auto start = std::chrono::steady_clock::now();
   UpgradeResult result = RunWrapped(
-      record, kTaskUpgradeVersion3,
+      data_folder, record, kTaskUpgradeVersion3,
       [](UpgradeTasks* upgrader, UpgradeResult* outcome) {
         upgrader->UpgradeVersion3Databases(outcome);
       });
   report->AddStage("Upgrade", Lap(&start));
-  ReportMovedTables(report, GetDataFolder(), result);
+  ReportMovedTables(report, data_folder, result);
   report->AddStage("Count", Lap(&start));
   return result;
 }

@@ -24,16 +24,18 @@ class ProgressRecord;
 // and the time of the stages "Copy" or "Upgrade" (the task itself) and
 // "Count".
 
+// Both work on the files of |data_folder|.
+
 // "copyv8dbv2": encrypted version-3 copies of the plain version-2 databases.
 // |stage_done| is told the steps of the commit that renames the copies into
 // place ("CommitRecord", "ReplaceMusic", ...; replacement_commit.h) and
 // "Copy" once the copies are in place and closed, before they are counted.
-UpgradeResult RunVersion2Copy(ProgressRecord* record,
+UpgradeResult RunVersion2Copy(const base::FilePath& data_folder, ProgressRecord* record,
                               const BuildStageCallback& stage_done = nullptr);
 
 // "updatevantu8": the clean-ups each new release runs on the version-3
 // databases (play-queue conversion, cloud-list move).
-UpgradeResult RunVersion3Upgrade(ProgressRecord* record);
+UpgradeResult RunVersion3Upgrade(const base::FilePath& data_folder, ProgressRecord* record);
 
 // The object behind both tasks. It owns one DatabaseHelper (its connection
 // is the one the steps open) and the cloud-list cleanup; on destruction the

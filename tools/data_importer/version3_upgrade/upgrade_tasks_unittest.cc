@@ -296,8 +296,8 @@ TEST_F(Version2TaskTest, KilledCopyIsCompletedOrRedoneByTheNextRun) {
     if (child == 0) {
       if (at_step) {
         ProgressRecord record;
-        record.Initialise(GetDataFolder());
-        (void)RunVersion2Copy(&record, [&](const char* step) {
+        record.Initialise(TestDataFolder());
+        (void)RunVersion2Copy(TestDataFolder(), &record, [&](const char* step) {
           if (where == step)
             raise(SIGKILL);
         });

@@ -59,7 +59,8 @@ uint32_t LibraryFileBits(const base::FilePath& file) {
 
 }  // namespace
 
-V6DataExporter::V6DataExporter(ImportModel* model) : DataExporter(model) {}
+V6DataExporter::V6DataExporter(const RunContext& context, ImportModel* model)
+    : DataExporter(context, model) {}
 
 V6DataExporter::~V6DataExporter() = default;
 
@@ -68,8 +69,17 @@ std::wstring V6DataExporter::Dump(const base::FilePath& path) {
 }
 
 base::FilePath V6DataExporter::LocateInstallation() {
-  base::FilePath program = GetGeneration6ProgramPath();
+  base::FilePath program = GetGeneration6ProgramPath(m_context);
   return program.empty() ? program : program.DirName();
+}
+
+base::FilePath V6DataExporter::SettingsAndLyricsFolder() {
+  base::FilePath program = LocateInstallation();
+  // Without a program folder in the registry, the folder the player names
+  // with --i=DIR is the installation the user points at: its settings file
+  // and lyrics travel with its databases, as they do from a program folder,
+  // rather than being silently left behind.
+  return program.empty() ? m_context.m_source_folder : program;
 }
 
 base::FilePath V6DataExporter::GetDatabasePath() {
@@ -111,13 +121,13 @@ const wchar_t* V6DataExporter::LogTag() const {
 }
 
 void V6DataExporter::CopyLyrics() {
-  base::FilePath program = LocateInstallation();
+  base::FilePath program = SettingsAndLyricsFolder();
   if (program.empty())
     return;
   std::vector<base::FilePath> lyrics = ListFiles(program.Append(L"Lyric"), L"*.krc");
   if (lyrics.empty())
     return;
-  base::FilePath target = GetLyricFolder();
+  base::FilePath target = GetLyricFolder(m_context);
   if (!base::DirectoryExists(target))
     // A folder that cannot be made makes every copy below fail.
     (void)base::CreateDirectory(target);
@@ -127,7 +137,7 @@ void V6DataExporter::CopyLyrics() {
 }
 
 bool V6DataExporter::CopyV1Database() {
-  m_work_db = GetDataFolder().Append(kV1Copy);
+  m_work_db = m_context.m_data_folder.Append(kV1Copy);
   bool reused = base::PathExists(m_work_db);
   if (reused) {
     logging::OutputDebugStringW(L"v6bak DB exist!!!");
@@ -157,7 +167,7 @@ bool V6DataExporter::CopyV2Databases() {
 }
 
 bool V6DataExporter::CopyV2DatabasesUnguarded() {
-  base::FilePath work = GetDataFolder();
+  base::FilePath work = m_context.m_data_folder;
   V6LOG(logging::LOG_PROGRESS) << L"Search folder {" << work.value() << L"} with pattern {"
                                << kLibraryPattern << L"}.";
   std::vector<base::FilePath> copies = ListFiles(work, kLibraryPattern);
@@ -165,7 +175,7 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
     V6LOG(logging::LOG_PROGRESS) << L"V6BakDB files exists, backup file count {"
                                  << copies.size() << L"}.";
     logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
-    base::FilePath backup = GetDatedBackupFolder();
+    base::FilePath backup = GetDatedBackupFolder(m_context);
     // Copy failures are logged by CopyWithLog and do not stop the export.
     for (const base::FilePath& copy : copies) {
       Report()->AddSource(copy, copy, "V2", ImportReport::kReusedCopy);
@@ -189,7 +199,7 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
     logging::OutputDebugStringW(L"v6 DBv2 is not exist!!!");
     return false;
   }
-  base::FilePath backup = GetDatedBackupFolder();
+  base::FilePath backup = GetDatedBackupFolder(m_context);
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
     bool copied = CopyWithLog(source, work.Append(name));  // logged there
@@ -235,7 +245,7 @@ ExportResult V6DataExporter::ReadV1Layout() {
 }
 
 ExportResult V6DataExporter::ReadV2Layout() {
-  base::FilePath work = GetDataFolder();
+  base::FilePath work = m_context.m_data_folder;
   std::vector<base::FilePath> libraries = ListFiles(work, kLibraryPattern);
   if (libraries.empty()) {
     V6LOG(logging::LOG_FAILURE) << L"Files of V6 DB V2 not found.";
@@ -293,7 +303,7 @@ ExportResult V6DataExporter::ReadV2Layout() {
 }
 
 void V6DataExporter::ReadSettings() {
-  const base::FilePath program = LocateInstallation();
+  const base::FilePath program = SettingsAndLyricsFolder();
   if (program.empty())
     return;
   // Read in place: the markup reader only opens the file for reading.

@@ -34,7 +34,7 @@ inline constexpr wchar_t kV6LogTag[] = L"[V6数据导入] ";
 // source at all reports 1 and ExportData answers 1.
 class V6DataExporter : public DataExporter {
  public:
-  explicit V6DataExporter(ImportModel* model);
+  V6DataExporter(const RunContext& context, ImportModel* model);
   ~V6DataExporter() override;
 
   [[nodiscard]] ExportResult ExportData() override;
@@ -62,6 +62,9 @@ class V6DataExporter : public DataExporter {
   // Program folder of the installation: the folder of registry value
   // "AppFileName" under "Software\VanTa6"; empty when not registered.
   base::FilePath LocateInstallation();
+  // Where the settings file "VanTa.xml" and the "Lyric" folder are read:
+  // the program folder, else the source folder of the switch "i".
+  base::FilePath SettingsAndLyricsFolder();
   void ClearLookups();
 
   // Copies.

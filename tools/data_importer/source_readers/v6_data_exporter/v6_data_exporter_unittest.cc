@@ -21,18 +21,11 @@
 namespace {
 
 std::wstring Hash(int n) {
-  std::wstring hash = std::to_wstring(n);
-  return std::wstring(32 - hash.size(), L'A') + hash;
+  return testing_support::NumberedHash(n, L'A');
 }
 
 V6Music Music(int id, const std::wstring& title, int mv_id = 0) {
-  V6Music m;
-  m.id = id;
-  m.title = title;
-  m.file_name = L"D:\\Music\\" + title + L".mp3";
-  m.hash = Hash(id);
-  m.mv_id = mv_id;
-  return m;
+  return NumberedV6Music(id, title, L'A', mv_id);
 }
 
 // A "V1" database with every case the reader distinguishes.
@@ -104,7 +97,7 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"Lyric").Append(L"notes.txt")));
   EXPECT_TRUE(base::PathExists(profile_.data_folder().Append(L"VT6Data.db")));
   EXPECT_TRUE(base::PathExists(profile_.data_folder().Append(L"DataImporter.db")));
-  EXPECT_TRUE(base::PathExists(GetDatedBackupFolder().Append(L"VT6Data.db")));
+  EXPECT_TRUE(base::PathExists(GetDatedBackupFolder(TestRunContext()).Append(L"VT6Data.db")));
 
   auto music = OpenFinal(L"VTMusicV3.db");
   auto playlists = OpenFinal(L"playlistV3.db");
@@ -173,9 +166,10 @@ TEST_F(V6DataExporterTest, V1WinsAndTheWorkCopyIsReused) {
   Register();
   for (int run = 0; run < 2; ++run) {
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
-    V6DataExporter exporter(&model);
+    const RunContext run_context = TestRunContext();
+    V6DataExporter exporter(run_context, &model);
     ASSERT_EQ(ExportResult::kExported, exporter.ExportData()) << run;
     EXPECT_EQ(5u, model.m_share_files.size()) << run;
     EXPECT_EQ(3u, model.m_play_lists.size()) << run;
@@ -206,12 +200,12 @@ TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
   ASSERT_TRUE(second.Write(source.Append(L"VTLibrary2.db")));
   std::string before = FolderFingerprint(source);
 
-  std::wstring task = DecideTask(GetDataFolder(), source);
+  std::wstring task = DecideTask(TestRunContext(source));
   ASSERT_EQ(L"importvantu6", task);
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.set_import_kind(ImportKindOfTask(task));
-  RunImport(&record);
+  RunImport(TestRunContext(), &record);
 
   EXPECT_EQ(before, FolderFingerprint(source));
   EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
@@ -314,10 +308,11 @@ TEST_F(V6DataExporterTest, ProgressMovesWhileReading) {
   Register();
 
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.SetProgress(10);  // as the entry point does before the read
   ImportModel model(&record);
-  V6DataExporter exporter(&model);
+  const RunContext run_context = TestRunContext();
+  V6DataExporter exporter(run_context, &model);
   ProgressTrace trace(&record, profile_);
   ASSERT_EQ(ExportResult::kExported, exporter.ExportData());
 
@@ -344,9 +339,10 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
   Register();
   {
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
-    V6DataExporter exporter(&model);
+    const RunContext run_context = TestRunContext();
+    V6DataExporter exporter(run_context, &model);
     EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_EQ(4u, model.m_share_files.size());
     EXPECT_EQ(3u, model.m_play_lists.size());
@@ -360,9 +356,10 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
   ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
   {
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
-    V6DataExporter exporter(&model);
+    const RunContext run_context = TestRunContext();
+    V6DataExporter exporter(run_context, &model);
     EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_TRUE(model.m_share_files.empty());
     EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
@@ -372,9 +369,9 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
   EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
   EXPECT_TRUE(base::DeleteFile(program(), true));
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration6);
-  RunImport(&record);
+  RunImport(TestRunContext(), &record);
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
   EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"VTMusicV3.db")));
@@ -395,9 +392,10 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   Register();
   {
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
-    V6DataExporter exporter(&model);
+    const RunContext run_context = TestRunContext();
+    V6DataExporter exporter(run_context, &model);
     EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_EQ(1u, model.m_share_files.size());
     EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));  // music items 4 + lists 2
@@ -411,9 +409,10 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   ASSERT_TRUE(base::DeleteFile(program().Append(L"VTLibrary2.db"), true));
   ASSERT_TRUE(base::WriteFile(program().Append(L"VTLibrary.db"), std::string(3000, 'x')));
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   ImportModel model(&record);
-  V6DataExporter exporter(&model);
+  const RunContext run_context = TestRunContext();
+  V6DataExporter exporter(run_context, &model);
   EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
   EXPECT_EQ(L"22", profile_.DBCheck(L"ImportState"));  // 16 + 4 + 2
   EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));

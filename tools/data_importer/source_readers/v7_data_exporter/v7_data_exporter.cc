@@ -22,7 +22,8 @@ constexpr wchar_t kPluginDataCopy[] = L"PlugData.VST";
 
 }  // namespace
 
-V7DataExporter::V7DataExporter(ImportModel* model) : DataExporter(model) {}
+V7DataExporter::V7DataExporter(const RunContext& context, ImportModel* model)
+    : DataExporter(context, model) {}
 
 V7DataExporter::~V7DataExporter() = default;
 
@@ -35,7 +36,7 @@ std::wstring V7DataExporter::Dump(const base::FilePath& path) {
 }
 
 base::FilePath V7DataExporter::Generation7Folder() const {
-  base::FilePath roaming = base::GetRoamingAppDataFolder();
+  base::FilePath roaming = m_context.m_roaming_app_data;
   if (roaming.empty())
     return roaming;
   // The file operations find "Vantu7" in any letter case; resolving it here
@@ -54,7 +55,7 @@ void V7DataExporter::ClearLookups() {
 }
 
 bool V7DataExporter::CopyDatabase() {
-  base::FilePath work = GetDataFolder();
+  base::FilePath work = m_context.m_data_folder;
   if (work.empty())
     return false;
   m_work_db = work.Append(kWorkCopy);
@@ -79,8 +80,7 @@ bool V7DataExporter::CopyDatabase() {
 
 ExportResult V7DataExporter::ExportData() {
   ClearLookups();
-  // GetDataFolder creates the work folder when it is missing.
-  if (GetDataFolder().empty() || !CopyDatabase()) {
+  if (m_context.m_data_folder.empty() || !CopyDatabase()) {
     ReportState(ProgressRecord::kStateNotStarted);
     logging::OutputDebugStringW(L"CopyV7DatabasePluginSingerImages Failed!!!");
     return ExportResult::kNothingExported;

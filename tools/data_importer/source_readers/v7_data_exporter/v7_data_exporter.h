@@ -39,7 +39,7 @@ inline constexpr wchar_t kV7LogTag[] = L"[V7数据导入] ";
 
 class V7DataExporter : public DataExporter {
  public:
-  explicit V7DataExporter(ImportModel* model);
+  V7DataExporter(const RunContext& context, ImportModel* model);
   ~V7DataExporter() override;
 
   [[nodiscard]] ExportResult ExportData() override;

@@ -29,12 +29,7 @@ std::wstring Hash(int n) {
 }
 
 V7Music Music(int id, const std::wstring& title) {
-  V7Music m;
-  m.id = id;
-  m.title = title;
-  m.file_name = L"D:\\Music\\" + title + L".mp3";
-  m.hash = Hash(id);
-  return m;
+  return NumberedV7Music(id, title, L'A');
 }
 
 // A small source with every case the readers tell apart.
@@ -98,7 +93,8 @@ class V7DataExporterTest : public testing::Test {
 
   // Runs one export into a fresh model; answers ExportData's result.
   ExportResult Export(ImportModel* model) {
-    V7DataExporter exporter(model);
+    const RunContext run_context = TestRunContext();
+    V7DataExporter exporter(run_context, model);
     return exporter.ExportData();
   }
 
@@ -121,7 +117,7 @@ TEST_F(V7DataExporterTest, ImportedEndToEnd) {
   EXPECT_EQ("plug", testing_support::ReadBytes(data(L"PlugData.VST")));
   EXPECT_TRUE(base::PathExists(data(L"VT7Data.db")));
   EXPECT_TRUE(base::PathExists(data(L"DataImporter.db")));
-  EXPECT_TRUE(base::PathExists(GetDatedBackupFolder().Append(L"VT7Data.db")));
+  EXPECT_TRUE(base::PathExists(GetDatedBackupFolder(TestRunContext()).Append(L"VT7Data.db")));
 
   auto music = OpenFinal(L"VTMusicV3.db");
   auto lists = OpenFinal(L"playlistV3.db");
@@ -196,7 +192,7 @@ TEST_F(V7DataExporterTest, ProgressMovesWhileReading) {
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
 
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.SetProgress(10);
   ImportModel model(&record);
   ProgressTrace trace(&record, profile_);
@@ -222,7 +218,7 @@ TEST_F(V7DataExporterTest, MissingTables) {
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
   {
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
     EXPECT_EQ(ExportResult::kExported, Export(&model));
     EXPECT_EQ(L"16", profile_.DBCheck(L"ImportState"));
@@ -241,9 +237,9 @@ TEST_F(V7DataExporterTest, MissingTables) {
   db.omit_tables = {"FileItems"};
   ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration7);
-  RunImport(&record);
+  RunImport(TestRunContext(), &record);
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
   EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
   EXPECT_FALSE(base::PathExists(data(L"VTMusicV3.db")));
@@ -272,7 +268,7 @@ TEST_F(V7DataExporterTest, WorkCopyReusedAndNoSource) {
 
   ASSERT_TRUE(base::DeleteFile(data(L"VT7Data.db")));
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   ImportModel model(&record);
   EXPECT_EQ(ExportResult::kNothingExported, Export(&model));
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
@@ -325,7 +321,7 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
   LoseFreePages(source);
   {
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     ImportModel model(&record);
     EXPECT_EQ(ExportResult::kExported, Export(&model));
     EXPECT_EQ(4u, model.m_share_files.size());
@@ -350,9 +346,9 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
     testing_support::WriteBytes(source, bytes);
   }
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration7);
-  RunImport(&record);
+  RunImport(TestRunContext(), &record);
   EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
   EXPECT_FALSE(base::PathExists(data(L"VTMusicV3.db")));
 }
@@ -378,7 +374,7 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
     ASSERT_TRUE(raw.Execute("UPDATE PlayLists SET PlayListType = 1"));
   }
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   ImportModel model(&record);
   ASSERT_EQ(ExportResult::kExported, Export(&model));
   EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
@@ -399,7 +395,8 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
 
 TEST_F(V7DataExporterTest, DumpAndDatabasePath) {
   ImportModel model;
-  V7DataExporter exporter(&model);
+  const RunContext run_context = TestRunContext();
+  V7DataExporter exporter(run_context, &model);
   EXPECT_EQ(v7().Append(L"VTData.db").value(), exporter.GetDatabasePath().value());
   ASSERT_TRUE(Sample().Write(v7().Append(L"VTData.db")));
   std::wstring dump = exporter.Dump(exporter.GetDatabasePath());

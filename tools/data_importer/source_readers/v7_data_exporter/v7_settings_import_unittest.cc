@@ -41,7 +41,8 @@ class V7SettingsImportTest : public testing::Test {
 
   // Runs the exporter alone; answers the progress it reached.
   int Export(ImportModel* model) {
-    V7DataExporter exporter(model);
+    const RunContext run_context = TestRunContext();
+    V7DataExporter exporter(run_context, model);
     EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     return model->m_progress->progress();
   }
@@ -60,10 +61,11 @@ class SettingsStep : public V7DataExporter {
 // it, neither.
 TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
   ProgressRecord record;
-  record.Initialise(GetDataFolder());
+  record.Initialise(TestDataFolder());
   record.SetProgress(20);
   ImportModel model(&record);
-  SettingsStep step(&model);
+  const RunContext run_context = TestRunContext();
+  SettingsStep step(run_context, &model);
   step.MigrateSettings();
   EXPECT_EQ(20, record.progress());
   EXPECT_TRUE(model.m_settings.empty());

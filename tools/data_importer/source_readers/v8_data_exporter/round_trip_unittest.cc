@@ -33,7 +33,7 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
   // folder.
   void BuildAndStorePlain(ImportModel* model) {
     ProgressRecord record;
-    record.Initialise(GetDataFolder());
+    record.Initialise(TestDataFolder());
     model->m_progress = &record;
     ASSERT_TRUE(IsOk(BuildDatabases(model, profile_.data_folder())));
     model->m_progress = nullptr;

@@ -35,7 +35,8 @@ const DumpTableList& CurrentGenerationDumpTables() {
 
 }  // namespace
 
-V8DataExporter::V8DataExporter(ImportModel* model) : DataExporter(model) {}
+V8DataExporter::V8DataExporter(const RunContext& context, ImportModel* model)
+    : DataExporter(context, model) {}
 
 V8DataExporter::~V8DataExporter() = default;
 
@@ -44,7 +45,7 @@ const wchar_t* V8DataExporter::LogTag() const {
 }
 
 base::FilePath V8DataExporter::GetDatabasePath() {
-  m_music_copy = GetDataFolder().Append(kMusicCopy);
+  m_music_copy = m_context.m_data_folder.Append(kMusicCopy);
   return m_music_copy;
 }
 
@@ -53,7 +54,7 @@ std::wstring V8DataExporter::Dump(const base::FilePath& path) {
 }
 
 bool V8DataExporter::PrepareWorkCopy(const wchar_t* original, const base::FilePath& work_copy) {
-  base::FilePath source = GetDataFolder().Append(original);
+  base::FilePath source = m_context.m_data_folder.Append(original);
   // A copy left by an interrupted run is complete (files are copied under
   // a temporary name first) and is read again.
   WorkCopy copy = ObtainWorkCopy(work_copy, [&source] { return source; }, original);
@@ -74,7 +75,7 @@ bool V8DataExporter::PrepareWorkCopy(const wchar_t* original, const base::FilePa
 
 ExportResult V8DataExporter::ExportData() {
   GetDatabasePath();
-  m_list_copy = GetDataFolder().Append(kListCopy);
+  m_list_copy = m_context.m_data_folder.Append(kListCopy);
   bool music = PrepareWorkCopy(kMusicDatabase, m_music_copy);
   bool lists = PrepareWorkCopy(kListDatabase, m_list_copy);
   if (!music)

@@ -54,7 +54,7 @@ inline constexpr wchar_t kV8LogTag[] = L"[V8数据导入] ";
 // into that download.
 class V8DataExporter : public DataExporter {
  public:
-  explicit V8DataExporter(ImportModel* model);
+  V8DataExporter(const RunContext& context, ImportModel* model);
   ~V8DataExporter() override;
 
   [[nodiscard]] ExportResult ExportData() override;

@@ -22,7 +22,7 @@ using testing_support::ReadBytes;
 class V8DataExporterTest : public testing::Test {
  protected:
   void SetUp() override {
-    record_.Initialise(GetDataFolder());
+    record_.Initialise(TestDataFolder());
     model_.m_progress = &record_;
   }
 
@@ -39,7 +39,8 @@ class V8DataExporterTest : public testing::Test {
   }
 
   ExportResult Export() {
-    V8DataExporter exporter(&model_);
+    const RunContext run_context = TestRunContext();
+    V8DataExporter exporter(run_context, &model_);
     return exporter.ExportData();
   }
 
@@ -205,7 +206,8 @@ TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
   record_.SetProgress(10);
   ImportModel model(&record_);
   ProgressTrace trace(&record_, profile_);
-  V8DataExporter exporter(&model);
+  const RunContext run_context = TestRunContext();
+  V8DataExporter exporter(run_context, &model);
   EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
   std::vector<int> deltas = Tenths();
   deltas.insert(deltas.end(), 12, 5);  // the files' table and the eleven others
@@ -246,7 +248,7 @@ TEST_F(V8DataExporterTest, RepairableLibraryImportedEndToEnd) {
   EXPECT_EQ(music, ReadBytes(Data(L"VTMusic.db")));
   EXPECT_EQ(lists, ReadBytes(Data(L"vantu.db")));
   // The dated backup holds the originals under their own names.
-  base::FileEnumerator backups(GetDatedBackupFolder(), L"*.db");
+  base::FileEnumerator backups(GetDatedBackupFolder(TestRunContext()), L"*.db");
   std::vector<std::wstring> names;
   for (base::FilePath file = backups.Next(); !file.empty(); file = backups.Next())
     names.push_back(file.BaseName().value());

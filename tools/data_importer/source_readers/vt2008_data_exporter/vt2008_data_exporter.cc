@@ -3,7 +3,8 @@
 #include "logging/logging.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
-VT2008DataExporter::VT2008DataExporter(ImportModel* model) : DataExporter(model) {}
+VT2008DataExporter::VT2008DataExporter(const RunContext& context, ImportModel* model)
+    : DataExporter(context, model) {}
 
 VT2008DataExporter::~VT2008DataExporter() = default;
 

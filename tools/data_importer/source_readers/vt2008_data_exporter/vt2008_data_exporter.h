@@ -8,7 +8,7 @@
 // read yet: ExportData reports state 1 and imports nothing.
 class VT2008DataExporter : public DataExporter {
  public:
-  explicit VT2008DataExporter(ImportModel* model);
+  VT2008DataExporter(const RunContext& context, ImportModel* model);
   ~VT2008DataExporter() override;
 
   [[nodiscard]] ExportResult ExportData() override;

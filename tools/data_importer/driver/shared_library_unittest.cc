@@ -1,0 +1,35 @@
+// The shipped library as the player uses it: loaded at run time, its one
+// export looked up by name and called.
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include "base/file_util.h"
+#include "testing/fixtures/generation6_fixture.h"
+#include "testing/importer_test_util.h"
+
+namespace {
+
+TEST(SharedLibraryTest, LoadedAtRunTimeItImports) {
+  TestProfile profile;
+  base::FilePath program = profile.root().Append(L"Program Files").Append(L"VanTa6");
+  ASSERT_TRUE(WriteSampleV6Installation(program, 5));
+  ASSERT_TRUE(base::WriteFile(profile.root().Append(L"user.reg"), V6RegistryText(program)));
+
+  void* library = dlopen(VANTU_IMPORTER_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(nullptr, library) << dlerror();
+  // The core's own functions stay inside the library.
+  EXPECT_EQ(nullptr, dlsym(library, "_Z15RunDataImporterRK10RunContext"));
+  auto entry = reinterpret_cast<void (*)()>(dlsym(library, "DataImporterMain"));
+  ASSERT_NE(nullptr, entry);
+  entry();
+  EXPECT_EQ(0, dlclose(library));
+
+  EXPECT_EQ(L"4", profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"100", profile.DBCheck(L"ImportProgress"));
+  base::Value report = ReadImportReport(profile.data_folder());
+  EXPECT_EQ("importvantu6", report["task"]["name"].get<std::string>());
+  EXPECT_EQ(5, report["summary"]["songs"].get<int>());
+}
+
+}  // namespace

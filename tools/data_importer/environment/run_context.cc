@@ -1,0 +1,55 @@
+#include "tools/data_importer/environment/run_context.h"
+
+#include <stdlib.h>
+
+#include <string>
+
+#include "base/file_util.h"
+#include "base/path_service.h"
+#include "base/utf_string_conversions.h"
+#include "logging/logging.h"
+#include "tools/data_importer/run_record/importer_names.h"
+
+extern char** environ;
+
+void SetLocalAppData(const base::FilePath& local_app_data, RunContext* context) {
+  context->m_local_app_data = local_app_data;
+  context->m_data_folder = base::FilePath();
+  context->m_log_file = base::FilePath();
+  if (local_app_data.empty())
+    return;
+  context->m_data_folder =
+      base::ResolvePathCase(local_app_data.Append(importer_names::kDataFolderName));
+  context->m_log_file =
+      base::ResolvePathCase(context->m_data_folder.Append(importer_names::kLogFileName));
+}
+
+RunContext RunContextFromEnvironment() {
+  RunContext context;
+  base::FilePath local_app_data;
+  // Unknown, the folders stay empty and the run finds nothing to do.
+  (void)base::PathService::Get(base::DIR_LOCAL_APP_DATA, &local_app_data);
+  SetLocalAppData(local_app_data, &context);
+  context.m_roaming_app_data = base::GetRoamingAppDataFolder();
+
+  for (char** entry = environ; entry && *entry; ++entry) {
+    std::string pair = *entry;
+    size_t equals = pair.find('=');
+    if (equals == std::string::npos || equals == 0)
+      continue;
+    std::string name = pair.substr(0, equals);
+    std::string value = pair.substr(equals + 1);
+    if (name == "USERPROFILE")
+      context.m_user_profile = base::FilePath::FromUTF8Unsafe(value);
+    else if (name == "VANTU_REGISTRY_FILE")
+      context.m_registry_file = base::FilePath::FromUTF8Unsafe(value);
+    else
+      context.m_variables[base::UTF8ToWide(name)] = base::UTF8ToWide(value);
+  }
+  context.m_drives = base::DriveMapFromEnvironment();
+
+  logging::LogSettings log = logging::LogSettingsFromEnvironment(context.m_log_file);
+  context.m_log_level = log.min_level;
+  context.m_log_to_stderr = log.to_stderr;
+  return context;
+}
