@@ -2,6 +2,7 @@
 #define BASE_FILE_UTIL_H_
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -59,12 +60,26 @@ struct FileInfo {
 
 // Reads the whole file into |contents| (binary). False when it cannot be read.
 [[nodiscard]] bool ReadFileToString(const FilePath& path, std::string* contents);
+// Opens the file as the C library's fopen does with |mode| ("rb", "ab",
+// ...), taking the path as wide text on every system. Null on failure.
+FILE* OpenFile(const FilePath& path, const char* mode);
+
 // Writes |data| as the whole file (binary), creating or truncating it.
 [[nodiscard]] bool WriteFile(const FilePath& path, const std::string& data);
 
 // The error code of the last failed file operation on this thread (errno on
 // POSIX, GetLastError on Windows), for log lines.
 [[nodiscard]] int GetLastSystemError();
+
+// The system's words for an error code of GetLastSystemError.
+std::string SystemErrorText(int code);
+
+// Creates a new folder with a unique name starting with |prefix| in the
+// system's temporary folder. False when it cannot.
+[[nodiscard]] bool CreateNewTempDirectory(const std::wstring& prefix, FilePath* path);
+
+// This process's id.
+[[nodiscard]] int GetCurrentProcessNumber();
 
 // Lists the regular files directly inside one folder (not recursive) whose
 // names match a wildcard pattern ("*" any run of characters, "?" one

@@ -4,6 +4,8 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -273,6 +275,13 @@ bool ReadFileToString(const FilePath& path, std::string* contents) {
   return true;
 }
 
+FILE* OpenFile(const FilePath& path, const char* mode) {
+  FILE* f = fopen(NativePath(path).c_str(), mode);
+  if (!f)
+    Fail();
+  return f;
+}
+
 bool WriteFile(const FilePath& path, const std::string& data) {
   std::string native = NativePath(path);
   FILE* f = fopen(native.c_str(), "wb");
@@ -288,6 +297,24 @@ bool WriteFile(const FilePath& path, const std::string& data) {
 
 int GetLastSystemError() {
   return g_last_error;
+}
+
+std::string SystemErrorText(int code) {
+  return strerror(code);
+}
+
+bool CreateNewTempDirectory(const std::wstring& prefix, FilePath* path) {
+  const char* folder = getenv("TMPDIR");
+  std::string pattern = std::string(folder && *folder ? folder : "/tmp") + "/" +
+                        WideToUTF8(prefix) + "XXXXXX";
+  if (!mkdtemp(pattern.data()))
+    return Fail();
+  *path = FilePath::FromUTF8Unsafe(pattern);
+  return true;
+}
+
+int GetCurrentProcessNumber() {
+  return static_cast<int>(getpid());
 }
 
 FileEnumerator::FileEnumerator(const FilePath& folder, const std::wstring& pattern) {

@@ -5,6 +5,8 @@
 
 namespace base {
 
+inline constexpr char kFoldersFromEnvironment[] = "VANTU_FOLDERS_FROM_ENVIRONMENT";
+
 // Well-known folders, by the integer keys the player's base library uses.
 enum PathKey {
   DIR_EXE = 2,               // folder of the running executable
@@ -16,6 +18,10 @@ enum PathKey {
 //   DIR_EXE            the folder of /proc/self/exe;
 //   DIR_LOCAL_APP_DATA $LOCALAPPDATA, else $XDG_DATA_HOME, else
 //                      $HOME/.local/share.
+// On Windows the folders are the shell's (GetModuleFileNameW,
+// SHGetFolderPathW), as the player sees them; only when the environment
+// variable named by kFoldersFromEnvironment is set (by the host program for a
+// copied profile, or a test) do LOCALAPPDATA and APPDATA answer instead.
 // Answers false (and leaves |*path| empty) when nothing can be determined.
 class PathService {
  public:

@@ -1,6 +1,11 @@
 #include "base/profile_string.h"
 
+#if defined(_WIN32)
+#include <process.h>
+#define getpid _getpid
+#else
 #include <unistd.h>
+#endif
 
 #include <climits>
 #include <optional>

@@ -6,14 +6,19 @@
 #include <string>
 
 #include "base/file_path.h"
+#include "base/registry_hive.h"
 
 namespace base {
 
 // Read access to string values of the current user's registry hive
-// (HKEY_CURRENT_USER). On POSIX the hive is a file given at each Open, in
-// either of two forms, told apart by the file's first bytes:
+// (HKEY_CURRENT_USER). The hive is a file given at each Open (a copied
+// profile's registry; on POSIX the only registry there is); without one,
+// Windows reads the user's own registry (RegOpenKeyExW, RegQueryValueExW)
+// and POSIX finds no key. The file comes in either of two forms, told apart
+// by its first bytes:
 // - a binary registry hive ("regf", a profile's "NTUSER.DAT"), read with
-//   libhivex; values of types REG_SZ and REG_EXPAND_SZ are read;
+//   libhivex on POSIX and through RegLoadAppKeyW on a temporary copy on
+//   Windows; values of types REG_SZ and REG_EXPAND_SZ are read;
 // - a ".reg" export ("Windows Registry Editor Version 5.00" or "REGEDIT4"
 //   first line, "[HKEY_CURRENT_USER\Key\Sub]" section lines (or
 //   "[HKEY_USERS\<name>\Key\Sub]", a user's hive exported while loaded
@@ -33,8 +38,8 @@ class RegKey {
   RegKey() = default;
 
   // Opens |subkey| (e.g. L"Software\\VanTa6") under HKEY_CURRENT_USER of
-  // the registry file |file| for reading. False when the key does not exist
-  // or |file| is empty.
+  // the registry file |file| (the user's own registry when empty) for
+  // reading. False when the key does not exist.
   [[nodiscard]] bool Open(const FilePath& file, const std::wstring& subkey);
   [[nodiscard]] bool Valid() const { return valid_; }
 
@@ -45,6 +50,9 @@ class RegKey {
                                bool* expandable = nullptr) const;
 
  private:
+  // Takes |strings| as the open key's values.
+  bool Adopt(const std::wstring& subkey, RegistryStrings strings);
+
   bool valid_ = false;
   // Value names folded to lower case -> value.
   std::wstring key_name_;

@@ -37,6 +37,11 @@ using RegistryStrings = std::map<std::wstring, RegistryString>;
 [[nodiscard]] bool ReadHiveDword(const FilePath& file, const std::wstring& subkey,
                                  const std::wstring& name, uint32_t* value);
 
+// Reads the string values of |subkey| under HKEY_CURRENT_USER of the
+// system's own registry. False when the key does not exist, and always on
+// POSIX, which has no registry of its own.
+[[nodiscard]] bool ReadCurrentUserKey(const std::wstring& subkey, RegistryStrings* values);
+
 // Whether |file| opens as a hive; |*reason| says why not.
 [[nodiscard]] bool CheckHiveFile(const FilePath& file, std::string* reason);
 

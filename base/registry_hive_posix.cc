@@ -126,4 +126,9 @@ bool ReadHiveDword(const FilePath& file, const std::wstring& subkey, const std::
   return true;
 }
 
+bool ReadCurrentUserKey(const std::wstring& subkey, RegistryStrings* values) {
+  values->clear();
+  return false;
+}
+
 }  // namespace base

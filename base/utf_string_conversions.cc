@@ -105,6 +105,18 @@ std::wstring UTF16ToWide(std::u16string_view utf16) {
   return out;
 }
 
+void AppendCodePoint(char32_t code_point, std::wstring* out) {
+  if (!IsValidCodePoint(code_point))
+    code_point = kReplacement;
+  if (sizeof(wchar_t) == 2 && code_point >= 0x10000) {
+    code_point -= 0x10000;
+    out->push_back(static_cast<wchar_t>(0xD800 + (code_point >> 10)));
+    out->push_back(static_cast<wchar_t>(0xDC00 + (code_point & 0x3FF)));
+  } else {
+    out->push_back(static_cast<wchar_t>(code_point));
+  }
+}
+
 std::u16string WideToUTF16(std::wstring_view wide) {
   std::u16string out;
   out.reserve(wide.size());

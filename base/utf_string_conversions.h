@@ -24,6 +24,10 @@ std::u16string WideToUTF16(std::wstring_view wide);
 // or hand them to UTF16ToWide.
 std::u16string UTF16UnitsFromBytes(std::string_view bytes, bool big_endian);
 
+// Appends one code point (at most U+10FFFF, not a surrogate) to wide text:
+// one wchar_t on POSIX, a surrogate pair beyond U+FFFF on Windows.
+void AppendCodePoint(char32_t code_point, std::wstring* out);
+
 // Appends the UTF-8 form of |wide| to |out| (no temporary string).
 void AppendWideAsUTF8(std::wstring_view wide, std::string* out);
 

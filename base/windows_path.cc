@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <wctype.h>
 
+#include "base/environment.h"
 #include "base/utf_string_conversions.h"
 
 namespace base {
@@ -15,12 +16,10 @@ bool IsDriveLetter(wchar_t c) {
 }
 
 std::wstring WithSeparators(std::wstring path) {
-#if !defined(_WIN32)
   for (wchar_t& c : path) {
-    if (c == L'\\')
-      c = L'/';
+    if (c == L'\\' || c == L'/')
+      c = FilePath::kSeparator;
   }
-#endif
   return path;
 }
 
@@ -29,8 +28,12 @@ std::wstring WithSeparators(std::wstring path) {
 wchar_t ToUpper(wchar_t c) {
   if (c < 0x80)
     return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
+#if defined(_WIN32)
+  return static_cast<wchar_t>(towupper(static_cast<wint_t>(c)));
+#else
   static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
   return unicode ? static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), unicode)) : c;
+#endif
 }
 
 }  // namespace
@@ -46,32 +49,36 @@ std::wstring WindowsPathKey(std::wstring_view path) {
 }
 
 FilePath MapWindowsPath(const std::wstring& path, const DriveMap& drives) {
-#if defined(_WIN32)
-  return FilePath(path);
-#else
+  const bool on_drive = path.size() >= 2 && IsDriveLetter(path[0]) && path[1] == L':';
+#if !defined(_WIN32)
   if (path.size() >= 2 && path[0] == L'\\' && path[1] == L'\\')
     return FilePath();  // a network share: nothing here stands for it
-  if (path.size() < 2 || !IsDriveLetter(path[0]) || path[1] != L':')
+#endif
+  if (!on_drive)
     return FilePath(WithSeparators(path));
 
   wchar_t letter = path[0] >= L'a' ? path[0] - 32 : path[0];
   auto drive = drives.find(letter);
-  if (drive == drives.end() || drive->second.empty())
+  if (drive == drives.end() || drive->second.empty()) {
+#if defined(_WIN32)
+    return FilePath(path);  // the machine's own drive
+#else
     return FilePath();
+#endif
+  }
   std::wstring rest = WithSeparators(path.substr(2));
-  size_t begin = rest.find_first_not_of(L'/');
+  size_t begin = rest.find_first_not_of(FilePath::kSeparator);
   const FilePath& mapped = drive->second;
   return begin == std::wstring::npos ? mapped : mapped.Append(rest.substr(begin));
-#endif
 }
 
 DriveMap DriveMapFromEnvironment() {
   DriveMap drives;
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
     const std::string variable = std::string("VANTU_DRIVE_") + letter;
-    const char* folder = getenv(variable.c_str());
-    if (folder && *folder)
-      drives[static_cast<wchar_t>(letter)] = FilePath::FromUTF8Unsafe(folder);
+    std::wstring folder;
+    if (GetEnvironmentString(variable, &folder) && !folder.empty())
+      drives[static_cast<wchar_t>(letter)] = FilePath(folder);
   }
   return drives;
 }

@@ -21,7 +21,8 @@ namespace base {
 // other path (a POSIX path, a relative path) keeps its text with backslashes
 // turned into separators.
 //
-// On Windows the path is its own answer.
+// On Windows a drive the map names (a copied profile's drives) maps the
+// same way; any other path is its own answer.
 using DriveMap = std::map<wchar_t, FilePath>;
 FilePath MapWindowsPath(const std::wstring& path, const DriveMap& drives);
 

@@ -1,7 +1,8 @@
 # Each folder of the tree is one library. Its sources are the folder's *.cc
 # files except tests (*_unittest.cc), test helpers (*_test_util.cc) and the
 # Windows implementations (*_win.cc); its tests are the *_unittest.cc files,
-# built into one test program per folder.
+# built into one test program per folder (*_posix_unittest.cc and
+# *_win_unittest.cc only on their own system).
 
 function(vantu_folder_sources out dir)
   file(GLOB all CONFIGURE_DEPENDS "${dir}/*.cc")
@@ -71,6 +72,12 @@ function(vantu_tests)
     return()
   endif()
   file(GLOB tests CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*_unittest.cc")
+  # Tests of one system's layer: *_posix_unittest.cc and *_win_unittest.cc.
+  if(WIN32)
+    list(FILTER tests EXCLUDE REGEX "_posix_unittest\\.cc$")
+  else()
+    list(FILTER tests EXCLUDE REGEX "_win_unittest\\.cc$")
+  endif()
   if(NOT tests)
     return()
   endif()

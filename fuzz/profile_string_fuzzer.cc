@@ -1,8 +1,6 @@
 // Feeds arbitrary bytes to the profile-string functions as an INI file: reads
 // the sections and keys, then writes, replaces and deletes values in it.
 
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -10,6 +8,7 @@
 #include <string_view>
 
 #include "base/code_page.h"
+#include "base/environment.h"
 #include "base/file_util.h"
 #include "fuzz/fuzz_scratch.h"
 #include "base/profile_string.h"
@@ -22,7 +21,7 @@ base::FilePath g_file;
 }
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  setenv("VANTU_LOG_LEVEL", "5", 1);
+  (void)base::SetEnvironmentString("VANTU_LOG_LEVEL", L"5");  // fails only without memory
   g_file = FuzzScratchPath("vantu-profile-fuzz.ini");
   // The scratch file goes with the process.
   std::atexit([] { (void)base::DeleteFile(g_file); });

@@ -1,13 +1,12 @@
 // Feeds arbitrary bytes to the registry reader as the registry file and
 // reads the values the importer looks up.
 
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
+#include "base/environment.h"
 #include "base/file_util.h"
 #include "fuzz/fuzz_scratch.h"
 #include "base/reg_key.h"
@@ -17,7 +16,7 @@ base::FilePath g_file;
 }
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  setenv("VANTU_LOG_LEVEL", "5", 1);
+  (void)base::SetEnvironmentString("VANTU_LOG_LEVEL", L"5");  // fails only without memory
   g_file = FuzzScratchPath("vantu-registry-fuzz.reg");
   // The scratch file goes with the process.
   std::atexit([] { (void)base::DeleteFile(g_file); });

@@ -2,14 +2,14 @@
 // bytes become the work copy "VT6Data.db" of a scratch data folder, which
 // the reader opens with repair and reads into an import model.
 
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
+#include "base/environment.h"
 #include "base/file_util.h"
+#include "base/path_service.h"
 #include "fuzz/fuzz_scratch.h"
 #include "tools/data_importer/environment/run_context.h"
 #include "tools/data_importer/run_record/progress_record.h"
@@ -23,7 +23,7 @@ RunContext g_context;
 }
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  setenv("VANTU_LOG_LEVEL", "5", 1);
+  (void)base::SetEnvironmentString("VANTU_LOG_LEVEL", L"5");  // fails only without memory
   base::FilePath root = FuzzScratchPath("vantu-v6-fuzz");
   SetLocalAppData(root, &g_context);
   g_context.m_roaming_app_data = root.Append(L"roaming");

@@ -3,8 +3,9 @@
 
 namespace logging {
 
-// Short texts meant for an attached debugger. On POSIX they go to the log
-// at the lowest level (0), marked as debugger output.
+// Short texts meant for an attached debugger. They go to the log at the
+// lowest level (0), marked as debugger output; on Windows also to the
+// system's debugger channel.
 void OutputDebugStringW(const wchar_t* text);
 
 }  // namespace logging

@@ -4,11 +4,11 @@
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <mutex>
 
 #include "base/file_util.h"
 #include "base/string_number_conversions.h"
+#include "base/time.h"
 #include "base/utf_string_conversions.h"
 
 namespace logging {
@@ -49,7 +49,7 @@ FILE* LogFile(LogState* state) {
   base::FilePath folder = state->settings.file.DirName();
   if (!base::DirectoryExists(folder) && !base::CreateDirectory(folder))
     return nullptr;
-  state->file = std::fopen(state->settings.file.AsUTF8Unsafe().c_str(), "ab");
+  state->file = base::OpenFile(state->settings.file, "ab");
   return state->file;
 }
 
@@ -92,11 +92,7 @@ bool ShouldLog(int level) {
 }
 
 void WriteLogLine(const char* file, int line, int level, const std::wstring& text) {
-  char stamp[32] = {0};
-  std::time_t now = std::time(nullptr);
-  std::tm local_tm;
-  localtime_r(&now, &local_tm);
-  std::strftime(stamp, sizeof(stamp), "%Y-%m-%d %H:%M:%S", &local_tm);
+  std::string stamp = base::Time::Now().ToLocalDateTimeString();
 
   std::string record = "[";
   record += stamp;

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#if !defined(_WIN32)
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <algorithm>
 #include <cstdio>
@@ -315,6 +317,7 @@ void ExpectReportReconciles(const base::Value& report, const base::FilePath& dat
   }
 }
 
+#if !defined(_WIN32)
 long ProcessorMicrosOfWholeRun() {
   pid_t child = fork();
   if (child == 0) {
@@ -330,6 +333,7 @@ long ProcessorMicrosOfWholeRun() {
   return usage.ru_utime.tv_sec * 1000000L + usage.ru_utime.tv_usec +
          usage.ru_stime.tv_sec * 1000000L + usage.ru_stime.tv_usec;
 }
+#endif  // !defined(_WIN32)
 
 V6Music NumberedV6Music(int id, const std::wstring& title, wchar_t hash_fill, int mv_id) {
   V6Music m;

@@ -152,11 +152,13 @@ void ExpectReportReconciles(const base::Value& report, const base::FilePath& dat
 // The number of rows of |table| in |db|; -1 when it cannot be counted.
 int64_t TableRowCount(sql::Connection* db, const std::string& table);
 
+#if !defined(_WIN32)
 // Runs DataImporterMain once in a child process and answers the processor
 // time (user and system) the child took, in microseconds, for kill tests
 // that stop later runs at random points within it; -1 (and a failed
 // expectation) when the child did not exit normally.
 long ProcessorMicrosOfWholeRun();
+#endif
 
 // A generation-6 or generation-7 library item "D:\Music\<title>.mp3" with
 // the hash NumberedHash(id, hash_fill), so that each test's songs have

@@ -1,7 +1,13 @@
 #include "testing/test_support.h"
 
 #include <stdlib.h>
+#if defined(_WIN32)
+#include "base/windows_headers.h"
+#else
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #include <cstdio>
 #include <filesystem>
@@ -10,17 +16,25 @@
 
 #include <gtest/gtest.h>
 
+#include "base/environment.h"
+#include "base/file_util.h"
+#include "base/path_service.h"
 #include "base/utf_string_conversions.h"
 
 namespace testing_support {
 
 ScopedTempDir::ScopedTempDir() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "vantu_test_XXXXXX").string();
-  char* made = mkdtemp(pattern.data());
-  path_ = base::FilePath::FromUTF8Unsafe(made ? made : pattern);
+  if (!base::CreateNewTempDirectory(L"vantu_test_", &path_))
+    ADD_FAILURE() << "cannot create a temporary folder";
 }
 
 ScopedTempDir::~ScopedTempDir() {
+  if (path_.empty())
+    return;
+#if defined(_WIN32)
+  // Read-only files go too (their attribute is cleared first).
+  (void)base::DeleteFile(path_, true);  // a leftover in the temporary folder is harmless
+#else
   std::error_code ec;
   // Tests make files read-only on purpose; restore write access first.
   for (auto it = std::filesystem::recursive_directory_iterator(path_.AsUTF8Unsafe(), ec);
@@ -29,61 +43,139 @@ ScopedTempDir::~ScopedTempDir() {
                                  std::filesystem::perm_options::add, ec);
   }
   std::filesystem::remove_all(path_.AsUTF8Unsafe(), ec);
+#endif
 }
 
 ScopedEnv::~ScopedEnv() {
   for (const auto& [name, value] : saved_) {
     if (value)
-      setenv(name.c_str(), value->c_str(), 1);
+      (void)base::SetEnvironmentString(name, base::UTF8ToWide(*value));  // restoring: best effort
     else
-      unsetenv(name.c_str());
+      (void)base::UnsetEnvironmentString(name);
   }
 }
 
 void ScopedEnv::Set(const std::string& name, const std::optional<std::string>& value) {
   if (!saved_.count(name)) {
-    const char* old = getenv(name.c_str());
-    saved_[name] = old ? std::optional<std::string>(old) : std::nullopt;
+    std::wstring old;
+    saved_[name] = base::GetEnvironmentString(name, &old)
+                       ? std::optional<std::string>(base::WideToUTF8(old))
+                       : std::nullopt;
   }
   if (value)
-    setenv(name.c_str(), value->c_str(), 1);
+    EXPECT_TRUE(base::SetEnvironmentString(name, base::UTF8ToWide(*value))) << name;
   else
-    unsetenv(name.c_str());
+    EXPECT_TRUE(base::UnsetEnvironmentString(name)) << name;
+  // A test that gives the application-data folders means them on every
+  // system (Windows otherwise asks the shell).
+  if (name == "LOCALAPPDATA" || name == "APPDATA")
+    Set(base::kFoldersFromEnvironment, std::string("1"));
+}
+
+bool RunningUnderWine() {
+#if defined(_WIN32)
+  HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+  return ntdll && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+#else
+  return false;
+#endif
+}
+
+int GoneProcessId() {
+#if defined(_WIN32)
+  wchar_t system[MAX_PATH];
+  UINT n = GetSystemDirectoryW(system, MAX_PATH);
+  if (n == 0 || n >= MAX_PATH)
+    return -1;
+  std::wstring exe = std::wstring(system) + L"\\cmd.exe";
+  std::wstring line = L"cmd.exe /c exit 0";
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof(startup);
+  PROCESS_INFORMATION process = {};
+  if (!CreateProcessW(exe.c_str(), line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
+                      nullptr, nullptr, &startup, &process)) {
+    return -1;
+  }
+  WaitForSingleObject(process.hProcess, INFINITE);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return static_cast<int>(process.dwProcessId);
+#else
+  pid_t child = fork();
+  if (child == 0)
+    _exit(0);
+  if (child == -1 || waitpid(child, nullptr, 0) != child)
+    return -1;
+  return static_cast<int>(child);
+#endif
+}
+
+void MakeReadOnly(const base::FilePath& path) {
+#if defined(_WIN32)
+  EXPECT_TRUE(SetFileAttributesW(path.value().c_str(), FILE_ATTRIBUTE_READONLY))
+      << path.AsUTF8Unsafe();
+#else
+  EXPECT_EQ(0, chmod(path.AsUTF8Unsafe().c_str(), 0444)) << path.AsUTF8Unsafe();
+#endif
 }
 
 int RunCommand(const std::string& command, const std::string& input, std::string* output) {
-  std::string in_file = (std::filesystem::temp_directory_path() /
-                         ("vantu_cmd_in_" + std::to_string(getpid()))).string();
-  {
-    std::ofstream in(in_file, std::ios::binary);
-    in << input;
-  }
-  std::string full = "(" + command + ") < '" + in_file + "' 2>&1";
-  FILE* pipe = popen(full.c_str(), "r");
-  if (!pipe)
+  base::FilePath temp;
+  if (!base::CreateNewTempDirectory(L"vantu_cmd_", &temp))
     return -1;
+  base::FilePath in_file = temp.Append(L"input");
+  WriteBytes(in_file, input);
+#if defined(_WIN32)
+  // cmd.exe runs it: double quotes, and the whole line quoted once more.
+  std::string full = "\"(" + command + ") < \"" + in_file.AsUTF8Unsafe() + "\" 2>&1\"";
+  FILE* pipe = _wpopen(base::UTF8ToWide(full).c_str(), L"rb");
+#else
+  std::string full = "(" + command + ") < '" + in_file.AsUTF8Unsafe() + "' 2>&1";
+  FILE* pipe = popen(full.c_str(), "r");
+#endif
+  if (!pipe) {
+    (void)base::DeleteFile(temp, true);
+    return -1;
+  }
   std::string out;
   char buffer[4096];
   size_t n;
   while ((n = fread(buffer, 1, sizeof(buffer), pipe)) > 0)
     out.append(buffer, n);
+#if defined(_WIN32)
+  int status = _pclose(pipe);
+#else
   int status = pclose(pipe);
-  std::remove(in_file.c_str());
+#endif
+  (void)base::DeleteFile(temp, true);  // a leftover in the temporary folder is harmless
   if (output)
     *output = out;
+#if defined(_WIN32)
+  return status;
+#else
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
 }
 
 std::string ReadBytes(const base::FilePath& path) {
+#if defined(_WIN32)
+  std::string bytes;
+  return base::ReadFileToString(path, &bytes) ? bytes : std::string();
+#else
   std::ifstream in(path.AsUTF8Unsafe(), std::ios::binary);
   std::ostringstream out;
   out << in.rdbuf();
   return out.str();
+#endif
 }
 
 void WriteBytes(const base::FilePath& path, const std::string& bytes) {
+#if defined(_WIN32)
+  EXPECT_TRUE(base::WriteFile(path, bytes)) << path.AsUTF8Unsafe();
+#else
   std::ofstream out(path.AsUTF8Unsafe(), std::ios::binary | std::ios::trunc);
   out << bytes;
+#endif
 }
 
 void DamageDatabasePage(const base::FilePath& path, int page, size_t offset, size_t length) {

@@ -45,6 +45,22 @@ class ScopedEnv {
 
 // Runs a shell command, feeding |input| on its standard input; returns its
 // exit status and stores its standard output in |*output| when given.
+// Whether this Windows program runs under Wine rather than Windows (false on
+// other systems). Tests of calls that Wine does not implement skip there.
+bool RunningUnderWine();
+
+// The reason a test of a binary registry hive skips under Wine.
+inline constexpr char kWineHiveSkip[] =
+    "Wine's RegLoadAppKeyW is a stub that answers an empty key for any file, "
+    "so binary hives are read only on Windows";
+
+// The id of a child process that has ended (and been waited for): a process
+// that no longer exists. -1 when no child could be started.
+int GoneProcessId();
+
+// Takes write access away from a file (read-only attribute on Windows).
+void MakeReadOnly(const base::FilePath& path);
+
 int RunCommand(const std::string& command, const std::string& input, std::string* output);
 
 // Reads or writes a whole file as bytes (test fixtures).

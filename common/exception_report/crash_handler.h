@@ -17,6 +17,11 @@ namespace exception_report {
 // load address, path and build id, as loaded when the handler was
 // installed) and the backtrace of the faulting thread; a frame's address
 // minus its module's load address is what addr2line takes.
+// On Windows an unhandled-exception filter (SetUnhandledExceptionFilter)
+// writes a text record (time, exception code and address, executable folder,
+// the loaded modules with their base addresses and link time stamps) and a
+// minidump (MiniDumpWriteDump) beside it into |crash_folder|, then hands the
+// exception to the previous filter.
 // Only one handler is active at a time: a second object while one exists
 // does nothing. Installing never fails the caller and does not change
 // the run's course; a record that cannot be written is skipped.

@@ -1,10 +1,8 @@
 #include "tools/vantu_import/data_folder_check.h"
 
 #include <errno.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -14,54 +12,79 @@
 
 namespace {
 
+bool FailWithText(const base::FilePath& path, const std::string& what, const std::string& reason,
+                  std::string* error) {
+  *error = what + " " + path.AsUTF8Unsafe() + ": " + reason;
+  return false;
+}
+
 bool Fail(const base::FilePath& path, const std::string& what, int error_number,
           std::string* error) {
-  *error = what + " " + path.AsUTF8Unsafe() + ": " + std::strerror(error_number);
-  return false;
+  return FailWithText(path, what, std::strerror(error_number), error);
 }
 
 }  // namespace
 
 bool CheckDataFolder(const base::FilePath& data_folder, std::string* error) {
-  std::string folder = data_folder.AsUTF8Unsafe();
-  struct stat info;
-  if (stat(folder.c_str(), &info) == 0) {
-    if (!S_ISDIR(info.st_mode))
+  base::FileInfo info;
+  if (base::GetFileInfo(data_folder, &info)) {
+    if (!info.is_directory)
       return Fail(data_folder, "data folder", ENOTDIR, error);
   } else if (!base::CreateDirectory(data_folder)) {
-    return Fail(data_folder, "data folder", base::GetLastSystemError(), error);
+    return FailWithText(data_folder, "data folder",
+                        base::SystemErrorText(base::GetLastSystemError()), error);
   }
 
   // A probe file shows whether files can be created and written here.
-  base::FilePath probe =
-      data_folder.Append(L".vantu-import-probe-" + std::to_wstring(getpid()));
-  int fd = open(probe.AsUTF8Unsafe().c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
-  if (fd < 0)
+  base::FilePath probe = data_folder.Append(L".vantu-import-probe-" +
+                                            std::to_wstring(base::GetCurrentProcessNumber()));
+  errno = 0;
+  FILE* file = base::OpenFile(probe, "wb");
+  if (!file)
     return Fail(data_folder, "data folder", errno, error);
-  bool written = write(fd, "x", 1) == 1;
+  bool written = std::fwrite("x", 1, 1, file) == 1;
   int write_error = errno;
-  close(fd);
-  unlink(probe.AsUTF8Unsafe().c_str());
+  if (std::fclose(file) != 0 && written) {
+    written = false;
+    write_error = errno;
+  }
+  // A probe left behind is only a stray empty file; the write is the test.
+  (void)base::DeleteFile(probe);
   if (!written)
     return Fail(data_folder, "data folder", write_error, error);
 
   base::FilePath ini =
       base::ResolvePathCase(data_folder.Append(importer_names::kSettingsFileName));
-  if (stat(ini.AsUTF8Unsafe().c_str(), &info) == 0) {
-    if (S_ISDIR(info.st_mode))
+  if (base::GetFileInfo(ini, &info)) {
+    if (info.is_directory)
       return Fail(ini, "settings file", EISDIR, error);
     // Opened for appending and closed again: nothing is written.
-    fd = open(ini.AsUTF8Unsafe().c_str(), O_WRONLY | O_APPEND);
-    if (fd < 0)
+    errno = 0;
+    file = base::OpenFile(ini, "ab");
+    if (!file)
       return Fail(ini, "settings file", errno, error);
-    close(fd);
+    std::fclose(file);
   }
   return true;
 }
 
+namespace {
+
+// The path as the standard library takes it: wide on Windows, UTF-8 bytes
+// elsewhere (never through the C library's locale).
+std::filesystem::path StdPath(const base::FilePath& path) {
+#if defined(_WIN32)
+  return std::filesystem::path(path.value());
+#else
+  return std::filesystem::path(path.AsUTF8Unsafe());
+#endif
+}
+
+}  // namespace
+
 bool CopyFolder(const base::FilePath& from, const base::FilePath& to, std::string* error) {
   std::error_code code;
-  std::filesystem::copy(from.AsUTF8Unsafe(), to.AsUTF8Unsafe(),
+  std::filesystem::copy(StdPath(from), StdPath(to),
                         std::filesystem::copy_options::recursive |
                             std::filesystem::copy_options::copy_symlinks,
                         code);

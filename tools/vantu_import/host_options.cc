@@ -1,7 +1,6 @@
 #include "tools/vantu_import/host_options.h"
 
 #include <errno.h>
-#include <sys/stat.h>
 
 #include <cctype>
 #include <cstdlib>
@@ -9,7 +8,9 @@
 #include <utility>
 
 #include "base/file_path.h"
+#include "base/environment.h"
 #include "base/file_util.h"
+#include "base/path_service.h"
 #include "base/reg_key.h"
 #include "base/utf_string_conversions.h"
 #include "base/windows_path.h"
@@ -330,18 +331,17 @@ bool CheckPath(const char* option, const std::string& path, bool want_folder,
   if (path.empty())
     return true;
   // Letter case is resolved as the importer resolves it.
-  std::string resolved =
-      base::ResolvePathCase(mapped.empty() ? base::FilePath::FromUTF8Unsafe(path) : mapped)
-          .AsUTF8Unsafe();
-  struct stat info;
-  const char* reason = nullptr;
-  if (stat(resolved.c_str(), &info) != 0)
-    reason = std::strerror(errno);
-  else if (want_folder && !S_ISDIR(info.st_mode))
+  base::FilePath resolved =
+      base::ResolvePathCase(mapped.empty() ? base::FilePath::FromUTF8Unsafe(path) : mapped);
+  base::FileInfo info;
+  std::string reason;
+  if (!base::GetFileInfo(resolved, &info))
+    reason = base::SystemErrorText(base::GetLastSystemError());
+  else if (want_folder && !info.is_directory)
     reason = std::strerror(ENOTDIR);
-  else if (!want_folder && S_ISDIR(info.st_mode))
+  else if (!want_folder && info.is_directory)
     reason = std::strerror(EISDIR);
-  if (!reason)
+  if (reason.empty())
     return true;
   *error = std::string(option) + " " + path + ": " + reason;
   return false;

@@ -4,8 +4,18 @@
 // did from the import report it wrote.
 
 #include <stdlib.h>
+
+#if defined(_WIN32)
+#include <io.h>
+
+#include "base/command_line.h"
+#include "base/windows_headers.h"
+
+#include <shellapi.h>
+#else
 #include <sys/ioctl.h>
 #include <unistd.h>
+#endif
 
 #include <algorithm>
 #include <cerrno>
@@ -21,6 +31,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/environment.h"
 #include "base/file_util.h"
 #include "base/string_number_conversions.h"
 #include "base/time.h"
@@ -36,6 +47,19 @@
 namespace names = importer_names;
 
 namespace {
+
+// The terminal's width in columns (80 when it cannot be told).
+int TerminalColumns() {
+#if defined(_WIN32)
+  CONSOLE_SCREEN_BUFFER_INFO info;
+  if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info))
+    return info.srWindow.Right - info.srWindow.Left + 1;
+  return 80;
+#else
+  struct winsize size = {};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col ? size.ws_col : 80;
+#endif
+}
 
 constexpr auto kPollInterval = std::chrono::milliseconds(100);
 
@@ -68,8 +92,7 @@ class ProgressView {
     if (value.empty())
       label = "start";
     // The width is read at each redraw: the terminal may be resized.
-    struct winsize size = {};
-    int columns = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col ? size.ws_col : 80;
+    int columns = TerminalColumns();
     // "\r" and clearing to the end of the line redraw the bar in place.
     std::printf("\r%s\x1b[K", ProgressBarLine(label, percent, seconds, columns).c_str());
     std::fflush(stdout);
@@ -181,19 +204,19 @@ class TemporaryFolder {
   TemporaryFolder() = default;
   ~TemporaryFolder() {
     if (!path_.empty() && !keep_) {
-      std::error_code ignored;  // a leftover in the temporary folder is harmless
-      std::filesystem::remove_all(path_, ignored);
+      // A leftover in the temporary folder is harmless.
+      (void)base::DeleteFile(base::FilePath::FromUTF8Unsafe(path_), true);
     }
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  // Creates /tmp/<prefix>XXXXXX; false when it cannot.
+  // Creates <temporary folder>/<prefix>XXXXXX; false when it cannot.
   bool Create(const char* prefix, bool keep) {
-    std::string pattern = std::string("/tmp/") + prefix + "XXXXXX";
-    if (!mkdtemp(pattern.data()))
+    base::FilePath made;
+    if (!base::CreateNewTempDirectory(base::UTF8ToWide(prefix), &made))
       return false;
-    path_ = pattern;
+    path_ = made.AsUTF8Unsafe();
     keep_ = keep;
     if (!keep)
       FoldersToRemoveOnInterrupt().push_back(path_);
@@ -205,6 +228,30 @@ class TemporaryFolder {
   std::string path_;
   bool keep_ = false;
 };
+
+bool StandardOutputIsTerminal() {
+#if defined(_WIN32)
+  return _isatty(_fileno(stdout)) != 0;
+#else
+  return isatty(STDOUT_FILENO) != 0;
+#endif
+}
+
+#if defined(_WIN32)
+// The arguments as UTF-8 from the wide command line (argv holds them in the
+// ANSI code page, which loses characters).
+std::vector<std::string> Utf8Arguments() {
+  std::vector<std::string> args;
+  int count = 0;
+  wchar_t** wide = CommandLineToArgvW(::GetCommandLineW(), &count);
+  if (!wide)
+    return args;
+  for (int i = 0; i < count; ++i)
+    args.push_back(base::WideToUTF8(wide[i]));
+  LocalFree(wide);
+  return args;
+}
+#endif
 
 int Fail(int status, const std::string& message) {
   std::fprintf(stderr, "vantu-import: %s\n", message.c_str());
@@ -274,7 +321,7 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
       data_folder.Append(L"Backup").Append(base::Time::Now().ToLocalDateString());
   std::string backup_before = FolderState(backup);
   bool text = !options.json && !options.quiet;
-  ProgressView view(text, isatty(STDOUT_FILENO) && !options.verbose);
+  ProgressView view(text, StandardOutputIsTerminal() && !options.verbose);
   RunImporter(context, ini, &view);
 
   // The run must have left both its record in "DBCheck" and a new report.
@@ -332,6 +379,17 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
 }  // namespace
 
 int main(int argc, char** argv) {
+#if defined(_WIN32)
+  std::vector<std::string> utf8_args = Utf8Arguments();
+  std::vector<char*> utf8_argv;
+  for (std::string& arg : utf8_args)
+    utf8_argv.push_back(arg.data());
+  utf8_argv.push_back(nullptr);
+  if (!utf8_args.empty()) {
+    argc = static_cast<int>(utf8_args.size());
+    argv = utf8_argv.data();
+  }
+#endif
   std::signal(SIGINT, OnInterrupt);
   HostOptions options;
   std::string error;

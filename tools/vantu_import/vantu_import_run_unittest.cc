@@ -52,6 +52,10 @@ std::wstring Hash(int n) {
 class HostRunTest : public testing::Test {
  protected:
   void SetUp() override {
+#if defined(_WIN32)
+    GTEST_SKIP() << "these tests run the host through a POSIX shell (env -u, single quotes, "
+                    "/dev/null); scripts/run-windows-tests.sh runs the Windows host's demo";
+#endif
     ASSERT_TRUE(base::CreateDirectory(local()));
     ASSERT_TRUE(base::CreateDirectory(profile().Append(L"AppData").Append(L"Roaming")));
   }

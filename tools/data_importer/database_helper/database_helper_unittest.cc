@@ -1,6 +1,5 @@
 #include "tools/data_importer/database_helper/database_helper.h"
 
-#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
@@ -53,7 +52,7 @@ TEST(DatabaseHelperTest, HealthyAndReadOnlyFilesOpen) {
   ScopedTempDir dir;
   base::FilePath path = dir.path().Append(L"healthy.db");
   MakeDatabase(path);
-  chmod(path.AsUTF8Unsafe().c_str(), 0444);
+  testing_support::MakeReadOnly(path);
 
   DatabaseHelper helper;
   ASSERT_TRUE(helper.OpenAndCheck(path));

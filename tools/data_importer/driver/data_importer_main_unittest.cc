@@ -1,7 +1,12 @@
 #include "tools/data_importer/data_importer_main.h"
 
 #include <gtest/gtest.h>
+
+#if defined(_WIN32)
+#include "base/windows_headers.h"
+#else
 #include <signal.h>
+#endif
 
 #include "base/file_util.h"
 #include "base/json_file.h"
@@ -111,6 +116,20 @@ TEST_F(DataImporterMainTest, ImportRefreshesPlaylistStorage) {
   EXPECT_EQ(1, storage["lists"][0].get<int>());
 }
 
+#if defined(_WIN32)
+LONG WINAPI HostFilter(EXCEPTION_POINTERS*) {
+  return EXCEPTION_CONTINUE_SEARCH;
+}
+
+// The library runs inside the player's process: after a run the player's
+// own unhandled-exception filter is back in place.
+TEST_F(DataImporterMainTest, HostExceptionFilterIsRestored) {
+  LPTOP_LEVEL_EXCEPTION_FILTER before = SetUnhandledExceptionFilter(HostFilter);
+  DataImporterMain();
+  LPTOP_LEVEL_EXCEPTION_FILTER after = SetUnhandledExceptionFilter(before);
+  EXPECT_EQ(reinterpret_cast<void*>(HostFilter), reinterpret_cast<void*>(after));
+}
+#else
 void HostHandler(int) {}
 
 // The library runs inside the player's process: after a run the player's
@@ -124,5 +143,6 @@ TEST_F(DataImporterMainTest, HostSignalHandlersAreRestored) {
   sigaction(SIGSEGV, &before, &after);
   EXPECT_EQ(reinterpret_cast<void*>(HostHandler), reinterpret_cast<void*>(after.sa_handler));
 }
+#endif
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include "tools/data_importer/driver/leftover_files.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <string>
 
@@ -25,15 +23,12 @@ TEST(LeftoverFilesTest, OwnerIsTheNumberAfterTheMarker) {
 // Files of a process that is gone are removed wherever runs make them; the
 // files of a live process and every other file stay.
 TEST(LeftoverFilesTest, RemovesOnlyFilesOfGoneProcesses) {
-  pid_t gone = fork();
+  int gone = testing_support::GoneProcessId();
   ASSERT_NE(-1, gone);
-  if (gone == 0)
-    _exit(0);
-  ASSERT_EQ(gone, waitpid(gone, nullptr, 0));
   ASSERT_FALSE(ProcessExists(gone));
-  ASSERT_TRUE(ProcessExists(getpid()));
+  ASSERT_TRUE(ProcessExists(base::GetCurrentProcessNumber()));
   std::wstring dead = std::to_wstring(gone);
-  std::wstring alive = std::to_wstring(getpid());
+  std::wstring alive = std::to_wstring(base::GetCurrentProcessNumber());
 
   testing_support::ScopedTempDir dir;
   base::FilePath data = dir.path();

@@ -1,8 +1,14 @@
 // The shipped library as the player uses it: loaded at run time, its one
 // export looked up by name and called.
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
+
+#if defined(_WIN32)
+#include "base/utf_string_conversions.h"
+#include "base/windows_headers.h"
+#else
+#include <dlfcn.h>
+#endif
 
 #include "base/file_util.h"
 #include "testing/fixtures/generation6_fixture.h"
@@ -16,6 +22,15 @@ TEST(SharedLibraryTest, LoadedAtRunTimeItImports) {
   ASSERT_TRUE(WriteSampleV6Installation(program, 5));
   ASSERT_TRUE(base::WriteFile(profile.root().Append(L"user.reg"), V6RegistryText(program)));
 
+#if defined(_WIN32)
+  HMODULE library = LoadLibraryW(base::UTF8ToWide(VANTU_IMPORTER_LIBRARY).c_str());
+  ASSERT_NE(nullptr, library) << GetLastError();
+  auto entry = reinterpret_cast<void (*)()>(
+      reinterpret_cast<void*>(GetProcAddress(library, "DataImporterMain")));
+  ASSERT_NE(nullptr, entry);
+  entry();
+  EXPECT_TRUE(FreeLibrary(library));
+#else
   void* library = dlopen(VANTU_IMPORTER_LIBRARY, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(nullptr, library) << dlerror();
   // The core's own functions stay inside the library.
@@ -24,6 +39,8 @@ TEST(SharedLibraryTest, LoadedAtRunTimeItImports) {
   ASSERT_NE(nullptr, entry);
   entry();
   EXPECT_EQ(0, dlclose(library));
+
+#endif
 
   EXPECT_EQ(L"4", profile.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"100", profile.DBCheck(L"ImportProgress"));

@@ -1,5 +1,6 @@
 #include "tools/data_importer/markup/markup_entities.h"
 
+#include "base/utf_string_conversions.h"
 #include "base/string_util.h"
 #include "tools/data_importer/markup/markup_strings.h"
 
@@ -30,7 +31,7 @@ int DigitValue(wchar_t c, int base) {
 
 // Reads the numeric reference whose digits start at |pos|; on success sets
 // |*end| just past the ';'.
-bool ReadNumber(std::wstring_view raw, size_t pos, int base, wchar_t* value, size_t* end) {
+bool ReadNumber(std::wstring_view raw, size_t pos, int base, char32_t* value, size_t* end) {
   uint32_t number = 0;
   size_t digits = 0;
   while (pos < raw.size() && raw[pos] != L';') {
@@ -47,7 +48,7 @@ bool ReadNumber(std::wstring_view raw, size_t pos, int base, wchar_t* value, siz
     return false;
   if (number == 0 || (number >= 0xD800 && number <= 0xDFFF))
     return false;
-  *value = static_cast<wchar_t>(number);
+  *value = static_cast<char32_t>(number);
   *end = pos + 1;
   return true;
 }
@@ -72,10 +73,10 @@ EntityResult DecodeEntities(std::wstring_view raw, std::wstring* out) {
         base = 16;
         ++digits;
       }
-      wchar_t value;
+      char32_t value;
       if (!ReadNumber(raw, digits, base, &value, &pos))
         return EntityResult::kBadReference;
-      out->push_back(value);
+      base::AppendCodePoint(value, out);
       continue;
     }
     bool matched = false;

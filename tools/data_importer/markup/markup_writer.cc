@@ -185,8 +185,7 @@ int32_t Save(const MarkupHandle& document, const base::FilePath& path) {
        document->text().empty())) {
     return kSaveOk;
   }
-  const std::string native = base::ResolvePathCase(path).AsUTF8Unsafe();
-  FILE* file = fopen(native.c_str(), "wb");
+  FILE* file = base::OpenFile(base::ResolvePathCase(path), "wb");
   if (!file)
     return kSaveCannotCreate;
   std::u16string units(1, u'\xFEFF');

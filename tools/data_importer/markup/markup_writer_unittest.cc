@@ -98,8 +98,10 @@ TEST(MarkupWriterTest, SaveStatuses) {
   EXPECT_EQ(kSaveCannotCreate, Save(root, temp.path().Append(L"missing").Append(L"a.xml")));
   EXPECT_EQ(kSaveCannotCreate, Save(root, temp.path()));
 
-  // The data cannot be written out.
+#if !defined(_WIN32)
+  // The data cannot be written out (Windows has no device that is always full).
   EXPECT_EQ(kSaveWriteFailed, Save(root, base::FilePath(L"/dev/full")));
+#endif
 }
 
 }  // namespace

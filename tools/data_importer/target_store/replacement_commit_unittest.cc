@@ -1,9 +1,12 @@
 #include "tools/data_importer/target_store/replacement_commit.h"
 
 #include <gtest/gtest.h>
+
+#if !defined(_WIN32)
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <string>
 
@@ -25,6 +28,8 @@ class ReplacementCommitTest : public testing::Test {
     ASSERT_TRUE(base::WriteFile(Path(L"playlist.db.tmp"), "new lists"));
   }
 
+#if !defined(_WIN32)
+  // Kill tests fork a child process and kill it: the Windows build has no fork.
   // Runs the commit in a child process killed right after |step|.
   void CommitKilledAfter(const std::string& step) {
     pid_t child = fork();
@@ -41,6 +46,7 @@ class ReplacementCommitTest : public testing::Test {
     ASSERT_TRUE(WIFSIGNALED(status)) << step;
   }
 
+#endif  // !defined(_WIN32)
   void ExpectNoWorkFiles() {
     for (const wchar_t* name : {L"VTMusicV2.db.tmp", L"playlist.db.tmp",
                                 L"DatabaseReplace.commit", L"DatabaseReplace.commit.new"})
@@ -50,6 +56,8 @@ class ReplacementCommitTest : public testing::Test {
   testing_support::ScopedTempDir dir_;
 };
 
+#if !defined(_WIN32)
+// Kill tests fork a child process and kill it: the Windows build has no fork.
 // A kill after any step of the commit is completed by the next run: both
 // final files end up new, never one new and one old.
 TEST_F(ReplacementCommitTest, KillAfterEachStepIsCompletedByTheNextRun) {
@@ -62,6 +70,8 @@ TEST_F(ReplacementCommitTest, KillAfterEachStepIsCompletedByTheNextRun) {
     ExpectNoWorkFiles();
   }
 }
+
+#endif  // !defined(_WIN32)
 
 // Without a record, a build was interrupted before its files were known to
 // be good: they are deleted, with the rollback journal that a fresh file of

@@ -45,9 +45,14 @@ int64_t ParseV7TimeText(std::string_view text) {
   parts.tm_min = minute;
   parts.tm_sec = second;
   parts.tm_isdst = -1;  // let the C library decide, as the local conversion does
+#if defined(_WIN32)
+  // The platform's own 64-bit conversion answers -1 outside its range.
+  return static_cast<int64_t>(_mktime64(&parts));
+#else
   const int64_t seconds = static_cast<int64_t>(std::mktime(&parts));
   // The 64-bit conversion of the player's platform covers 1970-01-01
   // 00:00:00 to 3000-12-31 23:59:59 UTC and answers -1 for anything else.
   constexpr int64_t kLastSecond = 32535215999;  // 3000-12-31 23:59:59 UTC
   return seconds < 0 || seconds > kLastSecond ? -1 : seconds;
+#endif
 }

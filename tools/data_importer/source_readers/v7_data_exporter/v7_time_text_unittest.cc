@@ -6,6 +6,9 @@
 #include <ctime>
 #include <string>
 
+#include "base/environment.h"
+#include "base/utf_string_conversions.h"
+
 namespace {
 
 // Pins the process's time zone for one test and restores it afterwards.
@@ -15,18 +18,27 @@ class ScopedTimeZone {
     if (const char* old = std::getenv("TZ"))
       saved_ = old;
     had_ = std::getenv("TZ") != nullptr;
-    setenv("TZ", zone, 1);
-    tzset();
+    EXPECT_TRUE(base::SetEnvironmentString("TZ", base::UTF8ToWide(zone)));
+    Reset();
   }
   ~ScopedTimeZone() {
+    // Restoring is best effort: a later test pins its own zone.
     if (had_)
-      setenv("TZ", saved_.c_str(), 1);
+      (void)base::SetEnvironmentString("TZ", base::UTF8ToWide(saved_));
     else
-      unsetenv("TZ");
-    tzset();
+      (void)base::UnsetEnvironmentString("TZ");
+    Reset();
   }
 
  private:
+  static void Reset() {
+#if defined(_WIN32)
+    _tzset();
+#else
+    tzset();
+#endif
+  }
+
   std::string saved_;
   bool had_ = false;
 };

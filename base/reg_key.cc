@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 
+#include "base/environment.h"
 #include "base/file_path.h"
 #include "base/file_util.h"
 #include "base/registry_hive.h"
@@ -228,21 +229,29 @@ std::wstring ExpandEnvironmentReferences(const std::wstring& text, const Variabl
 bool RegKey::Open(const FilePath& path, const std::wstring& subkey) {
   valid_ = false;
   values_.reset();
-  if (path.empty())
-    return false;
-  std::string bytes;
-  if (!ReadFileToString(path, &bytes))
-    return false;
   std::wstring wanted = subkey;
   while (!wanted.empty() && wanted.back() == L'\\')
     wanted.pop_back();
-
   RegistryStrings strings;
+  if (path.empty()) {
+    // No registry file given: the current user's own registry, where the
+    // system has one.
+    if (!ReadCurrentUserKey(wanted, &strings))
+      return false;
+    return Adopt(subkey, std::move(strings));
+  }
+  std::string bytes;
+  if (!ReadFileToString(path, &bytes))
+    return false;
   bool found = IsRegistryHive(bytes) ? ReadHiveKey(path, wanted, &strings)
                                      : ReadExportKey(RegistryText(std::move(bytes)),
                                                      Fold(wanted), &strings);
   if (!found)
     return false;
+  return Adopt(subkey, std::move(strings));
+}
+
+bool RegKey::Adopt(const std::wstring& subkey, RegistryStrings strings) {
   auto values = std::make_shared<Values>();
   for (auto& [name, value] : strings)
     values->by_name[Fold(name)] = std::move(value);
