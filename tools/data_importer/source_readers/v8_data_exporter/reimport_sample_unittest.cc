@@ -79,7 +79,7 @@ TEST_F(ReimportSampleTest, LocalFilesKeepTheirFolder) {
 // moves them: the lists, the songs of list 3 (list 0 has no table there),
 // the operations and the accompaniments; the older layout's table stays
 // behind. Each carried table is counted in the report from its source rows
-// to the rows in the finished file.
+// to the rows in the finished file, each one left behind as dropped.
 TEST_F(ReimportSampleTest, CloudListsMoveToThePlaylistFile) {
   for (const char* table :
        {"CloudListTable", "NewCloudList_3", "CloudOperation", "CloudAccompanimentItemSet"}) {
@@ -108,7 +108,15 @@ TEST_F(ReimportSampleTest, CloudListsMoveToThePlaylistFile) {
     ASSERT_TRUE(target);
     EXPECT_EQ(rows, (*target)["rows_counted"]);
   }
-  EXPECT_EQ(nullptr, FindEntry(report["source_tables"], "table", "NewCloudList_0"));
+  // What the move leaves behind is read and dropped, with its reason.
+  for (const char* table : {"NewCloudList_0", "CloudList_Sync"}) {
+    SCOPED_TRACE(table);
+    const base::Value* flow = FindEntry(report["flows"], "from", table);
+    ASSERT_TRUE(flow);
+    EXPECT_EQ(1, (*flow)["read"]);
+    EXPECT_EQ(0, (*flow)["written"]);
+    EXPECT_EQ(1, (*flow)["dropped_by_reason"]["cloud_list_left_behind"]);
+  }
   ExpectReportReconciles(report, profile_.data_folder());
 }
 
