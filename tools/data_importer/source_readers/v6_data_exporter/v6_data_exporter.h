@@ -47,6 +47,11 @@ class V6DataExporter : public DataExporter {
   const wchar_t* LogTag() const override;
 
  private:
+  // In the "V2" layout "PlayListItems" is read twice, once for the music
+  // items and once per list for its entries ("PlayListItems (list
+  // entries)"); the report counts the two reads apart.
+  static constexpr char kV2MusicItemsTable[] = "PlayListItems (music items)";
+
   // What a list reader remembers of an imported music item.
   struct MusicEntry {
     std::shared_ptr<ShareFileItem> file;
@@ -88,7 +93,8 @@ class V6DataExporter : public DataExporter {
   bool ReadMusicItems();
   bool ReadMusicItemsV2(int library_number);
   bool ReadPlayLists(bool v2, int library_number);
-  void ReadListItems(const ListRef& list, bool v2, int library_number);
+  // False when the entries stop at an error; the ones before are kept.
+  bool ReadListItems(const ListRef& list, bool v2, int library_number);
   // |v2|: the "V2" layout, whose music items carry made-up old ids, so a
   // pending download is found by its hash only.
   bool ReadUnfinishedDownloads(bool v2);
