@@ -120,6 +120,23 @@ TEST_F(ReimportSampleTest, CloudListsMoveToThePlaylistFile) {
   ExpectReportReconciles(report, profile_.data_folder());
 }
 
+// Every table of both old files, cloud lists included, is in the report
+// with the rows it holds.
+TEST_F(ReimportSampleTest, EveryTableIsCounted) {
+  base::Value report = ReadImportReport(profile_.data_folder());
+  size_t tables = 0;
+  for (sql::Connection* db : {&source_music_, &source_lists_}) {
+    for (const std::string& table : TableNames(db)) {
+      SCOPED_TRACE(table);
+      ++tables;
+      const base::Value* counted = FindEntry(report["source_tables"], "table", table);
+      ASSERT_TRUE(counted);
+      EXPECT_EQ(TableRowCount(db, table), (*counted)["rows_read"]);
+    }
+  }
+  EXPECT_EQ(tables, report["source_tables"].size()) << report["source_tables"].dump();
+}
+
 // Every column that may hold NULL holds the old file's NULLs and texts again,
 // row for row; the sample has NULLs in each.
 TEST_F(ReimportSampleTest, NullComesBackAsNull) {
