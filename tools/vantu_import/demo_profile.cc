@@ -3,6 +3,7 @@
 #include "base/file_util.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/fixtures/generation7_fixture.h"
+#include "testing/fixtures/reimport_fixture.h"
 #include "testing/fixtures/version2_fixture.h"
 #include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/target_store/build_sequence.h"
@@ -57,9 +58,9 @@ base::FilePath BuildCurrentGenerationDemo(const base::FilePath& root, int versio
     *error = "cannot create the profile folders";
     return base::FilePath();
   }
-  bool written = version == 2
-                     ? WriteSampleVersion2Databases(data_folder)
-                     : WriteSampleVersion3Databases(data_folder, kVersion3DatabaseKey);
+  bool written = version == 1   ? WriteSampleReimportDatabases(data_folder)
+                 : version == 2 ? WriteSampleVersion2Databases(data_folder)
+                                : WriteSampleVersion3Databases(data_folder, kVersion3DatabaseKey);
   if (!written) {
     *error = "cannot write the sample databases of the current generation";
     return base::FilePath();

@@ -13,10 +13,12 @@
 // or an empty path when the profile could not be made (|error| says why).
 base::FilePath BuildDemoProfile(const base::FilePath& root, int generation, std::string* error);
 
-// The same for "--demo=v2" and "--demo=v3": no older installation, but the
-// current generation's own databases in the data folder, plain version-2
-// ones to copy (|version| 2) or version-3 ones whose cloud lists are still in
-// the music database (|version| 3).
+// The same for "--demo=v1", "--demo=v2" and "--demo=v3": no older
+// installation, but the current generation's own databases in the data
+// folder: the plain "VTMusic.db" and "vantu.db" of its first releases to
+// import again (|version| 1), plain version-2 ones to copy (|version| 2) or
+// version-3 ones whose cloud lists are still in the music database
+// (|version| 3).
 base::FilePath BuildCurrentGenerationDemo(const base::FilePath& root, int version,
                                           std::string* error);
 

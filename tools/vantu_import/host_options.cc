@@ -70,11 +70,11 @@ bool SetDemo(const std::string& value, HostOptions* options, std::string* error)
     options->demo = 7;
   } else if (value == "6") {
     options->demo = 6;
-  } else if (value == "v2" || value == "v3") {
+  } else if (value == "v1" || value == "v2" || value == "v3") {
     options->demo = 8;
     options->demo_version = value.back() - '0';
   } else {
-    *error = "option --demo takes 7, 6, v2 or v3, not \"" + value + "\"";
+    *error = "option --demo takes 7, 6, v1, v2 or v3, not \"" + value + "\"";
     return false;
   }
   return true;
@@ -118,9 +118,10 @@ const OptionEntry kOptionTable[] = {
       "the ANSI code page of the copied Windows installation, for its 8-bit settings files "
       "(default: the value in drive C's system hive, else 936)"},
      ValueForm::kRequired, SetCodePage},
-    {{"--demo", "[=7|6|v2|v3]",
+    {{"--demo", "[=7|6|v1|v2|v3]",
       "build a sample user profile in a temporary folder and run the importer on it: a "
-      "generation-7 (default) or generation-6 installation to import, plain version-2 "
+      "generation-7 (default) or generation-6 installation to import, the plain databases of "
+      "the current generation's first releases to import again (v1), plain version-2 "
       "databases to copy (v2), or version-3 databases whose cloud lists are to be moved (v3)"},
      ValueForm::kOptional, SetDemo},
     {{"--dry-run", nullptr,

@@ -30,7 +30,7 @@ struct HostOptions {
   bool help = false;
   // --demo[=GENERATION]: 0 no demo, else the generation of the sample
   // installation (7 by default, 6 on request), or 8 for the current
-  // generation's own databases of version |demo_version| (--demo=v2, v3).
+  // generation's own databases of version |demo_version| (--demo=v1, v2, v3).
   int demo = 0;
   int demo_version = 0;
   bool dry_run = false;  // import into a temporary copy of the data folder
@@ -98,7 +98,7 @@ struct HostExitStatus {
 std::vector<HostOption> HostOptionTable();
 std::vector<HostExitStatus> HostExitStatusTable();
 
-// "--profile DIR", "--demo[=7|6|v2|v3]", "--quiet".
+// "--profile DIR", "--demo[=7|6|v1|v2|v3]", "--quiet".
 std::string OptionSynopsis(const HostOption& option);
 
 // The text of --help, from the two tables (lines of at most 79 columns).

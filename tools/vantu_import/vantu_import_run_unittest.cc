@@ -312,7 +312,7 @@ TEST_F(HostRunTest, DryRunChangesNothing) {
 }
 
 // "--i DIR" reaches the importer as "--i=DIR"; the demo removes its profile
-// unless --keep is given.
+// unless --keep is given; the re-import demo runs.
 TEST_F(HostRunTest, SourceFolderOptionAndDemoCleanUp) {
   base::FilePath source = root().Append(L"Old Player");
   V6V2Library library;
@@ -333,6 +333,11 @@ TEST_F(HostRunTest, SourceFolderOptionAndDemoCleanUp) {
   ASSERT_FALSE(kept.empty()) << output_;
   EXPECT_TRUE(base::PathExists(kept.Append(L"AppData/Local/VanTu8/VTMusicV3.db")));
   std::filesystem::remove_all(kept.AsUTF8Unsafe());
+  // The first releases' plain databases, imported again whole.
+  EXPECT_EQ(0, Run("--quiet --demo=v1")) << output_;
+  EXPECT_EQ(0u, output_.find("Imported 30 songs, 1 video, 2 lists with 15 entries and 4 "
+                             "downloads;"))
+      << output_;
   EXPECT_EQ(0, Run("--version"));
   EXPECT_EQ(0u, output_.find("vantu-import 1.0.0"));
 }

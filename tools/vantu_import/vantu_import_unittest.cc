@@ -38,7 +38,7 @@ TEST(HostOptionsTest, ValuesInBothFormsAndBadUsage) {
   EXPECT_FALSE(Parse({"--local-appdatax=/a"}, &bad, &error));
   EXPECT_EQ("unknown option --local-appdatax=/a", error);
   EXPECT_FALSE(Parse({"--demo=8"}, &bad, &error));
-  EXPECT_EQ("option --demo takes 7, 6, v2 or v3, not \"8\"", error);
+  EXPECT_EQ("option --demo takes 7, 6, v1, v2 or v3, not \"8\"", error);
 }
 
 TEST(HostOptionsTest, SourceFolderInBothFormsAndNewSwitches) {
@@ -217,13 +217,15 @@ TEST(RunOutcomeTest, UpgradeResultInWords) {
 TEST(HostOptionsTest, CurrentGenerationDemos) {
   HostOptions options;
   std::string error;
-  ASSERT_TRUE(Parse({"--demo=v2"}, &options, &error));
+  ASSERT_TRUE(Parse({"--demo=v1"}, &options, &error));
   EXPECT_EQ(8, options.demo);
+  EXPECT_EQ(1, options.demo_version);
+  ASSERT_TRUE(Parse({"--demo=v2"}, &options, &error));
   EXPECT_EQ(2, options.demo_version);
   ASSERT_TRUE(Parse({"--demo=v3"}, &options, &error));
   EXPECT_EQ(3, options.demo_version);
   EXPECT_FALSE(Parse({"--demo=v4"}, &options, &error));
-  EXPECT_EQ("option --demo takes 7, 6, v2 or v3, not \"v4\"", error);
+  EXPECT_EQ("option --demo takes 7, 6, v1, v2 or v3, not \"v4\"", error);
 }
 
 }  // namespace

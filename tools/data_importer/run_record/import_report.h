@@ -44,6 +44,12 @@ inline constexpr DropReason kCopyNotEncrypted = {
 inline constexpr DropReason kCloudListsMissing = {
     "cloud_lists_missing", "cloud-list row without a cloud list to belong to",
     "cloud-list rows without a cloud list to belong to"};
+inline constexpr DropReason kCloudListLeftBehind = {
+    "cloud_list_left_behind",
+    "row of a cloud-list table that the cloud-list move leaves behind (an older layout's, or "
+    "the songs of a list the server does not know)",
+    "rows of cloud-list tables that the cloud-list move leaves behind (an older layout's, or "
+    "the songs of lists the server does not know)"};
 inline constexpr DropReason kSourceRowsUnreadable = {
     "source_rows_unreadable", "row of a damaged source that could not be read",
     "rows of a damaged source that could not be read"};

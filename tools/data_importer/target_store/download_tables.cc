@@ -62,7 +62,9 @@ int ResolveDownloadFile(const ImportModel& model, const DownloadRecord& d) {
   auto by_id = model.m_music_id_map.find(d.file_id);
   if (by_id != model.m_music_id_map.end() && by_id->second != 0)
     return by_id->second;
-  auto by_hash = model.m_hash_id_map.find(d.MD5);
+  if (!IsFileHash(d.MD5))
+    return 0;
+  auto by_hash = model.m_hash_id_map.find(d.MD5.text);
   return by_hash == model.m_hash_id_map.end() ? 0 : by_hash->second;
 }
 

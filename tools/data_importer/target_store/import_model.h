@@ -90,7 +90,10 @@ class ImportModel {
   // database where the cloud-list move of the upgrade puts them:
   // "CloudListTable", the "NewCloudList_<id>" table of every id above 0,
   // "CloudAccompanimentItemSet" and "CloudOperation", each only when the
-  // source has it and the playlist database has not. False when a table
+  // source has it and the playlist database has not. Every cloud-list table
+  // of the source is counted in the report: carried, or dropped as left
+  // behind (the older layout's "CloudList_..." tables and the song tables of
+  // lists at or below 0, which the move leaves too). False when a table
   // could not be copied (the others still are).
   [[nodiscard]] bool CarryCloudLists();
 

@@ -162,7 +162,7 @@ std::shared_ptr<SongItem> GenerateSong(ValueSource* values, const ShareFileItem&
   song->MusicFileHash = file.MD5;
   song->mv_file_id = video ? video->old_id : 0;
   song->MVFilePath = video ? video->FileName : std::wstring();
-  song->MVFileHash = video ? video->MD5 : std::wstring();
+  song->MVFileHash = video ? video->MD5 : NullableText();
   return song;
 }
 
@@ -182,9 +182,13 @@ void FillGeneratedModel(ImportModel* model, uint32_t seed) {
     (file->ShareFileType == 2 ? video : audio).push_back(file);
     model->m_share_files.push_back(file);
   }
-  audio[3]->MD5 = kNoFileHash;   // found by its path only
+  // Without a hash, found by their paths only: the all-zero hash, NULL and
+  // an empty text, each of which must come back as it was.
+  audio[3]->MD5 = kNoFileHash;
+  audio[5]->MD5 = NullableText::Null();
+  audio[2]->MD5 = std::wstring();
+  video[1]->MD5 = NullableText::Null();
   audio[4]->FileName.clear();    // found by its hash only; not playable
-  audio[5]->MD5.clear();
   audio[6]->MD5 = audio[7]->MD5;  // one hash, two files
   audio[9]->FileName.clear();  // no path, and the hash of an earlier file with one
   audio[9]->MD5 = audio[8]->MD5;

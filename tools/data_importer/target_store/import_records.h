@@ -28,19 +28,34 @@ inline constexpr wchar_t kUnlinkedFileMark[] = L"\u7528\u6237\u53d6\u6d88\u5173\
 struct NullableText {
   NullableText() = default;
   NullableText(std::wstring value) : text(std::move(value)) {}  // NOLINT: a text is no NULL
+  NullableText(const wchar_t* value) : text(value) {}            // NOLINT: as above
   bool operator==(const NullableText&) const = default;
+
+  static NullableText Null() {
+    NullableText null;
+    null.is_null = true;
+    return null;
+  }
 
   std::wstring text;
   bool is_null = false;
 };
+
+// Whether |hash| names a file's content: not NULL, not empty and not
+// kNoFileHash. Only such hashes find files.
+inline bool IsFileHash(const NullableText& hash) {
+  return !hash.is_null && !hash.text.empty() && hash.text != kNoFileHash;
+}
 
 // One media file known to the player.
 struct ShareFileItem {
   int origin = 0;
   int old_id = 0;  // file id in the source database
   int ShareFileType = 0;  // 2 = MV (video) file, anything else audio
-  std::wstring MD5;       // 32 hex characters or empty
-  std::wstring MpegMD5;
+  // The hashes: 32 hex characters, kNoFileHash or empty; NULL only where
+  // a database of our own format held NULL.
+  NullableText MD5;
+  NullableText MpegMD5;
   std::wstring FileName;
   std::wstring FileNamePure;
   std::wstring Artist;
@@ -114,7 +129,7 @@ struct SongItem {
   int64_t LastGenreDownloadTime = 0;
   // The music-file half.
   std::wstring MusicFilePath;
-  std::wstring MusicFileHash;
+  NullableText MusicFileHash;
   std::wstring MusicFileSource;
   std::wstring MusicFileArtist;
   std::wstring MusicFileAlbum;
@@ -126,7 +141,7 @@ struct SongItem {
   int64_t MusicFileLastModifyTime = 0;
   // The MV half.
   std::wstring MVFilePath;
-  std::wstring MVFileHash;
+  NullableText MVFileHash;
   std::wstring MVFileSource;
   int MVFileSize = 0;
   int MVFileCDNFlag = 0;
@@ -168,7 +183,7 @@ struct DislikeRadioRecord {
   int Duration = 0;
   int Bitrate = 0;
   int CDNFlag = 0;
-  std::wstring Hash;
+  NullableText Hash;
   std::wstring FileNameWithExtension;
 };
 
@@ -176,7 +191,7 @@ struct PlayedRadioRecord {
   int origin = 0;
   int ChannelInformationID = 0;
   int SongID = 0;
-  std::wstring Hash;
+  NullableText Hash;
 };
 
 struct LocalFileInfo {
@@ -207,7 +222,7 @@ struct DownloadRecord {
   int origin = 0;
   Tables tables = Tables::kByRule;
   int file_id = 0;  // old id of the downloaded file
-  std::wstring MD5;
+  NullableText MD5;
   int FileID = 0;
   int DownloadID = 0;
   int SuggestFileSize = 0;
@@ -243,7 +258,7 @@ struct DownloadRecord {
   std::wstring DestFileNameSaveAs;
   std::wstring TempFileName;
   std::wstring RelevanceFileName;
-  std::wstring RelevanceFileHash;
+  NullableText RelevanceFileHash;
   std::wstring OriginalName;
   std::wstring Artist;
   std::wstring Album;

@@ -97,8 +97,8 @@ void ImportModel::WriteShareFileItems() {
     const ShareFileItem& file = *m_share_files[i];
     if (file.ShareFileType == 2 && inserted[i])
       ++videos;
-    if (!file.MD5.empty() && file.MD5 != kNoFileHash)
-      m_hash_id_map[file.MD5] = ids[i];
+    if (IsFileHash(file.MD5))
+      m_hash_id_map[file.MD5.text] = ids[i];
     if (file.ShareFileType == 2)
       m_mv_id_map[file.old_id] = ids[i];
     else

@@ -290,9 +290,9 @@ bool V7DataExporter::ReadFinishedDownloads() {
   for (const auto& [id, music] : m_music_items) {
     if (!music.file->FileName.empty() && music.file->FileName != kUnlinkedFileMark)
       file_by_path.emplace(music.file->FileName, id);
-    for (const std::wstring* hash : {&music.file->MpegMD5, &music.file->MD5}) {
-      if (*hash != kNoFileHash)
-        file_by_hash.emplace(*hash, id);
+    for (const NullableText* hash : {&music.file->MpegMD5, &music.file->MD5}) {
+      if (IsFileHash(*hash))
+        file_by_hash.emplace(hash->text, id);
     }
   }
   auto find = [](const std::unordered_map<std::wstring, int>& map, const std::wstring& key) {
@@ -307,7 +307,7 @@ bool V7DataExporter::ReadFinishedDownloads() {
     download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
     int file_id = find(file_by_path, download->DestFileName);
     if (file_id == 0)
-      file_id = find(file_by_hash, download->RelevanceFileHash);
+      file_id = find(file_by_hash, download->RelevanceFileHash.text);
     download->file_id = file_id;
     download->FileID = file_id;
     download->FileSize = row.GetInt("FileSize");

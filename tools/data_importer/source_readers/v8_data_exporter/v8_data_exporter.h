@@ -30,7 +30,8 @@ inline constexpr wchar_t kV8LogTag[] = L"[V8数据导入] ";
 //     DownloadHistoryItem, UserLoginHistory, KeywordSearchHistory;
 //   "vantu.db": GeneralListTable and GeneralList_<id>.
 // Either file may be missing, and so may any table or column: a missing
-// column reads as 0 or empty.
+// column reads as 0 or empty. A NULL in a column that takes one (the
+// hashes, a tool's path) stays NULL; a NULL hash finds no file.
 //
 // The originals are never opened. Each is copied to a work copy beside it
 // ("VT8Music.db", "VT8Playlist.db"), which is what is read, and to the dated
@@ -113,7 +114,7 @@ class V8DataExporter : public DataExporter {
   // does not exist (logged).
   std::optional<std::string> TableQuery(const std::string& table);
   static int Find(const std::unordered_map<std::wstring, int>& map, const std::wstring& key);
-  static int FindFile(const FileLookup& files, const std::wstring& path, const std::wstring& hash);
+  static int FindFile(const FileLookup& files, const std::wstring& path, const NullableText& hash);
 
   base::FilePath m_music_copy;
   base::FilePath m_list_copy;

@@ -98,7 +98,7 @@ TEST_F(V8DataExporterTest, LibraryAloneWithMissingColumnsAndNulls) {
   const ShareFileItem& audio = *model_.m_share_files[0];
   EXPECT_EQ(1, audio.old_id);
   EXPECT_EQ(L"C:\\a.mp3", audio.FileName);
-  EXPECT_EQ(L"", audio.MD5);
+  EXPECT_TRUE(audio.MD5.is_null);
   EXPECT_EQ(0.0, audio.ReplayGain);
   EXPECT_EQ(2, model_.m_share_files[1]->old_id);
   EXPECT_EQ(-1.5, model_.m_share_files[1]->ReplayGain);

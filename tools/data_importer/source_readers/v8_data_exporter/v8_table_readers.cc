@@ -48,9 +48,10 @@ void Remember(std::unordered_map<std::wstring, int>* map, const std::wstring& ke
 }
 
 // The key of a file by its path and hash together; no path holds the
-// separator, a control character.
-std::wstring PathAndHash(const std::wstring& path, const std::wstring& hash) {
-  return path + L'\x01' + hash;
+// separator, a control character. A NULL hash and an empty one are one
+// key: the entries of a file without a hash wrote either.
+std::wstring PathAndHash(const std::wstring& path, const NullableText& hash) {
+  return path + L'\x01' + hash.text;
 }
 
 }  // namespace
@@ -62,12 +63,12 @@ int V8DataExporter::Find(const std::unordered_map<std::wstring, int>& map,
 }
 
 int V8DataExporter::FindFile(const FileLookup& files, const std::wstring& path,
-                             const std::wstring& hash) {
+                             const NullableText& hash) {
   if (int id = Find(files.by_path_and_hash, PathAndHash(path, hash)))
     return id;
   if (int id = Find(files.by_path, path))
     return id;
-  return Find(files.by_hash, hash);
+  return IsFileHash(hash) ? Find(files.by_hash, hash.text) : 0;
 }
 
 std::optional<std::string> V8DataExporter::TableQuery(const std::string& table) {
@@ -205,8 +206,8 @@ bool V8DataExporter::ReadShareFileItems() {
                      files.by_path_and_hash.emplace(PathAndHash(file->FileName, file->MD5),
                                                     file->old_id);
                      Remember(&files.by_path, file->FileName, file->old_id);
-                     if (file->MD5 != kNoFileHash)
-                       Remember(&files.by_hash, file->MD5, file->old_id);
+                     if (IsFileHash(file->MD5))
+                       Remember(&files.by_hash, file->MD5.text, file->old_id);
                      ticker.Tick();
                    });
 }
