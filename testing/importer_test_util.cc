@@ -20,6 +20,7 @@
 #include "sql/connection.h"
 #include "sql/statement.h"
 #include "tools/data_importer/run_record/importer_names.h"
+#include "tools/data_importer/run_record/report_history.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
@@ -221,7 +222,9 @@ std::string Family(const std::string& table) {
 
 base::Value ReadImportReport(const base::FilePath& data_folder) {
   base::Value report;
-  EXPECT_TRUE(base::ReadJsonFile(data_folder.Append(importer_names::kReportFileName), &report));
+  base::FilePath latest = LatestRunReport(data_folder);
+  EXPECT_FALSE(latest.empty()) << "no report in " << data_folder.AsUTF8Unsafe();
+  EXPECT_TRUE(base::ReadJsonFile(latest, &report));
   return report;
 }
 

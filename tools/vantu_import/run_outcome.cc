@@ -316,7 +316,23 @@ std::string LookupNotes(const base::Value& report) {
 
 }  // namespace
 
-std::string VerdictLine(const base::Value& report) {
+std::string FollowedImport(const base::Value& report, const base::Value& last_import) {
+  std::string task = ReportTask(last_import);
+  if (task.empty() || (Text(At(last_import, "time")) == Text(At(report, "time")) &&
+                       ReportTask(report) == task))
+    return std::string();
+  std::string date = Text(At(last_import, "time")).substr(0, 10);
+  std::string when = date.empty() ? std::string() : " on " + date;
+  if (DBCheckValue(last_import, "ImportEnd") == "5")
+    return "Follows the " + TaskInWords(task) + ", which failed" + when + ".";
+  return "Follows the " + TaskInWords(task) + ", imported" + when + ": " +
+         ImportedCounts(last_import) + ".";
+}
+
+namespace {
+
+// The verdict on the run of |report| alone.
+std::string RunVerdict(const base::Value& report) {
   std::string task = ReportTask(report);
   if (task.empty()) {
     const base::Value& unreachable = At(At(report, "lookup"), "unreachable");
@@ -331,6 +347,14 @@ std::string VerdictLine(const base::Value& report) {
     return line + ".";
   }
   return TaskVerdict(report, task) + LookupNotes(report) + ".";
+}
+
+}  // namespace
+
+std::string VerdictLine(const base::Value& report, const base::Value& last_import) {
+  std::string followed = FollowedImport(report, last_import);
+  std::string line = RunVerdict(report);
+  return followed.empty() ? line : line + " " + followed;
 }
 
 std::string LookupLines(const base::Value& report) {

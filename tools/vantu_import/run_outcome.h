@@ -7,9 +7,10 @@
 #include "base/json_file.h"
 
 // How the host tells a person what a run did. Everything is read from the
-// import report the run wrote ("ImportReport.json" in the data folder), so
-// only what this run wrote is shown: the task it ran, the "DBCheck" values
-// it wrote and the rows it read, wrote and dropped.
+// report the run wrote (the newest of "reports" in the data folder), so only
+// what this run wrote is shown: the task it ran, the "DBCheck" values it
+// wrote and the rows it read, wrote and dropped; and from the report of the
+// last import ("ImportReport.json"), which import the data folder holds.
 
 // Exit statuses of the host.
 enum HostExit : int {
@@ -35,8 +36,16 @@ std::string DescribeUpgradeResult(const std::string& json);
 std::string DescribeImportState(const std::wstring& state);
 
 // One line in words with counts: what was imported, what was skipped and
-// why, which source was damaged, or why the import failed.
-std::string VerdictLine(const base::Value& report);
+// why, which source was damaged, or why the import failed. |last_import| is
+// "ImportReport.json", the report of the last run that imported (null when
+// there is none): a run that did not write it names the import it follows.
+std::string VerdictLine(const base::Value& report, const base::Value& last_import = base::Value());
+
+// The import of |last_import| that the run of |report| follows, e.g.
+// "Follows the import from generation 6 (importvantu6), imported on
+// 2026-11-24: 300 songs and 4 lists with 342 entries."; empty when
+// |report| is that import's own report or |last_import| is none.
+std::string FollowedImport(const base::Value& report, const base::Value& last_import);
 
 // Whether the run renamed a new database into place (its stages name
 // "ReplaceMusic" or "ReplacePlaylist").

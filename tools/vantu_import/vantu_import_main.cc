@@ -27,6 +27,7 @@
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/driver/data_importer_run.h"
 #include "tools/data_importer/run_record/importer_names.h"
+#include "tools/data_importer/run_record/report_history.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/vantu_import/data_folder_check.h"
 #include "tools/vantu_import/demo_profile.h"
@@ -211,19 +212,6 @@ int Fail(int status, const std::string& message) {
   return status;
 }
 
-struct ReportFile {
-  bool exists = false;
-  double modified = 0;
-};
-
-ReportFile StatReport(const base::FilePath& path) {
-  base::FileInfo info;
-  ReportFile file;
-  file.exists = base::GetFileInfo(path, &info);
-  file.modified = info.last_modified;
-  return file;
-}
-
 // The files of |folder| with their sizes and modification times, to tell
 // whether a run wrote into it.
 std::string FolderState(const base::FilePath& folder) {
@@ -266,8 +254,8 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
     return Fail(kExitFailed, error);
 
   base::FilePath ini = data_folder.Append(names::kSettingsFileName);
-  base::FilePath report_path = data_folder.Append(importer_names::kReportFileName);
-  ReportFile before = StatReport(report_path);
+  // The run's report is the one it adds to the history of runs.
+  base::FilePath report_before = LatestRunReport(data_folder);
   // Today's backup folder, as the importer names it; shown only when this
   // run wrote into it.
   base::FilePath backup =
@@ -278,10 +266,9 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
   RunImporter(context, ini, &view);
 
   // The run must have left both its record in "DBCheck" and a new report.
-  ReportFile after = StatReport(report_path);
+  base::FilePath report_path = LatestRunReport(data_folder);
   base::Value report;
-  if (!after.exists || (before.exists && before.modified == after.modified) ||
-      !ReadReport(report_path, &report)) {
+  if (report_path.empty() || report_path == report_before || !ReadReport(report_path, &report)) {
     return Fail(kExitFailed, "the importer wrote no report in " + data_folder.AsUTF8Unsafe() +
                                  "; see " +
                                  data_folder.Append(names::kLogFileName).AsUTF8Unsafe());
@@ -295,7 +282,13 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
     std::printf("%s\n", report.dump(2, ' ', false, base::Value::error_handler_t::replace).c_str());
     return ExitStatusOf(report);
   }
-  std::printf("%s\n", VerdictLine(report).c_str());
+  // The import the data folder's databases come from, unless this run made
+  // them (a folder never imported into has none).
+  base::FilePath last_import_path = data_folder.Append(names::kReportFileName);
+  base::Value last_import;
+  if (base::PathExists(last_import_path) && !ReadReport(last_import_path, &last_import))
+    last_import = base::Value();
+  std::printf("%s\n", VerdictLine(report, last_import).c_str());
   if (options.quiet)
     return ExitStatusOf(report);
   if (!options.profile.empty() && options.registry.empty())
@@ -323,6 +316,8 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
     if (!backup_after.empty() && backup_after != backup_before)
       std::printf("Backup folder: %s\n", backup.AsUTF8Unsafe().c_str());
     std::printf("Report:        %s\n", report_path.AsUTF8Unsafe().c_str());
+    if (!last_import.is_null() && !FollowedImport(report, last_import).empty())
+      std::printf("Last import:   %s\n", last_import_path.AsUTF8Unsafe().c_str());
   }
   if (options.verbose || options.dry_run)
     std::printf("%s", DescribeDetails(report).c_str());

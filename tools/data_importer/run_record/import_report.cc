@@ -151,6 +151,7 @@ base::Value ImportReport::ToJson() const {
   base::Value report = base::Value::object();
   report["report_version"] = kVersion;
   report["task"] = {{"name", Utf8(task_)}, {"import_kind", import_kind_}};
+  report["time"] = end_time_;
 
   base::Value sources = base::Value::array();
   for (const Source& s : sources_) {
@@ -282,15 +283,18 @@ base::Value ImportReport::Summary(const std::map<std::string, int64_t>& sent) co
           {"settings_written", static_cast<int64_t>(settings_keys_.size())}};
 }
 
+std::string ImportReport::ToText() const {
+  try {
+    return ToJson().dump(2, ' ', false, base::Value::error_handler_t::replace) + "\n";
+  } catch (...) {
+    return std::string();
+  }
+}
+
 bool ImportReport::Write(const base::FilePath& data_folder) const {
   base::FilePath temp = data_folder.Append(importer_names::kReportTempFileName);
-  std::string text;
-  try {
-    text = ToJson().dump(2, ' ', false, base::Value::error_handler_t::replace);
-  } catch (...) {
-    return false;
-  }
-  if (!base::WriteFile(temp, text + "\n")) {
+  std::string text = ToText();
+  if (text.empty() || !base::WriteFile(temp, text)) {
     // The failure is what the caller reports; a half-written temporary
     // file is only tidied away.
     (void)base::DeleteFile(temp);

@@ -90,6 +90,8 @@ class ImportReport {
 
   void SetTask(const std::wstring& task, int import_kind);
   const std::wstring& task() const { return task_; }
+  // When the run ended, in UTC ("2026-11-24T23:43:13Z"); written as "time".
+  void SetEndTime(const std::string& utc) { end_time_ = utc; }
 
   // Records the source file |original| read through its copy |read_path|
   // (the same path when the run read the file where it lies) with |flags|.
@@ -155,6 +157,8 @@ class ImportReport {
   int64_t DropCount(const DropReason& reason) const;
 
   base::Value ToJson() const;
+  // The report as the text of its file; empty when it cannot be made.
+  std::string ToText() const;
   // Writes the report as |data_folder|/"ImportReport.json", replacing an
   // earlier one in one rename. False when it cannot be written.
   [[nodiscard]] bool Write(const base::FilePath& data_folder) const;
@@ -188,6 +192,7 @@ class ImportReport {
 
   std::wstring task_;
   int import_kind_ = 0;
+  std::string end_time_;
   std::vector<Source> sources_;
   std::vector<SourceTableCount> source_tables_;  // index = origin; 0 unrecorded
   std::map<std::pair<int, std::string>, Flow> flows_;

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/file_util.h"
 #include "base/json_file.h"
@@ -17,6 +19,7 @@
 #include "tools/data_importer/driver/import_run.h"
 #include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
+#include "tools/data_importer/run_record/report_history.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/driver/task_decision.h"
 
@@ -43,9 +46,9 @@ class ImportReportTest : public testing::Test {
 
 // A generation-6 "V1" installation with records of every kind that is left
 // out: the report finds each source row again as a written row or a drop
-// with its reason, and the next run's report replaces it with only what that
-// run wrote.
-TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
+// with its reason. The next run's report holds only what that run wrote and
+// joins the history, while "ImportReport.json" stays the import's.
+TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
   V6V1Database db;
   db.videos = {{7, L"D:\\MV\\clip.mkv", L"", Hash(700)}};
   db.music = {Music(1, L"One"), Music(2, L"Two"), Music(3, L"Three"), Music(4, L"Four")};
@@ -142,6 +145,20 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
   EXPECT_TRUE(report["flows"].empty());
   EXPECT_TRUE(report["sources"].empty());
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(importer_names::kReportTempFileName)));
+
+  base::Value kept;
+  ASSERT_TRUE(base::ReadJsonFile(profile_.data_folder().Append(importer_names::kReportFileName), &kept));
+  EXPECT_EQ("importvantu6", kept["task"]["name"]);
+  EXPECT_EQ("4", kept["dbcheck"]["ImportEnd"]);
+  EXPECT_EQ(20u, kept["time"].get<std::string>().size()) << kept["time"];
+  std::vector<std::string> history;
+  base::FileEnumerator files(profile_.data_folder().Append(L"reports"), L"*");
+  for (base::FilePath path = files.Next(); !path.empty(); path = files.Next())
+    history.push_back(path.BaseName().AsUTF8Unsafe());
+  std::sort(history.begin(), history.end());
+  ASSERT_EQ(2u, history.size());
+  EXPECT_NE(std::string::npos, history[0].find("-importvantu6-")) << history[0];
+  EXPECT_NE(std::string::npos, history[1].find("-updatevantu8-")) << history[1];
 }
 
 // Frees pages of the database at |path| and then forgets them in the file
@@ -272,3 +289,34 @@ TEST(ImportReportUnitTest, UnrecordedOriginsAndExampleLimit) {
 }
 
 }  // namespace
+
+// The history keeps the newest reports, ordered by time and then by their
+// number within the second (not by their names: a "nothing" run sorts after
+// an "importvantu6" run of the same second), and leaves other files alone.
+TEST(ReportHistoryTest, NamesAreUniqueWithinASecondAndTheOldestGo) {
+  testing_support::ScopedTempDir temp;
+  const base::FilePath folder = temp.path();
+  const double second = 1795563793.25;  // 2026-11-24T23:43:13Z
+  EXPECT_EQ("20261124T234313Z", UtcTimeStamp(second));
+
+  base::FilePath first = KeepRunReport(folder, L"importvantu6", second, "{\"n\":1}\n");
+  base::FilePath second_run = KeepRunReport(folder, L"", second + 0.5, "{\"n\":2}\n");
+  EXPECT_EQ(L"20261124T234313Z-importvantu6-1.json", first.BaseName().value());
+  EXPECT_EQ(L"20261124T234313Z-nothing-2.json", second_run.BaseName().value());
+  EXPECT_EQ(second_run, LatestRunReport(folder));
+
+  const base::FilePath foreign = folder.Append(L"reports").Append(L"notes.json");
+  ASSERT_TRUE(base::WriteFile(foreign, "{}"));
+  base::FilePath last;
+  for (int i = 0; i < 25; ++i)
+    last = KeepRunReport(folder, L"updatevantu8", second + 60 * (i + 1), "{}\n");
+  EXPECT_EQ(last, LatestRunReport(folder));
+  EXPECT_FALSE(base::PathExists(first));
+  EXPECT_FALSE(base::PathExists(second_run));
+  EXPECT_TRUE(base::PathExists(foreign));
+  int kept = 0;
+  base::FileEnumerator files(folder.Append(L"reports"), L"*-updatevantu8-1.json");
+  for (base::FilePath path = files.Next(); !path.empty(); path = files.Next())
+    ++kept;
+  EXPECT_EQ(20, kept);
+}
