@@ -253,15 +253,22 @@ std::string DescribeImportState(const std::wstring& state) {
   return text + ")";
 }
 
-std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns) {
+std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns,
+                            const std::string& stage) {
+  // Room kept for the stage, whatever its length, so the bar does not
+  // jump as the stage changes.
+  constexpr int kStageRoom = 24;
   percent = std::clamp(percent, 0, 100);
   char figures[48];
   std::snprintf(figures, sizeof(figures), "] %3d%% %6.1fs", percent, seconds);
-  const int fixed = static_cast<int>(label.size() + 2 + std::strlen(figures));
+  const int fixed = static_cast<int>(label.size() + 2 + std::strlen(figures)) +
+                    (stage.empty() ? 0 : 1 + kStageRoom);
   const int width = std::clamp(columns - 1 - fixed, 10, 40);
   const int filled = percent * width / 100;
   std::string line = label + " [" + std::string(filled, '#') + std::string(width - filled, ' ') +
                      figures;
+  if (!stage.empty())
+    line += " " + stage;
   if (columns > 1 && static_cast<int>(line.size()) > columns - 1)
     line.resize(columns - 1);
   return line;

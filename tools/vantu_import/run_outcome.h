@@ -71,10 +71,13 @@ int ExitStatusOf(const base::Value& report);
 bool ReadReport(const base::FilePath& path, base::Value* report);
 
 // One line of the terminal's progress bar, e.g. "import [#####     ]  50%
-// 3.2s", at most |columns| - 1 characters wide (so that the terminal never
-// wraps it): the bar takes what the label and the figures leave, between 10
-// and 40 columns; on a terminal too narrow even for that, the line is cut.
-std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns);
+// 3.2s writing songs", at most |columns| - 1 characters wide (so that the
+// terminal never wraps it): the bar takes what the label, the figures and
+// room for the stage leave, between 10 and 40 columns, so it keeps its
+// width while the stage changes; a stage longer than its room, or a
+// terminal too narrow even for that, cuts the line.
+std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns,
+                            const std::string& stage = std::string());
 
 // The value of |key| in section "DBCheck" of |ini|.
 std::wstring ReadDBCheck(const base::FilePath& ini, const wchar_t* key);

@@ -49,7 +49,7 @@ class ProgressView {
   ProgressView(bool enabled, bool terminal) : enabled_(enabled), terminal_(terminal) {}
 
   void Show(const std::wstring& import_progress, const std::wstring& update_progress,
-            double seconds) {
+            const std::string& stage, double seconds) {
     if (!enabled_)
       return;
     std::string label = "import";
@@ -72,7 +72,7 @@ class ProgressView {
     struct winsize size = {};
     int columns = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col ? size.ws_col : 80;
     // "\r" and clearing to the end of the line redraw the bar in place.
-    std::printf("\r%s\x1b[K", ProgressBarLine(label, percent, seconds, columns).c_str());
+    std::printf("\r%s\x1b[K", ProgressBarLine(label, percent, seconds, columns, stage).c_str());
     std::fflush(stdout);
     bar_shown_ = true;
   }
@@ -136,9 +136,16 @@ void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressV
   std::mutex mutex;
   std::condition_variable finished;
   bool done = false;
+  // The stage the run is in, set on the worker's thread.
+  std::string stage;
+  RunContext observed = context;
+  observed.m_stage_observer = [&](const std::string& entered) {
+    std::lock_guard<std::mutex> lock(mutex);
+    stage = entered;
+  };
   auto start = std::chrono::steady_clock::now();
   std::thread worker([&] {
-    RunDataImporter(context);
+    RunDataImporter(observed);
     std::lock_guard<std::mutex> lock(mutex);
     done = true;
     finished.notify_one();
@@ -158,7 +165,12 @@ void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressV
       import_progress.clear();
       update_progress.clear();
     }
-    view->Show(import_progress, update_progress, elapsed.count());
+    std::string current_stage;
+    {
+      std::lock_guard<std::mutex> lock(mutex);
+      current_stage = done ? std::string() : stage;
+    }
+    view->Show(import_progress, update_progress, current_stage, elapsed.count());
   };
   std::unique_lock<std::mutex> lock(mutex);
   while (!done) {

@@ -123,6 +123,7 @@ void Run(const RunContext& context) {
                                  << context.m_source_folder.value() << L"}.";
 
   ImportReport report;
+  report.set_stage_observer(context.m_stage_observer);
   report.SetTask(task, ImportKindOfTask(task));
   report.AddStage("TaskDecision", decision_time.count());
   report.SetLookup(std::move(lookup));

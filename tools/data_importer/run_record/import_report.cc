@@ -306,8 +306,10 @@ bool ImportReport::Write(const base::FilePath& data_folder) const {
 SourceTableTally::SourceTableTally(ImportReport* report, const base::FilePath& read_path,
                                    const std::string& table)
     : report_(report), table_(table) {
-  if (report_)
+  if (report_) {
     origin_ = report_->SourceTable(read_path, table);
+    report_->EnterStage("reading " + PlainTableName(table));
+  }
 }
 
 SourceTableTally::~SourceTableTally() {

@@ -2,6 +2,7 @@
 #define TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -87,6 +88,17 @@ class ImportReport {
   };
 
   ImportReport();
+
+  // Told the stage the run enters, in words ("reading MusicItems",
+  // "writing songs", "encrypting", "verifying", "replacing"), on the run's
+  // thread: lets whoever runs the importer show what the progress is
+  // waiting for. Empty by default.
+  using StageObserver = std::function<void(const std::string& stage)>;
+  void set_stage_observer(StageObserver observer) { m_stage_observer = std::move(observer); }
+  void EnterStage(const std::string& stage) const {
+    if (m_stage_observer)
+      m_stage_observer(stage);
+  }
 
   void SetTask(const std::wstring& task, int import_kind);
   const std::wstring& task() const { return task_; }
@@ -193,6 +205,7 @@ class ImportReport {
   std::wstring task_;
   int import_kind_ = 0;
   std::string end_time_;
+  StageObserver m_stage_observer;
   std::vector<Source> sources_;
   std::vector<SourceTableCount> source_tables_;  // index = origin; 0 unrecorded
   std::map<std::pair<int, std::string>, Flow> flows_;
