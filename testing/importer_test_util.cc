@@ -287,7 +287,12 @@ void ExpectReportReconciles(const base::Value& report, const base::FilePath& dat
     sql::Connection* db = Family(table) == "GeneralList" || table == "GeneralListTable"
                               ? &playlists
                               : &music;
-    EXPECT_EQ(target["rows_sent"], TableRowCount(db, table)) << table;
+    // A table rows were only dropped on their way to (that of a list that
+    // is not imported) need not exist.
+    int64_t rows = TableRowCount(db, table);
+    if (rows == -1 && target["rows_sent"] == 0 && target["rows_counted"].is_null())
+      rows = 0;
+    EXPECT_EQ(target["rows_sent"], rows) << table;
     if (!target["rows_counted"].is_null()) {
       EXPECT_EQ(target["rows_sent"], target["rows_counted"]) << table;
     }

@@ -20,7 +20,11 @@ std::string PlainTableName(std::string name) {
 }
 
 base::Value ExampleJson(const ImportReport::DropExample& example) {
-  return {{"table", example.table}, {"old_id", example.old_id}, {"name", Utf8(example.name)}};
+  base::Value json = {
+      {"table", example.table}, {"old_id", example.old_id}, {"name", Utf8(example.name)}};
+  if (example.entries >= 0)
+    json["entries"] = example.entries;
+  return json;
 }
 
 }  // namespace
@@ -318,9 +322,9 @@ SourceTableTally::~SourceTableTally() {
 }
 
 void SourceTableTally::Dropped(const std::string& target, const DropReason& reason,
-                               int64_t old_id, const std::wstring& name) {
+                               int64_t old_id, const std::wstring& name, int64_t entries) {
   if (report_)
-    report_->AddDrop(origin_, target, reason, {table_, old_id, name});
+    report_->AddDrop(origin_, target, reason, {table_, old_id, name, entries});
 }
 
 TargetTableTally::TargetTableTally(ImportReport* report, std::string target)

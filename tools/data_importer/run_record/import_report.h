@@ -27,6 +27,14 @@ inline constexpr DropReason kListEntrySongMissing = {
 inline constexpr DropReason kListTypeNotImported = {
     "list_type_not_imported", "list of a type that is not imported",
     "lists of a type that is not imported"};
+inline constexpr DropReason kEntryOfListNotImported = {
+    "list_entry_of_list_not_imported", "entry of a list that is not imported",
+    "entries of lists that are not imported"};
+inline constexpr DropReason kListEntryWithoutList = {
+    "list_entry_without_list", "list entry whose list is not in the source",
+    "list entries whose list is not in the source"};
+inline constexpr DropReason kRadioSongWithoutChannel = {
+    "radio_song_without_channel", "radio song of no channel", "radio songs of no channel"};
 inline constexpr DropReason kListWithoutEntries = {
     "list_without_entries", "list without entries that can be imported",
     "lists without entries that can be imported"};
@@ -85,6 +93,8 @@ class ImportReport {
     std::string table;  // source table, or target table for a refused row
     int64_t old_id = 0;
     std::wstring name;
+    // The entries of a dropped list (dropped with it); -1 for other records.
+    int64_t entries = -1;
   };
 
   ImportReport();
@@ -248,8 +258,9 @@ class SourceTableTally {
     ++made_;
   }
   // A row read and not turned into a record for |target|.
+  // |entries|: for a list, how many entries went with it.
   void Dropped(const std::string& target, const DropReason& reason, int64_t old_id,
-               const std::wstring& name);
+               const std::wstring& name, int64_t entries = -1);
   int origin() const { return origin_; }
 
  private:

@@ -205,13 +205,37 @@ bool V7DataExporter::ReadPlayLists() {
 }
 
 void V7DataExporter::DropListsLeftOut(SourceTableTally* tally) {
-  DbRowReader row(*m_db->connection(), kListsLeftOutQuery);
+  sql::Connection& db = *m_db->connection();
+  SourceTableTally entries(Report(), db.path(), kListEntriesTable);
+  DbRowReader row(db, kListsLeftOutQuery);
   while (row.Step()) {
+    const int list_id = row.GetInt("PlayListID");
+    const std::string target = "GeneralList_" + std::to_string(list_id);
+    int64_t count = 0;
+    DbRowReader entry(db, (boost::format("select * from PlayListItems where PlayListID = %d") %
+                           list_id)
+                              .str());
+    while (entry.Step()) {
+      ++count;
+      entries.Read();
+      entries.Dropped(target, drop_reason::kEntryOfListNotImported, entry.GetInt("ItemID"),
+                      MusicItemName(entry.GetInt("FileItemID")));
+    }
     tally->Read();
     tally->Dropped("GeneralListTable",
                    row.GetInt("ListType") == 0 ? drop_reason::kListWithoutEntries
                                                : drop_reason::kListTypeNotImported,
-                   row.GetInt("PlayListID"), row.GetString16("PlayListName"));
+                   list_id, row.GetString16("PlayListName"), count);
+  }
+  // Entries whose list is gone (a NULL list id included).
+  DbRowReader orphan(db,
+                     "select * from PlayListItems i where not exists (select 1 from PlayLists l "
+                     "where l.PlayListID = i.PlayListID)");
+  while (orphan.Step()) {
+    entries.Read();
+    entries.Dropped("GeneralList_" + std::to_string(orphan.GetInt("PlayListID")),
+                    drop_reason::kListEntryWithoutList, orphan.GetInt("ItemID"),
+                    MusicItemName(orphan.GetInt("FileItemID")));
   }
 }
 
@@ -507,7 +531,20 @@ bool V7DataExporter::ReadRadioChannels() {
   }
   for (const ChannelKey& key : keys)
     ReadRadioSongs(key.fm_id, key.fm_type, key.channel_id);
+  DropRadioSongsOfNoChannel();
   return true;
+}
+
+void V7DataExporter::DropRadioSongsOfNoChannel() {
+  DbRowReader row(*m_db->connection(),
+                  "select * from RadioListSongs s where not exists (select 1 from RadioList c "
+                  "where c.fmid = s.fmid and c.fmtype = s.fmtype)");
+  SourceTableTally tally(Report(), m_db->connection()->path(), "RadioListSongs");
+  while (row.Step()) {
+    tally.Read();
+    tally.Dropped("RadioChannel", drop_reason::kRadioSongWithoutChannel, row.GetInt("fileid"),
+                  row.GetString16("filename"));
+  }
 }
 
 // "RadioListSongs" of one channel, in their stored order, numbered from 1
