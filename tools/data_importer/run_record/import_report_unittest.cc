@@ -56,7 +56,9 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
               {11, 0, L"Road", 0, 1},      // one entry of three has no song
               {13, 10, L"Gone", 0, 2},     // only entries without songs
               {14, 1, L"Cloud", 0, 3}};    // a type that is not imported
-  db.items = {{1, 11, 1, 0, 0}, {2, 11, 2, 1, 0}, {3, 11, 99, 2, 0}, {6, 13, 98, 0, 0}};
+  db.items = {{1, 11, 1, 0, 0}, {2, 11, 2, 1, 0}, {3, 11, 99, 2, 0}, {6, 13, 98, 0, 0},
+              {7, 14, 1, 0, 0}, {8, 14, 2, 1, 0},  // entries of the list not imported
+              {9, 77, 3, 0, 0}};                   // an entry of no list
   db.downloads = {{3, Hash(3), L"D:\\Down\\Three.mp3", false},  // found by id
                   {50, Hash(50), L"D:\\Down\\Lost.mp3", false},  // not in the library
                   {0, Hash(2), L"D:\\Down\\Two.mp3", true},      // found by hash
@@ -83,7 +85,7 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
   // The rows the reader saw, table by table.
   const std::map<std::string, int> rows_read = {
       {"MVItems", 1}, {"MusicItems", 4}, {"PlayLists", 4},
-      {"PlayListItems", 3},  // only the kept lists' entries are read
+      {"PlayListItems", 7},  // every entry, kept or not
       {"Downing", 2}, {"DownHistory", 2}};
   ASSERT_EQ(rows_read.size(), report["source_tables"].size()) << report["source_tables"].dump();
   for (const auto& [table, rows] : rows_read) {
@@ -110,13 +112,26 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
   EXPECT_EQ(1, (*downloads)["written"]);
   EXPECT_EQ(1, (*downloads)["dropped_by_reason"]["download_unresolved"]);
 
+  // The entry of "Gone" is dropped with its list, as one whose song is
+  // missing; those of "Cloud" as entries of a list that is not imported.
   const base::Value* missing = FindEntry(report["dropped"], "reason", "list_entry_song_missing");
   ASSERT_TRUE(missing);
-  EXPECT_EQ(1, (*missing)["count"]);
-  EXPECT_EQ("list entry whose song is not in the library", (*missing)["text"]);
-  ASSERT_EQ(1u, (*missing)["examples"].size());
+  EXPECT_EQ(2, (*missing)["count"]);
+  EXPECT_EQ("list entries whose song is not in the library", (*missing)["text"]);
+  ASSERT_EQ(2u, (*missing)["examples"].size());
   EXPECT_EQ("PlayListItems", (*missing)["examples"][0]["table"]);
-  EXPECT_EQ(3, (*missing)["examples"][0]["old_id"]);
+  const base::Value* cloud = FindEntry(report["dropped"], "reason", "list_type_not_imported");
+  ASSERT_TRUE(cloud);
+  EXPECT_EQ("Cloud", (*cloud)["examples"][0]["name"]);
+  EXPECT_EQ(2, (*cloud)["examples"][0]["entries"]);
+  const base::Value* cloud_entries =
+      FindEntry(report["dropped"], "reason", "list_entry_of_list_not_imported");
+  ASSERT_TRUE(cloud_entries);
+  EXPECT_EQ(2, (*cloud_entries)["count"]);
+  const base::Value* orphan = FindEntry(report["dropped"], "reason", "list_entry_without_list");
+  ASSERT_TRUE(orphan);
+  EXPECT_EQ(1, (*orphan)["count"]);
+  EXPECT_EQ(9, (*orphan)["examples"][0]["old_id"]);
   const base::Value* unresolved = FindEntry(report["dropped"], "reason", "download_unresolved");
   ASSERT_TRUE(unresolved);
   EXPECT_EQ(2, (*unresolved)["count"]);

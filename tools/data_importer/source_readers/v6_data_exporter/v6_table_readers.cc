@@ -191,8 +191,9 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
     bool is_default = type == 3;
     int source_id = row.GetInt("PlayListID");
     if (!is_default && type != 0 && type != 6 && type != 10) {
+      int64_t entries = DropListEntries(source_id, v2, drop_reason::kEntryOfListNotImported);
       tally.Dropped("GeneralListTable", drop_reason::kListTypeNotImported, source_id,
-                    row.GetString16("PlayListName"));
+                    row.GetString16("PlayListName"), entries);
       continue;
     }
     if (!is_default) {
@@ -208,8 +209,10 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       if (!count.Step() || count.GetInt("ListItemCount") < 1) {
         V6LOG(logging::LOG_PROGRESS) << L"There is no items under {TABLE: PlayListItems, PlayListID: "
                                      << source_id << L"}.";
+        // Its entries, if any, name songs that are not in the library.
+        int64_t entries = DropListEntries(source_id, v2, drop_reason::kListEntrySongMissing);
         tally.Dropped("GeneralListTable", drop_reason::kListWithoutEntries, source_id,
-                      row.GetString16("PlayListName"));
+                      row.GetString16("PlayListName"), entries);
         continue;
       }
     }
@@ -250,7 +253,42 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       ticker.Tick();
     }
   }
+  // In the "V2" layout every row is a music item as well, whatever its list.
+  if (!v2)
+    DropEntriesOfNoList();
   return true;
+}
+
+int64_t V6DataExporter::DropListEntries(int source_id, bool v2, const DropReason& reason) {
+  DbRowReader row(*m_db->connection(),
+                  (boost::format("SELECT * FROM PlayListItems WHERE PlayListID = %d") % source_id)
+                      .str());
+  SourceTableTally tally(Report(), m_db->connection()->path(),
+                         v2 ? kV2ListEntriesTable : "PlayListItems");
+  const std::string target = "GeneralList_" + std::to_string(source_id);
+  int64_t count = 0;
+  while (row.Step()) {
+    ++count;
+    tally.Read();
+    std::wstring title = v2 ? row.GetString16("Title") : std::wstring();
+    if (title.empty())
+      title = v2 ? row.GetString16("FileName") : MusicItemName(row.GetInt("MusicItemID"));
+    tally.Dropped(target, reason, row.GetInt("ItemID"), title);
+  }
+  return count;
+}
+
+void V6DataExporter::DropEntriesOfNoList() {
+  DbRowReader row(*m_db->connection(),
+                  "SELECT * FROM PlayListItems i WHERE NOT EXISTS (SELECT 1 FROM PlayLists l "
+                  "WHERE l.PlayListID = i.PlayListID)");
+  SourceTableTally tally(Report(), m_db->connection()->path(), "PlayListItems");
+  while (row.Step()) {
+    tally.Read();
+    tally.Dropped("GeneralList_" + std::to_string(row.GetInt("PlayListID")),
+                  drop_reason::kListEntryWithoutList, row.GetInt("ItemID"),
+                  MusicItemName(row.GetInt("MusicItemID")));
+  }
 }
 
 void V6DataExporter::FillFromMusic(const MusicEntry& music, SongItem* song) const {
