@@ -399,6 +399,31 @@ std::string TaskVerdict(const base::Value& report, const std::string& task) {
   return line;
 }
 
+std::string DroppedByName(const base::Value& report) {
+  std::string text;
+  for (const auto& drop : At(report, "dropped")) {
+    const std::string why = Text(At(drop, "text"));
+    int64_t named = 0;
+    for (const auto& example : At(drop, "examples")) {
+      ++named;
+      std::string name = Text(At(example, "name"));
+      const base::Value& entries = At(example, "entries");
+      if (entries.is_number()) {
+        text += "  skipped list '" + name + "' (" +
+                Count(Number(entries), "entry", "entries") + "): " + why + "\n";
+        continue;
+      }
+      text += "  skipped " + Text(At(example, "table")) + " " +
+              std::to_string(Number(At(example, "old_id"))) +
+              (name.empty() ? std::string() : " '" + name + "'") + ": " + why + "\n";
+    }
+    int64_t more = Number(At(drop, "count")) - named;
+    if (more > 0)
+      text += "  and " + std::to_string(more) + " more: " + why + " (not named in the report)\n";
+  }
+  return text.empty() ? text : "Dropped records, by reason:\n" + text;
+}
+
 std::string DescribeDetails(const base::Value& report) {
   std::ostringstream out;
   out << LookupLines(report);
@@ -427,6 +452,7 @@ std::string DescribeDetails(const base::Value& report) {
         << (At(t, "rows_counted").is_null() ? std::string("-") : std::to_string(Number(At(t, "rows_counted"))))
         << "\n";
   }
+  out << DroppedByName(report);
   const base::Value& summary = At(report, "summary");
   if (Number(At(summary, "settings_written"))) {
     out << "Settings: " << Number(At(summary, "settings")) << " read from the source; "

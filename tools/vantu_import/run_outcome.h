@@ -59,6 +59,12 @@ std::string TaskVerdict(const base::Value& report, const std::string& task);
 // line each under a heading; empty when the report has none.
 std::string LookupLines(const base::Value& report);
 
+// The records the run dropped, by name and grouped by reason, e.g.
+// "  skipped list 'Cloud list' (27 entries): lists of a type that is not
+// imported"; the report names the first few of each reason, the rest are
+// counted. Empty when nothing was dropped.
+std::string DroppedByName(const base::Value& report);
+
 // What the run looked at, the "DBCheck" values of the run and the per-table figures (sources,
 // source tables, source-to-target pairs, target tables, stage times).
 std::string DescribeDetails(const base::Value& report);

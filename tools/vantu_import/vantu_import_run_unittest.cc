@@ -262,6 +262,25 @@ TEST_F(HostRunTest, LaterRunsKeepTheImportsReportAndNameIt) {
   EXPECT_EQ((std::vector<std::string>{"importvantu6", "nothing", "updatevantu8"}), tasks);
 }
 
+// --verbose names the dropped records grouped by reason: a list that is not
+// imported with its entries, an entry whose song is gone.
+TEST_F(HostRunTest, VerboseNamesTheDroppedRecords) {
+  base::FilePath roaming = profile().Append(L"AppData").Append(L"Roaming");
+  ASSERT_TRUE(WriteSampleV7Installation(roaming, V7SampleSize()));
+  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << output_;
+  size_t heading = output_.find("\nDropped records, by reason:\n");
+  ASSERT_NE(std::string::npos, heading) << output_;
+  size_t cloud = output_.find("\n  skipped list 'Cloud list' (", heading);
+  ASSERT_NE(std::string::npos, cloud) << output_;
+  std::string line = output_.substr(cloud + 1, output_.find('\n', cloud + 1) - cloud - 1);
+  EXPECT_NE(std::string::npos, line.find(" entries): list of a type that is not imported")) << line;
+  EXPECT_EQ(std::string::npos, line.find("(0 entries)")) << line;
+  EXPECT_NE(std::string::npos,
+            output_.find(": entries of lists that are not imported\n", heading)) << output_;
+  EXPECT_NE(std::string::npos,
+            output_.find(": list entry whose song is not in the library\n", heading)) << output_;
+}
+
 // Settings are counted as read from the source: an empty settings file
 // carries defaults only, which --verbose counts beside them.
 TEST_F(HostRunTest, SettingsCountedAsReadFromTheSource) {
