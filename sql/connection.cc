@@ -70,6 +70,43 @@ bool Connection::OpenWithKey(const base::FilePath& path, const std::wstring& key
   return OpenInternal(path, &utf8_key, create_if_missing);
 }
 
+bool Connection::OpenReadOnly(const base::FilePath& path) {
+  Close();
+  base::FilePath resolved = base::ResolvePathCase(path);
+  if (!base::PathExists(resolved))
+    return false;
+  // "immutable=1" is only understood in a URI; the characters a URI path
+  // gives a meaning are escaped.
+  std::string uri = "file:";
+  for (unsigned char c : resolved.AsUTF8Unsafe()) {
+    if (c == '%' || c == '?' || c == '#') {
+      static const char kHex[] = "0123456789ABCDEF";
+      uri += '%';
+      uri += kHex[c >> 4];
+      uri += kHex[c & 15];
+    } else {
+      uri += static_cast<char>(c);
+    }
+  }
+  uri += "?mode=ro&immutable=1";
+  sqlite3* db = nullptr;
+  int rc = sqlite3_open_v2(uri.c_str(), &db,
+                           SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_FULLMUTEX, nullptr);
+  if (rc != SQLITE_OK) {
+    sqlite3_close(db);
+    return false;
+  }
+  db_ = db;
+  path_ = resolved;
+  key_.clear();
+  if (sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) !=
+      SQLITE_OK) {
+    Close();
+    return false;
+  }
+  return true;
+}
+
 bool Connection::OpenInternal(const base::FilePath& path, const std::string* key,
                               bool create_if_missing) {
   Close();

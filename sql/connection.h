@@ -57,6 +57,14 @@ class Connection {
   [[nodiscard]] bool OpenWithKey(const base::FilePath& path, const std::wstring& key,
                                  bool create_if_missing = false);
 
+  // Opens the plain database file at |path| for reading only, as an
+  // immutable file: the engine writes nothing, takes no lock, creates no
+  // journal or "-shm" file and leaves a journal it finds alone (so a hot
+  // journal is not rolled back: the file is read as it lies). Page and cache
+  // size are not applied, since they would write nothing anyway. False when
+  // the file is missing or is not a database.
+  [[nodiscard]] bool OpenReadOnly(const base::FilePath& path);
+
   // Finalises every statement and closes the database. Safe to call twice.
   void Close();
   bool is_open() const { return db_ != nullptr; }

@@ -20,10 +20,17 @@ void Statement::Assign(std::shared_ptr<StatementRef> ref) {
   if (is_valid())
     sqlite3_reset(ref_->stmt());
   ref_ = std::move(ref);
+  last_result_ = kNotRun;
 }
 
 bool Statement::Step() {
-  return is_valid() && sqlite3_step(ref_->stmt()) == SQLITE_ROW;
+  if (!is_valid()) {
+    last_result_ = kError;
+    return false;
+  }
+  int rc = sqlite3_step(ref_->stmt());
+  last_result_ = rc == SQLITE_ROW ? kRow : rc == SQLITE_DONE ? kDone : kError;
+  return rc == SQLITE_ROW;
 }
 
 bool Statement::Run() {
@@ -34,6 +41,7 @@ bool Statement::Run() {
 }
 
 void Statement::Reset() {
+  last_result_ = kNotRun;
   if (is_valid())
     sqlite3_reset(ref_->stmt());
 }

@@ -32,6 +32,10 @@ class Statement {
   // Runs the statement to its next row: true while a row is available.
   // False at the end, on an error, or when invalid.
   [[nodiscard]] bool Step();
+  // Whether the last Step ended well: on a row or at the end of the
+  // results. False after an error (a damaged page, say) and before any
+  // Step; a loop over Step uses it to tell the end from a failure.
+  [[nodiscard]] bool Succeeded() const { return last_result_ == kRow || last_result_ == kDone; }
   // Runs a statement that returns no row: true on success.
   [[nodiscard]] bool Run();
   // Back to the start, ready to step again.
@@ -52,7 +56,10 @@ class Statement {
  private:
   [[nodiscard]] bool CheckColumn(int col) const;
 
+  enum LastResult { kNotRun, kRow, kDone, kError };
+
   std::shared_ptr<StatementRef> ref_;
+  LastResult last_result_ = kNotRun;
 };
 
 }  // namespace sql

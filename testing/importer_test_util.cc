@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -136,6 +137,29 @@ std::string FolderFingerprint(const base::FilePath& folder) {
     all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(bytes) + ";";
   }
   return all;
+}
+
+std::string SourceFilesState(const std::vector<base::FilePath>& files) {
+  std::string all;
+  for (const base::FilePath& file : files) {
+    for (const wchar_t* suffix : {L"", L"-journal", L"-wal", L"-shm"}) {
+      base::FilePath path(file.value() + suffix);
+      all += path.AsUTF8Unsafe();
+      struct stat info {};
+      if (stat(path.AsUTF8Unsafe().c_str(), &info) != 0) {
+        all += " absent;\n";
+        continue;
+      }
+      all += " mode " + std::to_string(info.st_mode & 07777) + " md5 " +
+             base::MD5String(testing_support::ReadBytes(path)) + ";\n";
+    }
+  }
+  return all;
+}
+
+void MakeReadOnly(const std::vector<base::FilePath>& files) {
+  for (const base::FilePath& file : files)
+    EXPECT_EQ(0, chmod(file.AsUTF8Unsafe().c_str(), 0444)) << file.AsUTF8Unsafe();
 }
 
 std::vector<std::string> TableNames(sql::Connection* db) {

@@ -13,6 +13,10 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/run_context.h"
 
+namespace sql {
+class Connection;
+}
+
 // A user profile of its own for one test: a temporary folder holding the
 // per-user ("local") and roaming application-data folders and a registry
 // file, with the environment pointing at them for the test's life. Its log
@@ -81,10 +85,6 @@ std::vector<int> ExpectedReadProgress(int start, const std::vector<int>& deltas)
 // The ten single steps of a long reader that walks ten or more rows.
 std::vector<int> Tenths();
 
-namespace sql {
-class Connection;
-}
-
 // Runs |query| and answers each row as its columns' text joined by "|"
 // (a NULL reads as empty).
 std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query);
@@ -92,6 +92,15 @@ std::vector<std::string> QueryRows(sql::Connection* db, const std::string& query
 // One line per file directly in |folder|: its name and the MD5 of its bytes,
 // to tell whether a folder was left exactly as it was.
 std::string FolderFingerprint(const base::FilePath& folder);
+
+// For each of |files| and the journal, write-ahead log and shared-memory
+// files a database engine would put beside it: whether it exists, the MD5 of
+// its bytes and its permission bits. Equal answers before and after a run
+// mean the run wrote, created and changed the attributes of none of them.
+std::string SourceFilesState(const std::vector<base::FilePath>& files);
+
+// Takes the write permission off |files| (as a read-only attribute does).
+void MakeReadOnly(const std::vector<base::FilePath>& files);
 
 // The CREATE TABLE text SQLite stored for |table|, empty when absent.
 std::string StoredSchema(sql::Connection* db, const std::string& table);

@@ -120,6 +120,18 @@ std::string Damage(const base::Value& report) {
       text += "; " + name + " could not be read: its records are missing";
     else if (At(source, "repaired") == true)
       text += "; " + name + " was damaged and repaired: some of its records may be missing";
+    else if (At(source, "salvaged") == true)
+      text += "; " + name + " was damaged beyond repair and read row by row";
+  }
+  for (const auto& table : At(report, "salvage")) {
+    if (At(table, "complete") == true && Number(At(table, "rows_known_lost")) == 0)
+      continue;
+    text += "; its table " + Text(At(table, "table")) + " gave " +
+            std::to_string(Number(At(table, "rows_salvaged"))) + " rows";
+    if (Number(At(table, "rows_known_lost")))
+      text += ", " + std::to_string(Number(At(table, "rows_known_lost"))) + " known lost";
+    if (At(table, "complete") == false)
+      text += ", more may be lost";
   }
   for (const auto& target : At(report, "target_tables")) {
     if (At(target, "matches") == false) {
@@ -381,10 +393,14 @@ std::string TaskVerdict(const base::Value& report, const std::string& task) {
   std::string end = DBCheckValue(report, "ImportEnd");
   std::string state = DBCheckValue(report, "ImportState");
   if (end == "5") {
+    std::string failure = Text(At(report, "failure"));
+    if (!failure.empty() && failure.back() == '.')
+      failure.pop_back();  // the line gets its own full stop
     return std::string(ReplacedDatabases(report) ? "Import failed after the new databases "
                                                    "replaced the old ones"
                                                  : "Import failed, nothing was replaced") +
-           ": ImportState " + DescribeImportState(base::UTF8ToWide(state)) + Damage(report);
+           ": ImportState " + DescribeImportState(base::UTF8ToWide(state)) + Damage(report) +
+           (failure.empty() ? std::string() : ". " + failure);
   }
   std::string line = "Imported " + ImportedCounts(report) + Skipped(report) + Damage(report);
   uint32_t source_bits = StateBits(report) &

@@ -34,6 +34,11 @@ bool DatabaseHelper::OpenAndCheck(const base::FilePath& path) {
   return CheckOrRepair();
 }
 
+bool DatabaseHelper::OpenReadOnly(const base::FilePath& path) {
+  repaired_ = false;
+  return connection_->OpenReadOnly(path);
+}
+
 bool DatabaseHelper::OpenWithKey(const base::FilePath& path, const std::wstring& key) {
   PrepareOpen(path);
   return connection_->OpenWithKey(path, key, /*create_if_missing=*/false);

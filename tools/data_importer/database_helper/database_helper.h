@@ -36,6 +36,13 @@ class DatabaseHelper {
   // was damaged: rows of a damaged page may be gone).
   bool repaired() const { return repaired_; }
 
+  // Opens the plain database at |path| for reading only, as an immutable
+  // file (sql::Connection::OpenReadOnly): no attribute is changed, nothing
+  // is repaired, no journal or "-shm" file is made. For the user's own files,
+  // which the importer never writes. No integrity check: follow with
+  // CheckIntegrity.
+  [[nodiscard]] bool OpenReadOnly(const base::FilePath& path);
+
   // Opens the encrypted database at |path| with |key|, after the same
   // attribute clearing and page and cache sizes as OpenAndCheck. A file that
   // does not exist is refused, never created: a keyed open is only ever

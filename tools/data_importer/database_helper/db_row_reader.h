@@ -56,6 +56,11 @@ class DbRowReader : public RowReaderInterface {
   [[nodiscard]] bool IsValid() const override;
   [[nodiscard]] bool Step() override;
 
+  // Whether the rows so far came without an error: true after the last row
+  // and while rows come, false once Step stopped at an error (a damaged
+  // page) instead of the end, and for an invalid statement.
+  [[nodiscard]] bool Succeeded() const { return statement_.Succeeded(); }
+
   // Index of the column called |name| (case-insensitive), or -1.
   [[nodiscard]] int GetColumnIndex(const std::string& name);
 

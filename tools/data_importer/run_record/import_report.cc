@@ -52,14 +52,27 @@ void ImportReport::AddSource(const base::FilePath& original, const base::FilePat
     known->flags |= flags;
     return;
   }
-  sources_.push_back({original.value(), read_path.value(), layout, flags});
+  sources_.push_back({original.value(), read_path.value(), layout, flags, {}});
+}
+
+void ImportReport::NoteWorkCopy(const base::FilePath& read_path, const std::string& why) {
+  if (!FindSource(read_path.value()))
+    MarkSource(read_path, 0);
+  FindSource(read_path.value())->work_copy = why;
+}
+
+void ImportReport::AddSalvagedTable(const base::FilePath& read_path, const std::string& table,
+                                    int64_t rows_salvaged, int64_t rows_known_lost,
+                                    bool complete) {
+  MarkSource(read_path, kSalvaged);
+  salvaged_.push_back({read_path.value(), table, rows_salvaged, rows_known_lost, complete});
 }
 
 void ImportReport::MarkSource(const base::FilePath& read_path, unsigned flags) {
   if (Source* known = FindSource(read_path.value()))
     known->flags |= flags;
   else
-    sources_.push_back({read_path.value(), read_path.value(), std::string(), flags});
+    sources_.push_back({read_path.value(), read_path.value(), std::string(), flags, {}});
 }
 
 int ImportReport::SourceTable(const base::FilePath& read_path, const std::string& table) {
@@ -165,9 +178,21 @@ base::Value ImportReport::ToJson() const {
                        {"copied", (s.flags & kCopied) != 0},
                        {"reused_copy", (s.flags & kReusedCopy) != 0},
                        {"repaired", (s.flags & kRepaired) != 0},
-                       {"unreadable", (s.flags & kUnreadable) != 0}});
+                       {"unreadable", (s.flags & kUnreadable) != 0},
+                       {"salvaged", (s.flags & kSalvaged) != 0},
+                       {"work_copy", s.work_copy}});
   }
   report["sources"] = std::move(sources);
+  base::Value salvage = base::Value::array();
+  for (const SalvagedTable& t : salvaged_) {
+    salvage.push_back({{"source", Utf8(t.source)},
+                       {"table", t.table},
+                       {"rows_salvaged", t.rows_salvaged},
+                       {"rows_known_lost", t.rows_known_lost},
+                       {"complete", t.complete}});
+  }
+  report["salvage"] = std::move(salvage);
+  report["failure"] = Utf8(failure_);
 
   base::Value tables = base::Value::array();
   for (size_t i = 1; i < source_tables_.size(); ++i) {

@@ -53,6 +53,9 @@ inline constexpr DropReason kCopyNotEncrypted = {
 inline constexpr DropReason kCloudListsMissing = {
     "cloud_lists_missing", "cloud-list row without a cloud list to belong to",
     "cloud-list rows without a cloud list to belong to"};
+inline constexpr DropReason kSourceRowsUnreadable = {
+    "source_rows_unreadable", "row of a damaged source that could not be read",
+    "rows of a damaged source that could not be read"};
 inline constexpr DropReason kRowRefused = {
     "row_refused", "row refused by the new database", "rows refused by the new database"};
 }  // namespace drop_reason
@@ -87,6 +90,7 @@ class ImportReport {
     kReusedCopy = 2,  // a copy an earlier run left in the data folder was read
     kRepaired = 4,    // damaged; readable after the compaction ("VACUUM")
     kUnreadable = 8,  // exists but could not be copied or opened soundly
+    kSalvaged = 16,   // damaged beyond the compaction; read row by row
   };
 
   struct DropExample {
@@ -123,6 +127,20 @@ class ImportReport {
   // Adds |flags| to the source read through |read_path| (recorded as its own
   // source when unknown).
   void MarkSource(const base::FilePath& read_path, unsigned flags);
+
+  // Why the work copy |read_path| was read again or made afresh ("source
+  // unchanged since the copy", "source changed since the copy", ...).
+  void NoteWorkCopy(const base::FilePath& read_path, const std::string& why);
+  // What the salvage of the damaged source |read_path| got of |table|: the
+  // rows it could read, and the rows it knows were there but could not read
+  // (found in an index of the table). |complete| false: rows past a damaged
+  // page may be lost without a trace.
+  void AddSalvagedTable(const base::FilePath& read_path, const std::string& table,
+                        int64_t rows_salvaged, int64_t rows_known_lost, bool complete);
+  // Why the run imported nothing, in words for the user ("close the old
+  // player and start again"). The last one wins.
+  void SetFailure(const std::wstring& words) { failure_ = words; }
+  const std::wstring& failure() const { return failure_; }
 
   // The origin id of table |table| of the source file |read_path|; the same
   // pair always answers the same id.
@@ -191,6 +209,14 @@ class ImportReport {
     std::wstring read_path;
     std::string layout;
     unsigned flags = 0;
+    std::string work_copy;  // why the copy was reused or made
+  };
+  struct SalvagedTable {
+    std::wstring source;
+    std::string table;
+    int64_t rows_salvaged = 0;
+    int64_t rows_known_lost = 0;
+    bool complete = true;
   };
   struct SourceTableCount {
     std::wstring source;
@@ -217,6 +243,8 @@ class ImportReport {
   std::string end_time_;
   StageObserver m_stage_observer;
   std::vector<Source> sources_;
+  std::vector<SalvagedTable> salvaged_;
+  std::wstring failure_;
   std::vector<SourceTableCount> source_tables_;  // index = origin; 0 unrecorded
   std::map<std::pair<int, std::string>, Flow> flows_;
   std::map<std::string, Drops> drops_;  // by reason key

@@ -4,16 +4,21 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "base/file_path.h"
 #include "tools/data_importer/database_helper/database_helper.h"
+#include "tools/data_importer/database_helper/salvage_copy.h"
 #include "tools/data_importer/environment/run_context.h"
 
+class DbRowReader;
 class ImportModel;
 class ImportReport;
+class ReadProgressTicker;
+class SourceTableTally;
 
 // What ExportData answers, as the 32-bit numbers the driver compares with.
 enum class ExportResult : int32_t {
@@ -70,28 +75,58 @@ class DataExporter {
   // Copies |from| to |to|. A failure is logged at level 3 as
   // "Copy file {from} to {to} FAILED, error code {n}." and answered false.
   [[nodiscard]] bool CopyWithLog(const base::FilePath& from, const base::FilePath& to);
+  // CopyWithLog of a database file together with its rollback journal or
+  // write-ahead log when it has one ("-journal", "-wal"); a journal left
+  // beside |to| by an earlier copy is removed. False when any of it fails.
+  [[nodiscard]] bool CopyDatabaseWithLog(const base::FilePath& from, const base::FilePath& to);
 
-  // Makes |work_copy| the file the exporter reads. When it exists already
-  // (an earlier run left it) it is used as it is and |find_source| is not
-  // called, so the old installation is not even looked at. Otherwise the
-  // source |find_source| names is copied to it; an empty or missing source
-  // ends with kNoSource, a failed copy with kCopyFailed (nothing more is
-  // copied then). In the two good cases the work copy is then copied into
-  // the dated backup folder as |backup_name| and to the intermediate copy
-  // "DataImporter.db" of the data folder; failures of these two copies are
-  // logged and do not change the answer. The import report records the
-  // source under |layout|: reused, copied, or unreadable when the copy
-  // failed.
+  // Makes |work_copy| the file the exporter reads. A work copy an earlier
+  // run left is used again when the source |find_source| names no longer
+  // exists, or is unchanged since the copy was made (SourceFingerprint,
+  // recorded beside the copy); otherwise (no record, a changed source) the
+  // source is copied again, with its journal. An empty or missing source
+  // and no copy ends with kNoSource, a failed copy with kCopyFailed
+  // (nothing more is copied then). In the two good cases the work copy is
+  // then copied into the dated backup folder as |backup_name| and to the
+  // intermediate copy "DataImporter.db" of the data folder; failures of
+  // these two copies are logged and do not change the answer. The import
+  // report records the source under |layout| (reused, copied, or unreadable
+  // when the copy failed) and why the copy was reused or made.
   [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
                                         const std::function<base::FilePath()>& find_source,
                                         const std::wstring& backup_name,
                                         const std::string& layout = std::string());
 
   // Opens |path| into a fresh m_db with the integrity check and one repair
-  // (DatabaseHelper::OpenAndCheck). False when the file stays unsound; m_db
-  // is closed then. The import report marks the file repaired or
-  // unreadable.
+  // (DatabaseHelper::OpenAndCheck). A file that stays unsound is not given
+  // up: its readable rows are copied into "<path>.salvage" (SalvageCopy),
+  // which m_db then reads, and the report lists per table the rows
+  // salvaged and known lost. False only when not even a salvage copy can be
+  // made; m_db is closed then and the report marks the file unreadable.
+  // The salvage copy is removed when the next source opens and with the
+  // exporter.
   [[nodiscard]] bool OpenSourceWithRepair(const base::FilePath& path);
+
+  // How the losses of a salvaged table are reported: the failure bit of
+  // the reader of |table| (a trailing "*" matches every table the prefix
+  // starts), the source table the report counts the lost rows under
+  // (|counted_as|, else the table's own name) and the target they were
+  // meant for (|target|, else the table's own name).
+  struct SalvageRule {
+    const char* table;
+    uint32_t failure_bit;
+    const char* counted_as = nullptr;
+    const char* target = nullptr;
+  };
+  // After the readers of a salvaged source: every table that lost rows
+  // reports its reader's failure bit, and its rows known lost are counted
+  // as read and dropped ("source_rows_unreadable", with their row ids).
+  // Tables that no rule names are read by no reader and report nothing.
+  void ReportSalvageLosses(const std::vector<SalvageRule>& rules);
+  // Whether the open source is a salvage copy that holds no row at all.
+  [[nodiscard]] bool NothingSalvaged() const;
+  // Whether the open source is a salvage copy.
+  bool salvaged() const { return !m_salvage_copy.empty(); }
 
   // The highest progress a reader may report: the build sequence starts at
   // 50, so reading stops one short of it.
@@ -110,6 +145,35 @@ class DataExporter {
   // kTableReadStep (within the ceiling above).
   void TableRead();
 
+  // One query over the open source, walked row by row.
+  struct RowQuery {
+    std::string sql{};    // the whole statement text
+    std::string table{};  // the source table the report counts the rows under
+    // When not empty, "Size of <size_name> is {<kept>}." is logged after
+    // the rows.
+    std::wstring size_name{};
+    // Ticks once per row when set (the read progress by tenths).
+    ReadProgressTicker* ticker = nullptr;
+  };
+  // What ReadRows got.
+  struct RowsRead {
+    bool ok = false;  // prepared and walked to the end without an error
+    size_t read = 0;  // rows handed to the row handler
+    size_t kept = 0;  // rows the handler made a record of
+  };
+  // Makes the record of one row (tally->Made) or drops the row with its
+  // reason (tally->Dropped); answers whether it kept one. The row is already
+  // counted as read.
+  using RowHandler = std::function<bool(DbRowReader& row, SourceTableTally& tally)>;
+
+  // The loop of every table reader: prepares |query| on the open source,
+  // hands each row to |handle_row|, counts it in the import report under the
+  // query's table and logs the size. Not ok when the statement cannot be
+  // prepared (a missing table) or the rows stop at an error, a damaged page
+  // of a file that passed the integrity check: the rows before the error are
+  // kept, and the failure is logged with the table's name.
+  [[nodiscard]] RowsRead ReadRows(const RowQuery& query, const RowHandler& handle_row);
+
   // The run's import report (the model's), where readers count what they
   // read, made and dropped with SourceTableTally. Never null.
   ImportReport* Report();
@@ -119,8 +183,15 @@ class DataExporter {
   const RunContext& m_context;
   ImportModel* m_model;                  // not owned; outlives the exporter
   std::unique_ptr<DatabaseHelper> m_db;  // the open source copy
+  // The file the report counts the rows of m_db under: our work copy of
+  // the source, also while a salvage copy of it is what m_db reads.
+  base::FilePath m_source_path;
 
  private:
+  void DiscardSalvageCopy();
+
+  base::FilePath m_salvage_copy;          // the salvage copy m_db reads, if any
+  std::vector<SalvagedTable> m_salvaged;  // what it got, table by table
   std::unique_ptr<ImportReport> spare_report_;  // without a model
 };
 
@@ -149,6 +220,22 @@ class ReadProgressTicker {
   int64_t rows_ = 0;
   int tenths_ = 0;
 };
+
+// What the import report tells the user when a source was found but could
+// not be copied (the old player may still hold it open) or not one row of
+// it could be read.
+std::wstring UncopiedSourceWords(const base::FilePath& source);
+std::wstring UnreadableSourceWords(const base::FilePath& source);
+
+// The file beside |work_copy| that records what its source was when the
+// copy was made: "<work copy>.source".
+base::FilePath SourceRecordPath(const base::FilePath& work_copy);
+
+// What tells a source file apart from a later state of it: its size,
+// modification time and the digests of its first and last 4096 bytes, and
+// the size and time of a journal or write-ahead log beside it. None when
+// the file cannot be read.
+std::optional<std::string> SourceFingerprint(const base::FilePath& source);
 
 // The number of rows of |table| in |db|, the total of a ReadProgressTicker
 // over it; 0 when the table cannot be counted.

@@ -7,6 +7,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "testing/importer_test_util.h"
+#include "tools/data_importer/database_helper/db_row_reader.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
@@ -24,6 +26,10 @@ class ProbeExporter : public DataExporter {
   using DataExporter::AdvanceReadProgress;
   using DataExporter::ObtainWorkCopy;
   using DataExporter::OpenSourceWithRepair;
+  using DataExporter::ReadRows;
+  using DataExporter::Report;
+  using DataExporter::ReportSalvageLosses;
+  using DataExporter::RowQuery;
   using DataExporter::WorkCopy;
   DatabaseHelper* db() { return m_db.get(); }
 };
@@ -37,11 +43,7 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   base::FilePath source = profile.root().Append(L"Source.db");
   base::FilePath backup = GetDatedBackupFolder(TestRunContext()).Append(L"Backup.db");
   base::FilePath intermediate = folder.Append(L"DataImporter.db");
-  int lookups = 0;
-  auto find = [&] {
-    ++lookups;
-    return source;
-  };
+  auto find = [&] { return source; };
 
   // No earlier copy, no source: nothing is created.
   EXPECT_EQ(ProbeExporter::WorkCopy::kNoSource, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
@@ -54,14 +56,31 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   EXPECT_EQ("first", testing_support::ReadBytes(backup));
   EXPECT_EQ("first", testing_support::ReadBytes(intermediate));
 
-  // A second run keeps its work copy and never asks for the source.
-  testing_support::WriteBytes(source, "second");
+  // A second run keeps its work copy while the source is unchanged...
   testing_support::WriteBytes(intermediate, "stale");
-  lookups = 0;
   EXPECT_EQ(ProbeExporter::WorkCopy::kReused, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
-  EXPECT_EQ(0, lookups);
-  EXPECT_EQ("first", testing_support::ReadBytes(work));
   EXPECT_EQ("first", testing_support::ReadBytes(intermediate));
+
+  // ...copies it again once the source changed, even to the same size, or
+  // when the record of the source is gone, taking its journal along...
+  testing_support::WriteBytes(source, "fresh");
+  testing_support::WriteBytes(base::FilePath(source.value() + L"-journal"), "journal");
+  EXPECT_EQ(ProbeExporter::WorkCopy::kCopied, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ("fresh", testing_support::ReadBytes(work));
+  EXPECT_EQ("journal", testing_support::ReadBytes(base::FilePath(work.value() + L"-journal")));
+  EXPECT_EQ(ProbeExporter::WorkCopy::kReused, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  testing_support::WriteBytes(work, "damaged");
+  ASSERT_TRUE(base::DeleteFile(SourceRecordPath(work)));
+  ASSERT_TRUE(base::DeleteFile(base::FilePath(source.value() + L"-journal")));
+  EXPECT_EQ(ProbeExporter::WorkCopy::kCopied, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ("fresh", testing_support::ReadBytes(work));
+  EXPECT_FALSE(base::PathExists(base::FilePath(work.value() + L"-journal")));  // stale, removed
+
+  // ...and reads it again when the source is gone: it is all that is left.
+  ASSERT_TRUE(base::DeleteFile(source));
+  EXPECT_EQ(ProbeExporter::WorkCopy::kReused, exporter.ObtainWorkCopy(work, find, L"Backup.db"));
+  EXPECT_EQ("fresh", testing_support::ReadBytes(work));
+  testing_support::WriteBytes(source, "fresh");
 
   // A source that cannot be copied (here: a folder in the work copy's way
   // is missing) ends before any other copy.
@@ -70,6 +89,57 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
   EXPECT_EQ(ProbeExporter::WorkCopy::kCopyFailed,
             exporter.ObtainWorkCopy(unreachable, find, L"Backup.db"));
   EXPECT_FALSE(base::PathExists(intermediate));
+}
+
+// A source no compaction repairs is read from its salvage copy: the rows
+// past the damaged page come through ReadRows, the report lists the table
+// as salvaged and incomplete, and the copy goes with the exporter. A query
+// that cannot be prepared fails its reader.
+TEST(DataExporterTest, SalvagedSourceIsReadAndItsLossesCounted) {
+  testing_support::ScopedTempDir dir;
+  base::FilePath work = dir.path().Append(L"work.db");
+  {
+    sql::Connection db;
+    db.set_page_size(4096);
+    ASSERT_TRUE(db.Open(work));
+    ASSERT_TRUE(db.Execute(
+        "CREATE TABLE T(ID INTEGER PRIMARY KEY, Pad TEXT);"
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
+        "INSERT INTO T SELECT i, hex(randomblob(90)) FROM n;"
+        "CREATE INDEX ByPad ON T(Pad);"));
+  }
+  std::string bytes = testing_support::ReadBytes(work);
+  bytes.replace(40 * 4096, 4096, 4096, '\0');  // a leaf of T
+  testing_support::WriteBytes(work, bytes);
+  base::FilePath salvage(work.value() + L".salvage");
+  base::Value report;
+  {
+    const RunContext run_context = TestRunContext();
+    ProbeExporter exporter(run_context);
+    ASSERT_TRUE(exporter.OpenSourceWithRepair(work));
+    EXPECT_TRUE(base::PathExists(salvage));
+    auto rows = exporter.ReadRows({"SELECT * FROM T", "T"}, [](DbRowReader& row, SourceTableTally&) {
+      return row.GetInt("ID") % 2 == 0;  // keeps the even ones
+    });
+    EXPECT_TRUE(rows.ok);
+    EXPECT_GT(rows.read, 1950u);
+    EXPECT_LT(rows.read, 2000u);
+    EXPECT_NEAR(rows.read / 2.0, rows.kept, 20);
+    exporter.ReportSalvageLosses({{"t", 16, nullptr, "Target"}});
+    EXPECT_FALSE(exporter.ReadRows({"SELECT * FROM Missing", "Missing"},
+                                   [](DbRowReader&, SourceTableTally&) { return true; })
+                     .ok);
+    report = exporter.Report()->ToJson();
+    const base::Value* salvaged = FindEntry(report["salvage"], "table", "T");
+    ASSERT_NE(nullptr, salvaged);
+    EXPECT_EQ(static_cast<int64_t>(rows.read), (*salvaged)["rows_salvaged"]);
+    EXPECT_EQ(false, (*salvaged)["complete"]);
+    const base::Value* table = FindEntry(report["source_tables"], "table", "T");
+    ASSERT_NE(nullptr, table);
+    EXPECT_EQ(static_cast<int64_t>(rows.read), (*table)["rows_read"]);
+  }
+  EXPECT_FALSE(base::PathExists(salvage));
+  EXPECT_EQ(bytes, testing_support::ReadBytes(work));
 }
 
 TEST(DataExporterTest, OpenSourceWithRepairRefusesGarbage) {

@@ -34,8 +34,10 @@ VerifiedDatabase CountPlainDatabase(const base::FilePath& path) {
     counted.error = "missing";
     return counted;
   }
+  // The user's version-2 file: read as it lies, never written (a plain
+  // open would create a missing file and roll back a journal it finds).
   sql::Connection db;
-  if (!db.Open(path)) {
+  if (!db.OpenReadOnly(path)) {
     counted.error = "cannot be opened";
     return counted;
   }

@@ -202,7 +202,7 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
   base::FilePath backup = GetDatedBackupFolder(m_context);
   for (const base::FilePath& source : sources) {
     std::wstring name = source.BaseName().value();
-    bool copied = CopyWithLog(source, work.Append(name));  // logged there
+    bool copied = CopyDatabaseWithLog(source, work.Append(name));  // logged there
     if (!copied)
       ReportState(LibraryFileBits(source));
     Report()->AddSource(source, work.Append(name), "V2",
@@ -213,10 +213,18 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
 }
 
 ExportResult V6DataExporter::ReadV1Layout() {
+  // A source that was found but of which nothing could be read imports
+  // nothing: an empty library in place of the new databases would make the
+  // next run an upgrade, and the library would never come across, not even
+  // once the user puts a good file back.
+  ExportResult result = ExportResult::kNothingExported;
   if (!base::PathExists(m_work_db)) {
     V6LOG(logging::LOG_FAILURE) << L"File {" << m_work_db.value() << L"} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
-  } else if (OpenSourceWithRepair(m_work_db) && m_db->connection()->DoesTableExist("MusicItems")) {
+    Report()->SetFailure(UncopiedSourceWords(m_source_db.empty() ? m_work_db : m_source_db));
+  } else if (OpenSourceWithRepair(m_work_db) && !NothingSalvaged() &&
+             m_db->connection()->DoesTableExist("MusicItems")) {
+    result = ExportResult::kExported;
     if (!ReadMusicVideos())
       ReportState(ProgressRecord::kStateTableFailed);
     TableRead();
@@ -233,15 +241,24 @@ ExportResult V6DataExporter::ReadV1Layout() {
     if (!ReadFinishedDownloads())
       ReportState(ProgressRecord::kStateTableFailed);
     TableRead();
+    ReportSalvageLosses({
+        {"MVItems", ProgressRecord::kStateTableFailed, nullptr, "ShareFileItems"},
+        {"MusicItems", ProgressRecord::kStateMusicFailed, nullptr, "ShareFileItems"},
+        {"PlayLists", ProgressRecord::kStateListsFailed, nullptr, "GeneralListTable"},
+        {"PlayListItems", ProgressRecord::kStateListsFailed, nullptr, "GeneralList"},
+        {"Downing", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+        {"DownHistory", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+    });
   } else {
     V6LOG(logging::LOG_FAILURE) << L"Table {MusicItems} do not exists.";
     ReportState(ProgressRecord::kStateNotStarted);
+    Report()->SetFailure(UnreadableSourceWords(m_source_db.empty() ? m_work_db : m_source_db));
   }
   if (m_read_extras) {
     ReadSettings();
     ReadLoginHistory();
   }
-  return ExportResult::kExported;
+  return result;
 }
 
 ExportResult V6DataExporter::ReadV2Layout() {
@@ -253,6 +270,7 @@ ExportResult V6DataExporter::ReadV2Layout() {
     return ExportResult::kNothingExported;
   }
 
+  bool any_read = false;
   // The downloads live in the first library file only.
   for (const base::FilePath& library : libraries) {
     if (library.BaseName().value() != L"VTLibrary.db")
@@ -266,6 +284,8 @@ ExportResult V6DataExporter::ReadV2Layout() {
         if (!ReadFinishedDownloads())
           ReportState(ProgressRecord::kStateTableFailed);
         TableRead();
+        // The file's other tables are read again below; its losses are
+        // reported there.
       } else {
         V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
         ReportState(ProgressRecord::kStateTableFailed);
@@ -285,7 +305,9 @@ ExportResult V6DataExporter::ReadV2Layout() {
     }
     // An unsound file leaves m_db closed: both readers then fail and report
     // their bits.
-    if (!OpenSourceWithRepair(library))
+    if (OpenSourceWithRepair(library) && !NothingSalvaged())
+      any_read = true;
+    else
       V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
     if (!ReadMusicItemsV2(number))
       ReportState(ProgressRecord::kStateMusicFailed);
@@ -294,10 +316,23 @@ ExportResult V6DataExporter::ReadV2Layout() {
     if (!ReadPlayLists(true, number))
       ReportState(ProgressRecord::kStateListsFailed);
     TableRead();
+    ReportSalvageLosses({
+        {"PlayListItems", ProgressRecord::kStateMusicFailed | ProgressRecord::kStateListsFailed,
+         kV2MusicItemsTable, "ShareFileItems"},
+        {"PlayLists", ProgressRecord::kStateListsFailed, nullptr, "GeneralListTable"},
+        {"Downing", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+        {"DownHistory", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+    });
   }
   if (m_read_extras) {
     ReadSettings();
     ReadLoginHistory();
+  }
+  // Library files of which nothing could be read: see ReadV1Layout.
+  if (!any_read) {
+    ReportState(ProgressRecord::kStateNotStarted);
+    Report()->SetFailure(UnreadableSourceWords(libraries.front()));
+    return ExportResult::kNothingExported;
   }
   return ExportResult::kExported;
 }

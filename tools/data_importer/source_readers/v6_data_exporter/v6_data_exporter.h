@@ -49,6 +49,11 @@ class V6DataExporter : public DataExporter {
   const wchar_t* LogTag() const override;
 
  private:
+  // In the "V2" layout "PlayListItems" is read twice, once for the music
+  // items and once per list for its entries ("PlayListItems (list
+  // entries)"); the report counts the two reads apart.
+  static constexpr char kV2MusicItemsTable[] = "PlayListItems (music items)";
+
   // What a list reader remembers of an imported music item.
   struct MusicEntry {
     std::shared_ptr<ShareFileItem> file;
@@ -90,7 +95,8 @@ class V6DataExporter : public DataExporter {
   bool ReadMusicItems();
   bool ReadMusicItemsV2(int library_number);
   bool ReadPlayLists(bool v2, int library_number);
-  void ReadListItems(const ListRef& list, bool v2, int library_number);
+  // False when the entries stop at an error; the ones before are kept.
+  bool ReadListItems(const ListRef& list, bool v2, int library_number);
   // Drops every entry of the list |source_id|, which is not imported, with
   // |reason|; answers how many there were.
   int64_t DropListEntries(int source_id, bool v2, const DropReason& reason);

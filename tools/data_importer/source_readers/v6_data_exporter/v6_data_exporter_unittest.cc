@@ -15,6 +15,7 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/driver/import_run.h"
 #include "testing/importer_test_util.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/driver/task_decision.h"
 
@@ -360,7 +361,9 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     ImportModel model(&record);
     const RunContext run_context = TestRunContext();
     V6DataExporter exporter(run_context, &model);
-    EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
+    // Nothing read of a source that was found: no empty library is built,
+    // so that the next run tries again.
+    EXPECT_EQ(ExportResult::kNothingExported, exporter.ExportData());
     EXPECT_TRUE(model.m_share_files.empty());
     EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
     EXPECT_NE(std::string::npos, Log().find("Table {MusicItems} do not exists."));
@@ -381,7 +384,7 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
 // A library file that exists but cannot be read is not passed over: a folder
 // under a library file's name, or a copy that does not open, is logged and
 // reported with the bits of the readers it would have fed; the good file is
-// still imported.
+// still imported. When no file can be read at all, nothing is imported.
 TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   V6V2Library good;
   good.lists = {{1, 3, L"", 0, 0}};
@@ -413,9 +416,10 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   ImportModel model(&record);
   const RunContext run_context = TestRunContext();
   V6DataExporter exporter(run_context, &model);
-  EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
-  EXPECT_EQ(L"22", profile_.DBCheck(L"ImportState"));  // 16 + 4 + 2
+  EXPECT_EQ(ExportResult::kNothingExported, exporter.ExportData());  // nothing could be read
+  EXPECT_EQ(L"23", profile_.DBCheck(L"ImportState"));  // 16 + 4 + 2, and 1
   EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));
+  EXPECT_NE(std::wstring::npos, model.report()->failure().find(L"start again"));
 }
 
 }  // namespace

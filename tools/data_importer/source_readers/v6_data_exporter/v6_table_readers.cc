@@ -18,14 +18,6 @@
 
 namespace {
 
-void LogSize(const wchar_t* name, size_t count) {
-  V6LOG(logging::LOG_PROGRESS) << L"Size of " << name << L" is {" << count << L"}.";
-}
-
-// In the "V2" layout "PlayListItems" is read twice, once for the music
-// items and once per list for its entries; the report counts the two reads
-// apart.
-constexpr char kV2MusicItemsTable[] = "PlayListItems (music items)";
 constexpr char kV2ListEntriesTable[] = "PlayListItems (list entries)";
 
 // The index that makes each list's entry query a lookup; its name marks it
@@ -68,13 +60,8 @@ bool V6DataExporter::ReadMusicVideos() {
     V6LOG(logging::LOG_FAILURE) << L"Table {MVItems} do not exists.";
     return true;
   }
-  DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MVItems").str());
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), m_db->connection()->path(), "MVItems");
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{(boost::format("SELECT * FROM %s") % "MVItems").str(), "MVItems", L"MVItems"};
+  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = row.GetInt("ID");  // the id music items refer to as MvItemID
     file->ShareFileType = 2;
@@ -90,25 +77,18 @@ bool V6DataExporter::ReadMusicVideos() {
     m_mv_items[file->old_id] = file;
     tally.Made(file.get());
     m_model->m_share_files.push_back(file);
-    ++count;
-  }
-  LogSize(L"MVItems", count);
-  return true;
+    return true;
+  }).ok;
 }
 
 // "MusicItems" of the "V1" layout. "MusicType" (the audio format) has no
 // column in the new library; "StartTime" (a track's start inside a larger
 // file) goes to the list entries as their cue start.
 bool V6DataExporter::ReadMusicItems() {
-  DbRowReader row(*m_db->connection(), (boost::format("SELECT * FROM %s") % "MusicItems").str());
-  if (!row.IsValid())
-    return false;
   ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "MusicItems"));
-  SourceTableTally tally(Report(), m_db->connection()->path(), "MusicItems");
-  size_t count = 0;
-  while (row.Step()) {
-    ticker.Tick();
-    tally.Read();
+  RowQuery query{(boost::format("SELECT * FROM %s") % "MusicItems").str(), "MusicItems",
+                 L"FileItems", &ticker};
+  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = row.GetInt("ID");
     file->FileName = row.GetString16("FileName");
@@ -133,25 +113,17 @@ bool V6DataExporter::ReadMusicItems() {
     entry.start_time = row.GetInt64("StartTime");
     tally.Made(file.get());
     m_model->m_share_files.push_back(file);
-    ++count;
-  }
-  LogSize(L"FileItems", count);
-  return true;
+    return true;
+  }).ok;
 }
 
 // "PlayListItems" of one "V2" library file: every row is a music item,
 // remembered under "<ItemID>_<N>" for the list reader.
 bool V6DataExporter::ReadMusicItemsV2(int library_number) {
-  DbRowReader row(*m_db->connection(),
-                  (boost::format("SELECT * FROM %s") % "PlayListItems").str());
-  if (!row.IsValid())
-    return false;
   ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "PlayListItems"));
-  SourceTableTally tally(Report(), m_db->connection()->path(), kV2MusicItemsTable);
-  size_t count = 0;
-  while (row.Step()) {
-    ticker.Tick();
-    tally.Read();
+  RowQuery query{(boost::format("SELECT * FROM %s") % "PlayListItems").str(), kV2MusicItemsTable,
+                 L"FileItemsV2", &ticker};
+  return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = m_next_v2_file_id++;
     std::wstring folder = row.GetString16("Path");
@@ -169,10 +141,8 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
     m_v2_music_items[key].file = file;
     tally.Made(file.get());
     m_model->m_share_files.push_back(file);
-    ++count;
-  }
-  LogSize(L"FileItemsV2", count);
-  return true;
+    return true;
+  }).ok;
 }
 
 bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
@@ -180,13 +150,8 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
   const char* query = db.DoesColumnExist("PlayLists", "SortID")
                           ? "SELECT * FROM PlayLists Order By SortID ASC"
                           : "SELECT * FROM PlayLists";
-  DbRowReader row(db, query);
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), db.path(), "PlayLists");
   std::vector<ListRef> default_lists, normal_lists;
-  while (row.Step()) {
-    tally.Read();
+  RowsRead lists = ReadRows({query, "PlayLists"}, [&](DbRowReader& row, SourceTableTally& tally) {
     int type = row.GetInt("PlayListType");
     bool is_default = type == 3;
     int source_id = row.GetInt("PlayListID");
@@ -194,7 +159,7 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       int64_t entries = DropListEntries(source_id, v2, drop_reason::kEntryOfListNotImported);
       tally.Dropped("GeneralListTable", drop_reason::kListTypeNotImported, source_id,
                     row.GetString16("PlayListName"), entries);
-      continue;
+      return false;
     }
     if (!is_default) {
       std::string count_query =
@@ -213,7 +178,7 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
         int64_t entries = DropListEntries(source_id, v2, drop_reason::kListEntrySongMissing);
         tally.Dropped("GeneralListTable", drop_reason::kListWithoutEntries, source_id,
                       row.GetString16("PlayListName"), entries);
-        continue;
+        return false;
       }
     }
     // A list id an earlier library file took is given the next free id, so
@@ -238,7 +203,10 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
     tally.Made(list.get());
     m_model->m_play_lists.push_back(list);
     m_model->m_list_songs[id];  // the list has its table even without entries
-  }
+    return true;
+  });
+  if (!lists.read && !lists.ok)
+    return false;
   const wchar_t* prefix = v2 ? L"PlayListsV2" : L"PlayLists";
   V6LOG(logging::LOG_PROGRESS) << L"Size of " << prefix << L"::defaultListItems is {"
                                << default_lists.size() << L"}.";
@@ -247,48 +215,46 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
   // The lists are the rows of this reader: the progress moves by tenths of
   // them, each list read with its entries.
   ReadProgressTicker ticker(this, default_lists.size() + normal_lists.size());
-  for (const auto* lists : {&default_lists, &normal_lists}) {
-    for (const ListRef& list : *lists) {
-      ReadListItems(list, v2, library_number);
+  for (const auto* kind : {&default_lists, &normal_lists}) {
+    for (const ListRef& list : *kind) {
+      if (!ReadListItems(list, v2, library_number))
+        lists.ok = false;
       ticker.Tick();
     }
   }
   // In the "V2" layout every row is a music item as well, whatever its list.
   if (!v2)
     DropEntriesOfNoList();
-  return true;
+  return lists.ok;
 }
 
 int64_t V6DataExporter::DropListEntries(int source_id, bool v2, const DropReason& reason) {
-  DbRowReader row(*m_db->connection(),
-                  (boost::format("SELECT * FROM PlayListItems WHERE PlayListID = %d") % source_id)
-                      .str());
-  SourceTableTally tally(Report(), m_db->connection()->path(),
-                         v2 ? kV2ListEntriesTable : "PlayListItems");
   const std::string target = "GeneralList_" + std::to_string(source_id);
-  int64_t count = 0;
-  while (row.Step()) {
-    ++count;
-    tally.Read();
-    std::wstring title = v2 ? row.GetString16("Title") : std::wstring();
-    if (title.empty())
-      title = v2 ? row.GetString16("FileName") : MusicItemName(row.GetInt("MusicItemID"));
-    tally.Dropped(target, reason, row.GetInt("ItemID"), title);
-  }
-  return count;
+  // Only counted: the list itself is dropped whatever this finds.
+  RowsRead entries = ReadRows(
+      {(boost::format("SELECT * FROM PlayListItems WHERE PlayListID = %d") % source_id).str(),
+       v2 ? kV2ListEntriesTable : "PlayListItems"},
+      [&](DbRowReader& row, SourceTableTally& tally) {
+        std::wstring title = v2 ? row.GetString16("Title") : std::wstring();
+        if (title.empty())
+          title = v2 ? row.GetString16("FileName") : MusicItemName(row.GetInt("MusicItemID"));
+        tally.Dropped(target, reason, row.GetInt("ItemID"), title);
+        return false;
+      });
+  return static_cast<int64_t>(entries.read);
 }
 
 void V6DataExporter::DropEntriesOfNoList() {
-  DbRowReader row(*m_db->connection(),
-                  "SELECT * FROM PlayListItems i WHERE NOT EXISTS (SELECT 1 FROM PlayLists l "
-                  "WHERE l.PlayListID = i.PlayListID)");
-  SourceTableTally tally(Report(), m_db->connection()->path(), "PlayListItems");
-  while (row.Step()) {
-    tally.Read();
-    tally.Dropped("GeneralList_" + std::to_string(row.GetInt("PlayListID")),
-                  drop_reason::kListEntryWithoutList, row.GetInt("ItemID"),
-                  MusicItemName(row.GetInt("MusicItemID")));
-  }
+  // Only counted: the lists' entries are read above.
+  (void)ReadRows({"SELECT * FROM PlayListItems i WHERE NOT EXISTS (SELECT 1 FROM PlayLists l "
+                  "WHERE l.PlayListID = i.PlayListID)",
+                  "PlayListItems"},
+                 [](DbRowReader& row, SourceTableTally& tally) {
+                   tally.Dropped("GeneralList_" + std::to_string(row.GetInt("PlayListID")),
+                                 drop_reason::kListEntryWithoutList, row.GetInt("ItemID"),
+                                 MusicItemName(row.GetInt("MusicItemID")));
+                   return false;
+                 });
 }
 
 void V6DataExporter::FillFromMusic(const MusicEntry& music, SongItem* song) const {
@@ -301,7 +267,7 @@ void V6DataExporter::FillFromMusic(const MusicEntry& music, SongItem* song) cons
   FillSongVideoFromFile(*mv->second, song);
 }
 
-void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_number) {
+bool V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_number) {
   std::string query =
       v2 ? (boost::format("SELECT * FROM %s Where PlayListID=%d") % "PlayListItems" %
             list.source_id)
@@ -309,20 +275,15 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
          : (boost::format("SELECT * FROM %s WHERE PlayListID = %d ORDER BY SortId") %
             "PlayListItems" % list.source_id)
                .str();
-  DbRowReader row(*m_db->connection(), query);
   SongList& songs = m_model->m_list_songs[list.id];
   // SongID is the key of the list's table: a repeated one takes the next
   // free number above the largest, so the entry is not lost.
   std::set<int> song_ids;
   for (const auto& song : songs)
     song_ids.insert(song->SongID);
-  SourceTableTally tally(Report(), m_db->connection()->path(),
-                         v2 ? kV2ListEntriesTable : "PlayListItems");
   const std::string target = "GeneralList_" + std::to_string(list.id);
-  size_t total = 0, loaded = 0;
-  while (row.Step()) {
-    ++total;
-    tally.Read();
+  RowQuery entries_query{query, v2 ? kV2ListEntriesTable : "PlayListItems"};
+  RowsRead entries = ReadRows(entries_query, [&](DbRowReader& row, SourceTableTally& tally) {
     const MusicEntry* music = nullptr;
     if (v2) {
       auto found = m_v2_music_items.find(std::to_wstring(row.GetInt("ItemID")) + L"_" +
@@ -338,7 +299,7 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
         title = v2 ? row.GetString16("FileName")
                    : MusicItemName(row.GetInt("MusicItemID"));
       tally.Dropped(target, drop_reason::kListEntrySongMissing, row.GetInt("ItemID"), title);
-      continue;
+      return false;
     }
     auto song = std::make_shared<SongItem>();
     FillFromMusic(*music, song.get());
@@ -362,17 +323,18 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
     }
     tally.Made(song.get());
     songs.push_back(song);
-    ++loaded;
-  }
+    return true;
+  });
   if (v2) {
     V6LOG(logging::LOG_PROGRESS) << L" Size of PlayListItemsV2{userID: << " << library_number
-                                 << L", ID=" << list.source_id << L"} is {TOTAL:" << total
-                                 << L", LOADED:" << loaded << L"}.";
+                                 << L", ID=" << list.source_id << L"} is {TOTAL:" << entries.read
+                                 << L", LOADED:" << entries.kept << L"}.";
   } else {
     V6LOG(logging::LOG_PROGRESS) << L" Size of PlayListItems(ID=" << list.source_id
-                                 << L") is {TOTAL:"
-                                 << total << L", LOADED:" << loaded << L"}.";
+                                 << L") is {TOTAL:" << entries.read << L", LOADED:"
+                                 << entries.kept << L"}.";
   }
+  return entries.ok;
 }
 
 // "Downing": downloads not finished yet. In the "V2" layout "MusicID" names
@@ -380,13 +342,8 @@ void V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
 // by made-up old ids (from 1 up): the download keeps old id 0, which names no
 // file, and is found by its hash or not at all.
 bool V6DataExporter::ReadUnfinishedDownloads(bool v2) {
-  DbRowReader row(*m_db->connection(), "Select * From Downing");
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), m_db->connection()->path(), "Downing");
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"Select * From Downing", "Downing", L"DownFile"};
+  return ReadRows(query, [this, v2](DbRowReader& row, SourceTableTally& tally) {
     auto download = std::make_shared<DownloadRecord>();
     download->file_id = v2 ? 0 : row.GetInt("MusicID");
     download->MD5 = HashOrZero(row.GetString16("FileHash"));
@@ -397,21 +354,14 @@ bool V6DataExporter::ReadUnfinishedDownloads(bool v2) {
     download->FileName = BaseNameWithoutExtension(download->DestFileName);
     tally.Made(download.get());
     m_model->m_downloads.push_back(download);
-    ++count;
-  }
-  LogSize(L"DownFile", count);
-  return true;
+    return true;
+  }).ok;
 }
 
 // "DownHistory": finished downloads, found again by their hash.
 bool V6DataExporter::ReadFinishedDownloads() {
-  DbRowReader row(*m_db->connection(), "Select * From DownHistory");
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), m_db->connection()->path(), "DownHistory");
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"Select * From DownHistory", "DownHistory", L"DownHistroy"};
+  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
     auto download = std::make_shared<DownloadRecord>();
     download->DestFileName = row.GetString16("FileName");
     download->FileName = BaseNameWithoutExtension(download->DestFileName);
@@ -424,8 +374,6 @@ bool V6DataExporter::ReadFinishedDownloads() {
     download->Percent = 100;
     tally.Made(download.get());
     m_model->m_downloads.push_back(download);
-    ++count;
-  }
-  LogSize(L"DownHistroy", count);
-  return true;
+    return true;
+  }).ok;
 }

@@ -7,6 +7,7 @@
 #include "logging/debug_output.h"
 #include "logging/logging.h"
 #include "tools/data_importer/environment/data_folder.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/settings/v7_settings_migration.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -82,6 +83,8 @@ ExportResult V7DataExporter::ExportData() {
   ClearLookups();
   if (m_context.m_data_folder.empty() || !CopyDatabase()) {
     ReportState(ProgressRecord::kStateNotStarted);
+    if (base::PathExists(GetDatabasePath()))
+      Report()->SetFailure(UncopiedSourceWords(GetDatabasePath()));
     logging::OutputDebugStringW(L"CopyV7DatabasePluginSingerImages Failed!!!");
     return ExportResult::kNothingExported;
   }
@@ -90,11 +93,16 @@ ExportResult V7DataExporter::ExportData() {
     ReportState(ProgressRecord::kStateNotStarted);
     return ExportResult::kNothingExported;
   }
-  if (!OpenSourceWithRepair(m_work_db)) {
+  // A copy that no repair makes sound is read as far as it can be (its
+  // salvage copy); only a file of which nothing at all can be read ends the
+  // import here, before an empty library could be put in place of a later
+  // run's chance to import it.
+  if (!OpenSourceWithRepair(m_work_db) || NothingSalvaged()) {
     V7LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_work_db.value()
                                 << L"}.";
     m_db->Close();
     ReportState(ProgressRecord::kStateNotStarted);
+    Report()->SetFailure(UnreadableSourceWords(GetDatabasePath()));
     return ExportResult::kNothingExported;
   }
   if (!m_db->connection()->DoesTableExist("FileItems")) {
@@ -127,6 +135,19 @@ ExportResult V7DataExporter::ExportData() {
       ReportState(step.failure_bit);
     TableRead();
   }
+  ReportSalvageLosses({
+      {"FileItems", ProgressRecord::kStateMusicFailed, nullptr, "ShareFileItems"},
+      {"PlayLists", ProgressRecord::kStateListsFailed, nullptr, "GeneralListTable"},
+      {"PlayListItems", ProgressRecord::kStateListsFailed, nullptr, "GeneralList"},
+      {"Downing", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+      {"DownHistory", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+      {"ShareFolders", ProgressRecord::kStateTableFailed},
+      {"FolderItems", ProgressRecord::kStateTableFailed, nullptr, "LocalFiles"},
+      {"RadioListNJPlayedItems", ProgressRecord::kStateTableFailed, nullptr, "PlayedNJRadioItem"},
+      {"RadioList", ProgressRecord::kStateTableFailed, nullptr, "RadioChannelTable"},
+      {"RadioListSongs", ProgressRecord::kStateTableFailed, nullptr, "RadioChannel"},
+      {"RadioListDislikeSongs", ProgressRecord::kStateTableFailed, nullptr, "DislikeRadioItem"},
+  });
 
   MigrateSettings();
   ReadLoginHistory();

@@ -92,11 +92,12 @@ class V7DataExporter : public DataExporter {
   // items and radio tables, when the table is absent.
   bool ReadMusicItems();
   bool ReadPlayLists();
-  // Counts the lists the list reader leaves out in |tally| as dropped, with
-  // their reason (no entries, or a type that is not imported), their
-  // entries with them, and the entries of no list.
-  void DropListsLeftOut(SourceTableTally* tally);
-  void ReadListItems(int list_id);
+  // Counts the lists the list reader leaves out as dropped, with their
+  // reason (no entries, or a type that is not imported), their entries
+  // with them, and the entries of no list.
+  void DropListsLeftOut();
+  // False when the entries stop at an error; the ones before are kept.
+  bool ReadListItems(int list_id);
   bool ReadType5ListItems();
   bool ReadUnfinishedDownloads();
   bool ReadFinishedDownloads();
@@ -104,7 +105,7 @@ class V7DataExporter : public DataExporter {
   bool ReadFolderItems();
   bool ReadPlayedRadioSongs();
   bool ReadRadioChannels();
-  void ReadRadioSongs(const std::string& fm_id, int fm_type, int channel_id);
+  bool ReadRadioSongs(const std::string& fm_id, int fm_type, int channel_id);
   // Counts the radio songs of no channel in "RadioList" as dropped.
   void DropRadioSongsOfNoChannel();
   bool ReadDislikedRadioSongs();

@@ -14,6 +14,7 @@
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/driver/import_run.h"
 #include "testing/importer_test_util.h"
+#include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -414,12 +415,25 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
       bytes[at + i] = static_cast<char>(0xA5 ^ i);
     testing_support::WriteBytes(source, bytes);
   }
+  // The library table is lost, but the rest of the file is still read from
+  // its salvage copy: the lists come across (their entries, whose songs are
+  // gone, are dropped), and the lost table keeps its failure bit.
   ProgressRecord record;
   record.Initialise(TestDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration7);
   RunImport(TestRunContext(), &record);
-  EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
-  EXPECT_FALSE(base::PathExists(data(L"VTMusicV3.db")));
+  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportState"));
+  EXPECT_TRUE(base::PathExists(data(L"VTMusicV3.db")));
+  base::Value report = record.report()->ToJson();
+  const base::Value* lost = FindEntry(report["salvage"], "table", "FileItems");
+  ASSERT_NE(nullptr, lost);
+  EXPECT_EQ(0, (*lost)["rows_salvaged"]);
+  EXPECT_EQ(false, (*lost)["complete"]);
+  const base::Value* lists = FindEntry(report["salvage"], "table", "PlayLists");
+  ASSERT_NE(nullptr, lists);
+  EXPECT_EQ(6, (*lists)["rows_salvaged"]);
+  EXPECT_EQ(true, (*lists)["complete"]);
+  EXPECT_FALSE(base::PathExists(base::FilePath(data(L"VT7Data.db").value() + L".salvage")));
 }
 
 // NULL in every column of every table reads as 0 or empty, never crashes,

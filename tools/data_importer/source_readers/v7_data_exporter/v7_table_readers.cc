@@ -25,10 +25,6 @@ std::wstring MarkUnlinked(std::wstring text) {
   return text == L" " ? std::wstring(kUnlinkedFileMark) : text;
 }
 
-void LogSize(const wchar_t* name, size_t count) {
-  V7LOG(logging::LOG_PROGRESS) << L"Size of " << name << L" is {" << count << L"}.";
-}
-
 // "PlayListItems" is read once per list for the lists' entries and once for
 // the entries of the recently-played lists; the report counts the two reads
 // apart.
@@ -85,14 +81,9 @@ bool V7DataExporter::ReadMusicItems() {
       kinds.emplace(kind.GetInt("FileItemId"), kind.GetInt("ItemType"));
   }
 
-  DbRowReader row(db, "select * from FileItems");
-  if (!row.IsValid())
-    return false;
   ReadProgressTicker ticker(this, CountRows(db, "FileItems"));
-  SourceTableTally tally(Report(), db.path(), "FileItems");
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"select * from FileItems", "FileItems", L"FileItems", &ticker};
+  return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
     auto file = std::make_shared<ShareFileItem>();
     file->old_id = row.GetInt("FileItemID");
     auto kind = kinds.find(file->old_id);
@@ -123,11 +114,8 @@ bool V7DataExporter::ReadMusicItems() {
     entry.start_time = row.GetInt64("StartTime");
     tally.Made(file.get());
     m_model->m_share_files.push_back(std::move(file));
-    ++count;
-    ticker.Tick();
-  }
-  LogSize(L"FileItems", count);
-  return true;
+    return true;
+  }).ok;
 }
 
 // An entry refers to its music item by "FileItemID"; entries of items that
@@ -162,15 +150,12 @@ std::shared_ptr<SongItem> V7DataExporter::MakeListEntry(DbRowReader& row) const 
 // imported. Each list's entries are read after all lists.
 bool V7DataExporter::ReadPlayLists() {
   sql::Connection& db = *m_db->connection();
-  DbRowReader row(db,
-                  "select * from PlayLists where (PlayListType = 0 and PlayListid in (select "
-                  "Playlistid from PlayListItems)) or PlayListType = 1 order by PlayListType");
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), db.path(), "PlayLists");
+  RowQuery query{
+      "select * from PlayLists where (PlayListType = 0 and PlayListid in (select "
+      "Playlistid from PlayListItems)) or PlayListType = 1 order by PlayListType",
+      "PlayLists", L"PlayLists"};
   std::vector<int> list_ids;
-  while (row.Step()) {
-    tally.Read();
+  RowsRead lists = ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
     auto list = std::make_shared<PlayListInfo>();
     list->PlaylistID = row.GetInt("PlayListID");
     list->PlaylistName = row.GetString16("PlayListName");
@@ -184,9 +169,11 @@ bool V7DataExporter::ReadPlayLists() {
     tally.Made(list.get());
     m_model->m_list_songs[list->PlaylistID];  // its table exists even when empty
     m_model->m_play_lists.push_back(std::move(list));
-  }
-  LogSize(L"PlayLists", list_ids.size());
-  DropListsLeftOut(&tally);
+    return true;
+  });
+  if (!lists.read && !lists.ok)
+    return false;
+  DropListsLeftOut();
 
   // The entries are read one list at a time, by list id. Generation 7 kept no
   // index for that, and without one every list would scan all entries of
@@ -198,69 +185,67 @@ bool V7DataExporter::ReadPlayLists() {
 
   ReadProgressTicker ticker(this, static_cast<int64_t>(list_ids.size()));
   for (int id : list_ids) {
-    ReadListItems(id);
+    if (!ReadListItems(id))
+      lists.ok = false;
     ticker.Tick();
   }
-  return true;
+  return lists.ok;
 }
 
-void V7DataExporter::DropListsLeftOut(SourceTableTally* tally) {
-  sql::Connection& db = *m_db->connection();
-  SourceTableTally entries(Report(), db.path(), kListEntriesTable);
-  DbRowReader row(db, kListsLeftOutQuery);
-  while (row.Step()) {
+void V7DataExporter::DropListsLeftOut() {
+  // Only counted: a failure here loses no list, the reader above has
+  // reported its own.
+  (void)ReadRows({kListsLeftOutQuery, "PlayLists"}, [&](DbRowReader& row, SourceTableTally& tally) {
     const int list_id = row.GetInt("PlayListID");
-    const std::string target = "GeneralList_" + std::to_string(list_id);
-    int64_t count = 0;
-    DbRowReader entry(db, (boost::format("select * from PlayListItems where PlayListID = %d") %
-                           list_id)
-                              .str());
-    while (entry.Step()) {
-      ++count;
-      entries.Read();
-      entries.Dropped(target, drop_reason::kEntryOfListNotImported, entry.GetInt("ItemID"),
-                      MusicItemName(entry.GetInt("FileItemID")));
-    }
-    tally->Read();
-    tally->Dropped("GeneralListTable",
-                   row.GetInt("ListType") == 0 ? drop_reason::kListWithoutEntries
-                                               : drop_reason::kListTypeNotImported,
-                   list_id, row.GetString16("PlayListName"), count);
-  }
+    int64_t entries = 0;
+    (void)ReadRows(
+        {(boost::format("select * from PlayListItems where PlayListID = %d") % list_id).str(),
+         kListEntriesTable},
+        [&](DbRowReader& entry, SourceTableTally& entry_tally) {
+          ++entries;
+          entry_tally.Dropped("GeneralList_" + std::to_string(list_id),
+                              drop_reason::kEntryOfListNotImported, entry.GetInt("ItemID"),
+                              MusicItemName(entry.GetInt("FileItemID")));
+          return false;
+        });
+    tally.Dropped("GeneralListTable",
+                  row.GetInt("ListType") == 0 ? drop_reason::kListWithoutEntries
+                                              : drop_reason::kListTypeNotImported,
+                  list_id, row.GetString16("PlayListName"), entries);
+    return false;
+  });
   // Entries whose list is gone (a NULL list id included).
-  DbRowReader orphan(db,
-                     "select * from PlayListItems i where not exists (select 1 from PlayLists l "
-                     "where l.PlayListID = i.PlayListID)");
-  while (orphan.Step()) {
-    entries.Read();
-    entries.Dropped("GeneralList_" + std::to_string(orphan.GetInt("PlayListID")),
-                    drop_reason::kListEntryWithoutList, orphan.GetInt("ItemID"),
-                    MusicItemName(orphan.GetInt("FileItemID")));
-  }
+  (void)ReadRows({"select * from PlayListItems i where not exists (select 1 from PlayLists l "
+                  "where l.PlayListID = i.PlayListID)",
+                  kListEntriesTable},
+                 [&](DbRowReader& row, SourceTableTally& tally) {
+                   tally.Dropped("GeneralList_" + std::to_string(row.GetInt("PlayListID")),
+                                 drop_reason::kListEntryWithoutList, row.GetInt("ItemID"),
+                                 MusicItemName(row.GetInt("FileItemID")));
+                   return false;
+                 });
 }
 
-void V7DataExporter::ReadListItems(int list_id) {
-  DbRowReader row(*m_db->connection(),
-                  (boost::format("select * from PlayListItems where playListID = %d order by "
-                                 "SortId") %
-                   list_id)
-                      .str());
+bool V7DataExporter::ReadListItems(int list_id) {
+  RowQuery query{
+      (boost::format("select * from PlayListItems where playListID = %d order by SortId") %
+       list_id)
+          .str(),
+      kListEntriesTable};
   SongList& songs = m_model->m_list_songs[list_id];
-  SourceTableTally tally(Report(), m_db->connection()->path(), kListEntriesTable);
   const std::string target = "GeneralList_" + std::to_string(list_id);
-  size_t total = 0;
-  while (row.Step()) {
-    ++total;
-    tally.Read();
+  RowsRead entries = ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
     if (auto song = MakeListEntry(row)) {
       tally.Made(song.get());
       songs.push_back(std::move(song));
-    } else {
-      DropEntry(&tally, target, row);
+      return true;
     }
-  }
+    DropEntry(&tally, target, row);
+    return false;
+  });
   V7LOG(logging::LOG_PROGRESS) << L" Size of PlayListItems(ID=" << list_id << L") is {TOTAL:"
-                               << total << L", LOADED:" << songs.size() << L"}.";
+                               << entries.read << L", LOADED:" << songs.size() << L"}.";
+  return entries.ok;
 }
 
 // Entries of the lists of type 5, the lists of what was played last. They
@@ -268,38 +253,27 @@ void V7DataExporter::ReadListItems(int list_id) {
 // in the order of their lists and positions; "PlayListId" has no column
 // there and is not carried.
 bool V7DataExporter::ReadType5ListItems() {
-  DbRowReader row(*m_db->connection(),
-                  "select * from PlayListItems where PlayListID in (select PlayListId from "
-                  "PlayLists where PlayListType=5) order by PlayListId, SortId");
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), m_db->connection()->path(), kRecentEntriesTable);
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{
+      "select * from PlayListItems where PlayListID in (select PlayListId from "
+      "PlayLists where PlayListType=5) order by PlayListId, SortId",
+      kRecentEntriesTable, L"RecentPlayListItems"};
+  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
     if (auto song = MakeListEntry(row)) {
       tally.Made(song.get());
       m_model->m_recent_songs.push_back(std::move(song));
-      ++count;
-    } else {
-      DropEntry(&tally, "RecentlyPlayedItem", row);
+      return true;
     }
-  }
-  LogSize(L"RecentPlayListItems", count);
-  return true;
+    DropEntry(&tally, "RecentlyPlayedItem", row);
+    return false;
+  }).ok;
 }
 
 // "Downing": downloads not finished yet. "MusicID" is the music item's id.
 // The display name is the row's "FileName", or when it has none the base
 // name of "DestFileName" without extension.
 bool V7DataExporter::ReadUnfinishedDownloads() {
-  DbRowReader row(*m_db->connection(), "select * from Downing");
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), m_db->connection()->path(), "Downing");
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"select * from Downing", "Downing", L"DownFile"};
+  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
     auto download = std::make_shared<DownloadRecord>();
     download->file_id = row.GetInt("MusicID");
     download->FileID = download->file_id;
@@ -318,10 +292,8 @@ bool V7DataExporter::ReadUnfinishedDownloads() {
     download->DownFailed = row.GetInt("DownFailed") != 0;
     tally.Made(download.get());
     m_model->m_downloads.push_back(std::move(download));
-    ++count;
-  }
-  LogSize(L"DownFile", count);
-  return true;
+    return true;
+  }).ok;
 }
 
 // "DownHistory": finished downloads. The row supplies no file hash (the
@@ -332,9 +304,6 @@ bool V7DataExporter::ReadUnfinishedDownloads() {
 // row's (a downloaded file's catalogue hash is its content hash). A row
 // that neither finds keeps no file and is dropped by the writer, reported.
 bool V7DataExporter::ReadFinishedDownloads() {
-  DbRowReader row(*m_db->connection(), "select * from DownHistory");
-  if (!row.IsValid())
-    return false;
   // Items are visited in id order: the lowest id wins where several share a
   // path or a hash.
   std::unordered_map<std::wstring, int> file_by_path;
@@ -352,10 +321,8 @@ bool V7DataExporter::ReadFinishedDownloads() {
     auto found = map.find(key);
     return found == map.end() ? 0 : found->second;
   };
-  SourceTableTally tally(Report(), m_db->connection()->path(), "DownHistory");
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"select * from DownHistory", "DownHistory", L"DownHistroy"};
+  return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
     auto download = std::make_shared<DownloadRecord>();
     download->DestFileName = row.GetString16("FileName");
     download->FileName = BaseNameWithoutExtension(download->DestFileName);
@@ -373,20 +340,14 @@ bool V7DataExporter::ReadFinishedDownloads() {
     download->Percent = 100;
     tally.Made(download.get());
     m_model->m_downloads.push_back(std::move(download));
-    ++count;
-  }
-  LogSize(L"DownHistroy", count);
-  return true;
+    return true;
+  }).ok;
 }
 
 // "ShareFolders": the folders the library watches.
 bool V7DataExporter::ReadShareFolders() {
-  DbRowReader row(*m_db->connection(), "select * from ShareFolders");
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), m_db->connection()->path(), "ShareFolders");
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"select * from ShareFolders", "ShareFolders", L"ShareFolders"};
+  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
     auto folder = std::make_shared<ShareFolderItem>();
     folder->old_id = row.GetInt("ShareFolderID");
     folder->Path = row.GetString16("FolderPath");
@@ -395,9 +356,8 @@ bool V7DataExporter::ReadShareFolders() {
     m_share_folders.emplace(folder->old_id, folder);
     tally.Made(folder.get());
     m_model->m_share_folders.push_back(std::move(folder));
-  }
-  LogSize(L"ShareFolders", m_model->m_share_folders.size());
-  return true;
+    return true;
+  }).ok;
 }
 
 // "FolderItems": the files found in the watched folders with their sort
@@ -411,18 +371,13 @@ bool V7DataExporter::ReadFolderItems() {
     V7LOG(logging::LOG_FAILURE) << L"Table {FolderItems} do not exists.";
     return false;
   }
-  DbRowReader row(db, "select * from FolderItems");
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), db.path(), "FolderItems");
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"select * from FolderItems", "FolderItems", L"FolderItems"};
+  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
     auto music = m_music_items.find(row.GetInt("FileItemID"));
     if (music == m_music_items.end()) {
       tally.Dropped("LocalFiles", drop_reason::kFolderFileMissing, row.GetInt("FileItemID"),
                     MusicItemName(row.GetInt("FileItemID")));
-      continue;
+      return false;
     }
     ShareFileItem& file = *music->second.file;
     auto local = std::make_shared<LocalFileInfo>();
@@ -447,10 +402,8 @@ bool V7DataExporter::ReadFolderItems() {
       file.Album = local->Album;
     tally.Made(local.get());
     m_model->m_local_files.push_back(std::move(local));
-    ++count;
-  }
-  LogSize(L"FolderItems", count);
-  return true;
+    return true;
+  }).ok;
 }
 
 // "RadioListNJPlayedItems": hashes of the radio songs already played.
@@ -458,21 +411,15 @@ bool V7DataExporter::ReadPlayedRadioSongs() {
   sql::Connection& db = *m_db->connection();
   if (!db.DoesTableExist("RadioListNJPlayedItems"))
     return false;
-  DbRowReader row(db, "select * from RadioListNJPlayedItems");
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), db.path(), "RadioListNJPlayedItems");
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"select * from RadioListNJPlayedItems", "RadioListNJPlayedItems",
+                 L"RadioListNJPlayedItems"};
+  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
     auto played = std::make_shared<PlayedRadioRecord>();
     played->Hash = HashOrZero(row.GetString16("filehash"));
     tally.Made(played.get());
     m_model->m_played_radio.push_back(std::move(played));
-    ++count;
-  }
-  LogSize(L"RadioListNJPlayedItems", count);
-  return true;
+    return true;
+  }).ok;
 }
 
 // "RadioList": the channels. A channel's source row has no number of its
@@ -488,18 +435,14 @@ bool V7DataExporter::ReadRadioChannels() {
     V7LOG(logging::LOG_FAILURE) << L"Table {RadioList} do not exists.";
     return false;
   }
-  DbRowReader row(db, "select * from RadioList");
-  if (!row.IsValid())
-    return false;
   struct ChannelKey {
     std::string fm_id;
     int fm_type;
     int channel_id;
   };
-  SourceTableTally tally(Report(), db.path(), "RadioList");
   std::vector<ChannelKey> keys;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"select * from RadioList", "RadioList", L"RadioList"};
+  RowsRead channels = ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
     auto channel = std::make_shared<RadioChannelInfo>();
     channel->ID = ++m_next_radio_channel_id;
     channel->FMID = row.GetString16("fmid");
@@ -523,44 +466,45 @@ bool V7DataExporter::ReadRadioChannels() {
     tally.Made(channel.get());
     m_model->m_radio_songs[channel->ID];  // its table exists even without songs
     m_model->m_radio_channels.push_back(std::move(channel));
-  }
-  LogSize(L"RadioList", keys.size());
+    return true;
+  });
+  if (!channels.read && !channels.ok)
+    return false;
   if (!db.DoesTableExist("RadioListSongs")) {
     V7LOG(logging::LOG_FAILURE) << L"Table {RadioListSongs} do not exists.";
     return false;
   }
+  bool ok = channels.ok;
   for (const ChannelKey& key : keys)
-    ReadRadioSongs(key.fm_id, key.fm_type, key.channel_id);
+    ok = ReadRadioSongs(key.fm_id, key.fm_type, key.channel_id) && ok;
   DropRadioSongsOfNoChannel();
-  return true;
+  return ok;
 }
 
 void V7DataExporter::DropRadioSongsOfNoChannel() {
-  DbRowReader row(*m_db->connection(),
-                  "select * from RadioListSongs s where not exists (select 1 from RadioList c "
-                  "where c.fmid = s.fmid and c.fmtype = s.fmtype)");
-  SourceTableTally tally(Report(), m_db->connection()->path(), "RadioListSongs");
-  while (row.Step()) {
-    tally.Read();
-    tally.Dropped("RadioChannel", drop_reason::kRadioSongWithoutChannel, row.GetInt("fileid"),
-                  row.GetString16("filename"));
-  }
+  // Only counted: the channels' songs are read above.
+  (void)ReadRows({"select * from RadioListSongs s where not exists (select 1 from RadioList c "
+                  "where c.fmid = s.fmid and c.fmtype = s.fmtype)",
+                  "RadioListSongs"},
+                 [](DbRowReader& row, SourceTableTally& tally) {
+                   tally.Dropped("RadioChannel", drop_reason::kRadioSongWithoutChannel,
+                                 row.GetInt("fileid"), row.GetString16("filename"));
+                   return false;
+                 });
 }
 
 // "RadioListSongs" of one channel, in their stored order, numbered from 1
 // as entry id and sort position. "fileext" and "isfilehead" have no column
 // in the new song table; "filetime" is the song's length.
-void V7DataExporter::ReadRadioSongs(const std::string& fm_id, int fm_type, int channel_id) {
+bool V7DataExporter::ReadRadioSongs(const std::string& fm_id, int fm_type, int channel_id) {
   // The id goes into the statement as UTF-8 text; an apostrophe in it is
   // doubled so that the literal stays one.
-  DbRowReader row(*m_db->connection(),
-                  (boost::format("select * from RadioListSongs where fmid='%s' and fmtype=%d") %
-                   QuoteDoubled(fm_id) % fm_type)
-                      .str());
+  RowQuery query{(boost::format("select * from RadioListSongs where fmid='%s' and fmtype=%d") %
+                  QuoteDoubled(fm_id) % fm_type)
+                     .str(),
+                 "RadioListSongs"};
   SongList& songs = m_model->m_radio_songs[channel_id];
-  SourceTableTally tally(Report(), m_db->connection()->path(), "RadioListSongs");
-  while (row.Step()) {
-    tally.Read();
+  return ReadRows(query, [&songs](DbRowReader& row, SourceTableTally& tally) {
     auto song = std::make_shared<SongItem>();
     song->SongID = static_cast<int>(songs.size()) + 1;
     song->SortID = song->SongID;
@@ -573,7 +517,8 @@ void V7DataExporter::ReadRadioSongs(const std::string& fm_id, int fm_type, int c
     song->ImageURL = row.GetString16("imgurl80");
     tally.Made(song.get());
     songs.push_back(std::move(song));
-  }
+    return true;
+  }).ok;
 }
 
 // "RadioListDislikeSongs": songs the user asked never to hear again;
@@ -582,20 +527,14 @@ bool V7DataExporter::ReadDislikedRadioSongs() {
   sql::Connection& db = *m_db->connection();
   if (!db.DoesTableExist("RadioListDislikeSongs"))
     return false;
-  DbRowReader row(db, "select * from RadioListDislikeSongs");
-  if (!row.IsValid())
-    return false;
-  SourceTableTally tally(Report(), db.path(), "RadioListDislikeSongs");
-  size_t count = 0;
-  while (row.Step()) {
-    tally.Read();
+  RowQuery query{"select * from RadioListDislikeSongs", "RadioListDislikeSongs",
+                 L"RadioListDislikeSongs"};
+  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
     auto dislike = std::make_shared<DislikeRadioRecord>();
     dislike->Hash = HashOrZero(row.GetString16("FileHash"));
     dislike->DislikeType = row.GetInt("filetype");
     tally.Made(dislike.get());
     m_model->m_dislike_radio.push_back(std::move(dislike));
-    ++count;
-  }
-  LogSize(L"RadioListDislikeSongs", count);
-  return true;
+    return true;
+  }).ok;
 }

@@ -86,15 +86,23 @@ ExportResult V8DataExporter::ExportData() {
     return ExportResult::kNothingExported;
 
   // The library comes first: the list readers find their files in it.
+  bool read = false;
   if (music) {
     V8LOG(logging::LOG_PROGRESS) << Dump(m_music_copy);
-    ReadMusicDatabase();
+    read = ReadMusicDatabase();
   }
   if (lists) {
     V8LOG(logging::LOG_PROGRESS) << Dump(m_list_copy);
-    ReadListDatabase();
+    read = ReadListDatabase() || read;
   }
   ResetDatabase();
+  // Files found, of which nothing could be read: no empty library is put in
+  // place, so that the next run tries again (a good file put back, say).
+  if (!read) {
+    ReportState(ProgressRecord::kStateNotStarted);
+    Report()->SetFailure(UnreadableSourceWords(m_music_copy));
+    return ExportResult::kNothingExported;
+  }
   V8LOG(logging::LOG_PROGRESS) << L"V8DataExporter::ExportData DONE!";
   return ExportResult::kExported;
 }

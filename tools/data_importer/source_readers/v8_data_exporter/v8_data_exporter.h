@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -82,8 +83,9 @@ class V8DataExporter : public DataExporter {
   // the file exists in neither form.
   bool PrepareWorkCopy(const wchar_t* original, const base::FilePath& work_copy);
 
-  void ReadMusicDatabase();
-  void ReadListDatabase();
+  // False when the file could not be read at all (not even salvaged).
+  bool ReadMusicDatabase();
+  bool ReadListDatabase();
 
   // Table readers; false when the table exists but cannot be read (an
   // absent table reads nothing and is no failure).
@@ -107,9 +109,9 @@ class V8DataExporter : public DataExporter {
   // cannot be read (the others are still read).
   bool ReadSongTables(const char* prefix, std::map<int32_t, SongList>* lists);
 
-  // A reader of every row of |table| in row order; nullptr when the table
+  // The query of every row of |table| in row order; none when the table
   // does not exist (logged).
-  std::unique_ptr<DbRowReader> OpenTable(const std::string& table);
+  std::optional<std::string> TableQuery(const std::string& table);
   static int Find(const std::unordered_map<std::wstring, int>& map, const std::wstring& key);
   static int FindFile(const FileLookup& files, const std::wstring& path, const std::wstring& hash);
 

@@ -5,9 +5,11 @@
 #include <charconv>
 #include <climits>
 #include <functional>
+#include <optional>
 #include <set>
 #include <vector>
 
+#include "base/utf_string_conversions.h"
 #include "base/windows_path.h"
 #include "logging/logging.h"
 #include "tools/data_importer/run_record/progress_record.h"
@@ -18,10 +20,6 @@
 
 
 namespace {
-
-void LogSize(const char* table, size_t count) {
-  V8LOG(logging::LOG_PROGRESS) << L"Size of " << table << L" is {" << count << L"}.";
-}
 
 // The id of a table named |prefix| + decimal id, as the writers name them
 // ("GeneralList_-3"); false for any other name, a name with leading zeros
@@ -72,45 +70,37 @@ int V8DataExporter::FindFile(const FileLookup& files, const std::wstring& path,
   return Find(files.by_hash, hash);
 }
 
-std::unique_ptr<DbRowReader> V8DataExporter::OpenTable(const std::string& table) {
+std::optional<std::string> V8DataExporter::TableQuery(const std::string& table) {
   sql::Connection* db = m_db->connection();
   if (!db->DoesTableExist(table.c_str())) {
     V8LOG(logging::LOG_FAILURE) << L"Table {" << table.c_str() << L"} do not exists.";
-    return nullptr;
+    return std::nullopt;
   }
   // Row order is the order the rows were written in, so rows whose ids the
   // new database assigns get the same ones again. A table without row ids
   // is read in its key order.
   std::string select = "SELECT * FROM " + SqlTableName(table);
-  auto reader = std::make_unique<DbRowReader>(*db, select + " ORDER BY rowid");
-  if (!reader->IsValid())
-    reader = std::make_unique<DbRowReader>(*db, select);
-  return reader;
+  if (DbRowReader(*db, select + " ORDER BY rowid").IsValid())
+    return select + " ORDER BY rowid";
+  return select;
 }
 
 template <typename Record, typename Finish>
 bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record>& columns,
                                RecordList<Record>* list, Finish finish) {
-  std::unique_ptr<DbRowReader> row = OpenTable(table);
-  if (!row)
+  std::optional<std::string> select = TableQuery(table);
+  if (!select)
     return true;  // an absent table is no failure
-  if (!row->IsValid()) {
-    V8LOG(logging::LOG_FAILURE) << L"Table {" << table.c_str() << L"} cannot be read.";
-    return false;
-  }
-  SourceTableTally tally(Report(), m_db->connection()->path(), table);
-  size_t count = 0;
-  while (row->Step()) {
-    tally.Read();
-    auto record = std::make_shared<Record>();
-    ReadColumns(row.get(), columns, record.get());
-    finish(row.get(), record.get());
-    tally.Made(record.get());
-    list->push_back(record);
-    ++count;
-  }
-  LogSize(table.c_str(), count);
-  return true;
+  RowQuery query{*select, table, base::UTF8ToWide(table)};
+  return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
+           auto record = std::make_shared<Record>();
+           ReadColumns(&row, columns, record.get());
+           finish(&row, record.get());
+           tally.Made(record.get());
+           list->push_back(record);
+           return true;
+         })
+      .ok;
 }
 
 template <typename Record>
@@ -119,12 +109,12 @@ bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record
   return ReadTable(table, columns, list, [](DbRowReader*, Record*) {});
 }
 
-void V8DataExporter::ReadMusicDatabase() {
-  if (!OpenSourceWithRepair(m_music_copy)) {
+bool V8DataExporter::ReadMusicDatabase() {
+  if (!OpenSourceWithRepair(m_music_copy) || NothingSalvaged()) {
     V8LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_music_copy.value()
                                 << L"}.";
     ReportState(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed);
-    return;
+    return false;
   }
   // An older music database still holds the user's cloud lists; the build
   // carries them into the new playlist file.
@@ -161,14 +151,32 @@ void V8DataExporter::ReadMusicDatabase() {
       ReportState(ProgressRecord::kStateTableFailed);
     TableRead();
   }
+  // The tables come back under their own names; the history rows are
+  // downloads of "DownloadItem", where their family is counted.
+  ReportSalvageLosses({
+      {"ShareFileItems", ProgressRecord::kStateMusicFailed},
+      {"DownloadHistoryItem", ProgressRecord::kStateTableFailed, nullptr, "DownloadItem"},
+      {"RadioChannel_*", ProgressRecord::kStateTableFailed, nullptr, "RadioChannel"},
+      {"ShareFolders", ProgressRecord::kStateTableFailed},
+      {"LocalFiles", ProgressRecord::kStateTableFailed},
+      {"AppTools", ProgressRecord::kStateTableFailed},
+      {"RadioChannelTable", ProgressRecord::kStateTableFailed},
+      {"DislikeRadioItem", ProgressRecord::kStateTableFailed},
+      {"PlayedNJRadioItem", ProgressRecord::kStateTableFailed},
+      {"RecentlyPlayedItem", ProgressRecord::kStateTableFailed},
+      {"DownloadItem", ProgressRecord::kStateTableFailed},
+      {"UserLoginHistory", ProgressRecord::kStateTableFailed},
+      {"KeywordSearchHistory", ProgressRecord::kStateTableFailed},
+  });
+  return true;
 }
 
-void V8DataExporter::ReadListDatabase() {
-  if (!OpenSourceWithRepair(m_list_copy)) {
+bool V8DataExporter::ReadListDatabase() {
+  if (!OpenSourceWithRepair(m_list_copy) || NothingSalvaged()) {
     V8LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_list_copy.value()
                                 << L"}.";
     ReportState(ProgressRecord::kStateListsFailed);
-    return;
+    return false;
   }
   if (!ReadTable("GeneralListTable", GeneralListColumns(), &m_model->m_play_lists))
     ReportState(ProgressRecord::kStateListsFailed);
@@ -176,6 +184,11 @@ void V8DataExporter::ReadListDatabase() {
   if (!ReadSongTables("GeneralList_", &m_model->m_list_songs))
     ReportState(ProgressRecord::kStateListsFailed);
   TableRead();
+  ReportSalvageLosses({
+      {"GeneralListTable", ProgressRecord::kStateListsFailed},
+      {"GeneralList_*", ProgressRecord::kStateListsFailed, nullptr, "GeneralList"},
+  });
+  return true;
 }
 
 // Files keep their old id ("id") for the id maps; a table without the column

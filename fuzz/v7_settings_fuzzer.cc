@@ -1,0 +1,34 @@
+// Runs the generation-7 settings migration over arbitrary bytes as the
+// settings file "vantu.ini" of a scratch generation-7 folder.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "base/file_util.h"
+#include "fuzz/fuzz_scratch.h"
+#include "tools/data_importer/settings/v7_settings_migration.h"
+
+namespace {
+base::FilePath g_folder;
+}
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+  setenv("VANTU_LOG_LEVEL", "5", 1);
+  g_folder = FuzzScratchPath("vantu-v7-settings-fuzz");
+  if (!base::CreateDirectory(g_folder))
+    std::abort();
+  // The scratch folder goes with the process.
+  std::atexit([] { (void)base::DeleteFile(g_folder, true); });
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (!base::WriteFile(g_folder.Append(L"vantu.ini"),
+                       std::string(reinterpret_cast<const char*>(data), size)))
+    return 0;
+  // 936, the code page a run takes when the machine names none.
+  (void)MigrateV7Settings(g_folder, 936);  // every outcome is allowed; crashes are not
+  return 0;
+}

@@ -1,0 +1,343 @@
+#include "tools/data_importer/database_helper/salvage_copy.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cctype>
+#include <limits>
+#include <optional>
+#include <string_view>
+
+#include "base/file_util.h"
+#include "sql/connection.h"
+#include "sql/statement.h"
+
+// Why a copy and not reading the damaged file in place: the readers run
+// joins, sub-queries and per-list queries over several tables, and on a
+// damaged file any of them may stop at a damaged page of a table it only
+// consults. A copy holds every readable row under the same row ids and
+// passes the integrity check, so every reader runs on it unchanged; the
+// damage is met once, here, table by table. The SQLite inside the page
+// encryption library we build on has no recovery extension, so the walk
+// past a damaged page is done with row-id ranges.
+
+namespace {
+
+constexpr char kDamaged[] = "damaged";
+constexpr int64_t kMinRowId = std::numeric_limits<int64_t>::min();
+constexpr int64_t kMaxRowId = std::numeric_limits<int64_t>::max();
+// A bound on the damaged parts one table may hold before its walk gives up.
+constexpr int kMaxDamagedParts = 100000;
+
+std::string Quoted(const std::string& name) {
+  std::string out = "\"";
+  for (char c : name) {
+    out.push_back(c);
+    if (c == '"')
+      out.push_back('"');
+  }
+  return out + "\"";
+}
+
+bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() &&
+         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return std::tolower(static_cast<unsigned char>(x)) ==
+                  std::tolower(static_cast<unsigned char>(y));
+         });
+}
+
+bool ContainsIgnoringCase(const std::string& text, const std::string& word) {
+  std::string lower = text;
+  for (char& c : lower)
+    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return lower.find(word) != std::string::npos;
+}
+
+struct SchemaEntry {
+  std::string type;
+  std::string name;
+  std::string table;
+  std::string sql;
+};
+
+// As much of the damaged file's schema as can be read.
+std::vector<SchemaEntry> ReadSchema(sql::Connection* db) {
+  std::vector<SchemaEntry> entries;
+  sql::Statement schema(db->GetUniqueStatement(
+      "SELECT type, name, tbl_name, sql FROM damaged.sqlite_master ORDER BY rowid"));
+  while (schema.Step()) {
+    entries.push_back({schema.ColumnString(0), schema.ColumnString(1), schema.ColumnString(2),
+                       schema.ColumnString(3)});
+  }
+  return entries;
+}
+
+// The time a salvage may take. Damage can make the engine wander a long way
+// (a damaged page claiming children all over the file); once the time is
+// spent, every statement still running is interrupted and the walk ends,
+// keeping what it copied. A sound table of a large library is copied in
+// seconds.
+class TimeBudget {
+ public:
+  explicit TimeBudget(sql::Connection* db)
+      : db_(db), deadline_(std::chrono::steady_clock::now() + std::chrono::seconds(kSeconds)) {}
+  bool Spent() const { return std::chrono::steady_clock::now() > deadline_; }
+  // Whether statements are interrupted once the time is spent: on while
+  // the damaged file is walked, off for the work on the copy alone
+  // (counting it, building its indexes, committing it).
+  void Arm(bool on) const {
+    sqlite3_progress_handler(db_->db(), on ? 10000 : 0, on ? &TimeBudget::Interrupt : nullptr,
+                             const_cast<TimeBudget*>(this));
+  }
+
+ private:
+  static constexpr int kSeconds = 60;
+  static int Interrupt(void* self) { return static_cast<TimeBudget*>(self)->Spent() ? 1 : 0; }
+
+  sql::Connection* db_;
+  std::chrono::steady_clock::time_point deadline_;
+};
+
+// Copies one table of the attached damaged file into the main database.
+class TableSalvage {
+ public:
+  TableSalvage(sql::Connection* db, const std::string& name, const TimeBudget* budget)
+      : db_(db), name_(name), budget_(budget) {
+    source_ = std::string(kDamaged) + "." + Quoted(name);
+    target_ = "main." + Quoted(name);
+  }
+
+  SalvagedTable Run(bool without_rowid) {
+    SalvagedTable result;
+    result.name = name_;
+    if (!ReadColumns()) {
+      result.complete = false;
+      return result;
+    }
+    if (without_rowid || rowid_.empty()) {
+      // No row ids to walk by: the table comes whole or not at all.
+      result.complete = db_->Execute(
+          ("INSERT OR IGNORE INTO " + target_ + "(" + columns_ + ") SELECT " + columns_ + " FROM " +
+           source_)
+              .c_str());
+    } else if (!db_->Execute((Insert() + " ORDER BY " + rowid_).c_str())) {
+      result.complete = false;
+      Walk();
+      // The indexes of a damaged file are not read for the rows they name:
+      // the engine we build on crashed walking a damaged index page
+      // (found by fuzzing), so only the table's own pages are walked.
+    }
+    budget_->Arm(false);
+    sql::Statement count(db_->GetUniqueStatement(("SELECT COUNT(*) FROM " + target_).c_str()));
+    result.rows_copied = count.Step() ? count.ColumnInt64(0) : 0;
+    budget_->Arm(true);
+    return result;
+  }
+
+ private:
+  // The column list and a name for the row id that no column takes.
+  bool ReadColumns() {
+    sql::Statement info(
+        db_->GetUniqueStatement(("PRAGMA damaged.table_info(" + Quoted(name_) + ")").c_str()));
+    std::vector<std::string> names;
+    while (info.Step())
+      names.push_back(info.ColumnString(1));
+    if (names.empty())
+      return false;
+    for (const std::string& name : names)
+      columns_ += (columns_.empty() ? "" : ", ") + Quoted(name);
+    for (const char* alias : {"rowid", "_rowid_", "oid"}) {
+      if (std::none_of(names.begin(), names.end(),
+                       [alias](const std::string& n) { return EqualsIgnoringCase(n, alias); })) {
+        rowid_ = alias;
+        break;
+      }
+    }
+    return true;
+  }
+
+  // Damage can leave rows that break the table's constraints (a row id
+  // twice, from a duplicated page; a damaged value in a unique or NOT NULL
+  // column): such a row is left out rather than failing its whole range.
+  std::string Insert() const {
+    return "INSERT OR IGNORE INTO " + target_ + "(" + rowid_ + ", " + columns_ + ") SELECT " + rowid_ +
+           ", " + columns_ + " FROM " + source_;
+  }
+  std::string Select(int64_t from) const {
+    return "SELECT " + rowid_ + ", " + columns_ + " FROM " + source_ + " WHERE " + rowid_ +
+           " >= " + std::to_string(from) + " ORDER BY " + rowid_;
+  }
+
+  enum class Probe { kRow, kEnd, kDamaged };
+  // Whether a walk starting at row id |from| reads its first row.
+  Probe ProbeFrom(int64_t from) {
+    sql::Statement probe(db_->GetUniqueStatement((Select(from) + " LIMIT 1").c_str()));
+    if (probe.Step())
+      return Probe::kRow;
+    return probe.Succeeded() ? Probe::kEnd : Probe::kDamaged;
+  }
+
+  // The rows of the table in row-id order, past every damaged part.
+  void Walk() {
+    bool first = true;
+    int64_t from = kMinRowId;
+    for (int part = 0; part < kMaxDamagedParts && !budget_->Spent(); ++part) {
+      std::string select = first ? "SELECT " + rowid_ + ", " + columns_ + " FROM " + source_ +
+                                       " ORDER BY " + rowid_
+                                 : Select(from);
+      sql::Statement walk(db_->GetUniqueStatement(select.c_str()));
+      int64_t last = from;
+      int64_t rows = 0;
+      // Damage can hand back row ids out of order; the walk goes on past
+      // the largest one read, so it always moves forward.
+      while (walk.Step()) {
+        last = std::max(last, walk.ColumnInt64(0));
+        ++rows;
+      }
+      const bool ended = walk.Succeeded();
+      if (rows > 0) {
+        // The rows just read, read again by the copy. A bound on the row id
+        // would make the engine look at the next row to see the range end,
+        // which lies in the damaged part; a limit stops at the last row.
+        std::string range = first ? std::string() : " WHERE " + rowid_ + " >= " + std::to_string(from);
+        // Should the copy fail all the same, these rows are lost with the
+        // damaged part: they are not in the copy, and the index names them.
+        (void)db_->Execute(
+            (Insert() + range + " ORDER BY " + rowid_ + " LIMIT " + std::to_string(rows)).c_str());
+      }
+      if (ended || last == kMaxRowId)
+        return;
+      // The walk stopped at damage after |last| (or at |from| itself when
+      // it read nothing): find the first row id past it that reads again.
+      // A walk that could not even begin looks from row id 1 upward, where
+      // the row ids of every table the importer reads begin; rows under
+      // negative ids past a damaged start are not looked for.
+      const int64_t base = first ? (rows > 0 ? last : 0) : std::max(last, from);
+      std::optional<int64_t> next = NextReadable(base);
+      if (!next)
+        return;
+      from = *next;
+      first = false;
+    }
+  }
+
+  // The smallest row id above |base| from which a walk reads again; none
+  // when nothing past |base| can be read.
+  std::optional<int64_t> NextReadable(int64_t base) {
+    // Distances are counted unsigned: |base| may be negative.
+    const uint64_t room = static_cast<uint64_t>(kMaxRowId) - static_cast<uint64_t>(base);
+    auto plus = [base](uint64_t distance) {
+      return static_cast<int64_t>(static_cast<uint64_t>(base) + distance);
+    };
+    uint64_t step = 1;
+    uint64_t bad = 0;  // distance from |base| known to fail
+    while (!budget_->Spent()) {
+      const uint64_t distance = std::min(step, room);
+      Probe probe = ProbeFrom(plus(distance));
+      if (probe == Probe::kEnd)
+        return std::nullopt;
+      if (probe == Probe::kRow) {
+        step = distance;
+        break;
+      }
+      if (distance == room)
+        return std::nullopt;
+      bad = distance;
+      step = step > room / 2 ? room : step * 2;
+    }
+    if (budget_->Spent())
+      return std::nullopt;
+    // Back down to the boundary: |bad| fails, |step| reads.
+    uint64_t good = step;
+    while (good - bad > 1) {
+      uint64_t mid = bad + (good - bad) / 2;
+      if (ProbeFrom(plus(mid)) == Probe::kRow)
+        good = mid;
+      else
+        bad = mid;
+    }
+    return plus(good);
+  }
+
+  sql::Connection* db_;
+  std::string name_;
+  const TimeBudget* budget_;
+  std::string source_;
+  std::string target_;
+  std::string columns_;
+  std::string rowid_;
+};
+
+}  // namespace
+
+// A truncated file: its header claims more pages than it holds, and the
+// engine refuses its whole schema when a table's first page lies past the
+// end. Padded with empty pages to the size it claims, every page it still
+// holds can be read again. Answers the padded copy's path beside |fresh|,
+// or |damaged| itself when it needs no padding or cannot be padded.
+static base::FilePath PaddedWhenTruncated(const base::FilePath& damaged,
+                                          const base::FilePath& fresh) {
+  std::string bytes;
+  if (!base::ReadFileToString(damaged, &bytes) || bytes.size() < 100)
+    return damaged;
+  auto byte = [&bytes](size_t at) { return static_cast<unsigned char>(bytes[at]); };
+  uint64_t page_size = (byte(16) << 8) | byte(17);
+  if (page_size == 1)
+    page_size = 65536;
+  const uint64_t pages = (uint64_t{byte(28)} << 24) | (byte(29) << 16) | (byte(30) << 8) | byte(31);
+  // Sizes a header can claim; beyond a gigabyte the damage is in the header.
+  if (page_size < 512 || (page_size & (page_size - 1)) || pages * page_size <= bytes.size() ||
+      pages * page_size > (uint64_t{1} << 30))
+    return damaged;
+  bytes.resize(pages * page_size, '\0');
+  base::FilePath padded(fresh.value() + L".padded");
+  return base::WriteFile(padded, bytes) ? padded : damaged;
+}
+
+static SalvageResult SalvageReadable(const base::FilePath& damaged, const base::FilePath& fresh) {
+  SalvageResult result;
+  sql::Connection db;
+  if (!db.Open(fresh) || !db.AttachDatabase(damaged, kDamaged))
+    return result;
+  TimeBudget budget(&db);
+  std::vector<SchemaEntry> schema = ReadSchema(&db);
+  if (!db.BeginTransaction())
+    return result;
+  for (const SchemaEntry& entry : schema) {
+    if (entry.type != "table" || entry.sql.empty() || entry.name.rfind("sqlite_", 0) == 0 ||
+        ContainsIgnoringCase(entry.sql, "create virtual table"))
+      continue;
+    if (!db.Execute(entry.sql.c_str())) {
+      result.tables.push_back({entry.name, 0, {}, false});
+      continue;
+    }
+    TableSalvage table(&db, entry.name, &budget);
+    budget.Arm(true);
+    result.tables.push_back(
+        table.Run(ContainsIgnoringCase(entry.sql, "without rowid")));
+    budget.Arm(false);
+  }
+  // The indexes are built anew from the copied rows; one that the rows no
+  // longer satisfy (a unique index over damaged values) is left out.
+  for (const SchemaEntry& entry : schema) {
+    if (entry.type == "index" && !entry.sql.empty())
+      (void)db.Execute(entry.sql.c_str());
+  }
+  if (!db.CommitTransaction())
+    return result;
+  result.ok = db.DetachDatabase(kDamaged);
+  return result;
+}
+
+SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& fresh) {
+  SalvageResult result;
+  if (!base::PathExists(damaged) || !base::DeleteFile(fresh))
+    return result;
+  const base::FilePath readable = PaddedWhenTruncated(damaged, fresh);
+  result = SalvageReadable(readable, fresh);
+  if (readable != damaged && !base::DeleteFile(readable))
+    result.ok = false;  // a work file left behind: the caller must not trust the copy
+  return result;
+}
