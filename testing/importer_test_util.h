@@ -125,8 +125,8 @@ bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& ke
 std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
                             const std::string& query);
 
-// The "ImportReport.json" of |data_folder| (a failed expectation and a null
-// value when it cannot be read).
+// The report of the last run on |data_folder|, the newest of its history
+// (a failed expectation and a null value when it cannot be read).
 base::Value ReadImportReport(const base::FilePath& data_folder);
 
 // The first entry of the array |list| whose |key| is |value| (and, when

@@ -265,15 +265,22 @@ std::string DescribeImportState(const std::wstring& state) {
   return text + ")";
 }
 
-std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns) {
+std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns,
+                            const std::string& stage) {
+  // Room kept for the stage, whatever its length, so the bar does not
+  // jump as the stage changes.
+  constexpr int kStageRoom = 24;
   percent = std::clamp(percent, 0, 100);
   char figures[48];
   std::snprintf(figures, sizeof(figures), "] %3d%% %6.1fs", percent, seconds);
-  const int fixed = static_cast<int>(label.size() + 2 + std::strlen(figures));
+  const int fixed = static_cast<int>(label.size() + 2 + std::strlen(figures)) +
+                    (stage.empty() ? 0 : 1 + kStageRoom);
   const int width = std::clamp(columns - 1 - fixed, 10, 40);
   const int filled = percent * width / 100;
   std::string line = label + " [" + std::string(filled, '#') + std::string(width - filled, ' ') +
                      figures;
+  if (!stage.empty())
+    line += " " + stage;
   if (columns > 1 && static_cast<int>(line.size()) > columns - 1)
     line.resize(columns - 1);
   return line;
@@ -328,7 +335,23 @@ std::string LookupNotes(const base::Value& report) {
 
 }  // namespace
 
-std::string VerdictLine(const base::Value& report) {
+std::string FollowedImport(const base::Value& report, const base::Value& last_import) {
+  std::string task = ReportTask(last_import);
+  if (task.empty() || (Text(At(last_import, "time")) == Text(At(report, "time")) &&
+                       ReportTask(report) == task))
+    return std::string();
+  std::string date = Text(At(last_import, "time")).substr(0, 10);
+  std::string when = date.empty() ? std::string() : " on " + date;
+  if (DBCheckValue(last_import, "ImportEnd") == "5")
+    return "Follows the " + TaskInWords(task) + ", which failed" + when + ".";
+  return "Follows the " + TaskInWords(task) + ", imported" + when + ": " +
+         ImportedCounts(last_import) + ".";
+}
+
+namespace {
+
+// The verdict on the run of |report| alone.
+std::string RunVerdict(const base::Value& report) {
   std::string task = ReportTask(report);
   if (task.empty()) {
     const base::Value& unreachable = At(At(report, "lookup"), "unreachable");
@@ -343,6 +366,14 @@ std::string VerdictLine(const base::Value& report) {
     return line + ".";
   }
   return TaskVerdict(report, task) + LookupNotes(report) + ".";
+}
+
+}  // namespace
+
+std::string VerdictLine(const base::Value& report, const base::Value& last_import) {
+  std::string followed = FollowedImport(report, last_import);
+  std::string line = RunVerdict(report);
+  return followed.empty() ? line : line + " " + followed;
 }
 
 std::string LookupLines(const base::Value& report) {
@@ -384,6 +415,31 @@ std::string TaskVerdict(const base::Value& report, const std::string& task) {
   return line;
 }
 
+std::string DroppedByName(const base::Value& report) {
+  std::string text;
+  for (const auto& drop : At(report, "dropped")) {
+    const std::string why = Text(At(drop, "text"));
+    int64_t named = 0;
+    for (const auto& example : At(drop, "examples")) {
+      ++named;
+      std::string name = Text(At(example, "name"));
+      const base::Value& entries = At(example, "entries");
+      if (entries.is_number()) {
+        text += "  skipped list '" + name + "' (" +
+                Count(Number(entries), "entry", "entries") + "): " + why + "\n";
+        continue;
+      }
+      text += "  skipped " + Text(At(example, "table")) + " " +
+              std::to_string(Number(At(example, "old_id"))) +
+              (name.empty() ? std::string() : " '" + name + "'") + ": " + why + "\n";
+    }
+    int64_t more = Number(At(drop, "count")) - named;
+    if (more > 0)
+      text += "  and " + std::to_string(more) + " more: " + why + " (not named in the report)\n";
+  }
+  return text.empty() ? text : "Dropped records, by reason:\n" + text;
+}
+
 std::string DescribeDetails(const base::Value& report) {
   std::ostringstream out;
   out << LookupLines(report);
@@ -412,6 +468,7 @@ std::string DescribeDetails(const base::Value& report) {
         << (At(t, "rows_counted").is_null() ? std::string("-") : std::to_string(Number(At(t, "rows_counted"))))
         << "\n";
   }
+  out << DroppedByName(report);
   const base::Value& summary = At(report, "summary");
   if (Number(At(summary, "settings_written"))) {
     out << "Settings: " << Number(At(summary, "settings")) << " read from the source; "

@@ -38,6 +38,7 @@
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/driver/data_importer_run.h"
 #include "tools/data_importer/run_record/importer_names.h"
+#include "tools/data_importer/run_record/report_history.h"
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/vantu_import/data_folder_check.h"
 #include "tools/vantu_import/demo_profile.h"
@@ -72,7 +73,7 @@ class ProgressView {
   ProgressView(bool enabled, bool terminal) : enabled_(enabled), terminal_(terminal) {}
 
   void Show(const std::wstring& import_progress, const std::wstring& update_progress,
-            double seconds) {
+            const std::string& stage, double seconds) {
     if (!enabled_)
       return;
     std::string label = "import";
@@ -94,7 +95,7 @@ class ProgressView {
     // The width is read at each redraw: the terminal may be resized.
     int columns = TerminalColumns();
     // "\r" and clearing to the end of the line redraw the bar in place.
-    std::printf("\r%s\x1b[K", ProgressBarLine(label, percent, seconds, columns).c_str());
+    std::printf("\r%s\x1b[K", ProgressBarLine(label, percent, seconds, columns, stage).c_str());
     std::fflush(stdout);
     bar_shown_ = true;
   }
@@ -158,9 +159,16 @@ void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressV
   std::mutex mutex;
   std::condition_variable finished;
   bool done = false;
+  // The stage the run is in, set on the worker's thread.
+  std::string stage;
+  RunContext observed = context;
+  observed.m_stage_observer = [&](const std::string& entered) {
+    std::lock_guard<std::mutex> lock(mutex);
+    stage = entered;
+  };
   auto start = std::chrono::steady_clock::now();
   std::thread worker([&] {
-    RunDataImporter(context);
+    RunDataImporter(observed);
     std::lock_guard<std::mutex> lock(mutex);
     done = true;
     finished.notify_one();
@@ -180,7 +188,12 @@ void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressV
       import_progress.clear();
       update_progress.clear();
     }
-    view->Show(import_progress, update_progress, elapsed.count());
+    std::string current_stage;
+    {
+      std::lock_guard<std::mutex> lock(mutex);
+      current_stage = done ? std::string() : stage;
+    }
+    view->Show(import_progress, update_progress, current_stage, elapsed.count());
   };
   std::unique_lock<std::mutex> lock(mutex);
   while (!done) {
@@ -258,19 +271,6 @@ int Fail(int status, const std::string& message) {
   return status;
 }
 
-struct ReportFile {
-  bool exists = false;
-  double modified = 0;
-};
-
-ReportFile StatReport(const base::FilePath& path) {
-  base::FileInfo info;
-  ReportFile file;
-  file.exists = base::GetFileInfo(path, &info);
-  file.modified = info.last_modified;
-  return file;
-}
-
 // The files of |folder| with their sizes and modification times, to tell
 // whether a run wrote into it.
 std::string FolderState(const base::FilePath& folder) {
@@ -313,8 +313,8 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
     return Fail(kExitFailed, error);
 
   base::FilePath ini = data_folder.Append(names::kSettingsFileName);
-  base::FilePath report_path = data_folder.Append(importer_names::kReportFileName);
-  ReportFile before = StatReport(report_path);
+  // The run's report is the one it adds to the history of runs.
+  base::FilePath report_before = LatestRunReport(data_folder);
   // Today's backup folder, as the importer names it; shown only when this
   // run wrote into it.
   base::FilePath backup =
@@ -325,10 +325,9 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
   RunImporter(context, ini, &view);
 
   // The run must have left both its record in "DBCheck" and a new report.
-  ReportFile after = StatReport(report_path);
+  base::FilePath report_path = LatestRunReport(data_folder);
   base::Value report;
-  if (!after.exists || (before.exists && before.modified == after.modified) ||
-      !ReadReport(report_path, &report)) {
+  if (report_path.empty() || report_path == report_before || !ReadReport(report_path, &report)) {
     return Fail(kExitFailed, "the importer wrote no report in " + data_folder.AsUTF8Unsafe() +
                                  "; see " +
                                  data_folder.Append(names::kLogFileName).AsUTF8Unsafe());
@@ -342,7 +341,13 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
     std::printf("%s\n", report.dump(2, ' ', false, base::Value::error_handler_t::replace).c_str());
     return ExitStatusOf(report);
   }
-  std::printf("%s\n", VerdictLine(report).c_str());
+  // The import the data folder's databases come from, unless this run made
+  // them (a folder never imported into has none).
+  base::FilePath last_import_path = data_folder.Append(names::kReportFileName);
+  base::Value last_import;
+  if (base::PathExists(last_import_path) && !ReadReport(last_import_path, &last_import))
+    last_import = base::Value();
+  std::printf("%s\n", VerdictLine(report, last_import).c_str());
   if (options.quiet)
     return ExitStatusOf(report);
   if (!options.profile.empty() && options.registry.empty())
@@ -370,6 +375,8 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
     if (!backup_after.empty() && backup_after != backup_before)
       std::printf("Backup folder: %s\n", backup.AsUTF8Unsafe().c_str());
     std::printf("Report:        %s\n", report_path.AsUTF8Unsafe().c_str());
+    if (!last_import.is_null() && !FollowedImport(report, last_import).empty())
+      std::printf("Last import:   %s\n", last_import_path.AsUTF8Unsafe().c_str());
   }
   if (options.verbose || options.dry_run)
     std::printf("%s", DescribeDetails(report).c_str());

@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "base/file_util.h"
 #include "base/json_file.h"
@@ -169,7 +171,7 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
             output_);
 
   EXPECT_EQ(0, Run("--verbose " + ProfileArgs(), false)) << output_;
-  EXPECT_NE(std::string::npos, output_.find("Ran the upgrade of the version-3 databases.\n"));
+  EXPECT_NE(std::string::npos, output_.find("Ran the upgrade of the version-3 databases. Follows "));
   EXPECT_NE(std::string::npos,
             output_.find("Task:          upgrade of the version-3 databases (updatevantu8)"));
   EXPECT_NE(std::string::npos, output_.find("  UpdateProgress = 100\n")) << output_;
@@ -220,6 +222,67 @@ TEST_F(HostRunTest, BackupFolderOnlyWhenThisRunWroteOne) {
   // section by the run before.
   EXPECT_EQ(std::string::npos, output_.find("import progress:")) << output_;
   EXPECT_NE(std::string::npos, output_.find("upgrade progress: 100%")) << output_;
+}
+
+// Every run's report joins the history in "reports"; "ImportReport.json"
+// stays the import's through the upgrade and a run that finds nothing, and
+// their verdicts name the import the data folder holds.
+TEST_F(HostRunTest, LaterRunsKeepTheImportsReportAndNameIt) {
+  WriteInstallation();
+  EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << output_;
+  base::Value imported;
+  ASSERT_TRUE(base::ReadJsonFile(data_folder().Append(importer_names::kReportFileName), &imported));
+  const std::string date = imported["time"].get<std::string>().substr(0, 10);
+  ASSERT_EQ(10u, date.size());
+  const std::string follows = " Follows the import from generation 6 (importvantu6), imported on " +
+                              date + ": 3 songs and 1 list with 2 entries.\n";
+
+  EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << output_;
+  EXPECT_EQ("Ran the upgrade of the version-3 databases." + follows, output_);
+  // Without the databases and the registry nothing is found; the report
+  // of the import is still there.
+  ASSERT_TRUE(base::DeleteFile(data_folder().Append(importer_names::kMusicDatabaseV3)));
+  ASSERT_TRUE(base::DeleteFile(data_folder().Append(importer_names::kPlaylistDatabaseV3)));
+  EXPECT_EQ(0, Run("--profile " + Quote(profile()))) << output_;
+  EXPECT_EQ(0u, output_.find("Nothing to import: no earlier installation of the player was found." +
+                             follows))
+      << output_;
+  EXPECT_NE(std::string::npos, output_.find("\nReport:        " + data_folder().AsUTF8Unsafe() +
+                                            "/reports/"))
+      << output_;
+  EXPECT_NE(std::string::npos, output_.find("-nothing-")) << output_;
+
+  base::Value kept;
+  ASSERT_TRUE(base::ReadJsonFile(data_folder().Append(importer_names::kReportFileName), &kept));
+  EXPECT_EQ(imported, kept);
+  std::vector<std::string> tasks;
+  std::error_code code;
+  for (const auto& entry : std::filesystem::directory_iterator(
+           data_folder().Append(L"reports").AsUTF8Unsafe(), code)) {
+    std::string name = entry.path().filename().string();
+    tasks.push_back(name.substr(17, name.rfind('-') - 17));
+  }
+  std::sort(tasks.begin(), tasks.end());
+  EXPECT_EQ((std::vector<std::string>{"importvantu6", "nothing", "updatevantu8"}), tasks);
+}
+
+// --verbose names the dropped records grouped by reason: a list that is not
+// imported with its entries, an entry whose song is gone.
+TEST_F(HostRunTest, VerboseNamesTheDroppedRecords) {
+  base::FilePath roaming = profile().Append(L"AppData").Append(L"Roaming");
+  ASSERT_TRUE(WriteSampleV7Installation(roaming, V7SampleSize()));
+  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << output_;
+  size_t heading = output_.find("\nDropped records, by reason:\n");
+  ASSERT_NE(std::string::npos, heading) << output_;
+  size_t cloud = output_.find("\n  skipped list 'Cloud list' (", heading);
+  ASSERT_NE(std::string::npos, cloud) << output_;
+  std::string line = output_.substr(cloud + 1, output_.find('\n', cloud + 1) - cloud - 1);
+  EXPECT_NE(std::string::npos, line.find(" entries): list of a type that is not imported")) << line;
+  EXPECT_EQ(std::string::npos, line.find("(0 entries)")) << line;
+  EXPECT_NE(std::string::npos,
+            output_.find(": entries of lists that are not imported\n", heading)) << output_;
+  EXPECT_NE(std::string::npos,
+            output_.find(": list entry whose song is not in the library\n", heading)) << output_;
 }
 
 // Settings are counted as read from the source: an empty settings file

@@ -99,6 +99,22 @@ TEST(ProgressBarTest, FitsTheTerminal) {
   EXPECT_EQ("start [                  ]   0%    0.0s", ProgressBarLine("start", -5, 0, 40));
 }
 
+// The stage follows the figures; the bar keeps its width whichever stage it
+// names, and a long stage is cut at the terminal's edge.
+TEST(ProgressBarTest, NamesTheStage) {
+  std::string reading = ProgressBarLine("import", 49, 1.5, 80, "reading MusicItems");
+  std::string long_stage =
+      ProgressBarLine("import", 49, 1.5, 80, "reading GeneralList_-3 of a long name beyond");
+  EXPECT_EQ("import [###############                 ]  49%    1.5s reading MusicItems",
+            reading);
+  EXPECT_EQ(reading.find(']'), long_stage.find(']'));
+  EXPECT_EQ(79u, long_stage.size());
+  EXPECT_EQ(0u, long_stage.find(reading.substr(0, reading.find(" reading"))));
+  std::string narrow = ProgressBarLine("import", 65, 2, 40, "encrypting");
+  EXPECT_LE(narrow.size(), 39u) << narrow;
+  EXPECT_NE(std::string::npos, narrow.find("]  65%")) << narrow;
+}
+
 // The options become the run's context: the single-folder options win over
 // the profile's folders, and --i is a Windows path on a --drive folder.
 TEST(HostOptionsTest, ContextFromOptions) {

@@ -8,6 +8,7 @@
 #include "base/command_line.h"
 #include "base/file_util.h"
 #include "base/path_service.h"
+#include "base/time.h"
 #include "base/utf_string_conversions.h"
 #include "base/windows_path.h"
 #include "common/exception_report/crash_handler.h"
@@ -21,6 +22,7 @@
 #include "tools/data_importer/driver/leftover_files.h"
 #include "tools/data_importer/driver/playlist_storage.h"
 #include "tools/data_importer/run_record/progress_record.h"
+#include "tools/data_importer/run_record/report_history.h"
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/driver/task_decision.h"
 #include "tools/data_importer/version3_upgrade/upgrade_result.h"
@@ -36,6 +38,31 @@ void KeepUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& r
   if (!WriteUpgradeResult(data_folder, result)) {
     VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: writing {" << kUpgradeResultFile
                                   << L"} FAILED.";
+  }
+}
+
+// The account of the run, for the player's support and the host program:
+// every run's report joins the history of runs; "ImportReport.json" is
+// replaced only by a run that imported, so the record of what the data
+// folder's databases were made from outlives the upgrades and the runs that
+// found nothing.
+void KeepReport(const base::FilePath& data_folder, bool imported, ImportReport* report) {
+  if (data_folder.empty())
+    return;
+  double now = base::Time::Now().ToDoubleT();
+  std::string stamp = UtcTimeStamp(now);
+  // "20261124T234313Z" -> "2026-11-24T23:43:13Z".
+  report->SetEndTime(stamp.substr(0, 4) + "-" + stamp.substr(4, 2) + "-" + stamp.substr(6, 5) +
+                     ":" + stamp.substr(11, 2) + ":" + stamp.substr(13));
+  if (KeepRunReport(data_folder, report->task(), now, report->ToText()).empty()) {
+    VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: cannot write the run's report into {"
+                                  << data_folder.Append(importer_names::kReportHistoryFolder).value()
+                                  << L"}, error code {" << base::GetLastSystemError() << L"}.";
+  }
+  if (imported && !report->Write(data_folder)) {
+    VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: cannot write {"
+                                  << data_folder.Append(importer_names::kReportFileName).value()
+                                  << L"}, error code {" << base::GetLastSystemError() << L"}.";
   }
 }
 
@@ -96,6 +123,7 @@ void Run(const RunContext& context) {
                                  << context.m_source_folder.value() << L"}.";
 
   ImportReport report;
+  report.set_stage_observer(context.m_stage_observer);
   report.SetTask(task, ImportKindOfTask(task));
   report.AddStage("TaskDecision", decision_time.count());
   report.SetLookup(std::move(lookup));
@@ -108,12 +136,7 @@ void Run(const RunContext& context) {
   ClearUpgradeResult(data_folder);
   RunTask(task, context, &record);
 
-  // The account of the run, for the player's support and the host program.
-  if (!data_folder.empty() && !report.Write(data_folder)) {
-    VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: cannot write {"
-                                  << data_folder.Append(importer_names::kReportFileName).value()
-                                  << L"}, error code {" << base::GetLastSystemError() << L"}.";
-  }
+  KeepReport(data_folder, record.import_kind() != 0, &report);
 }
 
 // Runs the whole import; nothing escapes.

@@ -8,10 +8,15 @@
 #include <signal.h>
 #endif
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include "base/file_util.h"
 #include "base/json_file.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/importer_test_util.h"
+#include "tools/data_importer/driver/data_importer_run.h"
 
 namespace {
 
@@ -94,6 +99,36 @@ TEST_F(DataImporterMainTest, ImportRunGoesFromTenToHundred) {
   EXPECT_EQ(L"", profile_.DBCheck(L"UpdateProgress"));
   EXPECT_FALSE(base::PathExists(Data(L"VTMusicV3.db")));
   EXPECT_FALSE(base::PathExists(Data(L"playlistV3.db")));
+}
+
+// The run names each stage it enters to the context's observer, in the
+// order it works: the source's tables, then the writers, then encrypting,
+// verifying and replacing the files.
+TEST_F(DataImporterMainTest, StagesAreNamedInOrder) {
+  base::FilePath old = profile_.root().Append(L"Old Player");
+  ASSERT_TRUE(WriteSampleV6Installation(old, 5));
+  RunContext context = RunContextFromEnvironment();
+  context.m_source_folder = old;
+  std::vector<std::string> stages;
+  context.m_stage_observer = [&](const std::string& stage) { stages.push_back(stage); };
+  RunDataImporter(context);
+  ASSERT_TRUE(base::PathExists(Data(L"playlistV3.db")));
+
+  auto at = [&](const std::string& stage) {
+    return std::find(stages.begin(), stages.end(), stage) - stages.begin();
+  };
+  const std::vector<std::string> expected_order = {
+      "reading MusicItems", "writing songs", "writing lists", "writing list entries",
+      "encrypting", "verifying", "replacing"};
+  std::string all;
+  for (const std::string& stage : stages)
+    all += stage + "; ";
+  for (size_t i = 0; i < expected_order.size(); ++i) {
+    ASSERT_LT(at(expected_order[i]), static_cast<long>(stages.size())) << expected_order[i] << ": " << all;
+    if (i > 0)
+      EXPECT_LT(at(expected_order[i - 1]), at(expected_order[i])) << all;
+  }
+  EXPECT_EQ("replacing", stages.back()) << all;
 }
 
 // After an import the playlist storage learns the new list database's

@@ -74,13 +74,16 @@ class ImportReportReconcileTest : public testing::Test {
 };
 
 // The sample installation has an entry whose music is gone, a list without
-// entries and a list of a type that is not imported; added here: a
-// recently-played entry and a folder item whose music is gone and a
-// download that finds no file. Each source table's rows, counted in the
-// source itself, are all accounted for.
+// entries and a list of a type that is not imported (with entries); added
+// here: a recently-played entry and a folder item whose music is gone, a
+// download that finds no file, an entry of no list and a radio song of no
+// channel. Every row of each source table, counted in the source itself, is
+// accounted for.
 TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
   V7Database db = MakeSampleV7Database({30, 2, 20, 6, 2});
   db.items.push_back({9001, 5, 7777, 0, 50, 0, 0});
+  db.items.push_back({9002, 4321, 1, 0, 0, 0, 0});
+  db.radio_songs.push_back({L"gone", 3, L"DDDDDDDDDDDDDDDDDDDDDDDDDDDDDDDD", L"Lone Song", 555});
   db.folder_items.push_back({1, 8888, L"Nobody", L"Nowhere", L"Nx"});
   V7Download lost;
   lost.music_id = 9999;
@@ -103,8 +106,8 @@ TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
       // The lists of what was played last count by their entries.
       {"PlayLists", "select count(*) from PlayLists where PlayListType <> 5"},
       {"PlayListItems",
-       "select count(*) from PlayListItems where PlayListID in (select PlayListID from "
-       "PlayLists where PlayListType in (0, 1))"},
+       "select count(*) from PlayListItems where PlayListID not in (select PlayListID from "
+       "PlayLists where PlayListType = 5)"},
       {"PlayListItems (recently played)",
        "select count(*) from PlayListItems where PlayListID in (select PlayListID from "
        "PlayLists where PlayListType = 5)"},
@@ -114,9 +117,7 @@ TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
       {"FolderItems", "select count(*) from FolderItems"},
       {"RadioListNJPlayedItems", "select count(*) from RadioListNJPlayedItems"},
       {"RadioList", "select count(*) from RadioList"},
-      {"RadioListSongs",
-       "select count(*) from RadioListSongs s join RadioList c on s.fmid = c.fmid and "
-       "s.fmtype = c.fmtype"},
+      {"RadioListSongs", "select count(*) from RadioListSongs"},
       {"RadioListDislikeSongs", "select count(*) from RadioListDislikeSongs"},
   };
   auto tables = SourceTables(report);
@@ -133,10 +134,22 @@ TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
   EXPECT_EQ(1, Dropped(report, "list_type_not_imported"));
   EXPECT_EQ(1, Dropped(report, "folder_file_missing"));
   EXPECT_EQ(1, Dropped(report, "download_unresolved"));
+  EXPECT_EQ(1, Dropped(report, "list_entry_without_list"));
+  // The sample's song of another channel type, and the one added here.
+  EXPECT_EQ(2, Dropped(report, "radio_song_without_channel"));
   const base::Value* other_type = FindEntry(report["dropped"], "reason", "list_type_not_imported");
   ASSERT_TRUE(other_type);
   EXPECT_EQ("Cloud list", (*other_type)["examples"][0]["name"]);
   EXPECT_EQ("PlayLists", (*other_type)["examples"][0]["table"]);
+  const int64_t cloud_entries = CountQuery(
+      &src, "select count(*) from PlayListItems where PlayListID = " +
+                std::to_string((*other_type)["examples"][0]["old_id"].get<int64_t>()));
+  EXPECT_LT(0, cloud_entries);
+  EXPECT_EQ(cloud_entries, (*other_type)["examples"][0]["entries"]);
+  EXPECT_EQ(cloud_entries, Dropped(report, "list_entry_of_list_not_imported"));
+  const base::Value* lone = FindEntry(report["dropped"], "reason", "radio_song_without_channel");
+  ASSERT_TRUE(lone);
+  EXPECT_EQ("Lone Song", (*lone)["examples"][1]["name"]);
   const base::Value* recent = nullptr;
   for (const auto& flow : report["flows"]) {
     if (flow["to"] == "RecentlyPlayedItem")

@@ -2,6 +2,7 @@
 #define TOOLS_DATA_IMPORTER_ENVIRONMENT_RUN_CONTEXT_H_
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -43,6 +44,11 @@ struct RunContext {
   base::FilePath m_log_file;
   int m_log_level = 0;
   bool m_log_to_stderr = false;
+  // Told each stage the run enters, in words ("reading MusicItems",
+  // "writing songs", "encrypting", ...), on the run's thread; the host's
+  // progress bar names it. Empty for the player, which reads only
+  // "DBCheck".
+  std::function<void(const std::string& stage)> m_stage_observer;
 };
 
 // The context of the player's process, from its environment:

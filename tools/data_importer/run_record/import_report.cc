@@ -20,7 +20,11 @@ std::string PlainTableName(std::string name) {
 }
 
 base::Value ExampleJson(const ImportReport::DropExample& example) {
-  return {{"table", example.table}, {"old_id", example.old_id}, {"name", Utf8(example.name)}};
+  base::Value json = {
+      {"table", example.table}, {"old_id", example.old_id}, {"name", Utf8(example.name)}};
+  if (example.entries >= 0)
+    json["entries"] = example.entries;
+  return json;
 }
 
 }  // namespace
@@ -164,6 +168,7 @@ base::Value ImportReport::ToJson() const {
   base::Value report = base::Value::object();
   report["report_version"] = kVersion;
   report["task"] = {{"name", Utf8(task_)}, {"import_kind", import_kind_}};
+  report["time"] = end_time_;
 
   base::Value sources = base::Value::array();
   for (const Source& s : sources_) {
@@ -307,15 +312,18 @@ base::Value ImportReport::Summary(const std::map<std::string, int64_t>& sent) co
           {"settings_written", static_cast<int64_t>(settings_keys_.size())}};
 }
 
+std::string ImportReport::ToText() const {
+  try {
+    return ToJson().dump(2, ' ', false, base::Value::error_handler_t::replace) + "\n";
+  } catch (...) {
+    return std::string();
+  }
+}
+
 bool ImportReport::Write(const base::FilePath& data_folder) const {
   base::FilePath temp = data_folder.Append(importer_names::kReportTempFileName);
-  std::string text;
-  try {
-    text = ToJson().dump(2, ' ', false, base::Value::error_handler_t::replace);
-  } catch (...) {
-    return false;
-  }
-  if (!base::WriteFile(temp, text + "\n")) {
+  std::string text = ToText();
+  if (text.empty() || !base::WriteFile(temp, text)) {
     // The failure is what the caller reports; a half-written temporary
     // file is only tidied away.
     (void)base::DeleteFile(temp);
@@ -327,8 +335,10 @@ bool ImportReport::Write(const base::FilePath& data_folder) const {
 SourceTableTally::SourceTableTally(ImportReport* report, const base::FilePath& read_path,
                                    const std::string& table)
     : report_(report), table_(table) {
-  if (report_)
+  if (report_) {
     origin_ = report_->SourceTable(read_path, table);
+    report_->EnterStage("reading " + PlainTableName(table));
+  }
 }
 
 SourceTableTally::~SourceTableTally() {
@@ -337,9 +347,9 @@ SourceTableTally::~SourceTableTally() {
 }
 
 void SourceTableTally::Dropped(const std::string& target, const DropReason& reason,
-                               int64_t old_id, const std::wstring& name) {
+                               int64_t old_id, const std::wstring& name, int64_t entries) {
   if (report_)
-    report_->AddDrop(origin_, target, reason, {table_, old_id, name});
+    report_->AddDrop(origin_, target, reason, {table_, old_id, name, entries});
 }
 
 TargetTableTally::TargetTableTally(ImportReport* report, std::string target)

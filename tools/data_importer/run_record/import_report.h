@@ -2,6 +2,7 @@
 #define TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -26,6 +27,14 @@ inline constexpr DropReason kListEntrySongMissing = {
 inline constexpr DropReason kListTypeNotImported = {
     "list_type_not_imported", "list of a type that is not imported",
     "lists of a type that is not imported"};
+inline constexpr DropReason kEntryOfListNotImported = {
+    "list_entry_of_list_not_imported", "entry of a list that is not imported",
+    "entries of lists that are not imported"};
+inline constexpr DropReason kListEntryWithoutList = {
+    "list_entry_without_list", "list entry whose list is not in the source",
+    "list entries whose list is not in the source"};
+inline constexpr DropReason kRadioSongWithoutChannel = {
+    "radio_song_without_channel", "radio song of no channel", "radio songs of no channel"};
 inline constexpr DropReason kListWithoutEntries = {
     "list_without_entries", "list without entries that can be imported",
     "lists without entries that can be imported"};
@@ -94,12 +103,27 @@ class ImportReport {
     std::string table;  // source table, or target table for a refused row
     int64_t old_id = 0;
     std::wstring name;
+    // The entries of a dropped list (dropped with it); -1 for other records.
+    int64_t entries = -1;
   };
 
   ImportReport();
 
+  // Told the stage the run enters, in words ("reading MusicItems",
+  // "writing songs", "encrypting", "verifying", "replacing"), on the run's
+  // thread: lets whoever runs the importer show what the progress is
+  // waiting for. Empty by default.
+  using StageObserver = std::function<void(const std::string& stage)>;
+  void set_stage_observer(StageObserver observer) { m_stage_observer = std::move(observer); }
+  void EnterStage(const std::string& stage) const {
+    if (m_stage_observer)
+      m_stage_observer(stage);
+  }
+
   void SetTask(const std::wstring& task, int import_kind);
   const std::wstring& task() const { return task_; }
+  // When the run ended, in UTC ("2026-11-24T23:43:13Z"); written as "time".
+  void SetEndTime(const std::string& utc) { end_time_ = utc; }
 
   // Records the source file |original| read through its copy |read_path|
   // (the same path when the run read the file where it lies) with |flags|.
@@ -179,6 +203,8 @@ class ImportReport {
   int64_t DropCount(const DropReason& reason) const;
 
   base::Value ToJson() const;
+  // The report as the text of its file; empty when it cannot be made.
+  std::string ToText() const;
   // Writes the report as |data_folder|/"ImportReport.json", replacing an
   // earlier one in one rename. False when it cannot be written.
   [[nodiscard]] bool Write(const base::FilePath& data_folder) const;
@@ -220,6 +246,8 @@ class ImportReport {
 
   std::wstring task_;
   int import_kind_ = 0;
+  std::string end_time_;
+  StageObserver m_stage_observer;
   std::vector<Source> sources_;
   std::vector<SalvagedTable> salvaged_;
   std::wstring failure_;
@@ -264,8 +292,9 @@ class SourceTableTally {
     ++made_;
   }
   // A row read and not turned into a record for |target|.
+  // |entries|: for a list, how many entries went with it.
   void Dropped(const std::string& target, const DropReason& reason, int64_t old_id,
-               const std::wstring& name);
+               const std::wstring& name, int64_t entries = -1);
   int origin() const { return origin_; }
 
  private:

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/file_util.h"
 #include "base/json_file.h"
@@ -17,6 +19,7 @@
 #include "tools/data_importer/driver/import_run.h"
 #include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
+#include "tools/data_importer/run_record/report_history.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/driver/task_decision.h"
 
@@ -43,9 +46,9 @@ class ImportReportTest : public testing::Test {
 
 // A generation-6 "V1" installation with records of every kind that is left
 // out: the report finds each source row again as a written row or a drop
-// with its reason, and the next run's report replaces it with only what that
-// run wrote.
-TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
+// with its reason. The next run's report holds only what that run wrote and
+// joins the history, while "ImportReport.json" stays the import's.
+TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
   V6V1Database db;
   db.videos = {{7, L"D:\\MV\\clip.mkv", L"", Hash(700)}};
   db.music = {Music(1, L"One"), Music(2, L"Two"), Music(3, L"Three"), Music(4, L"Four")};
@@ -53,7 +56,9 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
               {11, 0, L"Road", 0, 1},      // one entry of three has no song
               {13, 10, L"Gone", 0, 2},     // only entries without songs
               {14, 1, L"Cloud", 0, 3}};    // a type that is not imported
-  db.items = {{1, 11, 1, 0, 0}, {2, 11, 2, 1, 0}, {3, 11, 99, 2, 0}, {6, 13, 98, 0, 0}};
+  db.items = {{1, 11, 1, 0, 0}, {2, 11, 2, 1, 0}, {3, 11, 99, 2, 0}, {6, 13, 98, 0, 0},
+              {7, 14, 1, 0, 0}, {8, 14, 2, 1, 0},  // entries of the list not imported
+              {9, 77, 3, 0, 0}};                   // an entry of no list
   db.downloads = {{3, Hash(3), L"D:\\Down\\Three.mp3", false},  // found by id
                   {50, Hash(50), L"D:\\Down\\Lost.mp3", false},  // not in the library
                   {0, Hash(2), L"D:\\Down\\Two.mp3", true},      // found by hash
@@ -80,7 +85,7 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
   // The rows the reader saw, table by table.
   const std::map<std::string, int> rows_read = {
       {"MVItems", 1}, {"MusicItems", 4}, {"PlayLists", 4},
-      {"PlayListItems", 3},  // only the kept lists' entries are read
+      {"PlayListItems", 7},  // every entry, kept or not
       {"Downing", 2}, {"DownHistory", 2}};
   ASSERT_EQ(rows_read.size(), report["source_tables"].size()) << report["source_tables"].dump();
   for (const auto& [table, rows] : rows_read) {
@@ -107,13 +112,26 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
   EXPECT_EQ(1, (*downloads)["written"]);
   EXPECT_EQ(1, (*downloads)["dropped_by_reason"]["download_unresolved"]);
 
+  // The entry of "Gone" is dropped with its list, as one whose song is
+  // missing; those of "Cloud" as entries of a list that is not imported.
   const base::Value* missing = FindEntry(report["dropped"], "reason", "list_entry_song_missing");
   ASSERT_TRUE(missing);
-  EXPECT_EQ(1, (*missing)["count"]);
-  EXPECT_EQ("list entry whose song is not in the library", (*missing)["text"]);
-  ASSERT_EQ(1u, (*missing)["examples"].size());
+  EXPECT_EQ(2, (*missing)["count"]);
+  EXPECT_EQ("list entries whose song is not in the library", (*missing)["text"]);
+  ASSERT_EQ(2u, (*missing)["examples"].size());
   EXPECT_EQ("PlayListItems", (*missing)["examples"][0]["table"]);
-  EXPECT_EQ(3, (*missing)["examples"][0]["old_id"]);
+  const base::Value* cloud = FindEntry(report["dropped"], "reason", "list_type_not_imported");
+  ASSERT_TRUE(cloud);
+  EXPECT_EQ("Cloud", (*cloud)["examples"][0]["name"]);
+  EXPECT_EQ(2, (*cloud)["examples"][0]["entries"]);
+  const base::Value* cloud_entries =
+      FindEntry(report["dropped"], "reason", "list_entry_of_list_not_imported");
+  ASSERT_TRUE(cloud_entries);
+  EXPECT_EQ(2, (*cloud_entries)["count"]);
+  const base::Value* orphan = FindEntry(report["dropped"], "reason", "list_entry_without_list");
+  ASSERT_TRUE(orphan);
+  EXPECT_EQ(1, (*orphan)["count"]);
+  EXPECT_EQ(9, (*orphan)["examples"][0]["old_id"]);
   const base::Value* unresolved = FindEntry(report["dropped"], "reason", "download_unresolved");
   ASSERT_TRUE(unresolved);
   EXPECT_EQ(2, (*unresolved)["count"]);
@@ -142,6 +160,20 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunReplacesIt) {
   EXPECT_TRUE(report["flows"].empty());
   EXPECT_TRUE(report["sources"].empty());
   EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(importer_names::kReportTempFileName)));
+
+  base::Value kept;
+  ASSERT_TRUE(base::ReadJsonFile(profile_.data_folder().Append(importer_names::kReportFileName), &kept));
+  EXPECT_EQ("importvantu6", kept["task"]["name"]);
+  EXPECT_EQ("4", kept["dbcheck"]["ImportEnd"]);
+  EXPECT_EQ(20u, kept["time"].get<std::string>().size()) << kept["time"];
+  std::vector<std::string> history;
+  base::FileEnumerator files(profile_.data_folder().Append(L"reports"), L"*");
+  for (base::FilePath path = files.Next(); !path.empty(); path = files.Next())
+    history.push_back(path.BaseName().AsUTF8Unsafe());
+  std::sort(history.begin(), history.end());
+  ASSERT_EQ(2u, history.size());
+  EXPECT_NE(std::string::npos, history[0].find("-importvantu6-")) << history[0];
+  EXPECT_NE(std::string::npos, history[1].find("-updatevantu8-")) << history[1];
 }
 
 // Frees pages of the database at |path| and then forgets them in the file
@@ -272,3 +304,34 @@ TEST(ImportReportUnitTest, UnrecordedOriginsAndExampleLimit) {
 }
 
 }  // namespace
+
+// The history keeps the newest reports, ordered by time and then by their
+// number within the second (not by their names: a "nothing" run sorts after
+// an "importvantu6" run of the same second), and leaves other files alone.
+TEST(ReportHistoryTest, NamesAreUniqueWithinASecondAndTheOldestGo) {
+  testing_support::ScopedTempDir temp;
+  const base::FilePath folder = temp.path();
+  const double second = 1795563793.25;  // 2026-11-24T23:43:13Z
+  EXPECT_EQ("20261124T234313Z", UtcTimeStamp(second));
+
+  base::FilePath first = KeepRunReport(folder, L"importvantu6", second, "{\"n\":1}\n");
+  base::FilePath second_run = KeepRunReport(folder, L"", second + 0.5, "{\"n\":2}\n");
+  EXPECT_EQ(L"20261124T234313Z-importvantu6-1.json", first.BaseName().value());
+  EXPECT_EQ(L"20261124T234313Z-nothing-2.json", second_run.BaseName().value());
+  EXPECT_EQ(second_run, LatestRunReport(folder));
+
+  const base::FilePath foreign = folder.Append(L"reports").Append(L"notes.json");
+  ASSERT_TRUE(base::WriteFile(foreign, "{}"));
+  base::FilePath last;
+  for (int i = 0; i < 25; ++i)
+    last = KeepRunReport(folder, L"updatevantu8", second + 60 * (i + 1), "{}\n");
+  EXPECT_EQ(last, LatestRunReport(folder));
+  EXPECT_FALSE(base::PathExists(first));
+  EXPECT_FALSE(base::PathExists(second_run));
+  EXPECT_TRUE(base::PathExists(foreign));
+  int kept = 0;
+  base::FileEnumerator files(folder.Append(L"reports"), L"*-updatevantu8-1.json");
+  for (base::FilePath path = files.Next(); !path.empty(); path = files.Next())
+    ++kept;
+  EXPECT_EQ(20, kept);
+}

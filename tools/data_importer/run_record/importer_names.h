@@ -75,6 +75,12 @@ inline constexpr wchar_t kReplaceRecordName[] = L"DatabaseReplace.commit";
 // under before it replaces the earlier one.
 inline constexpr wchar_t kReportFileName[] = L"ImportReport.json";
 inline constexpr wchar_t kReportTempFileName[] = L"ImportReport.json.tmp";
+// Every run's report is kept as well, in this folder of the data folder, as
+// "<UTC time>-<task>-<n>.json" ("nothing" for a run without a task; n
+// counts the runs of that second from 1); the newest ones are kept.
+inline constexpr wchar_t kReportHistoryFolder[] = L"reports";
+inline constexpr wchar_t kReportHistoryNoTask[] = L"nothing";
+inline constexpr int kReportHistoryKept = 20;
 // What a version-2 task did (see upgrade_result.h for its content).
 inline constexpr wchar_t kUpgradeResultFileName[] = L"UpgradeResult.json";
 

@@ -2,6 +2,9 @@
 
 #include <memory>
 #include <set>
+#include <string>
+#include <string_view>
+#include <utility>
 
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
@@ -121,6 +124,23 @@ struct WriterStep {
 };
 
 // The writers after ShareFileItems, in their fixed order.
+// What a writer step writes, in the words of the progress display.
+const char* WritingWhat(const char* step) {
+  static constexpr std::pair<const char*, const char*> kWords[] = {
+      {"ShareFolders", "watched folders"}, {"GeneralListTable", "lists"},
+      {"RecentlyPlayedItem", "recently played songs"}, {"GeneralList", "list entries"},
+      {"RadioChannelTable", "radio channels"}, {"DislikeRadioItem", "radio dislikes"},
+      {"RadioChannel", "radio songs"}, {"PlayedNJRadioItem", "played radio songs"},
+      {"LocalFiles", "local files"}, {"DownloadItem", "downloads"},
+      {"DownloadHistoryItem", "download history"}, {"UserLoginHistory", "logins"},
+      {"KeywordSearchHistory", "search history"}, {"Settings", "settings"}};
+  for (const auto& [name, words] : kWords) {
+    if (std::string_view(name) == step)
+      return words;
+  }
+  return step;
+}
+
 constexpr WriterStep kWriterSteps[] = {
     {"ShareFolders", [](ImportModel* m) { m->WriteShareFolders(); }, 2},
     {"GeneralListTable", [](ImportModel* m) { m->WriteGeneralListTable(); }, 2},
@@ -207,10 +227,12 @@ std::string CheckEncryptedFile(const base::FilePath& path, bool encrypted,
 // |done| is told "CountRows", "Encrypt" and "Verify" as each stage ends.
 bool EncryptAndVerify(ImportModel* model, const base::FilePath& data_folder,
                       const std::function<void(const char*)>& done) {
+  model->report()->EnterStage("counting rows");
   VerifiedDatabase plain[std::size(kTargetFiles)];
   for (size_t i = 0; i < std::size(kTargetFiles); ++i)
     plain[i] = CountTableRows((model->*kTargetFiles[i].helper)->connection());
   done("CountRows");
+  model->report()->EnterStage("encrypting");
   bool encrypted[std::size(kTargetFiles)];
   for (size_t i = 0; i < std::size(kTargetFiles); ++i) {
     std::unique_ptr<DatabaseHelper>& helper = model->*kTargetFiles[i].helper;
@@ -218,6 +240,7 @@ bool EncryptAndVerify(ImportModel* model, const base::FilePath& data_folder,
     ReleaseDatabase(&helper);
   }
   done("Encrypt");
+  model->report()->EnterStage("verifying");
 
   bool all_good = true;
   for (size_t i = 0; i < std::size(kTargetFiles); ++i) {
@@ -264,10 +287,12 @@ base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folde
     model->m_progress->SetSourceEmpty(IsSourceEmpty(*model));
   done("Prepare");
 
+  model->report()->EnterStage("writing songs");
   model->WriteShareFileItems();
   Step(model, 10);
   done("ShareFileItems");
   for (const WriterStep& step : kWriterSteps) {
+    model->report()->EnterStage(std::string("writing ") + WritingWhat(step.name));
     if (step.write)
       step.write(model);
     else
@@ -276,11 +301,13 @@ base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folde
     done(step.name);
   }
 
+  model->report()->EnterStage("writing cloud lists");
   if (!model->CarryCloudLists()) {
     VLOG_AT(logging::LOG_FAILURE) << L"The cloud lists were not all carried into the new files.";
     model->ReportState(ProgressRecord::kStateTableFailed);
   }
 
+  model->report()->EnterStage("counting list entries");
   base::Status counted = model->ReportListCounts();
   if (!counted.ok()) {
     VLOG_AT(logging::LOG_FAILURE) << L"List-count report FAILED: {" << counted.message() << L"}.";
@@ -297,6 +324,7 @@ base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folde
   // Unlike a plain pair of renames, the commit either puts both files in
   // place or leaves a record that the next run completes; its failure is
   // recorded rather than passed over.
+  model->report()->EnterStage("replacing");
   bool replaced = CommitReplacement(data_folder, done);
   done("Replace");
   if (!replaced) {

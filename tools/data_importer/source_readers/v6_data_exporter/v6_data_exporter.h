@@ -13,6 +13,8 @@
 #include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_records.h"
 
+struct DropReason;
+
 class RowReaderInterface;
 
 
@@ -95,6 +97,11 @@ class V6DataExporter : public DataExporter {
   bool ReadPlayLists(bool v2, int library_number);
   // False when the entries stop at an error; the ones before are kept.
   bool ReadListItems(const ListRef& list, bool v2, int library_number);
+  // Drops every entry of the list |source_id|, which is not imported, with
+  // |reason|; answers how many there were.
+  int64_t DropListEntries(int source_id, bool v2, const DropReason& reason);
+  // Drops the entries of the "V1" layout whose list is not in the file.
+  void DropEntriesOfNoList();
   // |v2|: the "V2" layout, whose music items carry made-up old ids, so a
   // pending download is found by its hash only.
   bool ReadUnfinishedDownloads(bool v2);

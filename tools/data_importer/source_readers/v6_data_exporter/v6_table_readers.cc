@@ -156,8 +156,9 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
     bool is_default = type == 3;
     int source_id = row.GetInt("PlayListID");
     if (!is_default && type != 0 && type != 6 && type != 10) {
+      int64_t entries = DropListEntries(source_id, v2, drop_reason::kEntryOfListNotImported);
       tally.Dropped("GeneralListTable", drop_reason::kListTypeNotImported, source_id,
-                    row.GetString16("PlayListName"));
+                    row.GetString16("PlayListName"), entries);
       return false;
     }
     if (!is_default) {
@@ -173,8 +174,10 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       if (!count.Step() || count.GetInt("ListItemCount") < 1) {
         V6LOG(logging::LOG_PROGRESS) << L"There is no items under {TABLE: PlayListItems, PlayListID: "
                                      << source_id << L"}.";
+        // Its entries, if any, name songs that are not in the library.
+        int64_t entries = DropListEntries(source_id, v2, drop_reason::kListEntrySongMissing);
         tally.Dropped("GeneralListTable", drop_reason::kListWithoutEntries, source_id,
-                      row.GetString16("PlayListName"));
+                      row.GetString16("PlayListName"), entries);
         return false;
       }
     }
@@ -219,7 +222,39 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
       ticker.Tick();
     }
   }
+  // In the "V2" layout every row is a music item as well, whatever its list.
+  if (!v2)
+    DropEntriesOfNoList();
   return lists.ok;
+}
+
+int64_t V6DataExporter::DropListEntries(int source_id, bool v2, const DropReason& reason) {
+  const std::string target = "GeneralList_" + std::to_string(source_id);
+  // Only counted: the list itself is dropped whatever this finds.
+  RowsRead entries = ReadRows(
+      {(boost::format("SELECT * FROM PlayListItems WHERE PlayListID = %d") % source_id).str(),
+       v2 ? kV2ListEntriesTable : "PlayListItems"},
+      [&](DbRowReader& row, SourceTableTally& tally) {
+        std::wstring title = v2 ? row.GetString16("Title") : std::wstring();
+        if (title.empty())
+          title = v2 ? row.GetString16("FileName") : MusicItemName(row.GetInt("MusicItemID"));
+        tally.Dropped(target, reason, row.GetInt("ItemID"), title);
+        return false;
+      });
+  return static_cast<int64_t>(entries.read);
+}
+
+void V6DataExporter::DropEntriesOfNoList() {
+  // Only counted: the lists' entries are read above.
+  (void)ReadRows({"SELECT * FROM PlayListItems i WHERE NOT EXISTS (SELECT 1 FROM PlayLists l "
+                  "WHERE l.PlayListID = i.PlayListID)",
+                  "PlayListItems"},
+                 [](DbRowReader& row, SourceTableTally& tally) {
+                   tally.Dropped("GeneralList_" + std::to_string(row.GetInt("PlayListID")),
+                                 drop_reason::kListEntryWithoutList, row.GetInt("ItemID"),
+                                 MusicItemName(row.GetInt("MusicItemID")));
+                   return false;
+                 });
 }
 
 void V6DataExporter::FillFromMusic(const MusicEntry& music, SongItem* song) const {

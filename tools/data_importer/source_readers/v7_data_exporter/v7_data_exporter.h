@@ -93,7 +93,8 @@ class V7DataExporter : public DataExporter {
   bool ReadMusicItems();
   bool ReadPlayLists();
   // Counts the lists the list reader leaves out as dropped, with their
-  // reason (no entries, or a type that is not imported).
+  // reason (no entries, or a type that is not imported), their entries
+  // with them, and the entries of no list.
   void DropListsLeftOut();
   // False when the entries stop at an error; the ones before are kept.
   bool ReadListItems(int list_id);
@@ -105,6 +106,8 @@ class V7DataExporter : public DataExporter {
   bool ReadPlayedRadioSongs();
   bool ReadRadioChannels();
   bool ReadRadioSongs(const std::string& fm_id, int fm_type, int channel_id);
+  // Counts the radio songs of no channel in "RadioList" as dropped.
+  void DropRadioSongsOfNoChannel();
   bool ReadDislikedRadioSongs();
 
   // A list entry for |row|'s music item; null when the item was not

@@ -195,13 +195,35 @@ bool V7DataExporter::ReadPlayLists() {
 void V7DataExporter::DropListsLeftOut() {
   // Only counted: a failure here loses no list, the reader above has
   // reported its own.
-  (void)ReadRows({kListsLeftOutQuery, "PlayLists"}, [](DbRowReader& row, SourceTableTally& tally) {
+  (void)ReadRows({kListsLeftOutQuery, "PlayLists"}, [&](DbRowReader& row, SourceTableTally& tally) {
+    const int list_id = row.GetInt("PlayListID");
+    int64_t entries = 0;
+    (void)ReadRows(
+        {(boost::format("select * from PlayListItems where PlayListID = %d") % list_id).str(),
+         kListEntriesTable},
+        [&](DbRowReader& entry, SourceTableTally& entry_tally) {
+          ++entries;
+          entry_tally.Dropped("GeneralList_" + std::to_string(list_id),
+                              drop_reason::kEntryOfListNotImported, entry.GetInt("ItemID"),
+                              MusicItemName(entry.GetInt("FileItemID")));
+          return false;
+        });
     tally.Dropped("GeneralListTable",
                   row.GetInt("ListType") == 0 ? drop_reason::kListWithoutEntries
                                               : drop_reason::kListTypeNotImported,
-                  row.GetInt("PlayListID"), row.GetString16("PlayListName"));
+                  list_id, row.GetString16("PlayListName"), entries);
     return false;
   });
+  // Entries whose list is gone (a NULL list id included).
+  (void)ReadRows({"select * from PlayListItems i where not exists (select 1 from PlayLists l "
+                  "where l.PlayListID = i.PlayListID)",
+                  kListEntriesTable},
+                 [&](DbRowReader& row, SourceTableTally& tally) {
+                   tally.Dropped("GeneralList_" + std::to_string(row.GetInt("PlayListID")),
+                                 drop_reason::kListEntryWithoutList, row.GetInt("ItemID"),
+                                 MusicItemName(row.GetInt("FileItemID")));
+                   return false;
+                 });
 }
 
 bool V7DataExporter::ReadListItems(int list_id) {
@@ -455,7 +477,20 @@ bool V7DataExporter::ReadRadioChannels() {
   bool ok = channels.ok;
   for (const ChannelKey& key : keys)
     ok = ReadRadioSongs(key.fm_id, key.fm_type, key.channel_id) && ok;
+  DropRadioSongsOfNoChannel();
   return ok;
+}
+
+void V7DataExporter::DropRadioSongsOfNoChannel() {
+  // Only counted: the channels' songs are read above.
+  (void)ReadRows({"select * from RadioListSongs s where not exists (select 1 from RadioList c "
+                  "where c.fmid = s.fmid and c.fmtype = s.fmtype)",
+                  "RadioListSongs"},
+                 [](DbRowReader& row, SourceTableTally& tally) {
+                   tally.Dropped("RadioChannel", drop_reason::kRadioSongWithoutChannel,
+                                 row.GetInt("fileid"), row.GetString16("filename"));
+                   return false;
+                 });
 }
 
 // "RadioListSongs" of one channel, in their stored order, numbered from 1
