@@ -73,18 +73,18 @@ CommandLine CommandLine::FromString(const std::wstring& command_line) {
     if (name.empty())
       continue;
     std::wstring value = equals == std::wstring::npos ? std::wstring() : arg.substr(equals + 1);
-    result.switches_[WideToUTF8(name)] = value;
+    result.m_switches[WideToUTF8(name)] = value;
   }
   return result;
 }
 
 bool CommandLine::HasSwitch(const std::string& name) const {
-  return switches_.count(name) != 0;
+  return m_switches.count(name) != 0;
 }
 
 std::wstring CommandLine::GetSwitchValue(const std::string& name) const {
-  auto it = switches_.find(name);
-  return it == switches_.end() ? std::wstring() : it->second;
+  auto it = m_switches.find(name);
+  return it == m_switches.end() ? std::wstring() : it->second;
 }
 
 // Quotes one argument so that SplitArguments gives it back unchanged.

@@ -33,13 +33,13 @@ class CommandLine {
   // quote) and parses them as above.
   static CommandLine FromString(const std::wstring& command_line);
 
-  const SwitchMap& GetSwitches() const { return switches_; }
+  const SwitchMap& GetSwitches() const { return m_switches; }
   [[nodiscard]] bool HasSwitch(const std::string& name) const;
   // The switch's value, or empty when absent.
   std::wstring GetSwitchValue(const std::string& name) const;
 
  private:
-  SwitchMap switches_;
+  SwitchMap m_switches;
 };
 
 }  // namespace base

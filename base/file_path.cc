@@ -13,11 +13,11 @@ bool FilePath::IsSeparator(wchar_t c) {
 }
 
 FilePath FilePath::Append(const StringType& component) const {
-  if (path_.empty())
+  if (m_path.empty())
     return FilePath(component);
   if (component.empty())
     return *this;
-  StringType joined = path_;
+  StringType joined = m_path;
   size_t start = 0;
   while (start < component.size() && IsSeparator(component[start]))
     ++start;
@@ -40,27 +40,27 @@ size_t StrippedLength(const std::wstring& path) {
 }  // namespace
 
 FilePath FilePath::BaseName() const {
-  size_t end = StrippedLength(path_);
+  size_t end = StrippedLength(m_path);
   size_t pos = end;
-  while (pos > 0 && !IsSeparator(path_[pos - 1]))
+  while (pos > 0 && !IsSeparator(m_path[pos - 1]))
     --pos;
   if (pos == end && end > 0)  // the root itself
-    return FilePath(path_.substr(0, end));
-  return FilePath(path_.substr(pos, end - pos));
+    return FilePath(m_path.substr(0, end));
+  return FilePath(m_path.substr(pos, end - pos));
 }
 
 FilePath FilePath::DirName() const {
-  size_t end = StrippedLength(path_);
+  size_t end = StrippedLength(m_path);
   size_t pos = end;
-  while (pos > 0 && !IsSeparator(path_[pos - 1]))
+  while (pos > 0 && !IsSeparator(m_path[pos - 1]))
     --pos;
   if (pos == 0)
     return FilePath(L".");
   // Drop the separators between the folder and the last component.
   size_t dir_end = pos;
-  while (dir_end > 1 && IsSeparator(path_[dir_end - 1]))
+  while (dir_end > 1 && IsSeparator(m_path[dir_end - 1]))
     --dir_end;
-  return FilePath(path_.substr(0, dir_end));
+  return FilePath(m_path.substr(0, dir_end));
 }
 
 FilePath::StringType FilePath::Extension() const {
@@ -75,12 +75,12 @@ FilePath FilePath::RemoveExtension() const {
   StringType ext = Extension();
   if (ext.empty())
     return *this;
-  size_t end = StrippedLength(path_);
-  return FilePath(path_.substr(0, end - ext.size()));
+  size_t end = StrippedLength(m_path);
+  return FilePath(m_path.substr(0, end - ext.size()));
 }
 
 std::string FilePath::AsUTF8Unsafe() const {
-  return WideToUTF8(path_);
+  return WideToUTF8(m_path);
 }
 
 FilePath FilePath::FromUTF8Unsafe(const std::string& utf8) {

@@ -23,10 +23,10 @@ class FilePath {
 #endif
 
   FilePath() = default;
-  explicit FilePath(StringType path) : path_(std::move(path)) {}
+  explicit FilePath(StringType path) : m_path(std::move(path)) {}
 
-  const StringType& value() const { return path_; }
-  bool empty() const { return path_.empty(); }
+  const StringType& value() const { return m_path; }
+  bool empty() const { return m_path.empty(); }
 
   // This path joined with |component| by one separator. An empty path gives
   // |component| itself; an absolute |component| is appended as text all the
@@ -48,14 +48,14 @@ class FilePath {
   std::string AsUTF8Unsafe() const;
   static FilePath FromUTF8Unsafe(const std::string& utf8);
 
-  bool operator==(const FilePath& other) const { return path_ == other.path_; }
-  bool operator!=(const FilePath& other) const { return path_ != other.path_; }
-  bool operator<(const FilePath& other) const { return path_ < other.path_; }
+  bool operator==(const FilePath& other) const { return m_path == other.m_path; }
+  bool operator!=(const FilePath& other) const { return m_path != other.m_path; }
+  bool operator<(const FilePath& other) const { return m_path < other.m_path; }
 
   [[nodiscard]] static bool IsSeparator(wchar_t c);
 
  private:
-  StringType path_;
+  StringType m_path;
 };
 
 }  // namespace base

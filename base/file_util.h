@@ -98,8 +98,8 @@ class FileEnumerator {
   [[nodiscard]] static bool MatchPattern(const std::wstring& name, const std::wstring& pattern);
 
  private:
-  std::vector<FilePath> matches_;
-  size_t next_ = 0;
+  std::vector<FilePath> m_matches;
+  size_t m_next = 0;
 };
 
 }  // namespace base

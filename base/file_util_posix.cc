@@ -333,15 +333,15 @@ FileEnumerator::FileEnumerator(const FilePath& folder, const std::wstring& patte
     FilePath full = resolved.Append(wide);
     struct stat st;
     if (stat(full.AsUTF8Unsafe().c_str(), &st) == 0 && S_ISREG(st.st_mode))
-      matches_.push_back(full);
+      m_matches.push_back(full);
   }
   closedir(dir);
 }
 
 FilePath FileEnumerator::Next() {
-  if (next_ >= matches_.size())
+  if (m_next >= m_matches.size())
     return FilePath();
-  return matches_[next_++];
+  return m_matches[m_next++];
 }
 
 bool FileEnumerator::MatchPattern(const std::wstring& name, const std::wstring& pattern) {

@@ -378,15 +378,15 @@ FileEnumerator::FileEnumerator(const FilePath& folder, const std::wstring& patte
       continue;
     std::wstring name = data.cFileName;
     if (MatchPattern(name, pattern))
-      matches_.push_back(FilePath(native).Append(name));
+      m_matches.push_back(FilePath(native).Append(name));
   } while (FindNextFileW(find, &data));
   FindClose(find);
 }
 
 FilePath FileEnumerator::Next() {
-  if (next_ >= matches_.size())
+  if (m_next >= m_matches.size())
     return FilePath();
-  return matches_[next_++];
+  return m_matches[m_next++];
 }
 
 bool FileEnumerator::MatchPattern(const std::wstring& name, const std::wstring& pattern) {

@@ -13,17 +13,17 @@ namespace {
 
 class Digest {
  public:
-  Digest() : ctx_(EVP_MD_CTX_new()) {
-    if (ctx_)
-      EVP_DigestInit_ex(ctx_, EVP_md5(), nullptr);
+  Digest() : m_ctx(EVP_MD_CTX_new()) {
+    if (m_ctx)
+      EVP_DigestInit_ex(m_ctx, EVP_md5(), nullptr);
   }
-  ~Digest() { EVP_MD_CTX_free(ctx_); }
-  bool ok() const { return ctx_ != nullptr; }
-  void Update(const void* data, size_t size) { EVP_DigestUpdate(ctx_, data, size); }
+  ~Digest() { EVP_MD_CTX_free(m_ctx); }
+  bool ok() const { return m_ctx != nullptr; }
+  void Update(const void* data, size_t size) { EVP_DigestUpdate(m_ctx, data, size); }
   std::string FinishHex() {
     unsigned char bytes[EVP_MAX_MD_SIZE];
     unsigned int length = 0;
-    EVP_DigestFinal_ex(ctx_, bytes, &length);
+    EVP_DigestFinal_ex(m_ctx, bytes, &length);
     static const char kHex[] = "0123456789abcdef";
     std::string hex;
     for (unsigned int i = 0; i < length; ++i) {
@@ -34,7 +34,7 @@ class Digest {
   }
 
  private:
-  EVP_MD_CTX* ctx_;
+  EVP_MD_CTX* m_ctx;
 };
 
 }  // namespace

@@ -15,32 +15,32 @@ namespace {
 class Digest {
  public:
   Digest() {
-    if (!BCRYPT_SUCCESS(BCryptOpenAlgorithmProvider(&algorithm_, BCRYPT_MD5_ALGORITHM, nullptr, 0))) {
-      algorithm_ = nullptr;
+    if (!BCRYPT_SUCCESS(BCryptOpenAlgorithmProvider(&m_algorithm, BCRYPT_MD5_ALGORITHM, nullptr, 0))) {
+      m_algorithm = nullptr;
       return;
     }
-    if (!BCRYPT_SUCCESS(BCryptCreateHash(algorithm_, &hash_, nullptr, 0, nullptr, 0, 0)))
-      hash_ = nullptr;
+    if (!BCRYPT_SUCCESS(BCryptCreateHash(m_algorithm, &m_hash, nullptr, 0, nullptr, 0, 0)))
+      m_hash = nullptr;
   }
   ~Digest() {
-    if (hash_)
-      (void)BCryptDestroyHash(hash_);  // nothing to do about a failure here
-    if (algorithm_)
-      (void)BCryptCloseAlgorithmProvider(algorithm_, 0);
+    if (m_hash)
+      (void)BCryptDestroyHash(m_hash);  // nothing to do about a failure here
+    if (m_algorithm)
+      (void)BCryptCloseAlgorithmProvider(m_algorithm, 0);
   }
   Digest(const Digest&) = delete;
   Digest& operator=(const Digest&) = delete;
 
-  bool ok() const { return hash_ != nullptr && ok_; }
+  bool ok() const { return m_hash != nullptr && m_ok; }
   void Update(const void* data, size_t size) {
     if (ok() && size > 0) {
-      ok_ = BCRYPT_SUCCESS(BCryptHashData(hash_, static_cast<PUCHAR>(const_cast<void*>(data)),
+      m_ok = BCRYPT_SUCCESS(BCryptHashData(m_hash, static_cast<PUCHAR>(const_cast<void*>(data)),
                                           static_cast<ULONG>(size), 0));
     }
   }
   std::string FinishHex() {
     unsigned char bytes[16];
-    if (!ok() || !BCRYPT_SUCCESS(BCryptFinishHash(hash_, bytes, sizeof(bytes), 0)))
+    if (!ok() || !BCRYPT_SUCCESS(BCryptFinishHash(m_hash, bytes, sizeof(bytes), 0)))
       return std::string();
     static const char kHex[] = "0123456789abcdef";
     std::string hex;
@@ -52,9 +52,9 @@ class Digest {
   }
 
  private:
-  BCRYPT_ALG_HANDLE algorithm_ = nullptr;
-  BCRYPT_HASH_HANDLE hash_ = nullptr;
-  bool ok_ = true;
+  BCRYPT_ALG_HANDLE m_algorithm = nullptr;
+  BCRYPT_HASH_HANDLE m_hash = nullptr;
+  bool m_ok = true;
 };
 
 }  // namespace

@@ -227,8 +227,8 @@ std::wstring ExpandEnvironmentReferences(const std::wstring& text, const Variabl
 }
 
 bool RegKey::Open(const FilePath& path, const std::wstring& subkey) {
-  valid_ = false;
-  values_.reset();
+  m_valid = false;
+  m_values.reset();
   std::wstring wanted = subkey;
   while (!wanted.empty() && wanted.back() == L'\\')
     wanted.pop_back();
@@ -255,9 +255,9 @@ bool RegKey::Adopt(const std::wstring& subkey, RegistryStrings strings) {
   auto values = std::make_shared<Values>();
   for (auto& [name, value] : strings)
     values->by_name[Fold(name)] = std::move(value);
-  valid_ = true;
-  key_name_ = subkey;
-  values_ = values;
+  m_valid = true;
+  m_key_name = subkey;
+  m_values = values;
   return true;
 }
 
@@ -281,10 +281,10 @@ bool RegKey::ReadValue(const std::wstring& name, std::wstring* value, bool* expa
   value->clear();
   if (expandable)
     *expandable = false;
-  if (!valid_ || !values_)
+  if (!m_valid || !m_values)
     return false;
-  auto it = values_->by_name.find(name == L"@" ? std::wstring() : Fold(name));
-  if (it == values_->by_name.end())
+  auto it = m_values->by_name.find(name == L"@" ? std::wstring() : Fold(name));
+  if (it == m_values->by_name.end())
     return false;
   *value = it->second.text;
   if (expandable)

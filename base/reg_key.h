@@ -41,7 +41,7 @@ class RegKey {
   // the registry file |file| (the user's own registry when empty) for
   // reading. False when the key does not exist.
   [[nodiscard]] bool Open(const FilePath& file, const std::wstring& subkey);
-  [[nodiscard]] bool Valid() const { return valid_; }
+  [[nodiscard]] bool Valid() const { return m_valid; }
 
   // Reads a string value; |name| empty or L"@" reads the default value.
   // False (and |*value| emptied) when the key is not open or the value is
@@ -53,11 +53,11 @@ class RegKey {
   // Takes |strings| as the open key's values.
   bool Adopt(const std::wstring& subkey, RegistryStrings strings);
 
-  bool valid_ = false;
+  bool m_valid = false;
   // Value names folded to lower case -> value.
-  std::wstring key_name_;
+  std::wstring m_key_name;
   struct Values;
-  std::shared_ptr<Values> values_;
+  std::shared_ptr<Values> m_values;
 };
 
 // Answers the value of the variable |name| (any letter case), false when it

@@ -69,26 +69,26 @@ class HiveCopy {
     DWORD n = GetTempPathW(MAX_PATH + 1, temp);
     if (n == 0 || n > MAX_PATH)
       return;
-    folder_ = FilePath(std::wstring(temp, n))
+    m_folder = FilePath(std::wstring(temp, n))
                   .Append(L"vantu-hive-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
                           std::to_wstring(GetTickCount64()));
-    if (!CreateDirectory(folder_)) {
-      folder_ = FilePath();
+    if (!CreateDirectory(m_folder)) {
+      m_folder = FilePath();
       return;
     }
-    copy_ = folder_.Append(L"hive.dat");
-    if (!CopyFile(file, copy_))
-      copy_ = FilePath();
+    m_copy = m_folder.Append(L"hive.dat");
+    if (!CopyFile(file, m_copy))
+      m_copy = FilePath();
   }
   ~HiveCopy() {
-    if (!folder_.empty())
-      (void)DeleteFile(folder_, true);  // a leftover temporary folder harms nothing
+    if (!m_folder.empty())
+      (void)DeleteFile(m_folder, true);  // a leftover temporary folder harms nothing
   }
-  const FilePath& path() const { return copy_; }
+  const FilePath& path() const { return m_copy; }
 
  private:
-  FilePath folder_;
-  FilePath copy_;
+  FilePath m_folder;
+  FilePath m_copy;
 };
 
 ScopedKey LoadHive(const FilePath& copy, std::string* reason) {

@@ -22,7 +22,7 @@ std::string Utf16Bytes(const std::u16string& text) {
 class RegistryTest : public testing::Test {
  protected:
   RegistryTest() {
-    file_ = dir_.path().Append(L"NTUSER.DAT");
+    m_file = m_dir.path().Append(L"NTUSER.DAT");
   }
 
   // The value |name| of |key|, or "#missing#"; a REG_EXPAND_SZ value with
@@ -32,7 +32,7 @@ class RegistryTest : public testing::Test {
     RegKey reg;
     std::wstring value;
     bool expandable = false;
-    if (!reg.Open(file_, key) || !reg.ReadValue(name, &value, &expandable))
+    if (!reg.Open(m_file, key) || !reg.ReadValue(name, &value, &expandable))
       return L"#missing#";
     if (!expandable)
       return value;
@@ -44,8 +44,8 @@ class RegistryTest : public testing::Test {
     });
   }
 
-  testing_support::ScopedTempDir dir_;
-  FilePath file_;
+  testing_support::ScopedTempDir m_dir;
+  FilePath m_file;
 };
 
 TEST_F(RegistryTest, BinaryHive) {
@@ -58,7 +58,7 @@ TEST_F(RegistryTest, BinaryHive) {
          {L"Count", L"7", kHiveRegDword},
          {L"\u540d", L"\u4e2d\u6587\U0001F600"}}},
        {L"Software\\VanTa", {}}});
-  testing_support::WriteBytes(file_, hive);
+  testing_support::WriteBytes(m_file, hive);
 
   if (testing_support::RunningUnderWine())
     GTEST_SKIP() << testing_support::kWineHiveSkip;
@@ -67,7 +67,7 @@ TEST_F(RegistryTest, BinaryHive) {
   // reads it through the system itself, which is that other reader).
   std::string output;
   ASSERT_EQ(0, testing_support::RunCommand(
-                   "hivexget '" + file_.AsUTF8Unsafe() + "' 'Software\\VanTa6' AppFileName", "",
+                   "hivexget '" + m_file.AsUTF8Unsafe() + "' 'Software\\VanTa6' AppFileName", "",
                    &output));
   EXPECT_EQ("C:\\Program Files\\VanTa6\\VanTa6.exe\n", output);
 #endif
@@ -83,31 +83,31 @@ TEST_F(RegistryTest, BinaryHive) {
   EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"Absent"));
   EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa7", L"AppFileName"));
   RegKey empty_key;
-  EXPECT_TRUE(empty_key.Open(file_, L"Software\\VanTa"));
+  EXPECT_TRUE(empty_key.Open(m_file, L"Software\\VanTa"));
   std::string reason;
-  EXPECT_TRUE(CheckRegistryFile(file_, &reason)) << reason;
+  EXPECT_TRUE(CheckRegistryFile(m_file, &reason)) << reason;
 
   // A truncated or overwritten hive reads as no registry and is reported.
   for (const std::string& damaged :
        {hive.substr(0, 4096 + 64), hive.substr(0, 3000), std::string("regf") + std::string(8000, '\x5a')}) {
-    testing_support::WriteBytes(file_, damaged);
+    testing_support::WriteBytes(m_file, damaged);
     EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"AppFileName"));
     reason.clear();
-    EXPECT_FALSE(CheckRegistryFile(file_, &reason));
+    EXPECT_FALSE(CheckRegistryFile(m_file, &reason));
     EXPECT_FALSE(reason.empty());
   }
   std::string flipped = hive;
   flipped[0x24] ^= 0x10;  // the root offset, without fixing the checksum
-  testing_support::WriteBytes(file_, flipped);
+  testing_support::WriteBytes(m_file, flipped);
   EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"AppFileName"));
-  EXPECT_FALSE(CheckRegistryFile(dir_.path().Append(L"absent.dat"), &reason));
+  EXPECT_FALSE(CheckRegistryFile(m_dir.path().Append(L"absent.dat"), &reason));
 }
 
 // A ".reg" export as the Windows registry editor writes it: UTF-16LE with a
 // byte-order mark and CRLF line ends, REG_EXPAND_SZ as "hex(2):" bytes over
 // continued lines.
 TEST_F(RegistryTest, RegistryEditorExport) {
-  testing_support::WriteBytes(file_,
+  testing_support::WriteBytes(m_file,
             Utf16Bytes(u"\uFEFFWindows Registry Editor Version 5.00\r\n\r\n"
                        u"[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n"
                        // "%USERPROFILE%\A" in UTF-16LE, split over three lines.
@@ -127,13 +127,13 @@ TEST_F(RegistryTest, RegistryEditorExport) {
   EXPECT_EQ(L"ends with \\", Read(L"Software\\VanTa6", L"Quoted"));
   EXPECT_EQ(L"still read", Read(L"Software\\VanTa6", L"After"));
   std::string reason;
-  EXPECT_TRUE(CheckRegistryFile(file_, &reason));
+  EXPECT_TRUE(CheckRegistryFile(m_file, &reason));
 }
 
 // An export of a user's hive loaded under HKEY_USERS is that user's
 // registry; only one key name may stand between the root and the path.
 TEST_F(RegistryTest, ExportOfALoadedHive) {
-  testing_support::WriteBytes(file_,
+  testing_support::WriteBytes(m_file,
                               "REGEDIT4\n"
                               "[HKEY_USERS\\Customer\\Software\\VanTa6]\n"
                               "\"AppFileName\"=\"D:\\\\VanTa6\\\\VanTa6.exe\"\n"
@@ -151,9 +151,9 @@ TEST_F(RegistryTest, ExportOfALoadedHive) {
 TEST_F(RegistryTest, NeitherHiveNorExportIsRefused) {
   for (const std::string& bytes :
        {std::string(), std::string("\x13\x9a\x00garbage\xff", 13), std::string("[HKEY_CURRENT_USER\\X]\n")}) {
-    testing_support::WriteBytes(file_, bytes);
+    testing_support::WriteBytes(m_file, bytes);
     std::string reason;
-    EXPECT_FALSE(CheckRegistryFile(file_, &reason));
+    EXPECT_FALSE(CheckRegistryFile(m_file, &reason));
     EXPECT_EQ("neither a registry hive nor a .reg export", reason);
   }
 }

@@ -45,14 +45,14 @@ std::tm LocalTime(double seconds) {
 }  // namespace
 
 std::wstring Time::ToLocalDateString() const {
-  std::tm t = LocalTime(seconds_);
+  std::tm t = LocalTime(m_seconds);
   wchar_t buffer[16];
   std::wcsftime(buffer, 16, L"%Y%m%d", &t);
   return buffer;
 }
 
 std::string Time::ToLocalDateTimeString() const {
-  std::tm t = LocalTime(seconds_);
+  std::tm t = LocalTime(m_seconds);
   char buffer[32];
   std::strftime(buffer, sizeof(buffer), "%Y-%m-%d %H:%M:%S", &t);
   return buffer;

@@ -10,15 +10,15 @@ class Time {
  public:
   static Time Now();
   static Time FromDoubleT(double seconds) { return Time(seconds); }
-  [[nodiscard]] double ToDoubleT() const { return seconds_; }
+  [[nodiscard]] double ToDoubleT() const { return m_seconds; }
 
   // Local time as "YYYYMMDD" and "YYYY-MM-DD HH:MM:SS" texts.
   std::wstring ToLocalDateString() const;
   std::string ToLocalDateTimeString() const;
 
  private:
-  explicit Time(double seconds) : seconds_(seconds) {}
-  double seconds_ = 0.0;
+  explicit Time(double seconds) : m_seconds(seconds) {}
+  double m_seconds = 0.0;
 };
 
 }  // namespace base

@@ -65,22 +65,22 @@ LogSettings LogSettingsFromEnvironment(const base::FilePath& file) {
   return settings;
 }
 
-ScopedLogging::ScopedLogging(const LogSettings& settings) : state_(new LogState{settings}) {
+ScopedLogging::ScopedLogging(const LogSettings& settings) : m_state(new LogState{settings}) {
   std::lock_guard<std::mutex> lock(LogMutex());
-  previous_ = g_state;
-  g_state = state_;
+  m_previous = g_state;
+  g_state = m_state;
   g_min_level = settings.min_level;
 }
 
 ScopedLogging::~ScopedLogging() {
   {
     std::lock_guard<std::mutex> lock(LogMutex());
-    if (state_->file)
-      std::fclose(state_->file);
-    g_state = previous_;
-    g_min_level = previous_ ? previous_->settings.min_level : INT_MAX;
+    if (m_state->file)
+      std::fclose(m_state->file);
+    g_state = m_previous;
+    g_min_level = m_previous ? m_previous->settings.min_level : INT_MAX;
   }
-  delete state_;
+  delete m_state;
 }
 
 int GetMinLogLevel() {
@@ -119,10 +119,10 @@ void WriteLogLine(const char* file, int line, int level, const std::wstring& tex
 }
 
 LogMessage::LogMessage(const char* file, int line, int level)
-    : file_(file), line_(line), level_(level) {}
+    : m_file(file), m_line(line), m_level(level) {}
 
 LogMessage::~LogMessage() {
-  WriteLogLine(file_, line_, level_, stream_.str());
+  WriteLogLine(m_file, m_line, m_level, m_stream.str());
 }
 
 }  // namespace logging

@@ -52,8 +52,8 @@ class ScopedLogging {
   ScopedLogging& operator=(const ScopedLogging&) = delete;
 
  private:
-  LogState* previous_;
-  LogState* state_;
+  LogState* m_previous;
+  LogState* m_state;
 };
 
 // The minimum level in force; above every level when no scope is active.
@@ -67,13 +67,13 @@ class LogMessage {
   LogMessage(const LogMessage&) = delete;
   LogMessage& operator=(const LogMessage&) = delete;
 
-  std::wostream& stream() { return stream_; }
+  std::wostream& stream() { return m_stream; }
 
  private:
-  const char* file_;
-  int line_;
-  int level_;
-  std::wostringstream stream_;
+  const char* m_file;
+  int m_line;
+  int m_level;
+  std::wostringstream m_stream;
 };
 
 // Turns a log statement into nothing when its level is filtered out.

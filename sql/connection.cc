@@ -40,18 +40,18 @@ std::string QueryText(sqlite3* db, const char* sql) {
 }  // namespace
 
 StatementRef::StatementRef(Connection* connection, sqlite3_stmt* stmt)
-    : connection_(connection), stmt_(stmt) {}
+    : m_connection(connection), m_stmt(stmt) {}
 
 StatementRef::~StatementRef() {
   Close();
 }
 
 void StatementRef::Close() {
-  if (stmt_) {
-    sqlite3_finalize(stmt_);
-    stmt_ = nullptr;
+  if (m_stmt) {
+    sqlite3_finalize(m_stmt);
+    m_stmt = nullptr;
   }
-  connection_ = nullptr;
+  m_connection = nullptr;
 }
 
 Connection::Connection() = default;
@@ -96,10 +96,10 @@ bool Connection::OpenReadOnly(const base::FilePath& path) {
     sqlite3_close(db);
     return false;
   }
-  db_ = db;
-  path_ = resolved;
-  key_.clear();
-  if (sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) !=
+  m_db = db;
+  m_path = resolved;
+  m_key.clear();
+  if (sqlite3_exec(m_db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) !=
       SQLITE_OK) {
     Close();
     return false;
@@ -122,9 +122,9 @@ bool Connection::OpenInternal(const base::FilePath& path, const std::string* key
     sqlite3_close(db);
     return false;
   }
-  db_ = db;
-  path_ = resolved;
-  key_ = key ? *key : std::string();
+  m_db = db;
+  m_path = resolved;
+  m_key = key ? *key : std::string();
   if (key) {
     // The passphrase exactly as "PRAGMA key = '<key>'" gives it.
     if (!Execute(("PRAGMA key = " + Quote(*key)).c_str()) || !PinCipherFormat("main")) {
@@ -137,7 +137,7 @@ bool Connection::OpenInternal(const base::FilePath& path, const std::string* key
     return false;
   }
   // Reading the schema proves the file is a database and the key is right.
-  if (sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) !=
+  if (sqlite3_exec(m_db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) !=
       SQLITE_OK) {
     Close();
     return false;
@@ -152,7 +152,7 @@ bool Connection::PinCipherFormat(const char* schema) {
   // are set here rather than assumed; from 4.0 on one compatibility setting
   // stands for all of them. Files keep opening with the passphrase alone in
   // a 3.x tool.
-  std::string version = QueryText(db_, "PRAGMA cipher_version");
+  std::string version = QueryText(m_db, "PRAGMA cipher_version");
   std::string prefix = std::string("PRAGMA ") + schema + ".";
   if (version.empty())
     return false;  // no page encryption in this engine
@@ -165,46 +165,46 @@ bool Connection::PinCipherFormat(const char* schema) {
 }
 
 bool Connection::ApplySettings() {
-  if (page_size_ > 0 &&
-      !Execute(("PRAGMA page_size=" + std::to_string(page_size_)).c_str()))
+  if (m_page_size > 0 &&
+      !Execute(("PRAGMA page_size=" + std::to_string(m_page_size)).c_str()))
     return false;
-  if (cache_size_ > 0 &&
-      !Execute(("PRAGMA cache_size=" + std::to_string(cache_size_)).c_str()))
+  if (m_cache_size > 0 &&
+      !Execute(("PRAGMA cache_size=" + std::to_string(m_cache_size)).c_str()))
     return false;
   return true;
 }
 
 void Connection::Close() {
-  for (auto& [id, ref] : statement_cache_)
+  for (auto& [id, ref] : m_statement_cache)
     ref->Close();
-  statement_cache_.clear();
-  transaction_nesting_ = 0;
-  needs_rollback_ = false;
-  if (db_) {
+  m_statement_cache.clear();
+  m_transaction_nesting = 0;
+  m_needs_rollback = false;
+  if (m_db) {
     // Statements still held by callers are finalised here; their Statement
     // objects turn invalid.
-    for (auto& weak : open_statements_) {
+    for (auto& weak : m_open_statements) {
       if (auto ref = weak.lock())
         ref->Close();
     }
-    open_statements_.clear();
-    sqlite3_close(db_);
-    db_ = nullptr;
+    m_open_statements.clear();
+    sqlite3_close(m_db);
+    m_db = nullptr;
   }
-  key_.clear();
+  m_key.clear();
 }
 
 bool Connection::Execute(const char* sql) {
-  if (!db_)
+  if (!m_db)
     return false;
-  return sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+  return sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 bool Connection::DoesTableExist(const char* table_name) const {
-  if (!db_)
+  if (!m_db)
     return false;
   sqlite3_stmt* stmt = nullptr;
-  if (sqlite3_prepare_v2(db_,
+  if (sqlite3_prepare_v2(m_db,
                          "SELECT name FROM sqlite_master WHERE type='table' AND name=? "
                          "COLLATE NOCASE",
                          -1, &stmt, nullptr) != SQLITE_OK)
@@ -216,11 +216,11 @@ bool Connection::DoesTableExist(const char* table_name) const {
 }
 
 bool Connection::DoesColumnExist(const char* table_name, const char* column_name) const {
-  if (!db_)
+  if (!m_db)
     return false;
   std::string sql = "PRAGMA TABLE_INFO(" + Quote(table_name) + ")";
   sqlite3_stmt* stmt = nullptr;
-  if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &stmt, nullptr) != SQLITE_OK)
+  if (sqlite3_prepare_v2(m_db, sql.c_str(), -1, &stmt, nullptr) != SQLITE_OK)
     return false;
   bool found = false;
   while (!found && sqlite3_step(stmt) == SQLITE_ROW) {
@@ -239,8 +239,8 @@ bool Connection::AttachDatabase(const base::FilePath& path, const char* alias) {
   // The cipher format is not pinned for the attached file: on the 3.x line
   // an ATTACH with a key already uses the version-3 parameters, and setting
   // them again afterwards drops the attached file's key material.
-  if (!key_.empty())
-    sql += " KEY " + Quote(key_);
+  if (!m_key.empty())
+    sql += " KEY " + Quote(m_key);
   return Execute(sql.c_str());
 }
 
@@ -249,45 +249,45 @@ bool Connection::DetachDatabase(const char* alias) {
 }
 
 bool Connection::BeginTransaction() {
-  if (!db_)
+  if (!m_db)
     return false;
-  if (transaction_nesting_ == 0) {
+  if (m_transaction_nesting == 0) {
     if (!Execute("BEGIN TRANSACTION"))
       return false;
-    needs_rollback_ = false;
+    m_needs_rollback = false;
   }
-  ++transaction_nesting_;
+  ++m_transaction_nesting;
   return true;
 }
 
 bool Connection::CommitTransaction() {
-  if (!db_ || transaction_nesting_ == 0)
+  if (!m_db || m_transaction_nesting == 0)
     return false;
-  if (--transaction_nesting_ > 0)
-    return !needs_rollback_;
-  if (needs_rollback_) {
+  if (--m_transaction_nesting > 0)
+    return !m_needs_rollback;
+  if (m_needs_rollback) {
     // The commit fails either way; a failed rollback adds nothing to report.
     (void)Execute("ROLLBACK");
-    needs_rollback_ = false;
+    m_needs_rollback = false;
     return false;
   }
   return Execute("COMMIT");
 }
 
 void Connection::RollbackTransaction() {
-  if (!db_ || transaction_nesting_ == 0)
+  if (!m_db || m_transaction_nesting == 0)
     return;
-  if (--transaction_nesting_ > 0) {
-    needs_rollback_ = true;
+  if (--m_transaction_nesting > 0) {
+    m_needs_rollback = true;
     return;
   }
   // Rolling back answers nothing: there is no one to tell of a failure.
   (void)Execute("ROLLBACK");
-  needs_rollback_ = false;
+  m_needs_rollback = false;
 }
 
 bool Connection::DbEncrypt(const std::wstring& key) {
-  if (!db_ || transaction_nesting_ > 0)
+  if (!m_db || m_transaction_nesting > 0)
     return false;
   // The file at |path| is never written here: the encrypted content goes to
   // a sibling, which one atomic rename puts in place once its export has
@@ -295,7 +295,7 @@ bool Connection::DbEncrypt(const std::wstring& key) {
   // either the untouched plain database or the finished encrypted one. A
   // killed earlier attempt may have left the sibling and its rollback
   // journal; both are removed first so the export starts from nothing.
-  base::FilePath path = path_;
+  base::FilePath path = m_path;
   base::FilePath encrypted(path.value() + kEncryptedSiblingSuffix);
   base::FilePath encrypted_journal(encrypted.value() + kJournalSuffix);
   // Leftovers of an earlier attempt, if any; a missing file is fine.
@@ -342,40 +342,40 @@ bool Connection::DbEncrypt(const std::wstring& key) {
 
 std::shared_ptr<StatementRef> Connection::GetUniqueStatement(const char* sql) {
   sqlite3_stmt* stmt = nullptr;
-  if (db_ && sqlite3_prepare_v2(db_, sql, -1, &stmt, nullptr) != SQLITE_OK) {
+  if (m_db && sqlite3_prepare_v2(m_db, sql, -1, &stmt, nullptr) != SQLITE_OK) {
     sqlite3_finalize(stmt);
     stmt = nullptr;
   }
   auto ref = std::make_shared<StatementRef>(stmt ? this : nullptr, stmt);
   if (stmt) {
-    if (open_statements_.size() >= 64) {
-      std::erase_if(open_statements_, [](const auto& weak) { return weak.expired(); });
+    if (m_open_statements.size() >= 64) {
+      std::erase_if(m_open_statements, [](const auto& weak) { return weak.expired(); });
     }
-    open_statements_.push_back(ref);
+    m_open_statements.push_back(ref);
   }
   return ref;
 }
 
 std::shared_ptr<StatementRef> Connection::GetCachedStatement(const StatementID& id,
                                                              const char* sql) {
-  auto it = statement_cache_.find(id);
-  if (it != statement_cache_.end() && it->second->is_valid()) {
+  auto it = m_statement_cache.find(id);
+  if (it != m_statement_cache.end() && it->second->is_valid()) {
     sqlite3_reset(it->second->stmt());
     sqlite3_clear_bindings(it->second->stmt());
     return it->second;
   }
   std::shared_ptr<StatementRef> ref = GetUniqueStatement(sql);
   if (ref->is_valid())
-    statement_cache_[id] = ref;
+    m_statement_cache[id] = ref;
   return ref;
 }
 
 int Connection::GetErrorCode() const {
-  return db_ ? sqlite3_errcode(db_) : SQLITE_MISUSE;
+  return m_db ? sqlite3_errcode(m_db) : SQLITE_MISUSE;
 }
 
 const char* Connection::GetErrorMessage() const {
-  return db_ ? sqlite3_errmsg(db_) : "database is not open";
+  return m_db ? sqlite3_errmsg(m_db) : "database is not open";
 }
 
 }  // namespace sql

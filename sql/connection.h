@@ -39,8 +39,8 @@ class Connection {
 
   // Settings applied by the next Open/OpenWithKey (0 keeps SQLite's default).
   // The page size only matters for a new database file (or a VACUUM).
-  void set_page_size(int page_size) { page_size_ = page_size; }
-  void set_cache_size(int cache_size) { cache_size_ = cache_size; }
+  void set_page_size(int page_size) { m_page_size = page_size; }
+  void set_cache_size(int cache_size) { m_cache_size = cache_size; }
 
   // Opens (creating when missing) the plain database file at |path|. The
   // file is found case-insensitively when it exists. False when the file
@@ -67,8 +67,8 @@ class Connection {
 
   // Finalises every statement and closes the database. Safe to call twice.
   void Close();
-  bool is_open() const { return db_ != nullptr; }
-  const base::FilePath& path() const { return path_; }
+  bool is_open() const { return m_db != nullptr; }
+  const base::FilePath& path() const { return m_path; }
 
   // Runs one or more statements that return no rows. False on any error.
   [[nodiscard]] bool Execute(const char* sql);
@@ -87,7 +87,7 @@ class Connection {
   [[nodiscard]] bool BeginTransaction();
   [[nodiscard]] bool CommitTransaction();
   void RollbackTransaction();
-  int transaction_nesting() const { return transaction_nesting_; }
+  int transaction_nesting() const { return m_transaction_nesting; }
 
   // Turns the open plain database into one encrypted with |key| in place and
   // leaves the connection open on it: the content is exported into a sibling
@@ -111,7 +111,7 @@ class Connection {
   [[nodiscard]] int GetErrorCode() const;
   const char* GetErrorMessage() const;
 
-  sqlite3* db() const { return db_; }
+  sqlite3* db() const { return m_db; }
 
  private:
   [[nodiscard]] bool OpenInternal(const base::FilePath& path, const std::string* key,
@@ -121,16 +121,16 @@ class Connection {
   // ("main" or an attached alias), before its first page is read.
   [[nodiscard]] bool PinCipherFormat(const char* schema);
 
-  sqlite3* db_ = nullptr;
-  base::FilePath path_;
-  std::string key_;  // the key of an encrypted database, UTF-8
-  int page_size_ = 0;
-  int cache_size_ = 0;
-  int transaction_nesting_ = 0;
-  bool needs_rollback_ = false;
-  std::map<StatementID, std::shared_ptr<StatementRef>> statement_cache_;
+  sqlite3* m_db = nullptr;
+  base::FilePath m_path;
+  std::string m_key;  // the key of an encrypted database, UTF-8
+  int m_page_size = 0;
+  int m_cache_size = 0;
+  int m_transaction_nesting = 0;
+  bool m_needs_rollback = false;
+  std::map<StatementID, std::shared_ptr<StatementRef>> m_statement_cache;
   // Every statement handed out, so that Close can finalise them first.
-  std::vector<std::weak_ptr<StatementRef>> open_statements_;
+  std::vector<std::weak_ptr<StatementRef>> m_open_statements;
 };
 
 // A prepared statement shared by Statement objects; invalid when preparing
@@ -142,15 +142,15 @@ class StatementRef {
   StatementRef(const StatementRef&) = delete;
   StatementRef& operator=(const StatementRef&) = delete;
 
-  bool is_valid() const { return stmt_ != nullptr; }
-  sqlite3_stmt* stmt() const { return stmt_; }
-  Connection* connection() const { return connection_; }
+  bool is_valid() const { return m_stmt != nullptr; }
+  sqlite3_stmt* stmt() const { return m_stmt; }
+  Connection* connection() const { return m_connection; }
   // Finalises the statement (the connection is closing).
   void Close();
 
  private:
-  Connection* connection_;
-  sqlite3_stmt* stmt_;
+  Connection* m_connection;
+  sqlite3_stmt* m_stmt;
 };
 
 }  // namespace sql

@@ -27,7 +27,7 @@ class Statement {
   Statement& operator=(const Statement&) = delete;
 
   void Assign(std::shared_ptr<StatementRef> ref);
-  bool is_valid() const { return ref_ && ref_->is_valid(); }
+  bool is_valid() const { return m_ref && m_ref->is_valid(); }
 
   // Runs the statement to its next row: true while a row is available.
   // False at the end, on an error, or when invalid.
@@ -35,7 +35,7 @@ class Statement {
   // Whether the last Step ended well: on a row or at the end of the
   // results. False after an error (a damaged page, say) and before any
   // Step; a loop over Step uses it to tell the end from a failure.
-  [[nodiscard]] bool Succeeded() const { return last_result_ == kRow || last_result_ == kDone; }
+  [[nodiscard]] bool Succeeded() const { return m_last_result == kRow || m_last_result == kDone; }
   // Runs a statement that returns no row: true on success.
   [[nodiscard]] bool Run();
   // Back to the start, ready to step again.
@@ -58,8 +58,8 @@ class Statement {
 
   enum LastResult { kNotRun, kRow, kDone, kError };
 
-  std::shared_ptr<StatementRef> ref_;
-  LastResult last_result_ = kNotRun;
+  std::shared_ptr<StatementRef> m_ref;
+  LastResult m_last_result = kNotRun;
 };
 
 }  // namespace sql

@@ -9,17 +9,17 @@ namespace sql {
 // Two call sites never share a cached statement.
 class StatementID {
  public:
-  StatementID(const char* source, int line) : source_(source), line_(line) {}
+  StatementID(const char* source, int line) : m_source(source), m_line(line) {}
 
   bool operator<(const StatementID& other) const {
-    if (line_ != other.line_)
-      return line_ < other.line_;
-    return std::strcmp(source_, other.source_) < 0;
+    if (m_line != other.m_line)
+      return m_line < other.m_line;
+    return std::strcmp(m_source, other.m_source) < 0;
   }
 
  private:
-  const char* source_;
-  int line_;
+  const char* m_source;
+  int m_line;
 };
 
 }  // namespace sql

@@ -31,10 +31,10 @@
 TestProfile::TestProfile() {
   EXPECT_TRUE(base::CreateDirectory(local()));
   EXPECT_TRUE(base::CreateDirectory(roaming()));
-  env_.Set("LOCALAPPDATA", local().AsUTF8Unsafe());
-  env_.Set("APPDATA", roaming().AsUTF8Unsafe());
-  env_.Set("VANTU_REGISTRY_FILE", root().Append(L"user.reg").AsUTF8Unsafe());
-  env_.Set("VANTU_LOG_STDERR", std::nullopt);
+  m_env.Set("LOCALAPPDATA", local().AsUTF8Unsafe());
+  m_env.Set("APPDATA", roaming().AsUTF8Unsafe());
+  m_env.Set("VANTU_REGISTRY_FILE", root().Append(L"user.reg").AsUTF8Unsafe());
+  m_env.Set("VANTU_LOG_STDERR", std::nullopt);
 }
 
 RunContext TestRunContext(const base::FilePath& source_folder) {
@@ -57,10 +57,10 @@ void TestProfile::SetRegistryValue(const std::wstring& key, const std::wstring& 
       escaped.push_back(L'\\');
     escaped.push_back(c);
   }
-  registry_ += L"[HKEY_CURRENT_USER\\" + key + L"]\r\n\"" + name + L"\"=\"" + escaped + L"\"\r\n\r\n";
+  m_registry += L"[HKEY_CURRENT_USER\\" + key + L"]\r\n\"" + name + L"\"=\"" + escaped + L"\"\r\n\r\n";
   EXPECT_TRUE(base::WriteFile(
       root().Append(L"user.reg"),
-      "Windows Registry Editor Version 5.00\r\n\r\n" + base::WideToUTF8(registry_)));
+      "Windows Registry Editor Version 5.00\r\n\r\n" + base::WideToUTF8(m_registry)));
 }
 
 std::wstring TestProfile::DBCheck(const std::wstring& key) const {
@@ -74,19 +74,19 @@ std::wstring TestProfile::Setting(const std::wstring& key) const {
 }
 
 ProgressTrace::ProgressTrace(ProgressRecord* record, const TestProfile& profile)
-    : record_(record) {
-  record_->set_key_observer([this, &profile](const wchar_t* key, const std::wstring&) {
+    : m_record(record) {
+  m_record->set_key_observer([this, &profile](const wchar_t* key, const std::wstring&) {
     if (std::wstring(key) != L"ImportProgress")
       return;
     int value = -1;
     if (!base::StringToInt(profile.DBCheck(key), &value))
       value = -1;
-    seen_.push_back(value);
+    m_seen.push_back(value);
   });
 }
 
 ProgressTrace::~ProgressTrace() {
-  record_->set_key_observer(nullptr);
+  m_record->set_key_observer(nullptr);
 }
 
 std::vector<int> ExpectedReadProgress(int start, const std::vector<int>& deltas) {

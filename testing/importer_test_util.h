@@ -29,7 +29,7 @@ class TestProfile {
   base::FilePath roaming() const { return root().Append(L"roaming"); }
   base::FilePath data_folder() const { return local().Append(L"VanTu8"); }
   base::FilePath ini() const { return data_folder().Append(L"Vantu.ini"); }
-  const base::FilePath& root() const { return dir_.path(); }
+  const base::FilePath& root() const { return m_dir.path(); }
 
   // Writes the registry file with one string value under
   // HKEY_CURRENT_USER\|key|.
@@ -45,10 +45,10 @@ class TestProfile {
   static void Touch(const base::FilePath& path);
 
  private:
-  testing_support::ScopedTempDir dir_;
-  testing_support::ScopedEnv env_;
-  std::wstring registry_;
-  logging::ScopedLogging logging_{{data_folder().Append(L"DataImporter.log"), 0, false}};
+  testing_support::ScopedTempDir m_dir;
+  testing_support::ScopedEnv m_env;
+  std::wstring m_registry;
+  logging::ScopedLogging m_logging{{data_folder().Append(L"DataImporter.log"), 0, false}};
 };
 
 // The run context the test's environment gives (a TestProfile's folders
@@ -70,11 +70,11 @@ class ProgressTrace {
   ProgressTrace(ProgressRecord* record, const TestProfile& profile);
   ~ProgressTrace();
 
-  const std::vector<int>& seen() const { return seen_; }
+  const std::vector<int>& seen() const { return m_seen; }
 
  private:
-  ProgressRecord* record_;
-  std::vector<int> seen_;
+  ProgressRecord* m_record;
+  std::vector<int> m_seen;
 };
 
 // The "ImportProgress" values a reader writes from |start| when it advances

@@ -24,30 +24,30 @@
 namespace testing_support {
 
 ScopedTempDir::ScopedTempDir() {
-  if (!base::CreateNewTempDirectory(L"vantu_test_", &path_))
+  if (!base::CreateNewTempDirectory(L"vantu_test_", &m_path))
     ADD_FAILURE() << "cannot create a temporary folder";
 }
 
 ScopedTempDir::~ScopedTempDir() {
-  if (path_.empty())
+  if (m_path.empty())
     return;
 #if defined(_WIN32)
   // Read-only files go too (their attribute is cleared first).
-  (void)base::DeleteFile(path_, true);  // a leftover in the temporary folder is harmless
+  (void)base::DeleteFile(m_path, true);  // a leftover in the temporary folder is harmless
 #else
   std::error_code ec;
   // Tests make files read-only on purpose; restore write access first.
-  for (auto it = std::filesystem::recursive_directory_iterator(path_.AsUTF8Unsafe(), ec);
+  for (auto it = std::filesystem::recursive_directory_iterator(m_path.AsUTF8Unsafe(), ec);
        !ec && it != std::filesystem::recursive_directory_iterator(); it.increment(ec)) {
     std::filesystem::permissions(it->path(), std::filesystem::perms::owner_all,
                                  std::filesystem::perm_options::add, ec);
   }
-  std::filesystem::remove_all(path_.AsUTF8Unsafe(), ec);
+  std::filesystem::remove_all(m_path.AsUTF8Unsafe(), ec);
 #endif
 }
 
 ScopedEnv::~ScopedEnv() {
-  for (const auto& [name, value] : saved_) {
+  for (const auto& [name, value] : m_saved) {
     if (value)
       (void)base::SetEnvironmentString(name, base::UTF8ToWide(*value));  // restoring: best effort
     else
@@ -56,9 +56,9 @@ ScopedEnv::~ScopedEnv() {
 }
 
 void ScopedEnv::Set(const std::string& name, const std::optional<std::string>& value) {
-  if (!saved_.count(name)) {
+  if (!m_saved.count(name)) {
     std::wstring old;
-    saved_[name] = base::GetEnvironmentString(name, &old)
+    m_saved[name] = base::GetEnvironmentString(name, &old)
                        ? std::optional<std::string>(base::WideToUTF8(old))
                        : std::nullopt;
   }

@@ -22,10 +22,10 @@ class ScopedTempDir {
   ScopedTempDir(const ScopedTempDir&) = delete;
   ScopedTempDir& operator=(const ScopedTempDir&) = delete;
 
-  const base::FilePath& path() const { return path_; }
+  const base::FilePath& path() const { return m_path; }
 
  private:
-  base::FilePath path_;
+  base::FilePath m_path;
 };
 
 // Sets (or with std::nullopt unsets) environment variables for the life of
@@ -40,7 +40,7 @@ class ScopedEnv {
   void Set(const std::string& name, const std::optional<std::string>& value);
 
  private:
-  std::map<std::string, std::optional<std::string>> saved_;
+  std::map<std::string, std::optional<std::string>> m_saved;
 };
 
 // Runs a shell command, feeding |input| on its standard input; returns its

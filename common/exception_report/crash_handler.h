@@ -33,7 +33,7 @@ class ScopedCrashHandler {
   ScopedCrashHandler& operator=(const ScopedCrashHandler&) = delete;
 
  private:
-  bool installed_ = false;
+  bool m_installed = false;
 };
 
 }  // namespace exception_report

@@ -46,8 +46,8 @@ HandlerState g_state;
 class RecordBuffer {
  public:
   void Add(const char* text) {
-    while (*text && length_ < sizeof(data_) - 1)
-      data_[length_++] = *text++;
+    while (*text && m_length < sizeof(m_data) - 1)
+      m_data[m_length++] = *text++;
   }
   void AddNumber(unsigned long long value, int min_digits = 1) {
     char digits[24];
@@ -56,16 +56,16 @@ class RecordBuffer {
       digits[count++] = static_cast<char>('0' + value % 10);
       value /= 10;
     } while (value || count < min_digits);
-    while (count > 0 && length_ < sizeof(data_) - 1)
-      data_[length_++] = digits[--count];
+    while (count > 0 && m_length < sizeof(m_data) - 1)
+      m_data[m_length++] = digits[--count];
   }
-  const char* data() const { return data_; }
-  size_t length() const { return length_; }
-  void Clear() { length_ = 0; }
+  const char* data() const { return m_data; }
+  size_t length() const { return m_length; }
+  void Clear() { m_length = 0; }
 
  private:
-  char data_[kPathCapacity + 256] = {};
-  size_t length_ = 0;
+  char m_data[kPathCapacity + 256] = {};
+  size_t m_length = 0;
 };
 
 void WriteAll(int fd, const char* data, size_t length) {
@@ -295,11 +295,11 @@ ScopedCrashHandler::ScopedCrashHandler(const base::FilePath& exe_folder,
   for (int i = 0; i < kSignalCount; ++i)
     sigaction(kSignals[i], &action, &g_state.previous[i]);
   g_state.active = true;
-  installed_ = true;
+  m_installed = true;
 }
 
 ScopedCrashHandler::~ScopedCrashHandler() {
-  if (!installed_)
+  if (!m_installed)
     return;
   for (int i = 0; i < kSignalCount; ++i)
     sigaction(kSignals[i], &g_state.previous[i], nullptr);

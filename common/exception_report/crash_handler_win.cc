@@ -29,8 +29,8 @@ HandlerState g_state;
 class RecordBuffer {
  public:
   void Add(const char* text) {
-    while (*text && length_ < sizeof(data_) - 1)
-      data_[length_++] = *text++;
+    while (*text && m_length < sizeof(m_data) - 1)
+      m_data[m_length++] = *text++;
   }
   void AddNumber(unsigned long long value, int base = 10, int min_digits = 1) {
     static const char kDigits[] = "0123456789abcdef";
@@ -40,8 +40,8 @@ class RecordBuffer {
       digits[count++] = kDigits[value % base];
       value /= base;
     } while (value || count < min_digits);
-    while (count > 0 && length_ < sizeof(data_) - 1)
-      data_[length_++] = digits[--count];
+    while (count > 0 && m_length < sizeof(m_data) - 1)
+      m_data[m_length++] = digits[--count];
   }
   // Wide text as UTF-8.
   void AddWide(const wchar_t* text) {
@@ -50,12 +50,12 @@ class RecordBuffer {
     if (n > 0)
       Add(utf8);
   }
-  const char* data() const { return data_; }
-  size_t length() const { return length_; }
+  const char* data() const { return m_data; }
+  size_t length() const { return m_length; }
 
  private:
-  char data_[16 * 1024] = {};
-  size_t length_ = 0;
+  char m_data[16 * 1024] = {};
+  size_t m_length = 0;
 };
 
 // Joins folder and name into |out| (capacity kPathCapacity).
@@ -182,11 +182,11 @@ ScopedCrashHandler::ScopedCrashHandler(const base::FilePath& exe_folder,
   CopyPath(crash_folder, g_state.crash_folder);
   g_state.previous = SetUnhandledExceptionFilter(HandleException);
   g_state.active = true;
-  installed_ = true;
+  m_installed = true;
 }
 
 ScopedCrashHandler::~ScopedCrashHandler() {
-  if (!installed_)
+  if (!m_installed)
     return;
   SetUnhandledExceptionFilter(g_state.previous);
   g_state.active = false;

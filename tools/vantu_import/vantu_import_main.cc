@@ -70,11 +70,11 @@ constexpr auto kPollInterval = std::chrono::milliseconds(100);
 // changes.
 class ProgressView {
  public:
-  ProgressView(bool enabled, bool terminal) : enabled_(enabled), terminal_(terminal) {}
+  ProgressView(bool enabled, bool terminal) : m_enabled(enabled), m_terminal(terminal) {}
 
   void Show(const std::wstring& import_progress, const std::wstring& update_progress,
             const std::string& stage, double seconds) {
-    if (!enabled_)
+    if (!m_enabled)
       return;
     std::string label = "import";
     std::wstring value = import_progress;
@@ -83,11 +83,11 @@ class ProgressView {
       value = update_progress;
     }
     int percent = value.empty() ? 0 : std::clamp(base::WToI(value), 0, 100);
-    if (!terminal_) {
-      if (!value.empty() && (label != last_label_ || value != last_value_))
+    if (!m_terminal) {
+      if (!value.empty() && (label != m_last_label || value != m_last_value))
         std::printf("%s progress: %d%%\n", label.c_str(), percent);
-      last_label_ = label;
-      last_value_ = value;
+      m_last_label = label;
+      m_last_value = value;
       return;
     }
     if (value.empty())
@@ -97,21 +97,21 @@ class ProgressView {
     // "\r" and clearing to the end of the line redraw the bar in place.
     std::printf("\r%s\x1b[K", ProgressBarLine(label, percent, seconds, columns, stage).c_str());
     std::fflush(stdout);
-    bar_shown_ = true;
+    m_bar_shown = true;
   }
 
   void Finish() {
-    if (bar_shown_)
+    if (m_bar_shown)
       std::printf("\n");
-    bar_shown_ = false;
+    m_bar_shown = false;
   }
 
  private:
-  bool enabled_;
-  bool terminal_;
-  bool bar_shown_ = false;
-  std::string last_label_;
-  std::wstring last_value_;
+  bool m_enabled;
+  bool m_terminal;
+  bool m_bar_shown = false;
+  std::string m_last_label;
+  std::wstring m_last_value;
 };
 
 // Set by Ctrl-C (SIGINT); the main thread looks at it while the import
@@ -216,9 +216,9 @@ class TemporaryFolder {
  public:
   TemporaryFolder() = default;
   ~TemporaryFolder() {
-    if (!path_.empty() && !keep_) {
+    if (!m_path.empty() && !m_keep) {
       // A leftover in the temporary folder is harmless.
-      (void)base::DeleteFile(base::FilePath::FromUTF8Unsafe(path_), true);
+      (void)base::DeleteFile(base::FilePath::FromUTF8Unsafe(m_path), true);
     }
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
@@ -229,17 +229,17 @@ class TemporaryFolder {
     base::FilePath made;
     if (!base::CreateNewTempDirectory(base::UTF8ToWide(prefix), &made))
       return false;
-    path_ = made.AsUTF8Unsafe();
-    keep_ = keep;
+    m_path = made.AsUTF8Unsafe();
+    m_keep = keep;
     if (!keep)
-      FoldersToRemoveOnInterrupt().push_back(path_);
+      FoldersToRemoveOnInterrupt().push_back(m_path);
     return true;
   }
-  const std::string& path() const { return path_; }
+  const std::string& path() const { return m_path; }
 
  private:
-  std::string path_;
-  bool keep_ = false;
+  std::string m_path;
+  bool m_keep = false;
 };
 
 bool StandardOutputIsTerminal() {

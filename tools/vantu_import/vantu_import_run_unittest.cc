@@ -62,7 +62,7 @@ class HostRunTest : public testing::Test {
     ASSERT_TRUE(base::CreateDirectory(profile().Append(L"AppData").Append(L"Roaming")));
   }
 
-  base::FilePath root() const { return dir_.path(); }
+  base::FilePath root() const { return m_dir.path(); }
   base::FilePath profile() const { return root().Append(L"profile"); }
   base::FilePath local() const { return profile().Append(L"AppData").Append(L"Local"); }
   base::FilePath data_folder() const { return local().Append(L"VanTu8"); }
@@ -95,15 +95,15 @@ class HostRunTest : public testing::Test {
         "env -u VANTU_REGISTRY_FILE -u LOCALAPPDATA -u APPDATA -u USERPROFILE "
         "-u VANTU_LOG_STDERR HOME=" + Quote(root()) + " " VANTU_BINARY_DIR "/vantu-import " +
         args + (with_errors ? " 2>&1" : " 2>/dev/null");
-    return testing_support::RunCommand(command, "", &output_);
+    return testing_support::RunCommand(command, "", &m_output);
   }
 
   std::string ProfileArgs() const {
     return "--profile " + Quote(profile()) + " --registry " + Quote(registry());
   }
 
-  testing_support::ScopedTempDir dir_;
-  std::string output_;
+  testing_support::ScopedTempDir m_dir;
+  std::string m_output;
 };
 
 // Each bad option value is one line naming the option, the path and the
@@ -134,9 +134,9 @@ TEST_F(HostRunTest, BadUsageIsAnErrorThatCreatesNothing) {
   };
   std::string before = Fingerprint(root());
   for (const auto& c : kCases) {
-    EXPECT_EQ(2, Run(c.args)) << c.args << "\n" << output_;
-    EXPECT_NE(std::string::npos, output_.find(c.expected)) << c.args << "\n" << output_;
-    EXPECT_EQ(1, std::count(output_.begin(), output_.end(), '\n')) << output_;
+    EXPECT_EQ(2, Run(c.args)) << c.args << "\n" << m_output;
+    EXPECT_NE(std::string::npos, m_output.find(c.expected)) << c.args << "\n" << m_output;
+    EXPECT_EQ(1, std::count(m_output.begin(), m_output.end(), '\n')) << m_output;
     EXPECT_EQ(before, Fingerprint(root())) << c.args;
   }
 }
@@ -146,17 +146,17 @@ TEST_F(HostRunTest, BadUsageIsAnErrorThatCreatesNothing) {
 TEST_F(HostRunTest, UnusableDataFolderIsAFailure) {
   WriteInstallation();
   testing_support::WriteBytes(data_folder(), "not a folder");
-  EXPECT_EQ(1, Run(ProfileArgs())) << output_;
+  EXPECT_EQ(1, Run(ProfileArgs())) << m_output;
   EXPECT_EQ("vantu-import: data folder " + data_folder().AsUTF8Unsafe() + ": Not a directory\n",
-            output_);
+            m_output);
   EXPECT_EQ("not a folder", testing_support::ReadBytes(data_folder()));
 
   ASSERT_TRUE(base::DeleteFile(data_folder()));
   ASSERT_TRUE(base::CreateDirectory(data_folder().Append(L"vantu.ini")));
-  EXPECT_EQ(1, Run(ProfileArgs())) << output_;
-  EXPECT_NE(std::string::npos, output_.find("settings file " + data_folder().AsUTF8Unsafe() +
+  EXPECT_EQ(1, Run(ProfileArgs())) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("settings file " + data_folder().AsUTF8Unsafe() +
                                             "/vantu.ini: Is a directory"))
-      << output_;
+      << m_output;
   EXPECT_FALSE(base::PathExists(data_folder().Append(L"VTMusicV3.db")));
 }
 
@@ -165,26 +165,26 @@ TEST_F(HostRunTest, UnusableDataFolderIsAFailure) {
 // build is status 1 and a damaged source status 3.
 TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
   WriteInstallation();
-  EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << output_;
+  EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << m_output;
   EXPECT_EQ("Imported 3 songs and 1 list with 2 entries; skipped 1 list entry whose song is not "
             "in the library.\n",
-            output_);
+            m_output);
 
-  EXPECT_EQ(0, Run("--verbose " + ProfileArgs(), false)) << output_;
-  EXPECT_NE(std::string::npos, output_.find("Ran the upgrade of the version-3 databases. Follows "));
+  EXPECT_EQ(0, Run("--verbose " + ProfileArgs(), false)) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("Ran the upgrade of the version-3 databases. Follows "));
   EXPECT_NE(std::string::npos,
-            output_.find("Task:          upgrade of the version-3 databases (updatevantu8)"));
-  EXPECT_NE(std::string::npos, output_.find("  UpdateProgress = 100\n")) << output_;
+            m_output.find("Task:          upgrade of the version-3 databases (updatevantu8)"));
+  EXPECT_NE(std::string::npos, m_output.find("  UpdateProgress = 100\n")) << m_output;
   // What the task did, as its report holds it.
-  EXPECT_NE(std::string::npos, output_.find("Done:          no cloud lists to move\n")) << output_;
-  EXPECT_EQ(std::string::npos, output_.find("ImportEnd")) << output_;
+  EXPECT_NE(std::string::npos, m_output.find("Done:          no cloud lists to move\n")) << m_output;
+  EXPECT_EQ(std::string::npos, m_output.find("ImportEnd")) << m_output;
 
   // An earlier release's playlist database stops the build.
   ASSERT_TRUE(base::DeleteFile(data_folder(), true));
   ASSERT_TRUE(base::CreateDirectory(data_folder()));
   testing_support::WriteBytes(data_folder().Append(L"playlist.db"), "");
-  EXPECT_EQ(1, Run("--quiet " + ProfileArgs())) << output_;
-  EXPECT_EQ(0u, output_.find("Import failed, nothing was replaced: ImportState 1 ")) << output_;
+  EXPECT_EQ(1, Run("--quiet " + ProfileArgs())) << m_output;
+  EXPECT_EQ(0u, m_output.find("Import failed, nothing was replaced: ImportState 1 ")) << m_output;
 
   // A damaged source: its lost free pages are repaired on opening.
   ASSERT_TRUE(base::DeleteFile(data_folder(), true));
@@ -200,11 +200,11 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
   std::string bytes = testing_support::ReadBytes(source);
   bytes.replace(32, 8, std::string(8, '\0'));
   testing_support::WriteBytes(source, bytes);
-  EXPECT_EQ(3, Run("--quiet " + ProfileArgs())) << output_;
+  EXPECT_EQ(3, Run("--quiet " + ProfileArgs())) << m_output;
   EXPECT_NE(std::string::npos,
-            output_.find("; " + source.AsUTF8Unsafe() +
+            m_output.find("; " + source.AsUTF8Unsafe() +
                          " was damaged and repaired: some of its records may be missing"))
-      << output_;
+      << m_output;
 }
 
 // "Backup folder:" names the folder only when this run wrote into it: the
@@ -212,16 +212,16 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
 // upgrade's progress starts from its own values.
 TEST_F(HostRunTest, BackupFolderOnlyWhenThisRunWroteOne) {
   WriteInstallation();
-  EXPECT_EQ(0, Run(ProfileArgs())) << output_;
-  EXPECT_NE(std::string::npos, output_.find("\nBackup folder: " + data_folder().AsUTF8Unsafe()))
-      << output_;
-  EXPECT_EQ(0, Run(ProfileArgs())) << output_;
-  EXPECT_NE(std::string::npos, output_.find("(updatevantu8)")) << output_;
-  EXPECT_EQ(std::string::npos, output_.find("Backup folder:")) << output_;
+  EXPECT_EQ(0, Run(ProfileArgs())) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("\nBackup folder: " + data_folder().AsUTF8Unsafe()))
+      << m_output;
+  EXPECT_EQ(0, Run(ProfileArgs())) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("(updatevantu8)")) << m_output;
+  EXPECT_EQ(std::string::npos, m_output.find("Backup folder:")) << m_output;
   // The progress shown is this run's: not the import's 100 % left in the
   // section by the run before.
-  EXPECT_EQ(std::string::npos, output_.find("import progress:")) << output_;
-  EXPECT_NE(std::string::npos, output_.find("upgrade progress: 100%")) << output_;
+  EXPECT_EQ(std::string::npos, m_output.find("import progress:")) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("upgrade progress: 100%")) << m_output;
 }
 
 // Every run's report joins the history in "reports"; "ImportReport.json"
@@ -229,7 +229,7 @@ TEST_F(HostRunTest, BackupFolderOnlyWhenThisRunWroteOne) {
 // their verdicts name the import the data folder holds.
 TEST_F(HostRunTest, LaterRunsKeepTheImportsReportAndNameIt) {
   WriteInstallation();
-  EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << output_;
+  EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << m_output;
   base::Value imported;
   ASSERT_TRUE(base::ReadJsonFile(data_folder().Append(importer_names::kReportFileName), &imported));
   const std::string date = imported["time"].get<std::string>().substr(0, 10);
@@ -237,20 +237,20 @@ TEST_F(HostRunTest, LaterRunsKeepTheImportsReportAndNameIt) {
   const std::string follows = " Follows the import from generation 6 (importvantu6), imported on " +
                               date + ": 3 songs and 1 list with 2 entries.\n";
 
-  EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << output_;
-  EXPECT_EQ("Ran the upgrade of the version-3 databases." + follows, output_);
+  EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << m_output;
+  EXPECT_EQ("Ran the upgrade of the version-3 databases." + follows, m_output);
   // Without the databases and the registry nothing is found; the report
   // of the import is still there.
   ASSERT_TRUE(base::DeleteFile(data_folder().Append(importer_names::kMusicDatabaseV3)));
   ASSERT_TRUE(base::DeleteFile(data_folder().Append(importer_names::kPlaylistDatabaseV3)));
-  EXPECT_EQ(0, Run("--profile " + Quote(profile()))) << output_;
-  EXPECT_EQ(0u, output_.find("Nothing to import: no earlier installation of the player was found." +
+  EXPECT_EQ(0, Run("--profile " + Quote(profile()))) << m_output;
+  EXPECT_EQ(0u, m_output.find("Nothing to import: no earlier installation of the player was found." +
                              follows))
-      << output_;
-  EXPECT_NE(std::string::npos, output_.find("\nReport:        " + data_folder().AsUTF8Unsafe() +
+      << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("\nReport:        " + data_folder().AsUTF8Unsafe() +
                                             "/reports/"))
-      << output_;
-  EXPECT_NE(std::string::npos, output_.find("-nothing-")) << output_;
+      << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("-nothing-")) << m_output;
 
   base::Value kept;
   ASSERT_TRUE(base::ReadJsonFile(data_folder().Append(importer_names::kReportFileName), &kept));
@@ -271,18 +271,18 @@ TEST_F(HostRunTest, LaterRunsKeepTheImportsReportAndNameIt) {
 TEST_F(HostRunTest, VerboseNamesTheDroppedRecords) {
   base::FilePath roaming = profile().Append(L"AppData").Append(L"Roaming");
   ASSERT_TRUE(WriteSampleV7Installation(roaming, V7SampleSize()));
-  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << output_;
-  size_t heading = output_.find("\nDropped records, by reason:\n");
-  ASSERT_NE(std::string::npos, heading) << output_;
-  size_t cloud = output_.find("\n  skipped list 'Cloud list' (", heading);
-  ASSERT_NE(std::string::npos, cloud) << output_;
-  std::string line = output_.substr(cloud + 1, output_.find('\n', cloud + 1) - cloud - 1);
+  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << m_output;
+  size_t heading = m_output.find("\nDropped records, by reason:\n");
+  ASSERT_NE(std::string::npos, heading) << m_output;
+  size_t cloud = m_output.find("\n  skipped list 'Cloud list' (", heading);
+  ASSERT_NE(std::string::npos, cloud) << m_output;
+  std::string line = m_output.substr(cloud + 1, m_output.find('\n', cloud + 1) - cloud - 1);
   EXPECT_NE(std::string::npos, line.find(" entries): list of a type that is not imported")) << line;
   EXPECT_EQ(std::string::npos, line.find("(0 entries)")) << line;
   EXPECT_NE(std::string::npos,
-            output_.find(": entries of lists that are not imported\n", heading)) << output_;
+            m_output.find(": entries of lists that are not imported\n", heading)) << m_output;
   EXPECT_NE(std::string::npos,
-            output_.find(": list entry whose song is not in the library\n", heading)) << output_;
+            m_output.find(": list entry whose song is not in the library\n", heading)) << m_output;
 }
 
 // Settings are counted as read from the source: an empty settings file
@@ -296,16 +296,16 @@ TEST_F(HostRunTest, SettingsCountedAsReadFromTheSource) {
   size.list_entries = 2;
   ASSERT_TRUE(WriteSampleV7Installation(roaming, size));
   testing_support::WriteBytes(settings, "");
-  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()))) << output_;
-  EXPECT_EQ(0u, output_.find("Imported 4 songs")) << output_;
-  EXPECT_EQ(std::string::npos, output_.find("setting")) << output_;
+  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()))) << m_output;
+  EXPECT_EQ(0u, m_output.find("Imported 4 songs")) << m_output;
+  EXPECT_EQ(std::string::npos, m_output.find("setting")) << m_output;
 
   ASSERT_TRUE(base::DeleteFile(data_folder(), true));
   testing_support::WriteBytes(settings,
                               "[Player]\r\nVolume=35\r\n[NetConfig]\r\nDownloadPort=9100\r\n");
-  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << output_;
-  EXPECT_NE(std::string::npos, output_.find(" and 2 settings")) << output_;
-  EXPECT_NE(std::string::npos, output_.find("Settings: 2 read from the source; ")) << output_;
+  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find(" and 2 settings")) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("Settings: 2 read from the source; ")) << m_output;
 }
 
 // Ctrl-C stops the run at once with exit status 130, says in which state it
@@ -314,12 +314,12 @@ TEST_F(HostRunTest, InterruptSaysWhatStateItLeft) {
   std::string command = "cd " + Quote(root()) +
                         " && { " VANTU_BINARY_DIR "/vantu-import --demo & pid=$!; sleep 0.3; "
                         "kill -INT $pid; wait $pid; echo \"exit $?\"; }";
-  ASSERT_EQ(0, testing_support::RunCommand(command, "", &output_));
-  EXPECT_NE(std::string::npos, output_.find("\nexit 130\n")) << output_;
-  EXPECT_NE(std::string::npos, output_.find("\nStopped ")) << output_;
-  base::FilePath demo = PathAfter(output_, "Demo profile: ");
+  ASSERT_EQ(0, testing_support::RunCommand(command, "", &m_output));
+  EXPECT_NE(std::string::npos, m_output.find("\nexit 130\n")) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("\nStopped ")) << m_output;
+  base::FilePath demo = PathAfter(m_output, "Demo profile: ");
   if (!demo.empty())
-    EXPECT_FALSE(base::PathExists(demo)) << output_;
+    EXPECT_FALSE(base::PathExists(demo)) << m_output;
 }
 
 // --i=DIR with no program folder in the registry: the folder's settings
@@ -327,9 +327,9 @@ TEST_F(HostRunTest, InterruptSaysWhatStateItLeft) {
 TEST_F(HostRunTest, SourceFolderCarriesSettingsAndLyrics) {
   base::FilePath old = root().Append(L"Old Player");
   ASSERT_TRUE(WriteSampleV6Installation(old, 5));
-  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()) + " --i " + Quote(old))) << output_;
-  EXPECT_EQ(0u, output_.find("Imported 5 songs")) << output_;
-  EXPECT_NE(std::string::npos, output_.find(" settings")) << output_;
+  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()) + " --i " + Quote(old))) << m_output;
+  EXPECT_EQ(0u, m_output.find("Imported 5 songs")) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find(" settings")) << m_output;
   int lyrics = 0;
   std::error_code code;
   for (const auto& entry : std::filesystem::directory_iterator(
@@ -344,8 +344,8 @@ TEST_F(HostRunTest, SourceFolderCarriesSettingsAndLyrics) {
 TEST_F(HostRunTest, JsonIsTheReport) {
   WriteInstallation();
   EXPECT_EQ(0, Run("--json " + ProfileArgs(), false));
-  base::Value printed = base::Value::parse(output_, nullptr, false);
-  ASSERT_TRUE(printed.is_object()) << output_;
+  base::Value printed = base::Value::parse(m_output, nullptr, false);
+  ASSERT_TRUE(printed.is_object()) << m_output;
   base::Value written;
   ASSERT_TRUE(base::ReadJsonFile(data_folder().Append(importer_names::kReportFileName), &written));
   EXPECT_EQ(written, printed);
@@ -362,14 +362,14 @@ TEST_F(HostRunTest, DryRunChangesNothing) {
   std::string data_before = Fingerprint(data_folder());
   std::string program_before = Fingerprint(program());
 
-  EXPECT_EQ(0, Run("--dry-run " + ProfileArgs())) << output_;
-  EXPECT_NE(std::string::npos, output_.find("Imported 3 songs and 1 list with 2 entries"))
-      << output_;
-  base::FilePath copy = PathAfter(output_, "the import ran on a copy of the data folder in ");
-  EXPECT_FALSE(copy.empty()) << output_;
+  EXPECT_EQ(0, Run("--dry-run " + ProfileArgs())) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("Imported 3 songs and 1 list with 2 entries"))
+      << m_output;
+  base::FilePath copy = PathAfter(m_output, "the import ran on a copy of the data folder in ");
+  EXPECT_FALSE(copy.empty()) << m_output;
   EXPECT_FALSE(base::PathExists(copy));
-  EXPECT_NE(std::string::npos, output_.find("MusicItems -> ShareFileItems: 3 -> 3 + 0"))
-      << output_;
+  EXPECT_NE(std::string::npos, m_output.find("MusicItems -> ShareFileItems: 3 -> 3 + 0"))
+      << m_output;
   EXPECT_EQ(data_before, Fingerprint(data_folder()));
   EXPECT_EQ(program_before, Fingerprint(program()));
 }
@@ -384,25 +384,25 @@ TEST_F(HostRunTest, SourceFolderOptionAndDemoCleanUp) {
   library.downloads = {{0, Hash(1), L"E:\\a.mp3", true}};
   ASSERT_TRUE(library.Write(source.Append(L"VTLibrary.db")));
   testing_support::WriteBytes(registry(), "Windows Registry Editor Version 5.00\r\n");
-  EXPECT_EQ(0, Run("--quiet " + ProfileArgs() + " --i " + Quote(source))) << output_;
-  EXPECT_EQ("Imported 1 song, 1 list with 1 entry and 1 download.\n", output_);
+  EXPECT_EQ(0, Run("--quiet " + ProfileArgs() + " --i " + Quote(source))) << m_output;
+  EXPECT_EQ("Imported 1 song, 1 list with 1 entry and 1 download.\n", m_output);
 
-  EXPECT_EQ(0, Run("--demo=6")) << output_;
-  base::FilePath removed = PathAfter(output_, "Demo profile: ");
-  ASSERT_FALSE(removed.empty()) << output_;
+  EXPECT_EQ(0, Run("--demo=6")) << m_output;
+  base::FilePath removed = PathAfter(m_output, "Demo profile: ");
+  ASSERT_FALSE(removed.empty()) << m_output;
   EXPECT_FALSE(base::PathExists(removed));
-  EXPECT_EQ(0, Run("--demo=6 --keep")) << output_;
-  base::FilePath kept = PathAfter(output_, "Demo profile: ");
-  ASSERT_FALSE(kept.empty()) << output_;
+  EXPECT_EQ(0, Run("--demo=6 --keep")) << m_output;
+  base::FilePath kept = PathAfter(m_output, "Demo profile: ");
+  ASSERT_FALSE(kept.empty()) << m_output;
   EXPECT_TRUE(base::PathExists(kept.Append(L"AppData/Local/VanTu8/VTMusicV3.db")));
   std::filesystem::remove_all(kept.AsUTF8Unsafe());
   // The first releases' plain databases, imported again whole.
-  EXPECT_EQ(0, Run("--quiet --demo=v1")) << output_;
-  EXPECT_EQ(0u, output_.find("Imported 30 songs, 1 video, 2 lists with 15 entries and 4 "
+  EXPECT_EQ(0, Run("--quiet --demo=v1")) << m_output;
+  EXPECT_EQ(0u, m_output.find("Imported 30 songs, 1 video, 2 lists with 15 entries and 4 "
                              "downloads;"))
-      << output_;
+      << m_output;
   EXPECT_EQ(0, Run("--version"));
-  EXPECT_EQ(0u, output_.find("vantu-import 1.0.0"));
+  EXPECT_EQ(0u, m_output.find("vantu-import 1.0.0"));
 }
 
 }  // namespace

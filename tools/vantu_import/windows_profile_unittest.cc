@@ -26,10 +26,10 @@ class WindowsProfileTest : public testing::Test {
   }
 
   // A copied volume: "<volume>/Users/Bob" and, elsewhere on it, the program.
-  WindowsProfileTest() : volume_(dir_.path().Append(L"volume")) {
-    profile_ = volume_.Append(L"Users").Append(L"Bob");
-    EXPECT_TRUE(base::CreateDirectory(profile_.Append(L"AppData").Append(L"Local")));
-    EXPECT_TRUE(base::CreateDirectory(profile_.Append(L"AppData").Append(L"Roaming")));
+  WindowsProfileTest() : m_volume(m_dir.path().Append(L"volume")) {
+    m_profile = m_volume.Append(L"Users").Append(L"Bob");
+    EXPECT_TRUE(base::CreateDirectory(m_profile.Append(L"AppData").Append(L"Local")));
+    EXPECT_TRUE(base::CreateDirectory(m_profile.Append(L"AppData").Append(L"Roaming")));
   }
 
   // Writes a small generation-6 "V1" installation into |folder|.
@@ -57,206 +57,206 @@ class WindowsProfileTest : public testing::Test {
   int Run(const std::string& args, bool quiet = true) {
     std::string command =
         "env -u VANTU_REGISTRY_FILE -u LOCALAPPDATA -u APPDATA -u USERPROFILE "
-        "HOME=" + Quote(dir_.path()) + " " VANTU_BINARY_DIR "/vantu-import " +
+        "HOME=" + Quote(m_dir.path()) + " " VANTU_BINARY_DIR "/vantu-import " +
         (quiet ? "--quiet " : "") + args + " 2>&1";
-    int status = testing_support::RunCommand(command, "", &output_);
+    int status = testing_support::RunCommand(command, "", &m_output);
     return status;
   }
 
   bool Contains(const std::string& text) const {
-    return output_.find(text) != std::string::npos;
+    return m_output.find(text) != std::string::npos;
   }
 
   // Forgets the outcome of an earlier run, so that the next one imports
   // again.
   void ClearDataFolder() {
-    EXPECT_TRUE(base::DeleteFile(profile_.Append(L"AppData/Local/VanTu8"), true));
+    EXPECT_TRUE(base::DeleteFile(m_profile.Append(L"AppData/Local/VanTu8"), true));
   }
 
   bool Imported() const {
-    return base::PathExists(profile_.Append(L"AppData/Local/VanTu8/VTMusicV3.db")) &&
-           base::PathExists(profile_.Append(L"AppData/Local/VanTu8/playlistV3.db"));
+    return base::PathExists(m_profile.Append(L"AppData/Local/VanTu8/VTMusicV3.db")) &&
+           base::PathExists(m_profile.Append(L"AppData/Local/VanTu8/playlistV3.db"));
   }
 
-  testing_support::ScopedTempDir dir_;
-  base::FilePath volume_;
-  base::FilePath profile_;
-  std::string output_;
+  testing_support::ScopedTempDir m_dir;
+  base::FilePath m_volume;
+  base::FilePath m_profile;
+  std::string m_output;
 };
 
 // The program folder is written in another letter case than the registry's
 // path, as a copy from a case-insensitive volume may be.
 TEST_F(WindowsProfileTest, HiveAndDefaultDriveFromTheCopiedVolume) {
-  WriteInstallation(volume_.Append(L"program files").Append(L"vanta6"));
-  WriteHive(profile_.Append(L"ntuser.dat"), L"C:\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz);
-  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
-  EXPECT_TRUE(Imported()) << output_;
+  WriteInstallation(m_volume.Append(L"program files").Append(L"vanta6"));
+  WriteHive(m_profile.Append(L"ntuser.dat"), L"C:\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  EXPECT_EQ(0, Run("--profile " + Quote(m_profile))) << m_output;
+  EXPECT_TRUE(Imported()) << m_output;
 }
 
 TEST_F(WindowsProfileTest, DriveOptionAndExpandedValue) {
   // The program on another copied drive, named through --drive.
-  base::FilePath drive_d = dir_.path().Append(L"drive d");
+  base::FilePath drive_d = m_dir.path().Append(L"drive d");
   WriteInstallation(drive_d.Append(L"Apps").Append(L"VanTa6"));
-  WriteHive(profile_.Append(L"NTUSER.DAT"), L"D:\\Apps\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  WriteHive(m_profile.Append(L"NTUSER.DAT"), L"D:\\Apps\\VanTa6\\VanTa6.exe", kHiveRegSz);
   // Named but not reachable: said so with the option that maps it.
-  EXPECT_EQ(4, Run("--profile " + Quote(profile_), false)) << output_;
+  EXPECT_EQ(4, Run("--profile " + Quote(m_profile), false)) << m_output;
   EXPECT_FALSE(Imported()) << "drive D has no folder: the program is not found";
   EXPECT_TRUE(Contains("Nothing imported: an earlier installation is named but could not be "
                        "reached: generation 6 at \"D:\\Apps\\VanTa6\\VanTa6.exe\" (no folder "
                        "stands for drive D:; give --drive D=FOLDER"))
-      << output_;
+      << m_output;
   EXPECT_TRUE(Contains("HKEY_CURRENT_USER\\Software\\VanTa6\\AppFileName = "
                        "\"D:\\Apps\\VanTa6\\VanTa6.exe\" -> no folder stands for drive D:"))
-      << output_;
+      << m_output;
   std::string log = testing_support::ReadBytes(
-      profile_.Append(L"AppData/Local/VanTu8/DataImporter.log"));
+      m_profile.Append(L"AppData/Local/VanTu8/DataImporter.log"));
   EXPECT_NE(std::string::npos, log.find("no folder stands for drive D:")) << log;
-  EXPECT_EQ(0, Run("--profile " + Quote(profile_) + " --drive d=" + Quote(drive_d))) << output_;
-  EXPECT_TRUE(Imported()) << output_;
+  EXPECT_EQ(0, Run("--profile " + Quote(m_profile) + " --drive d=" + Quote(drive_d))) << m_output;
+  EXPECT_TRUE(Imported()) << m_output;
 }
 
 // The folders of Windows written as references, in a plain string or an
 // expandable one; a 32-bit program named under %ProgramFiles% lives in
 // "Program Files (x86)".
 TEST_F(WindowsProfileTest, ProgramFilesReferencesExpandThroughTheDrive) {
-  WriteInstallation(volume_.Append(L"Program Files (x86)").Append(L"VanTa6"));
+  WriteInstallation(m_volume.Append(L"Program Files (x86)").Append(L"VanTa6"));
   for (const auto& [value, type] :
        {std::pair{L"%ProgramFiles(x86)%\\VanTa6\\VanTa6.exe", kHiveRegSz},
         std::pair{L"%ProgramFiles%\\VanTa6\\VanTa6.exe", kHiveRegExpandSz},
         std::pair{L"%SystemDrive%\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz}}) {
-    WriteHive(profile_.Append(L"NTUSER.DAT"), value, type);
-    EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
-    EXPECT_TRUE(Imported()) << base::FilePath(value).AsUTF8Unsafe() << ": " << output_;
+    WriteHive(m_profile.Append(L"NTUSER.DAT"), value, type);
+    EXPECT_EQ(0, Run("--profile " + Quote(m_profile))) << m_output;
+    EXPECT_TRUE(Imported()) << base::FilePath(value).AsUTF8Unsafe() << ": " << m_output;
     ClearDataFolder();
   }
 }
 
 // A ".reg" export made from a hive loaded under HKEY_USERS is the user's.
 TEST_F(WindowsProfileTest, ExportOfAHiveLoadedUnderHkeyUsers) {
-  WriteInstallation(volume_.Append(L"Program Files").Append(L"VanTa6"));
-  base::FilePath reg = dir_.path().Append(L"customer.reg");
+  WriteInstallation(m_volume.Append(L"Program Files").Append(L"VanTa6"));
+  base::FilePath reg = m_dir.path().Append(L"customer.reg");
   testing_support::WriteBytes(reg,
                               "Windows Registry Editor Version 5.00\r\n\r\n"
                               "[HKEY_USERS\\Customer\\Software\\VanTa6]\r\n"
                               "\"AppFileName\"=\"C:\\\\Program Files\\\\VanTa6\\\\VanTa6.exe\"\r\n");
-  EXPECT_EQ(0, Run("--profile " + Quote(profile_) + " --registry " + Quote(reg))) << output_;
-  EXPECT_TRUE(Imported()) << output_;
+  EXPECT_EQ(0, Run("--profile " + Quote(m_profile) + " --registry " + Quote(reg))) << m_output;
+  EXPECT_TRUE(Imported()) << m_output;
 }
 
 // A profile copied from Windows XP: "Documents and Settings/NAME" with
 // "Local Settings/Application Data" and "Application Data".
 TEST_F(WindowsProfileTest, WindowsXpProfile) {
-  base::FilePath xp = volume_.Append(L"Documents and Settings").Append(L"Ann");
+  base::FilePath xp = m_volume.Append(L"Documents and Settings").Append(L"Ann");
   ASSERT_TRUE(base::CreateDirectory(xp.Append(L"Local Settings").Append(L"Application Data")));
   ASSERT_TRUE(base::CreateDirectory(xp.Append(L"Application Data")));
-  WriteInstallation(volume_.Append(L"Program Files").Append(L"VanTa6"));
+  WriteInstallation(m_volume.Append(L"Program Files").Append(L"VanTa6"));
   WriteHive(xp.Append(L"NTUSER.DAT"), L"C:\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz);
-  EXPECT_EQ(0, Run("--profile " + Quote(xp))) << output_;
+  EXPECT_EQ(0, Run("--profile " + Quote(xp))) << m_output;
   base::FilePath data = xp.Append(L"Local Settings/Application Data/VanTu8");
-  EXPECT_TRUE(base::PathExists(data.Append(L"VTMusicV3.db"))) << output_;
-  EXPECT_TRUE(base::PathExists(data.Append(L"playlistV3.db"))) << output_;
+  EXPECT_TRUE(base::PathExists(data.Append(L"VTMusicV3.db"))) << m_output;
+  EXPECT_TRUE(base::PathExists(data.Append(L"playlistV3.db"))) << m_output;
 }
 
 // Without NTUSER.DAT nothing names an installation: the run says so and
 // where it looked.
 TEST_F(WindowsProfileTest, NothingToImportSaysWhereItLooked) {
-  EXPECT_EQ(0, Run("--profile " + Quote(profile_), false)) << output_;
-  EXPECT_TRUE(Contains("Nothing to import: no earlier installation")) << output_;
-  EXPECT_TRUE(Contains("The profile " + profile_.AsUTF8Unsafe() + " has no NTUSER.DAT")) << output_;
-  EXPECT_TRUE(Contains("  registry: none given\n")) << output_;
+  EXPECT_EQ(0, Run("--profile " + Quote(m_profile), false)) << m_output;
+  EXPECT_TRUE(Contains("Nothing to import: no earlier installation")) << m_output;
+  EXPECT_TRUE(Contains("The profile " + m_profile.AsUTF8Unsafe() + " has no NTUSER.DAT")) << m_output;
+  EXPECT_TRUE(Contains("  registry: none given\n")) << m_output;
   EXPECT_TRUE(Contains("  generation 7: " +
-                       profile_.Append(L"AppData/Roaming/VanTu7/VTData.db").AsUTF8Unsafe() +
+                       m_profile.Append(L"AppData/Roaming/VanTu7/VTData.db").AsUTF8Unsafe() +
                        " (not found)\n"))
-      << output_;
+      << m_output;
   EXPECT_TRUE(Contains("  generation 6: registry value HKEY_CURRENT_USER\\Software\\VanTa6\\"
                        "AppFileName not set\n"))
-      << output_;
+      << m_output;
 }
 
 // Generation 7 is imported when both are present; generation 6 is named
 // with the rule that passed it over.
 TEST_F(WindowsProfileTest, GenerationPassedOverIsNamed) {
-  base::FilePath program = volume_.Append(L"Program Files").Append(L"VanTa6");
+  base::FilePath program = m_volume.Append(L"Program Files").Append(L"VanTa6");
   WriteInstallation(program);
-  WriteHive(profile_.Append(L"NTUSER.DAT"), L"C:\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  WriteHive(m_profile.Append(L"NTUSER.DAT"), L"C:\\Program Files\\VanTa6\\VanTa6.exe", kHiveRegSz);
   V7SampleSize size;
   size.songs = 5;
   size.lists = 1;
   size.list_entries = 3;
-  ASSERT_TRUE(WriteSampleV7Installation(profile_.Append(L"AppData/Roaming"), size));
-  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
+  ASSERT_TRUE(WriteSampleV7Installation(m_profile.Append(L"AppData/Roaming"), size));
+  EXPECT_EQ(0, Run("--profile " + Quote(m_profile))) << m_output;
   EXPECT_TRUE(Contains("; generation 6 at " + program.Append(L"VanTa6.exe").AsUTF8Unsafe() +
                        " was found and not imported (generation 7 comes first: one "
                        "installation is imported per run)."))
-      << output_;
+      << m_output;
   std::string report =
-      testing_support::ReadBytes(profile_.Append(L"AppData/Local/VanTu8/ImportReport.json"));
+      testing_support::ReadBytes(m_profile.Append(L"AppData/Local/VanTu8/ImportReport.json"));
   EXPECT_NE(std::string::npos, report.find("\"passed_over\"")) << report;
 }
 
 // Generation 7 imported, generation 6 named on a drive with no folder: the
 // verdict names the one not reached, the exit status is the import's.
 TEST_F(WindowsProfileTest, UnreachableBesideAnImportIsNamed) {
-  WriteHive(profile_.Append(L"NTUSER.DAT"), L"D:\\VanTa6\\VanTa6.exe", kHiveRegSz);
+  WriteHive(m_profile.Append(L"NTUSER.DAT"), L"D:\\VanTa6\\VanTa6.exe", kHiveRegSz);
   V7SampleSize size;
   size.songs = 5;
   size.lists = 1;
   size.list_entries = 3;
-  ASSERT_TRUE(WriteSampleV7Installation(profile_.Append(L"AppData/Roaming"), size));
-  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
-  EXPECT_TRUE(Imported()) << output_;
+  ASSERT_TRUE(WriteSampleV7Installation(m_profile.Append(L"AppData/Roaming"), size));
+  EXPECT_EQ(0, Run("--profile " + Quote(m_profile))) << m_output;
+  EXPECT_TRUE(Imported()) << m_output;
   EXPECT_TRUE(Contains("; generation 6 at \"D:\\VanTa6\\VanTa6.exe\" (no folder stands for "
                        "drive D:; give --drive D=FOLDER with the copy of drive D:) could not be "
                        "reached."))
-      << output_;
+      << m_output;
 }
 
 TEST_F(WindowsProfileTest, ExpandedValueInsideTheProfile) {
-  WriteInstallation(profile_.Append(L"Apps").Append(L"VanTa6"));
-  WriteHive(profile_.Append(L"NTUSER.DAT"), L"%USERPROFILE%\\Apps\\VanTa6\\VanTa6.exe",
+  WriteInstallation(m_profile.Append(L"Apps").Append(L"VanTa6"));
+  WriteHive(m_profile.Append(L"NTUSER.DAT"), L"%USERPROFILE%\\Apps\\VanTa6\\VanTa6.exe",
             kHiveRegExpandSz);
-  EXPECT_EQ(0, Run("--profile " + Quote(profile_))) << output_;
-  EXPECT_TRUE(Imported()) << output_;
+  EXPECT_EQ(0, Run("--profile " + Quote(m_profile))) << m_output;
+  EXPECT_TRUE(Imported()) << m_output;
 }
 
 // The player's "i" switch with a Windows path, and the library files there.
 TEST_F(WindowsProfileTest, SourceFolderSwitchWithAWindowsPath) {
-  base::FilePath drive_e = dir_.path().Append(L"e");
+  base::FilePath drive_e = m_dir.path().Append(L"e");
   V6V2Library library;
   library.lists = {{3, 0, L"Old", 0, 1}};
   library.items = {{1, 3, L"E:\\Music", L"a.mp3", L"A", std::wstring(32, L'B')}};
   library.downloads = {{0, std::wstring(32, L'B'), L"E:\\Down\\a.mp3", true}};
   ASSERT_TRUE(library.Write(drive_e.Append(L"Old Player").Append(L"VTLibrary.db")));
-  EXPECT_EQ(0, Run("--profile " + Quote(profile_) + " --drive E=" + Quote(drive_e) +
+  EXPECT_EQ(0, Run("--profile " + Quote(m_profile) + " --drive E=" + Quote(drive_e) +
                    " '--i=E:\\Old Player'"))
-      << output_;
-  EXPECT_TRUE(Imported()) << output_;
+      << m_output;
+  EXPECT_TRUE(Imported()) << m_output;
 }
 
 TEST_F(WindowsProfileTest, DamagedHiveAndBadDrivesAreUsageErrors) {
-  base::FilePath hive = dir_.path().Append(L"NTUSER.DAT");
+  base::FilePath hive = m_dir.path().Append(L"NTUSER.DAT");
   std::string bytes = BuildRegistryHive({{L"Software\\VanTa6", {{L"AppFileName", L"x"}}}});
   testing_support::WriteBytes(hive, bytes.substr(0, 5000));
-  EXPECT_EQ(2, Run("--profile " + Quote(profile_) + " --registry " + Quote(hive)));
-  EXPECT_NE(std::string::npos, output_.find("registry file " + hive.AsUTF8Unsafe() + ": "))
-      << output_;
-  EXPECT_FALSE(base::PathExists(profile_.Append(L"AppData/Local/VanTu8")));
+  EXPECT_EQ(2, Run("--profile " + Quote(m_profile) + " --registry " + Quote(hive)));
+  EXPECT_NE(std::string::npos, m_output.find("registry file " + hive.AsUTF8Unsafe() + ": "))
+      << m_output;
+  EXPECT_FALSE(base::PathExists(m_profile.Append(L"AppData/Local/VanTu8")));
 
   // Found in the profile rather than named: the same error.
-  testing_support::WriteBytes(profile_.Append(L"NTUSER.DAT"), "regf and nothing more");
-  EXPECT_EQ(2, Run("--profile " + Quote(profile_)));
+  testing_support::WriteBytes(m_profile.Append(L"NTUSER.DAT"), "regf and nothing more");
+  EXPECT_EQ(2, Run("--profile " + Quote(m_profile)));
 
   // Random bytes or an empty file are no registry either.
   for (const std::string& bytes : {std::string(), std::string("\x01\x02junk\xff", 7)}) {
     testing_support::WriteBytes(hive, bytes);
-    EXPECT_EQ(2, Run("--profile " + Quote(profile_) + " --registry " + Quote(hive)));
-    EXPECT_TRUE(Contains("neither a registry hive nor a .reg export")) << output_;
+    EXPECT_EQ(2, Run("--profile " + Quote(m_profile) + " --registry " + Quote(hive)));
+    EXPECT_TRUE(Contains("neither a registry hive nor a .reg export")) << m_output;
   }
 
   EXPECT_EQ(2, Run("--drive C"));
   EXPECT_EQ(2, Run("--drive 1=/tmp"));
-  EXPECT_EQ(2, Run("--drive C=" + Quote(dir_.path().Append(L"absent"))));
-  EXPECT_NE(std::string::npos, output_.find("is not a folder")) << output_;
+  EXPECT_EQ(2, Run("--drive C=" + Quote(m_dir.path().Append(L"absent"))));
+  EXPECT_NE(std::string::npos, m_output.find("is not a folder")) << m_output;
 }
 
 }  // namespace

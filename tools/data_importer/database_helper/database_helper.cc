@@ -10,62 +10,62 @@
 #include "sql/statement.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 
-DatabaseHelper::DatabaseHelper() : connection_(std::make_unique<sql::Connection>()) {}
+DatabaseHelper::DatabaseHelper() : m_connection(std::make_unique<sql::Connection>()) {}
 
 DatabaseHelper::~DatabaseHelper() {
-  attached_alias_.clear();
-  connection_.reset();
+  m_attached_alias.clear();
+  m_connection.reset();
 }
 
 void DatabaseHelper::PrepareOpen(const base::FilePath& path) {
-  repaired_ = false;
+  m_repaired = false;
   // Clears a read-only flag left by earlier releases. Deliberately unchecked:
   // a missing file is no error here, and an open that still cannot write
   // fails on its own.
   (void)base::SetFileAttributesNormal(path);
-  connection_->set_page_size(4096);
-  connection_->set_cache_size(64);
+  m_connection->set_page_size(4096);
+  m_connection->set_cache_size(64);
 }
 
 bool DatabaseHelper::OpenAndCheck(const base::FilePath& path) {
   PrepareOpen(path);
-  if (!connection_->Open(path))
+  if (!m_connection->Open(path))
     return false;
   return CheckOrRepair();
 }
 
 bool DatabaseHelper::OpenReadOnly(const base::FilePath& path) {
-  repaired_ = false;
-  return connection_->OpenReadOnly(path);
+  m_repaired = false;
+  return m_connection->OpenReadOnly(path);
 }
 
 bool DatabaseHelper::OpenWithKey(const base::FilePath& path, const std::wstring& key) {
   PrepareOpen(path);
-  return connection_->OpenWithKey(path, key, /*create_if_missing=*/false);
+  return m_connection->OpenWithKey(path, key, /*create_if_missing=*/false);
 }
 
 bool DatabaseHelper::CheckOrRepair() {
   if (CheckIntegrity())
     return true;
   // The second integrity check decides, whatever the VACUUM answered.
-  (void)connection_->Execute("VACUUM");
+  (void)m_connection->Execute("VACUUM");
   if (CheckIntegrity()) {
-    repaired_ = true;
+    m_repaired = true;
     return true;
   }
-  connection_->Close();
+  m_connection->Close();
   return false;
 }
 
 bool DatabaseHelper::ClaimsPagesBeyondFile() {
   // The pragmas first: their read rolls back a hot journal, which may
   // change the file's size.
-  sql::Statement count(connection_->GetUniqueStatement("PRAGMA page_count"));
-  sql::Statement size(connection_->GetUniqueStatement("PRAGMA page_size"));
+  sql::Statement count(m_connection->GetUniqueStatement("PRAGMA page_count"));
+  sql::Statement size(m_connection->GetUniqueStatement("PRAGMA page_size"));
   if (!count.is_valid() || !size.is_valid() || !count.Step() || !size.Step())
     return false;  // the check itself will fail on such a file
   base::FileInfo info;
-  if (!base::GetFileInfo(connection_->path(), &info))
+  if (!base::GetFileInfo(m_connection->path(), &info))
     return false;  // nothing to compare with; the check itself decides
   const int64_t claimed = count.ColumnInt64(0);
   const int64_t page_size = size.ColumnInt64(0);
@@ -80,7 +80,7 @@ bool DatabaseHelper::CheckIntegrity() {
   // a damaged file of a few kilobytes. Answered from the file's size instead.
   if (ClaimsPagesBeyondFile())
     return false;
-  sql::Statement check(connection_->GetCachedStatement(sql::StatementID("database_helper", 358),
+  sql::Statement check(m_connection->GetCachedStatement(sql::StatementID("database_helper", 358),
                                                        "PRAGMA Integrity_Check"));
   if (!check.is_valid() || !check.Step())
     return false;
@@ -99,34 +99,34 @@ bool DatabaseHelper::CheckIntegrity() {
 }
 
 bool DatabaseHelper::Attach(const base::FilePath& path, const std::string& alias) {
-  if (!connection_ || !attached_alias_.empty())
+  if (!m_connection || !m_attached_alias.empty())
     return false;
   if (alias.empty())
     return false;
-  attached_alias_ = alias;
-  return connection_->AttachDatabase(path, alias.c_str());
+  m_attached_alias = alias;
+  return m_connection->AttachDatabase(path, alias.c_str());
 }
 
 bool DatabaseHelper::CopyTable(const std::string& where, const std::string& table) {
-  if (!connection_ || attached_alias_.empty())
+  if (!m_connection || m_attached_alias.empty())
     return false;
   std::string sql;
-  if (!connection_->is_open() || !connection_->DoesTableExist(table.c_str()))
-    sql = "CREATE TABLE " + table + " AS SELECT * FROM " + attached_alias_ + "." + table;
+  if (!m_connection->is_open() || !m_connection->DoesTableExist(table.c_str()))
+    sql = "CREATE TABLE " + table + " AS SELECT * FROM " + m_attached_alias + "." + table;
   else
-    sql = "INSERT INTO " + table + " SELECT * FROM " + attached_alias_ + "." + table;
+    sql = "INSERT INTO " + table + " SELECT * FROM " + m_attached_alias + "." + table;
   if (!where.empty())
     sql += " where " + where;
-  return connection_->Execute(sql.c_str());
+  return m_connection->Execute(sql.c_str());
 }
 
 void DatabaseHelper::Close() {
-  connection_->Close();
+  m_connection->Close();
 }
 
 void DatabaseHelper::ResetConnection() {
-  attached_alias_.clear();
-  connection_ = std::make_unique<sql::Connection>();
+  m_attached_alias.clear();
+  m_connection = std::make_unique<sql::Connection>();
 }
 
 std::string BuildInsertStatement(const std::string& table, const std::string& columns,

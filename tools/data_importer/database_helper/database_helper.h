@@ -34,7 +34,7 @@ class DatabaseHelper {
   [[nodiscard]] bool OpenAndCheck(const base::FilePath& path);
   // Whether the last OpenAndCheck passed only after the "VACUUM" (the file
   // was damaged: rows of a damaged page may be gone).
-  bool repaired() const { return repaired_; }
+  bool repaired() const { return m_repaired; }
 
   // Opens the plain database at |path| for reading only, as an immutable
   // file (sql::Connection::OpenReadOnly): no attribute is changed, nothing
@@ -82,8 +82,8 @@ class DatabaseHelper {
   // destroyed, which closes its database. Nothing stays attached.
   void ResetConnection();
 
-  sql::Connection* connection() { return connection_.get(); }
-  const std::string& attached_alias() const { return attached_alias_; }
+  sql::Connection* connection() { return m_connection.get(); }
+  const std::string& attached_alias() const { return m_attached_alias; }
 
  private:
   // Clears the file's attributes and sets the page and cache sizes.
@@ -92,9 +92,9 @@ class DatabaseHelper {
   // holds.
   bool ClaimsPagesBeyondFile();
 
-  std::unique_ptr<sql::Connection> connection_;
-  std::string attached_alias_;
-  bool repaired_ = false;
+  std::unique_ptr<sql::Connection> m_connection;
+  std::string m_attached_alias;
+  bool m_repaired = false;
 };
 
 // "Insert Into " + table + "(" + columns + ") values (" + values + ")": the

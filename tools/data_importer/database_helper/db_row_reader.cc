@@ -4,64 +4,64 @@
 #include "sql/connection.h"
 
 DbRowReader::DbRowReader(sql::Connection& connection, const std::string& sql)
-    : statement_(connection.GetUniqueStatement(sql.c_str())) {}
+    : m_statement(connection.GetUniqueStatement(sql.c_str())) {}
 
 DbRowReader::~DbRowReader() = default;
 
 bool DbRowReader::IsValid() const {
-  return statement_.is_valid();
+  return m_statement.is_valid();
 }
 
 bool DbRowReader::Step() {
-  if (!statement_.is_valid())
+  if (!m_statement.is_valid())
     return false;
-  return statement_.Step();
+  return m_statement.Step();
 }
 
 int DbRowReader::GetColumnIndex(const std::string& name) {
-  auto cached = column_index_.find(name);
-  if (cached != column_index_.end())
+  auto cached = m_column_index.find(name);
+  if (cached != m_column_index.end())
     return cached->second;
 
-  ++column_scans_;
+  ++m_column_scans;
   int index = -1;
-  int count = statement_.ColumnCount();
+  int count = m_statement.ColumnCount();
   if (count >= 1) {
     for (int i = 0; i < count && index < 0; ++i) {
-      if (base::EqualsCaseInsensitiveASCII(statement_.GetColumnName(i), name))
+      if (base::EqualsCaseInsensitiveASCII(m_statement.GetColumnName(i), name))
         index = i;
     }
   }
-  column_index_.emplace(name, index);
+  m_column_index.emplace(name, index);
   return index;
 }
 
 double DbRowReader::GetDouble(const std::string& name) {
   int index = GetColumnIndex(name);
-  return index < 0 ? 0.0 : statement_.ColumnDouble(index);
+  return index < 0 ? 0.0 : m_statement.ColumnDouble(index);
 }
 
 int DbRowReader::GetInt(const std::string& name) {
   int index = GetColumnIndex(name);
-  return index < 0 ? 0 : statement_.ColumnInt(index);
+  return index < 0 ? 0 : m_statement.ColumnInt(index);
 }
 
 int64_t DbRowReader::GetInt64(const std::string& name) {
   int index = GetColumnIndex(name);
-  return index < 0 ? 0 : statement_.ColumnInt64(index);
+  return index < 0 ? 0 : m_statement.ColumnInt64(index);
 }
 
 std::string DbRowReader::GetString(const std::string& name) {
   int index = GetColumnIndex(name);
-  return index < 0 ? std::string() : statement_.ColumnString(index);
+  return index < 0 ? std::string() : m_statement.ColumnString(index);
 }
 
 bool DbRowReader::IsNull(const std::string& name) {
   int index = GetColumnIndex(name);
-  return index >= 0 && statement_.ColumnIsNull(index);
+  return index >= 0 && m_statement.ColumnIsNull(index);
 }
 
 std::wstring DbRowReader::GetString16(const std::string& name) {
   int index = GetColumnIndex(name);
-  return index < 0 ? std::wstring() : statement_.ColumnString16(index);
+  return index < 0 ? std::wstring() : m_statement.ColumnString16(index);
 }

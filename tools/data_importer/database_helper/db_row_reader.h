@@ -59,18 +59,18 @@ class DbRowReader : public RowReaderInterface {
   // Whether the rows so far came without an error: true after the last row
   // and while rows come, false once Step stopped at an error (a damaged
   // page) instead of the end, and for an invalid statement.
-  [[nodiscard]] bool Succeeded() const { return statement_.Succeeded(); }
+  [[nodiscard]] bool Succeeded() const { return m_statement.Succeeded(); }
 
   // Index of the column called |name| (case-insensitive), or -1.
   [[nodiscard]] int GetColumnIndex(const std::string& name);
 
   // Number of times the column names were scanned (for tests of the cache).
-  int column_scans() const { return column_scans_; }
+  int column_scans() const { return m_column_scans; }
 
  private:
-  sql::Statement statement_;
-  std::map<std::string, int> column_index_;
-  int column_scans_ = 0;
+  sql::Statement m_statement;
+  std::map<std::string, int> m_column_index;
+  int m_column_scans = 0;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_DATABASE_HELPER_DB_ROW_READER_H_

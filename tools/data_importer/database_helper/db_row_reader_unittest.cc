@@ -10,21 +10,21 @@ namespace {
 class DbRowReaderTest : public testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_TRUE(db_.Open(dir_.path().Append(L"rows.db")));
+    ASSERT_TRUE(m_db.Open(m_dir.path().Append(L"rows.db")));
     EXPECT_TRUE(
-        db_.Execute("CREATE TABLE Items(ItemID integer, Title text, Size integer, Gain real)"));
-    EXPECT_TRUE(db_.Execute("INSERT INTO Items VALUES (1, 'It''s \u00e9', 5000000000, 1.5)"));
-    EXPECT_TRUE(db_.Execute("INSERT INTO Items VALUES (2, NULL, NULL, NULL)"));
+        m_db.Execute("CREATE TABLE Items(ItemID integer, Title text, Size integer, Gain real)"));
+    EXPECT_TRUE(m_db.Execute("INSERT INTO Items VALUES (1, 'It''s \u00e9', 5000000000, 1.5)"));
+    EXPECT_TRUE(m_db.Execute("INSERT INTO Items VALUES (2, NULL, NULL, NULL)"));
   }
 
-  testing_support::ScopedTempDir dir_;
-  sql::Connection db_;
+  testing_support::ScopedTempDir m_dir;
+  sql::Connection m_db;
 };
 
 // Names match in any case, once per reader; absent columns read as neutral
 // values on every row.
 TEST_F(DbRowReaderTest, ColumnsByNameWithOneScanPerName) {
-  DbRowReader reader(db_, "SELECT ItemID, Title, Size, Gain, 7 AS x, 8 AS X FROM Items ORDER BY 1");
+  DbRowReader reader(m_db, "SELECT ItemID, Title, Size, Gain, 7 AS x, 8 AS X FROM Items ORDER BY 1");
   ASSERT_TRUE(reader.IsValid());
   ASSERT_TRUE(reader.Step());
   EXPECT_EQ(1, reader.GetInt("itemid"));
@@ -47,12 +47,12 @@ TEST_F(DbRowReaderTest, ColumnsByNameWithOneScanPerName) {
 }
 
 TEST_F(DbRowReaderTest, InvalidStatementReadsNeutral) {
-  DbRowReader reader(db_, "SELECT FROM nowhere");
+  DbRowReader reader(m_db, "SELECT FROM nowhere");
   EXPECT_FALSE(reader.IsValid());
   EXPECT_FALSE(reader.Step());
   EXPECT_EQ(0, reader.GetInt("ItemID"));
   EXPECT_EQ(L"", reader.GetString16("Title"));
-  DbRowReader missing_table(db_, "SELECT * FROM NoSuchTable");
+  DbRowReader missing_table(m_db, "SELECT * FROM NoSuchTable");
   EXPECT_FALSE(missing_table.IsValid());
   EXPECT_FALSE(missing_table.Step());
 }

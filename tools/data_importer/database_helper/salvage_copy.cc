@@ -82,13 +82,13 @@ std::vector<SchemaEntry> ReadSchema(sql::Connection* db) {
 class TimeBudget {
  public:
   explicit TimeBudget(sql::Connection* db)
-      : db_(db), deadline_(std::chrono::steady_clock::now() + std::chrono::seconds(kSeconds)) {}
-  bool Spent() const { return std::chrono::steady_clock::now() > deadline_; }
+      : m_db(db), m_deadline(std::chrono::steady_clock::now() + std::chrono::seconds(kSeconds)) {}
+  bool Spent() const { return std::chrono::steady_clock::now() > m_deadline; }
   // Whether statements are interrupted once the time is spent: on while
   // the damaged file is walked, off for the work on the copy alone
   // (counting it, building its indexes, committing it).
   void Arm(bool on) const {
-    sqlite3_progress_handler(db_->db(), on ? 10000 : 0, on ? &TimeBudget::Interrupt : nullptr,
+    sqlite3_progress_handler(m_db->db(), on ? 10000 : 0, on ? &TimeBudget::Interrupt : nullptr,
                              const_cast<TimeBudget*>(this));
   }
 
@@ -96,43 +96,43 @@ class TimeBudget {
   static constexpr int kSeconds = 60;
   static int Interrupt(void* self) { return static_cast<TimeBudget*>(self)->Spent() ? 1 : 0; }
 
-  sql::Connection* db_;
-  std::chrono::steady_clock::time_point deadline_;
+  sql::Connection* m_db;
+  std::chrono::steady_clock::time_point m_deadline;
 };
 
 // Copies one table of the attached damaged file into the main database.
 class TableSalvage {
  public:
   TableSalvage(sql::Connection* db, const std::string& name, const TimeBudget* budget)
-      : db_(db), name_(name), budget_(budget) {
-    source_ = std::string(kDamaged) + "." + Quoted(name);
-    target_ = "main." + Quoted(name);
+      : m_db(db), m_name(name), m_budget(budget) {
+    m_source = std::string(kDamaged) + "." + Quoted(name);
+    m_target = "main." + Quoted(name);
   }
 
   SalvagedTable Run(bool without_rowid) {
     SalvagedTable result;
-    result.name = name_;
+    result.name = m_name;
     if (!ReadColumns()) {
       result.complete = false;
       return result;
     }
-    if (without_rowid || rowid_.empty()) {
+    if (without_rowid || m_rowid.empty()) {
       // No row ids to walk by: the table comes whole or not at all.
-      result.complete = db_->Execute(
-          ("INSERT OR IGNORE INTO " + target_ + "(" + columns_ + ") SELECT " + columns_ + " FROM " +
-           source_)
+      result.complete = m_db->Execute(
+          ("INSERT OR IGNORE INTO " + m_target + "(" + m_columns + ") SELECT " + m_columns + " FROM " +
+           m_source)
               .c_str());
-    } else if (!db_->Execute((Insert() + " ORDER BY " + rowid_).c_str())) {
+    } else if (!m_db->Execute((Insert() + " ORDER BY " + m_rowid).c_str())) {
       result.complete = false;
       Walk();
       // The indexes of a damaged file are not read for the rows they name:
       // the engine we build on crashed walking a damaged index page
       // (found by fuzzing), so only the table's own pages are walked.
     }
-    budget_->Arm(false);
-    sql::Statement count(db_->GetUniqueStatement(("SELECT COUNT(*) FROM " + target_).c_str()));
+    m_budget->Arm(false);
+    sql::Statement count(m_db->GetUniqueStatement(("SELECT COUNT(*) FROM " + m_target).c_str()));
     result.rows_copied = count.Step() ? count.ColumnInt64(0) : 0;
-    budget_->Arm(true);
+    m_budget->Arm(true);
     return result;
   }
 
@@ -140,18 +140,18 @@ class TableSalvage {
   // The column list and a name for the row id that no column takes.
   bool ReadColumns() {
     sql::Statement info(
-        db_->GetUniqueStatement(("PRAGMA damaged.table_info(" + Quoted(name_) + ")").c_str()));
+        m_db->GetUniqueStatement(("PRAGMA damaged.table_info(" + Quoted(m_name) + ")").c_str()));
     std::vector<std::string> names;
     while (info.Step())
       names.push_back(info.ColumnString(1));
     if (names.empty())
       return false;
     for (const std::string& name : names)
-      columns_ += (columns_.empty() ? "" : ", ") + Quoted(name);
+      m_columns += (m_columns.empty() ? "" : ", ") + Quoted(name);
     for (const char* alias : {"rowid", "_rowid_", "oid"}) {
       if (std::none_of(names.begin(), names.end(),
                        [alias](const std::string& n) { return EqualsIgnoringCase(n, alias); })) {
-        rowid_ = alias;
+        m_rowid = alias;
         break;
       }
     }
@@ -162,18 +162,18 @@ class TableSalvage {
   // twice, from a duplicated page; a damaged value in a unique or NOT NULL
   // column): such a row is left out rather than failing its whole range.
   std::string Insert() const {
-    return "INSERT OR IGNORE INTO " + target_ + "(" + rowid_ + ", " + columns_ + ") SELECT " + rowid_ +
-           ", " + columns_ + " FROM " + source_;
+    return "INSERT OR IGNORE INTO " + m_target + "(" + m_rowid + ", " + m_columns + ") SELECT " + m_rowid +
+           ", " + m_columns + " FROM " + m_source;
   }
   std::string Select(int64_t from) const {
-    return "SELECT " + rowid_ + ", " + columns_ + " FROM " + source_ + " WHERE " + rowid_ +
-           " >= " + std::to_string(from) + " ORDER BY " + rowid_;
+    return "SELECT " + m_rowid + ", " + m_columns + " FROM " + m_source + " WHERE " + m_rowid +
+           " >= " + std::to_string(from) + " ORDER BY " + m_rowid;
   }
 
   enum class Probe { kRow, kEnd, kDamaged };
   // Whether a walk starting at row id |from| reads its first row.
   Probe ProbeFrom(int64_t from) {
-    sql::Statement probe(db_->GetUniqueStatement((Select(from) + " LIMIT 1").c_str()));
+    sql::Statement probe(m_db->GetUniqueStatement((Select(from) + " LIMIT 1").c_str()));
     if (probe.Step())
       return Probe::kRow;
     return probe.Succeeded() ? Probe::kEnd : Probe::kDamaged;
@@ -183,11 +183,11 @@ class TableSalvage {
   void Walk() {
     bool first = true;
     int64_t from = kMinRowId;
-    for (int part = 0; part < kMaxDamagedParts && !budget_->Spent(); ++part) {
-      std::string select = first ? "SELECT " + rowid_ + ", " + columns_ + " FROM " + source_ +
-                                       " ORDER BY " + rowid_
+    for (int part = 0; part < kMaxDamagedParts && !m_budget->Spent(); ++part) {
+      std::string select = first ? "SELECT " + m_rowid + ", " + m_columns + " FROM " + m_source +
+                                       " ORDER BY " + m_rowid
                                  : Select(from);
-      sql::Statement walk(db_->GetUniqueStatement(select.c_str()));
+      sql::Statement walk(m_db->GetUniqueStatement(select.c_str()));
       int64_t last = from;
       int64_t rows = 0;
       // Damage can hand back row ids out of order; the walk goes on past
@@ -201,11 +201,11 @@ class TableSalvage {
         // The rows just read, read again by the copy. A bound on the row id
         // would make the engine look at the next row to see the range end,
         // which lies in the damaged part; a limit stops at the last row.
-        std::string range = first ? std::string() : " WHERE " + rowid_ + " >= " + std::to_string(from);
+        std::string range = first ? std::string() : " WHERE " + m_rowid + " >= " + std::to_string(from);
         // Should the copy fail all the same, these rows are lost with the
         // damaged part: they are not in the copy, and the index names them.
-        (void)db_->Execute(
-            (Insert() + range + " ORDER BY " + rowid_ + " LIMIT " + std::to_string(rows)).c_str());
+        (void)m_db->Execute(
+            (Insert() + range + " ORDER BY " + m_rowid + " LIMIT " + std::to_string(rows)).c_str());
       }
       if (ended || last == kMaxRowId)
         return;
@@ -233,7 +233,7 @@ class TableSalvage {
     };
     uint64_t step = 1;
     uint64_t bad = 0;  // distance from |base| known to fail
-    while (!budget_->Spent()) {
+    while (!m_budget->Spent()) {
       const uint64_t distance = std::min(step, room);
       Probe probe = ProbeFrom(plus(distance));
       if (probe == Probe::kEnd)
@@ -247,7 +247,7 @@ class TableSalvage {
       bad = distance;
       step = step > room / 2 ? room : step * 2;
     }
-    if (budget_->Spent())
+    if (m_budget->Spent())
       return std::nullopt;
     // Back down to the boundary: |bad| fails, |step| reads.
     uint64_t good = step;
@@ -261,13 +261,13 @@ class TableSalvage {
     return plus(good);
   }
 
-  sql::Connection* db_;
-  std::string name_;
-  const TimeBudget* budget_;
-  std::string source_;
-  std::string target_;
-  std::string columns_;
-  std::string rowid_;
+  sql::Connection* m_db;
+  std::string m_name;
+  const TimeBudget* m_budget;
+  std::string m_source;
+  std::string m_target;
+  std::string m_columns;
+  std::string m_rowid;
 };
 
 }  // namespace

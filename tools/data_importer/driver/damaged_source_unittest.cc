@@ -202,15 +202,15 @@ class DamagedSourceTest : public testing::Test {
     EXPECT_GT(all_read.songs, all_plain.songs) << generation;
   }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 TEST_F(DamagedSourceTest, Generation7SalvagesWhatATableByTableReadGets) {
-  base::FilePath source = Generation7Folder(profile_.roaming()).Append(L"VTData.db");
+  base::FilePath source = Generation7Folder(m_profile.roaming()).Append(L"VTData.db");
   V7SampleSize size;
   size.songs = 600;
   size.list_entries = 800;
-  ASSERT_TRUE(WriteSampleV7Installation(profile_.roaming(), size));
+  ASSERT_TRUE(WriteSampleV7Installation(m_profile.roaming(), size));
   const std::string original = testing_support::ReadBytes(source);
   ExpectSalvage<V7DataExporter>(
       "generation 7", original, source,
@@ -218,9 +218,9 @@ TEST_F(DamagedSourceTest, Generation7SalvagesWhatATableByTableReadGets) {
 }
 
 TEST_F(DamagedSourceTest, Generation6SalvagesWhatATableByTableReadGets) {
-  base::FilePath program = profile_.root().Append(L"VanTa6");
+  base::FilePath program = m_profile.root().Append(L"VanTa6");
   ASSERT_TRUE(WriteSampleV6Installation(program, 600));
-  ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program)));
+  ASSERT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(program)));
   TestProfile::Touch(program.Append(L"VanTa6.exe"));
   base::FilePath source = program.Append(L"VTData.db");
   const std::string original = testing_support::ReadBytes(source);

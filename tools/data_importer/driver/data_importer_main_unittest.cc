@@ -22,7 +22,7 @@ namespace {
 
 class DataImporterMainTest : public ::testing::Test {
  protected:
-  base::FilePath Data(const wchar_t* name) { return profile_.data_folder().Append(name); }
+  base::FilePath Data(const wchar_t* name) { return m_profile.data_folder().Append(name); }
 
   void WriteStorage(const std::string& text) {
     testing_support::WriteBytes(Data(L"pls_storage"), text);
@@ -36,53 +36,53 @@ class DataImporterMainTest : public ::testing::Test {
     return info.last_modified;
   }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 TEST_F(DataImporterMainTest, NothingToDoLeavesTheStartValues) {
   DataImporterMain();
-  EXPECT_TRUE(base::DirectoryExists(profile_.data_folder()));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportProgress"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"UpdateProgress"));
-  EXPECT_EQ(L"-1", profile_.DBCheck(L"BeforceImportEmpty"));
-  EXPECT_EQ(L"#missing#", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"#missing#", profile_.DBCheck(L"ImportStart"));
+  EXPECT_TRUE(base::DirectoryExists(m_profile.data_folder()));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"-1", m_profile.DBCheck(L"BeforceImportEmpty"));
+  EXPECT_EQ(L"#missing#", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"#missing#", m_profile.DBCheck(L"ImportStart"));
 }
 
 TEST_F(DataImporterMainTest, SectionIsResetAtEveryRun) {
-  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
-  testing_support::WriteBytes(profile_.ini(),
+  EXPECT_TRUE(base::CreateDirectory(m_profile.data_folder()));
+  testing_support::WriteBytes(m_profile.ini(),
                               "[DBCheck]\r\nImportProgress=55\r\nImportState=9\r\n"
                               "ForceDeleteDb=1\r\n[Player]\r\nVolume=80\r\n");
   DataImporterMain();
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportProgress"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ForceDeleteDb"));
-  EXPECT_EQ(L"-1", profile_.DBCheck(L"BeforceImportEmpty"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ForceDeleteDb"));
+  EXPECT_EQ(L"-1", m_profile.DBCheck(L"BeforceImportEmpty"));
   // Other sections are left alone.
   EXPECT_NE(std::string::npos,
-            testing_support::ReadBytes(profile_.ini()).find("[Player]\r\nVolume=80\r\n"));
+            testing_support::ReadBytes(m_profile.ini()).find("[Player]\r\nVolume=80\r\n"));
 }
 
 TEST_F(DataImporterMainTest, UpgradeTaskLeavesPlaylistStorageAlone) {
-  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  EXPECT_TRUE(base::CreateDirectory(m_profile.data_folder()));
   TestProfile::Touch(Data(L"VTMusicV2.db"));
   TouchPlaylist();
   WriteStorage("{\"modify_time\":1.5}");
   DataImporterMain();
-  EXPECT_EQ(L"100", profile_.DBCheck(L"UpdateProgress"));
-  EXPECT_EQ(L"-1", profile_.DBCheck(L"BeforceImportEmpty"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"-1", m_profile.DBCheck(L"BeforceImportEmpty"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportProgress"));
   EXPECT_EQ("{\"modify_time\":1.5}", testing_support::ReadBytes(Data(L"pls_storage")));
 }
 
 TEST_F(DataImporterMainTest, CopyTaskWithoutPlaylistDatabaseLeavesStorage) {
-  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  EXPECT_TRUE(base::CreateDirectory(m_profile.data_folder()));
   TestProfile::Touch(Data(L"VTMusicV2.db"));
   WriteStorage("{\"lists\":[1,2],\"modify_time\":1.5}");
   DataImporterMain();
-  EXPECT_EQ(L"100", profile_.DBCheck(L"UpdateProgress"));
-  EXPECT_EQ(L"-1", profile_.DBCheck(L"BeforceImportEmpty"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"-1", m_profile.DBCheck(L"BeforceImportEmpty"));
 
   // The copy made no "playlistV3.db" yet, so nothing was refreshed; with one
   // in place the next copy run refreshes the dictionary, keeping its keys.
@@ -91,12 +91,12 @@ TEST_F(DataImporterMainTest, CopyTaskWithoutPlaylistDatabaseLeavesStorage) {
 }
 
 TEST_F(DataImporterMainTest, ImportRunGoesFromTenToHundred) {
-  base::FilePath program2008 = profile_.root().Append(L"VanTa").Append(L"VanTa.exe");
+  base::FilePath program2008 = m_profile.root().Append(L"VanTa").Append(L"VanTa.exe");
   TestProfile::Touch(program2008);
-  profile_.SetRegistryValue(L"Software\\VanTa", L"AppFileName", program2008.value());
+  m_profile.SetRegistryValue(L"Software\\VanTa", L"AppFileName", program2008.value());
   DataImporterMain();
-  EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"UpdateProgress"));
   EXPECT_FALSE(base::PathExists(Data(L"VTMusicV3.db")));
   EXPECT_FALSE(base::PathExists(Data(L"playlistV3.db")));
 }
@@ -105,7 +105,7 @@ TEST_F(DataImporterMainTest, ImportRunGoesFromTenToHundred) {
 // order it works: the source's tables, then the writers, then encrypting,
 // verifying and replacing the files.
 TEST_F(DataImporterMainTest, StagesAreNamedInOrder) {
-  base::FilePath old = profile_.root().Append(L"Old Player");
+  base::FilePath old = m_profile.root().Append(L"Old Player");
   ASSERT_TRUE(WriteSampleV6Installation(old, 5));
   RunContext context = RunContextFromEnvironment();
   context.m_source_folder = old;
@@ -134,13 +134,13 @@ TEST_F(DataImporterMainTest, StagesAreNamedInOrder) {
 // After an import the playlist storage learns the new list database's
 // modification time; its other keys stay.
 TEST_F(DataImporterMainTest, ImportRefreshesPlaylistStorage) {
-  base::FilePath program = profile_.root().Append(L"Program Files").Append(L"VanTa6");
+  base::FilePath program = m_profile.root().Append(L"Program Files").Append(L"VanTa6");
   ASSERT_TRUE(WriteSampleV6Installation(program, 5));
-  ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program)));
-  ASSERT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  ASSERT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(program)));
+  ASSERT_TRUE(base::CreateDirectory(m_profile.data_folder()));
   WriteStorage("{\"lists\":[1],\"modify_time\":1.5}");
   DataImporterMain();
-  ASSERT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  ASSERT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
 
   base::FileInfo info;
   ASSERT_TRUE(base::GetFileInfo(Data(L"playlistV3.db"), &info));

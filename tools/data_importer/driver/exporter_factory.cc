@@ -14,10 +14,10 @@ namespace {
 class UnavailableDataExporter : public DataExporter {
  public:
   UnavailableDataExporter(const RunContext& context, ImportModel* model, int kind)
-      : DataExporter(context, model), kind_(kind) {}
+      : DataExporter(context, model), m_kind(kind) {}
 
   ExportResult ExportData() override {
-    VLOG_AT(logging::LOG_FAILURE) << L"No reader for import kind {" << kind_ << L"}.";
+    VLOG_AT(logging::LOG_FAILURE) << L"No reader for import kind {" << m_kind << L"}.";
     ReportState(ProgressRecord::kStateNotStarted);
     return ExportResult::kNothingExported;
   }
@@ -25,7 +25,7 @@ class UnavailableDataExporter : public DataExporter {
   base::FilePath GetDatabasePath() override { return base::FilePath(); }
 
  private:
-  int kind_;
+  int m_kind;
 };
 
 }  // namespace

@@ -34,12 +34,12 @@ constexpr wchar_t kPlaylists[] = L"playlistV3.db";
 
 class FaultSafetyTest : public testing::Test {
  protected:
-  base::FilePath program() const { return profile_.root().Append(L"VanTa6"); }
-  base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
+  base::FilePath program() const { return m_profile.root().Append(L"VanTa6"); }
+  base::FilePath Data(const wchar_t* name) const { return m_profile.data_folder().Append(name); }
 
   void InstallSource() {
     ASSERT_TRUE(WriteSampleV6Installation(program(), 12));
-    ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
+    ASSERT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(program())));
     TestProfile::Touch(program().Append(L"VanTa6.exe"));
   }
 
@@ -59,7 +59,7 @@ class FaultSafetyTest : public testing::Test {
   std::vector<std::string> Leftovers() const {
     std::vector<std::string> found;
     for (const wchar_t* pattern : {L"*.tmp", L"*.enc", L"*.commit*", L"*.copy-*", L"Vantu.ini.tmp*"}) {
-      base::FileEnumerator files(profile_.data_folder(), pattern);
+      base::FileEnumerator files(m_profile.data_folder(), pattern);
       for (base::FilePath file = files.Next(); !file.empty(); file = files.Next())
         found.push_back(file.BaseName().AsUTF8Unsafe());
     }
@@ -81,7 +81,7 @@ class FaultSafetyTest : public testing::Test {
   }
 
 #endif  // !defined(_WIN32)
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 #if !defined(_WIN32)
@@ -109,7 +109,7 @@ TEST_F(FaultSafetyTest, KilledRunIsCompletedOrRedoneByTheNextRun) {
   std::mt19937 random(17);
   constexpr int kRandomPoints = 3;
   for (size_t point = 0; point < stages.size() + kRandomPoints; ++point) {
-    ASSERT_TRUE(base::DeleteFile(profile_.data_folder(), true));
+    ASSERT_TRUE(base::DeleteFile(m_profile.data_folder(), true));
     std::string where;
     if (point < stages.size()) {
       where = stages[point];
@@ -188,7 +188,7 @@ TEST_F(FaultSafetyTest, DamagedSourcesNeverCrashOrLeaveBrokenFiles) {
 #endif
   InstallSource();
   const base::FilePath database = program().Append(L"VTData.db");
-  const base::FilePath registry = profile_.root().Append(L"user.reg");
+  const base::FilePath registry = m_profile.root().Append(L"user.reg");
   const std::string good_database = testing_support::ReadBytes(database);
   const std::string good_registry = testing_support::ReadBytes(registry);
   ASSERT_GT(good_database.size(), 4096u * 4);
@@ -205,7 +205,7 @@ TEST_F(FaultSafetyTest, DamagedSourcesNeverCrashOrLeaveBrokenFiles) {
         registry_case ? Mutate(good_registry, &random) : good_registry;
     testing_support::WriteBytes(database, damaged_database);
     testing_support::WriteBytes(registry, damaged_registry);
-    ASSERT_TRUE(base::DeleteFile(profile_.data_folder(), true));
+    ASSERT_TRUE(base::DeleteFile(m_profile.data_folder(), true));
     std::string where = "case " + std::to_string(i);
 
     if (i % 25 == 0) {
@@ -237,13 +237,13 @@ TEST_F(FaultSafetyTest, DamagedSourcesNeverCrashOrLeaveBrokenFiles) {
   // run reports that the source could not be read (state 1).
   testing_support::WriteBytes(registry, good_registry);
   for (const base::FilePath& blocked : {database, Data(L"VT6Data.db")}) {
-    ASSERT_TRUE(base::DeleteFile(profile_.data_folder(), true));
+    ASSERT_TRUE(base::DeleteFile(m_profile.data_folder(), true));
     ASSERT_TRUE(base::DeleteFile(database));
     testing_support::WriteBytes(database, good_database);
     ASSERT_TRUE(base::DeleteFile(blocked));
     ASSERT_TRUE(base::CreateDirectory(blocked.Append(L"inside")));
     DataImporterMain();
-    EXPECT_EQ(1u, std::stoul(profile_.DBCheck(L"ImportState")) & 1) << blocked.AsUTF8Unsafe();
+    EXPECT_EQ(1u, std::stoul(m_profile.DBCheck(L"ImportState")) & 1) << blocked.AsUTF8Unsafe();
     EXPECT_EQ(std::vector<std::string>(), Leftovers());
     ASSERT_TRUE(base::DeleteFile(blocked, true));
   }

@@ -66,11 +66,11 @@ std::map<std::string, int64_t> Rows(const base::FilePath& path, bool keyed) {
 
 class ImportReportReconcileTest : public testing::Test {
  protected:
-  base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
+  base::FilePath Data(const wchar_t* name) const { return m_profile.data_folder().Append(name); }
 
-  base::Value ReadReport() { return ReadImportReport(profile_.data_folder()); }
+  base::Value ReadReport() { return ReadImportReport(m_profile.data_folder()); }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 // The sample installation has an entry whose music is gone, a list without
@@ -90,7 +90,7 @@ TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
   lost.dest_file_name = L"D:\\Down\\Lost.mp3";
   lost.hash = L"EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEE";
   db.downloads.push_back(lost);
-  base::FilePath source = Generation7Folder(profile_.roaming()).Append(L"VTData.db");
+  base::FilePath source = Generation7Folder(m_profile.roaming()).Append(L"VTData.db");
   ASSERT_TRUE(db.Write(source));
 
   DataImporterMain();
@@ -127,7 +127,7 @@ TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
     EXPECT_LT(0, rows) << table;
     EXPECT_EQ(rows, tables[table].first) << table;
   }
-  ExpectReportReconciles(report, profile_.data_folder());
+  ExpectReportReconciles(report, m_profile.data_folder());
 
   EXPECT_EQ(2, Dropped(report, "list_entry_song_missing"));
   EXPECT_EQ(1, Dropped(report, "list_without_entries"));
@@ -167,24 +167,24 @@ TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
 // repeat finished downloads are merged into them, and one that repeats none
 // becomes a download of its own.
 TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
-  base::FilePath music = profile_.data_folder().Append(L"VTMusic.db");
-  base::FilePath lists = profile_.data_folder().Append(L"vantu.db");
+  base::FilePath music = m_profile.data_folder().Append(L"VTMusic.db");
+  base::FilePath lists = m_profile.data_folder().Append(L"vantu.db");
   {
     ImportModel model;
     FillGeneratedModel(&model, 7);
     ProgressRecord record;
     record.Initialise(TestDataFolder());
     model.m_progress = &record;
-    ASSERT_TRUE(IsOk(BuildDatabases(&model, profile_.data_folder())));
+    ASSERT_TRUE(IsOk(BuildDatabases(&model, m_profile.data_folder())));
     model.m_progress = nullptr;
   }
-  base::FilePath first = profile_.root().Append(L"first");
+  base::FilePath first = m_profile.root().Append(L"first");
   ASSERT_TRUE(base::CreateDirectory(first));
   for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"})
-    ASSERT_TRUE(base::ReplaceFile(profile_.data_folder().Append(name), first.Append(name)));
+    ASSERT_TRUE(base::ReplaceFile(m_profile.data_folder().Append(name), first.Append(name)));
   ASSERT_TRUE(ExportPlainDatabase(first.Append(L"VTMusicV3.db"), kVersion3DatabaseKey, music));
   ASSERT_TRUE(ExportPlainDatabase(first.Append(L"playlistV3.db"), kVersion3DatabaseKey, lists));
-  ASSERT_TRUE(base::DeleteFile(profile_.ini()));
+  ASSERT_TRUE(base::DeleteFile(m_profile.ini()));
 
   int64_t history_rows = 0;
   std::string entry_table;
@@ -227,7 +227,7 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
   size_t source_tables = 0;
   for (const wchar_t* name : {L"VT8Music.db", L"VT8Playlist.db"}) {
     sql::Connection db;
-    ASSERT_TRUE(db.Open(profile_.data_folder().Append(name)));
+    ASSERT_TRUE(db.Open(m_profile.data_folder().Append(name)));
     for (const std::string& table : TableNames(&db)) {
       ++source_tables;
       EXPECT_EQ(TableRowCount(&db, table), tables[table].first) << table;
@@ -236,7 +236,7 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
   EXPECT_EQ(source_tables, tables.size()) << report["source_tables"].dump();
   // Every history row is a row of the history again, none merged away.
   EXPECT_EQ(0, tables["DownloadHistoryItem"].second);
-  ExpectReportReconciles(report, profile_.data_folder());
+  ExpectReportReconciles(report, m_profile.data_folder());
 
   EXPECT_EQ(1, Dropped(report, "download_unresolved"));
   const base::Value* missing = FindEntry(report["dropped"], "reason", "list_entry_song_missing");
@@ -246,7 +246,7 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
   EXPECT_EQ("Gone song", (*missing)["examples"][0]["name"]);
   // The history row of its own stays in the history, and there only.
   sql::Connection finished;
-  ASSERT_TRUE(finished.OpenWithKey(profile_.data_folder().Append(L"VTMusicV3.db"),
+  ASSERT_TRUE(finished.OpenWithKey(m_profile.data_folder().Append(L"VTMusicV3.db"),
                                    kVersion3DatabaseKey));
   EXPECT_EQ(0, CountQuery(&finished, "select count(*) from DownloadItem where FileName = "
                                      "'Only in the history'"));
@@ -258,7 +258,7 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
 // a file that loses rows after the copy is caught by that count; a copy
 // that cannot be encrypted drops its rows with their reason.
 TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
-  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  ASSERT_TRUE(WriteSampleVersion2Databases(m_profile.data_folder()));
   std::map<std::string, int64_t> read = Rows(Data(L"VTMusicV2.db"), false);
   for (const auto& [table, rows] : Rows(Data(L"playlist.db"), false))
     read[table] = rows;
@@ -275,7 +275,7 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
   EXPECT_EQ(read.size(), report["source_tables"].size());
   for (const auto& table : report["source_tables"])
     EXPECT_EQ(read[table["table"]], table["rows_read"]) << table.dump();
-  ExpectReportReconciles(report, profile_.data_folder());
+  ExpectReportReconciles(report, m_profile.data_folder());
   std::map<std::string, int64_t> written = Rows(Data(L"VTMusicV3.db"), true);
   for (const auto& [table, rows] : Rows(Data(L"playlistV3.db"), true))
     written[table] = rows;
@@ -344,7 +344,7 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
 // database; without a cloud list to use it, the moved "CloudOperation" is
 // dropped again, and counted as dropped with its reason.
 TEST_F(ImportReportReconcileTest, Version3UpgradeCountsTheMovedTables) {
-  ASSERT_TRUE(WriteSampleVersion3Databases(profile_.data_folder(), kVersion3DatabaseKey));
+  ASSERT_TRUE(WriteSampleVersion3Databases(m_profile.data_folder(), kVersion3DatabaseKey));
   std::map<std::string, int64_t> before = Rows(Data(L"VTMusicV3.db"), true);
   DataImporterMain();
   base::Value report = ReadReport();

@@ -10,13 +10,13 @@ namespace {
 
 class PlaylistStorageTest : public ::testing::Test {
  protected:
-  base::FilePath Path(const wchar_t* name) const { return dir_.path().Append(name); }
+  base::FilePath Path(const wchar_t* name) const { return m_dir.path().Append(name); }
   void WriteStorage(const std::string& text) {
     testing_support::WriteBytes(Path(L"pls_storage"), text);
   }
   std::string Storage() const { return testing_support::ReadBytes(Path(L"pls_storage")); }
 
-  testing_support::ScopedTempDir dir_;
+  testing_support::ScopedTempDir m_dir;
 };
 
 TEST_F(PlaylistStorageTest, DictionaryGetsThePlaylistFileTime) {
@@ -25,7 +25,7 @@ TEST_F(PlaylistStorageTest, DictionaryGetsThePlaylistFileTime) {
   ASSERT_TRUE(base::GetFileInfo(Path(L"playlistV3.db"), &info));
   WriteStorage("{\"modify_time\":1.0,\"other\":\"kept\"}");
 
-  EXPECT_EQ(StorageRefresh::kRefreshed, RefreshPlaylistStorage(dir_.path()));
+  EXPECT_EQ(StorageRefresh::kRefreshed, RefreshPlaylistStorage(m_dir.path()));
   base::Value root;
   ASSERT_TRUE(base::ReadJsonFile(Path(L"pls_storage"), &root));
   EXPECT_DOUBLE_EQ(info.last_modified, root["modify_time"].get<double>());
@@ -36,17 +36,17 @@ TEST_F(PlaylistStorageTest, AnythingButADictionaryStaysAsItWas) {
   testing_support::WriteBytes(Path(L"playlistV3.db"), "x");
   for (const char* text : {"[1,2,3]", "42", "\"text\"", "{\"modify_time\":", ""}) {
     WriteStorage(text);
-    EXPECT_EQ(StorageRefresh::kNoStorage, RefreshPlaylistStorage(dir_.path())) << text;
+    EXPECT_EQ(StorageRefresh::kNoStorage, RefreshPlaylistStorage(m_dir.path())) << text;
     EXPECT_EQ(text, Storage());
   }
   EXPECT_TRUE(base::DeleteFile(Path(L"pls_storage")));
-  EXPECT_EQ(StorageRefresh::kNoStorage, RefreshPlaylistStorage(dir_.path()));
+  EXPECT_EQ(StorageRefresh::kNoStorage, RefreshPlaylistStorage(m_dir.path()));
   EXPECT_FALSE(base::PathExists(Path(L"pls_storage")));
 }
 
 TEST_F(PlaylistStorageTest, NoPlaylistDatabaseNoRefresh) {
   WriteStorage("{\"modify_time\":1.0}");
-  EXPECT_EQ(StorageRefresh::kNoPlaylistDatabase, RefreshPlaylistStorage(dir_.path()));
+  EXPECT_EQ(StorageRefresh::kNoPlaylistDatabase, RefreshPlaylistStorage(m_dir.path()));
   EXPECT_EQ("{\"modify_time\":1.0}", Storage());
 }
 

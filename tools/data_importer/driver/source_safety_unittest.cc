@@ -24,15 +24,15 @@ constexpr size_t kPage = 4096;
 
 class SourceSafetyTest : public testing::Test {
  protected:
-  base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
+  base::FilePath Data(const wchar_t* name) const { return m_profile.data_folder().Append(name); }
   base::FilePath V7Source() const {
-    return Generation7Folder(profile_.roaming()).Append(L"VTData.db");
+    return Generation7Folder(m_profile.roaming()).Append(L"VTData.db");
   }
-  base::FilePath V6Program() const { return profile_.root().Append(L"VanTa6"); }
+  base::FilePath V6Program() const { return m_profile.root().Append(L"VanTa6"); }
 
   void InstallV6(int songs) {
     ASSERT_TRUE(WriteSampleV6Installation(V6Program(), songs));
-    ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(V6Program())));
+    ASSERT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(V6Program())));
     TestProfile::Touch(V6Program().Append(L"VanTa6.exe"));
   }
 
@@ -54,11 +54,11 @@ class SourceSafetyTest : public testing::Test {
     EXPECT_EQ(before, SourceFilesState(sources));
   }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 TEST_F(SourceSafetyTest, Generation7OriginalReadOnlyAndDamagedStaysAsItWas) {
-  ASSERT_TRUE(WriteSampleV7Installation(profile_.roaming(), V7SampleSize()));
+  ASSERT_TRUE(WriteSampleV7Installation(m_profile.roaming(), V7SampleSize()));
   // A zeroed page in the middle: the file fails the check and no compaction
   // repairs it, so the summary and the salvage both meet the damage.
   std::string bytes = testing_support::ReadBytes(V7Source());
@@ -66,24 +66,24 @@ TEST_F(SourceSafetyTest, Generation7OriginalReadOnlyAndDamagedStaysAsItWas) {
   testing_support::WriteBytes(V7Source(), bytes);
 
   RunOverReadOnly({V7Source()});
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   EXPECT_GT(LibrarySongs(), 250);  // of 300
   EXPECT_NE(std::string::npos,
             testing_support::ReadBytes(Data(L"DataImporter.log")).find("fails the integrity check"));
   EXPECT_FALSE(base::PathExists(base::FilePath(Data(L"VT7Data.db").value() + L".salvage")));
   // The rows lost with the damaged page are part of the report's sums.
-  ExpectReportReconciles(ReadImportReport(profile_.data_folder()), profile_.data_folder());
+  ExpectReportReconciles(ReadImportReport(m_profile.data_folder()), m_profile.data_folder());
 }
 
 TEST_F(SourceSafetyTest, Generation6OriginalReadOnlyStaysAsItWas) {
   InstallV6(40);
   RunOverReadOnly({V6Program().Append(L"VTData.db"), V6Program().Append(L"VanTa.xml")});
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   EXPECT_EQ(40, LibrarySongs());
 }
 
 TEST_F(SourceSafetyTest, EarlierReleaseOriginalsReadOnlyStayAsTheyWere) {
-  ASSERT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  ASSERT_TRUE(base::CreateDirectory(m_profile.data_folder()));
   for (const wchar_t* name : {L"VTMusic.db", L"vantu.db"}) {
     sql::Connection db;
     ASSERT_TRUE(db.Open(Data(name)));
@@ -94,7 +94,7 @@ TEST_F(SourceSafetyTest, EarlierReleaseOriginalsReadOnlyStayAsTheyWere) {
         "INSERT INTO GeneralListTable VALUES (1, 'One');"));
   }
   RunOverReadOnly({Data(L"VTMusic.db"), Data(L"vantu.db")});
-  base::Value report = ReadImportReport(profile_.data_folder());
+  base::Value report = ReadImportReport(m_profile.data_folder());
   for (const wchar_t* copy : {L"VT8Music.db", L"VT8Playlist.db"}) {
     const base::Value* source =
         FindEntry(report["sources"], "read_from", Data(copy).AsUTF8Unsafe());
@@ -108,7 +108,7 @@ TEST_F(SourceSafetyTest, EarlierReleaseOriginalsReadOnlyStayAsTheyWere) {
 // the next run imports it: the earlier run's work copy, made of the
 // damaged file, is not read again.
 TEST_F(SourceSafetyTest, RestoredSourceArrivesOnTheNextRun) {
-  ASSERT_TRUE(WriteSampleV7Installation(profile_.roaming(), V7SampleSize()));
+  ASSERT_TRUE(WriteSampleV7Installation(m_profile.roaming(), V7SampleSize()));
   const std::string good = testing_support::ReadBytes(V7Source());
   std::string garbage = good;
   for (size_t i = 0; i < garbage.size(); i += 7)
@@ -117,18 +117,18 @@ TEST_F(SourceSafetyTest, RestoredSourceArrivesOnTheNextRun) {
   testing_support::WriteBytes(V7Source(), garbage);
 
   DataImporterMain();
-  EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"5", m_profile.DBCheck(L"ImportEnd"));
   EXPECT_FALSE(base::PathExists(Data(L"VTMusicV3.db")));
   EXPECT_FALSE(base::PathExists(Data(L"playlistV3.db")));
-  base::Value report = ReadImportReport(profile_.data_folder());
+  base::Value report = ReadImportReport(m_profile.data_folder());
   EXPECT_NE(std::string::npos, report["failure"].get<std::string>().find("start again"));
 
   testing_support::WriteBytes(V7Source(), good);
   DataImporterMain();
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
   EXPECT_EQ(300, LibrarySongs());
-  report = ReadImportReport(profile_.data_folder());
+  report = ReadImportReport(m_profile.data_folder());
   const base::Value* source = FindEntry(report["sources"], "read_from", Data(L"VT7Data.db").AsUTF8Unsafe());
   ASSERT_NE(nullptr, source);
   EXPECT_EQ("copied again: the source changed since the copy", (*source)["work_copy"]);
@@ -143,12 +143,12 @@ TEST_F(SourceSafetyTest, RestoredGeneration6SourceArrivesOnTheNextRun) {
   testing_support::WriteBytes(source, std::string(good.size(), 'x'));
 
   DataImporterMain();
-  EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"5", m_profile.DBCheck(L"ImportEnd"));
   EXPECT_FALSE(base::PathExists(Data(L"VTMusicV3.db")));
 
   testing_support::WriteBytes(source, good);
   DataImporterMain();
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   EXPECT_EQ(30, LibrarySongs());
 }
 

@@ -9,15 +9,15 @@ namespace {
 
 class TaskDecisionTest : public ::testing::Test {
  protected:
-  std::wstring Decide() { return DecideTask(TestRunContext(source_)); }
-  base::FilePath Data(const wchar_t* name) { return profile_.data_folder().Append(name); }
+  std::wstring Decide() { return DecideTask(TestRunContext(m_source)); }
+  base::FilePath Data(const wchar_t* name) { return m_profile.data_folder().Append(name); }
 
-  TestProfile profile_;
-  base::FilePath source_;
+  TestProfile m_profile;
+  base::FilePath m_source;
 };
 
 TEST_F(TaskDecisionTest, CurrentGenerationFilesComeFirst) {
-  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  EXPECT_TRUE(base::CreateDirectory(m_profile.data_folder()));
   EXPECT_EQ(L"", Decide());
 
   TestProfile::Touch(Data(L"vantu.db"));
@@ -49,35 +49,35 @@ TEST_F(TaskDecisionTest, CurrentGenerationFilesInAnyLetterCase) {
 
 TEST_F(TaskDecisionTest, EarlierGenerationsInOrder) {
   // The 2008 edition is found only when no generation-6 source exists.
-  base::FilePath program2008 = profile_.root().Append(L"VanTa").Append(L"VanTa.exe");
+  base::FilePath program2008 = m_profile.root().Append(L"VanTa").Append(L"VanTa.exe");
   TestProfile::Touch(program2008);
-  profile_.SetRegistryValue(L"Software\\VanTa", L"AppFileName", program2008.value());
+  m_profile.SetRegistryValue(L"Software\\VanTa", L"AppFileName", program2008.value());
   EXPECT_EQ(L"importvantu2008", Decide());
 
   // A generation-6 registry path that no longer exists falls through to the
   // source folder.
-  profile_.SetRegistryValue(L"Software\\VanTa6", L"AppFileName",
-                            profile_.root().Append(L"gone").Append(L"vantu.exe").value());
-  source_ = profile_.root().Append(L"old6");
-  TestProfile::Touch(source_.Append(L"VTLibrary.db"));
+  m_profile.SetRegistryValue(L"Software\\VanTa6", L"AppFileName",
+                            m_profile.root().Append(L"gone").Append(L"vantu.exe").value());
+  m_source = m_profile.root().Append(L"old6");
+  TestProfile::Touch(m_source.Append(L"VTLibrary.db"));
   EXPECT_EQ(L"importvantu6", Decide());
 
-  base::FilePath program6 = profile_.root().Append(L"VanTa6").Append(L"vantu.exe");
+  base::FilePath program6 = m_profile.root().Append(L"VanTa6").Append(L"vantu.exe");
   TestProfile::Touch(program6);
-  profile_.SetRegistryValue(L"Software\\VanTa6", L"AppFileName", program6.value());
+  m_profile.SetRegistryValue(L"Software\\VanTa6", L"AppFileName", program6.value());
   EXPECT_EQ(L"importvantu6", Decide());
 
   // Generation 7, in a folder spelt "Vantu7" on disk.
-  TestProfile::Touch(profile_.roaming().Append(L"Vantu7").Append(L"VTData.db"));
+  TestProfile::Touch(m_profile.roaming().Append(L"Vantu7").Append(L"VTData.db"));
   EXPECT_EQ(L"importvantu7", Decide());
 }
 
 TEST_F(TaskDecisionTest, SourceFolderDatabaseIsCopiedAlone) {
-  source_ = profile_.root().Append(L"old6");
-  EXPECT_TRUE(base::CreateDirectory(source_));
-  testing_support::WriteBytes(source_.Append(L"VTData.db"), "v1");
-  testing_support::WriteBytes(source_.Append(L"VTLibrary.db"), "lib");
-  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  m_source = m_profile.root().Append(L"old6");
+  EXPECT_TRUE(base::CreateDirectory(m_source));
+  testing_support::WriteBytes(m_source.Append(L"VTData.db"), "v1");
+  testing_support::WriteBytes(m_source.Append(L"VTLibrary.db"), "lib");
+  EXPECT_TRUE(base::CreateDirectory(m_profile.data_folder()));
 
   EXPECT_EQ(L"importvantu6", Decide());
   EXPECT_EQ("v1", testing_support::ReadBytes(Data(L"VT6Data.db")));
@@ -85,12 +85,12 @@ TEST_F(TaskDecisionTest, SourceFolderDatabaseIsCopiedAlone) {
 }
 
 TEST_F(TaskDecisionTest, SourceFolderLibraryFilesAreCopied) {
-  source_ = profile_.root().Append(L"old6");
-  EXPECT_TRUE(base::CreateDirectory(source_));
-  testing_support::WriteBytes(source_.Append(L"VTLibrary.db"), "0");
-  testing_support::WriteBytes(source_.Append(L"VTLibrary2.db"), "2");
-  testing_support::WriteBytes(source_.Append(L"Other.db"), "x");
-  EXPECT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  m_source = m_profile.root().Append(L"old6");
+  EXPECT_TRUE(base::CreateDirectory(m_source));
+  testing_support::WriteBytes(m_source.Append(L"VTLibrary.db"), "0");
+  testing_support::WriteBytes(m_source.Append(L"VTLibrary2.db"), "2");
+  testing_support::WriteBytes(m_source.Append(L"Other.db"), "x");
+  EXPECT_TRUE(base::CreateDirectory(m_profile.data_folder()));
 
   EXPECT_EQ(L"importvantu6", Decide());
   EXPECT_EQ("0", testing_support::ReadBytes(Data(L"VTLibrary.db")));

@@ -12,7 +12,7 @@ namespace {
 
 class AnsiCodePageTest : public testing::Test {
  protected:
-  // A system hive under |drive_c_| whose current control set is |current|
+  // A system hive under |m_drive_c| whose current control set is |current|
   // and which holds |acp| in the control sets 1 and 2 (the second one
   // Western).
   void WriteSystemHive(uint32_t current, const std::wstring& acp) {
@@ -26,9 +26,9 @@ class AnsiCodePageTest : public testing::Test {
     ASSERT_TRUE(base::CreateDirectory(config));
     testing_support::WriteBytes(config.Append(L"SYSTEM"), BuildRegistryHive(keys));
   }
-  base::FilePath drive_c() const { return temp_.path().Append(L"C"); }
+  base::FilePath drive_c() const { return m_temp.path().Append(L"C"); }
 
-  testing_support::ScopedTempDir temp_;
+  testing_support::ScopedTempDir m_temp;
 };
 
 TEST_F(AnsiCodePageTest, OptionThenSystemHiveThenChinese) {

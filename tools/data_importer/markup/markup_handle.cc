@@ -6,36 +6,36 @@
 
 namespace markup {
 
-MarkupHandle::MarkupHandle() : node_(MarkupNode::Null()) {}
+MarkupHandle::MarkupHandle() : m_node(MarkupNode::Null()) {}
 
-MarkupHandle::MarkupHandle(MarkupNode* node) : node_(node ? node : MarkupNode::Null()) {
-  node_->AddRef();
+MarkupHandle::MarkupHandle(MarkupNode* node) : m_node(node ? node : MarkupNode::Null()) {
+  m_node->AddRef();
 }
 
-MarkupHandle::MarkupHandle(const MarkupHandle& other) : node_(other.node_) {
-  node_->AddRef();
+MarkupHandle::MarkupHandle(const MarkupHandle& other) : m_node(other.m_node) {
+  m_node->AddRef();
 }
 
-MarkupHandle::MarkupHandle(MarkupHandle&& other) noexcept : node_(other.node_) {
-  other.node_ = MarkupNode::Null();
+MarkupHandle::MarkupHandle(MarkupHandle&& other) noexcept : m_node(other.m_node) {
+  other.m_node = MarkupNode::Null();
 }
 
 MarkupHandle& MarkupHandle::operator=(const MarkupHandle& other) {
   // Count first and keep the pointer: |other| may live inside the node this
   // handle releases.
-  MarkupNode* node = other.node_;
+  MarkupNode* node = other.m_node;
   node->AddRef();
   Release();
-  node_ = node;
+  m_node = node;
   return *this;
 }
 
 MarkupHandle& MarkupHandle::operator=(MarkupHandle&& other) noexcept {
   if (this != &other) {
-    MarkupNode* taken = other.node_;
-    other.node_ = MarkupNode::Null();
+    MarkupNode* taken = other.m_node;
+    other.m_node = MarkupNode::Null();
     Release();
-    node_ = taken;
+    m_node = taken;
   }
   return *this;
 }
@@ -45,13 +45,13 @@ MarkupHandle::~MarkupHandle() {
 }
 
 bool MarkupHandle::IsNull() const {
-  return node_->is_null();
+  return m_node->is_null();
 }
 
 void MarkupHandle::Release() {
-  if (node_->ReleaseRef())
-    delete node_;
-  node_ = MarkupNode::Null();
+  if (m_node->ReleaseRef())
+    delete m_node;
+  m_node = MarkupNode::Null();
 }
 
 }  // namespace markup

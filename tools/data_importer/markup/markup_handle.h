@@ -23,20 +23,20 @@ class MarkupHandle {
   MarkupHandle& operator=(MarkupHandle&& other) noexcept;
   ~MarkupHandle();
 
-  MarkupNode* get() const { return node_; }
-  MarkupNode* operator->() const { return node_; }
-  MarkupNode& operator*() const { return *node_; }
+  MarkupNode* get() const { return m_node; }
+  MarkupNode* operator->() const { return m_node; }
+  MarkupNode& operator*() const { return *m_node; }
 
   // True for the shared null node.
   bool IsNull() const;
 
-  bool operator==(const MarkupHandle& other) const { return node_ == other.node_; }
-  bool operator!=(const MarkupHandle& other) const { return node_ != other.node_; }
+  bool operator==(const MarkupHandle& other) const { return m_node == other.m_node; }
+  bool operator!=(const MarkupHandle& other) const { return m_node != other.m_node; }
 
  private:
   void Release();
 
-  MarkupNode* node_;
+  MarkupNode* m_node;
 };
 
 }  // namespace markup

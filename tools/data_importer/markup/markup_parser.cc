@@ -37,13 +37,13 @@ void SkipSpace(std::wstring_view text, size_t* pos) {
 
 class Parser {
  public:
-  explicit Parser(std::wstring_view text) : text_(text) {}
+  explicit Parser(std::wstring_view text) : m_text(text) {}
 
   MarkupParseResult Run();
 
  private:
   // Each step starts at a '<' or at text; it answers false after a fatal
-  // error (recorded in result_).
+  // error (recorded in m_result).
   bool ParseText();
   bool ParseSection(std::wstring_view open, std::wstring_view close, MarkupNode::Kind kind);
   bool ParseDeclaration();
@@ -53,21 +53,21 @@ class Parser {
   int ReadAttribute(std::wstring_view text, size_t* pos, std::vector<MarkupAttribute>* attributes);
 
   bool Fail(int error, size_t position) {
-    result_.error = error;
-    result_.error_position = position;
+    m_result.error = error;
+    m_result.error_position = position;
     return false;
   }
-  void Note(int code) { result_.error = std::max(result_.error, code); }
-  MarkupNode* current() const { return open_.back(); }
+  void Note(int code) { m_result.error = std::max(m_result.error, code); }
+  MarkupNode* current() const { return m_open.back(); }
   MarkupHandle Append(MarkupNode::Kind kind, std::wstring name);
 
-  std::wstring_view text_;
-  size_t pos_ = 0;
-  MarkupParseResult result_;
+  std::wstring_view m_text;
+  size_t m_pos = 0;
+  MarkupParseResult m_result;
   // Open elements, the container first. Not counted: each is held by its
   // parent's item list.
-  std::vector<MarkupNode*> open_;
-  int32_t elements_ = 0;
+  std::vector<MarkupNode*> m_open;
+  int32_t m_elements = 0;
 };
 
 MarkupHandle Parser::Append(MarkupNode::Kind kind, std::wstring name) {
@@ -77,78 +77,78 @@ MarkupHandle Parser::Append(MarkupNode::Kind kind, std::wstring name) {
 }
 
 MarkupParseResult Parser::Run() {
-  result_.document = MarkupHandle(new MarkupNode(MarkupNode::kDocument, std::wstring()));
-  open_.push_back(result_.document.get());
-  while (pos_ < text_.size()) {
+  m_result.document = MarkupHandle(new MarkupNode(MarkupNode::kDocument, std::wstring()));
+  m_open.push_back(m_result.document.get());
+  while (m_pos < m_text.size()) {
     bool ok;
-    if (text_[pos_] != L'<')
+    if (m_text[m_pos] != L'<')
       ok = ParseText();
-    else if (StartsWithAt(text_, pos_, L"<![CDATA["))
+    else if (StartsWithAt(m_text, m_pos, L"<![CDATA["))
       ok = ParseSection(L"<![CDATA[", L"]]>", MarkupNode::kCData);
-    else if (StartsWithAt(text_, pos_, L"<!--"))
+    else if (StartsWithAt(m_text, m_pos, L"<!--"))
       ok = ParseSection(L"<!--", L"-->", MarkupNode::kComment);
-    else if (text_.size() - pos_ >= 9 && base::EqualsCaseInsensitiveASCII(text_.substr(pos_, 9), L"<!DOCTYPE"))
-      ok = ParseSection(text_.substr(pos_, 9), L">", MarkupNode::kDocType);
-    else if (StartsWithAt(text_, pos_, L"<PRE>"))
+    else if (m_text.size() - m_pos >= 9 && base::EqualsCaseInsensitiveASCII(m_text.substr(m_pos, 9), L"<!DOCTYPE"))
+      ok = ParseSection(m_text.substr(m_pos, 9), L">", MarkupNode::kDocType);
+    else if (StartsWithAt(m_text, m_pos, L"<PRE>"))
       ok = ParseSection(L"<PRE>", L"</PRE>", MarkupNode::kPre);
-    else if (StartsWithAt(text_, pos_, L"<?"))
+    else if (StartsWithAt(m_text, m_pos, L"<?"))
       ok = ParseDeclaration();
-    else if (StartsWithAt(text_, pos_, L"</"))
+    else if (StartsWithAt(m_text, m_pos, L"</"))
       ok = ParseEndTag();
     else
       ok = ParseStartTag();
     if (!ok)
-      return std::move(result_);
+      return std::move(m_result);
   }
-  if (open_.size() > 1) {
-    Fail(kMarkupUnterminated, text_.size());
-    return std::move(result_);
+  if (m_open.size() > 1) {
+    Fail(kMarkupUnterminated, m_text.size());
+    return std::move(m_result);
   }
-  if (elements_ == 0)
+  if (m_elements == 0)
     Note(kMarkupNoElement);
-  const MarkupNode* document = result_.document.get();
-  result_.single_root = document->items().size() == 1 && document->child_count() == 1 &&
+  const MarkupNode* document = m_result.document.get();
+  m_result.single_root = document->items().size() == 1 && document->child_count() == 1 &&
                         document->text_piece_count() == 0;
-  return std::move(result_);
+  return std::move(m_result);
 }
 
 bool Parser::ParseText() {
-  size_t end = text_.find(L'<', pos_);
+  size_t end = m_text.find(L'<', m_pos);
   if (end == std::wstring_view::npos)
-    end = text_.size();
-  const std::wstring_view piece = TrimMarkupSpace(text_.substr(pos_, end - pos_));
+    end = m_text.size();
+  const std::wstring_view piece = TrimMarkupSpace(m_text.substr(m_pos, end - m_pos));
   if (!piece.empty()) {
     std::wstring decoded;
     const EntityResult entities = DecodeEntities(piece, &decoded);
     if (entities == EntityResult::kBadReference)
-      return Fail(kMarkupBadReference, pos_);
+      return Fail(kMarkupBadReference, m_pos);
     if (entities == EntityResult::kKeptAmpersand)
       Note(kMarkupKeptAmpersand);
     current()->AppendText(decoded);
   }
-  pos_ = end;
+  m_pos = end;
   return true;
 }
 
 bool Parser::ParseSection(std::wstring_view open, std::wstring_view close, MarkupNode::Kind kind) {
-  const size_t begin = pos_ + open.size();
-  const size_t end = text_.find(close, begin);
+  const size_t begin = m_pos + open.size();
+  const size_t end = m_text.find(close, begin);
   if (end == std::wstring_view::npos)
-    return Fail(kMarkupUnterminated, pos_);
+    return Fail(kMarkupUnterminated, m_pos);
   MarkupHandle item = Append(kind, std::wstring());
-  item->SetText(std::wstring(text_.substr(begin, end - begin)));
-  pos_ = end + close.size();
+  item->SetText(std::wstring(m_text.substr(begin, end - begin)));
+  m_pos = end + close.size();
   return true;
 }
 
 // "<?name a="1" b='2'?>" keeps its name and pseudo-attributes; content of
 // any other form is kept whole as the declaration's text.
 bool Parser::ParseDeclaration() {
-  const size_t begin = pos_ + 2;
-  const size_t end = text_.find(L"?>", begin);
+  const size_t begin = m_pos + 2;
+  const size_t end = m_text.find(L"?>", begin);
   if (end == std::wstring_view::npos)
-    return Fail(kMarkupUnterminated, pos_);
-  const std::wstring_view content = text_.substr(begin, end - begin);
+    return Fail(kMarkupUnterminated, m_pos);
+  const std::wstring_view content = m_text.substr(begin, end - begin);
   size_t pos = 0;
   const std::wstring_view name = ReadName(content, &pos);
   std::vector<MarkupAttribute> attributes;
@@ -166,55 +166,55 @@ bool Parser::ParseDeclaration() {
   } else {
     item->SetText(std::wstring(TrimMarkupSpace(content.substr(name.size()))));
   }
-  pos_ = end + 2;
+  m_pos = end + 2;
   return true;
 }
 
 bool Parser::ParseEndTag() {
-  const size_t start = pos_;
-  pos_ += 2;
-  const std::wstring_view name = ReadName(text_, &pos_);
-  SkipSpace(text_, &pos_);
-  if (pos_ == text_.size())
+  const size_t start = m_pos;
+  m_pos += 2;
+  const std::wstring_view name = ReadName(m_text, &m_pos);
+  SkipSpace(m_text, &m_pos);
+  if (m_pos == m_text.size())
     return Fail(kMarkupUnterminated, start);
-  if (name.empty() || text_[pos_] != L'>')
-    return Fail(kMarkupBadTag, pos_);
-  if (open_.size() == 1 || !base::EqualsCaseInsensitiveASCII(name, current()->name()))
+  if (name.empty() || m_text[m_pos] != L'>')
+    return Fail(kMarkupBadTag, m_pos);
+  if (m_open.size() == 1 || !base::EqualsCaseInsensitiveASCII(name, current()->name()))
     return Fail(kMarkupBadEndTag, start);
-  open_.pop_back();
-  ++pos_;
+  m_open.pop_back();
+  ++m_pos;
   return true;
 }
 
 bool Parser::ParseStartTag() {
-  const size_t start = pos_;
-  ++pos_;
-  const std::wstring_view name = ReadName(text_, &pos_);
+  const size_t start = m_pos;
+  ++m_pos;
+  const std::wstring_view name = ReadName(m_text, &m_pos);
   if (name.empty())
     return Fail(kMarkupBadTag, start);
-  if (open_.size() > static_cast<size_t>(MarkupNode::kMaxDepth))
+  if (m_open.size() > static_cast<size_t>(MarkupNode::kMaxDepth))
     return Fail(kMarkupTooDeep, start);
   std::vector<MarkupAttribute> attributes;
   bool empty_element = false;
   while (true) {
-    SkipSpace(text_, &pos_);
-    if (pos_ == text_.size())
+    SkipSpace(m_text, &m_pos);
+    if (m_pos == m_text.size())
       return Fail(kMarkupUnterminated, start);
-    if (text_[pos_] == L'>') {
-      ++pos_;
+    if (m_text[m_pos] == L'>') {
+      ++m_pos;
       break;
     }
-    if (text_[pos_] == L'/') {
-      if (pos_ + 1 == text_.size())
+    if (m_text[m_pos] == L'/') {
+      if (m_pos + 1 == m_text.size())
         return Fail(kMarkupUnterminated, start);
-      if (text_[pos_ + 1] != L'>')
-        return Fail(kMarkupBadTag, pos_);
-      pos_ += 2;
+      if (m_text[m_pos + 1] != L'>')
+        return Fail(kMarkupBadTag, m_pos);
+      m_pos += 2;
       empty_element = true;
       break;
     }
-    const size_t attribute_start = pos_;
-    const int error = ReadAttribute(text_, &pos_, &attributes);
+    const size_t attribute_start = m_pos;
+    const int error = ReadAttribute(m_text, &m_pos, &attributes);
     if (error >= kFirstFatalError)
       return Fail(error, attribute_start);
     Note(error);
@@ -222,9 +222,9 @@ bool Parser::ParseStartTag() {
   MarkupHandle element = Append(MarkupNode::kElement, std::wstring(name));
   for (MarkupAttribute& attribute : attributes)
     element->AddAttribute(std::move(attribute.name), std::move(attribute.value));
-  ++elements_;
+  ++m_elements;
   if (!empty_element)
-    open_.push_back(element.get());
+    m_open.push_back(element.get());
   return true;
 }
 

@@ -21,17 +21,17 @@ class Serializer {
   // Counting pass.
   Serializer() = default;
   // Filling pass into |buffer|, which holds the counted size.
-  explicit Serializer(std::wstring* buffer) : buffer_(buffer) {}
+  explicit Serializer(std::wstring* buffer) : m_buffer(buffer) {}
 
-  size_t length() const { return length_; }
+  size_t length() const { return m_length; }
 
   void WriteNode(const MarkupNode& node, int depth);
 
  private:
   void Put(std::wstring_view text) {
-    if (buffer_ && length_ + text.size() <= buffer_->size())
-      buffer_->replace(length_, text.size(), text);
-    length_ += text.size();
+    if (m_buffer && m_length + text.size() <= m_buffer->size())
+      m_buffer->replace(m_length, text.size(), text);
+    m_length += text.size();
   }
   void Indent(int depth) {
     for (int i = 0; i < depth; ++i)
@@ -41,8 +41,8 @@ class Serializer {
   void WriteText(const std::wstring& text);
   void WriteItems(const MarkupNode& node, int depth);
 
-  std::wstring* buffer_ = nullptr;
-  size_t length_ = 0;
+  std::wstring* m_buffer = nullptr;
+  size_t m_length = 0;
 };
 
 void Serializer::WriteAttributes(const MarkupNode& node) {

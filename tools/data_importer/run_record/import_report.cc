@@ -30,16 +30,16 @@ base::Value ExampleJson(const ImportReport::DropExample& example) {
 }  // namespace
 
 ImportReport::ImportReport() {
-  source_tables_.push_back({L"", "(not recorded)"});
+  m_source_tables.push_back({L"", "(not recorded)"});
 }
 
 void ImportReport::SetTask(const std::wstring& task, int import_kind) {
-  task_ = task;
-  import_kind_ = import_kind;
+  m_task = task;
+  m_import_kind = import_kind;
 }
 
 ImportReport::Source* ImportReport::FindSource(const std::wstring& read_path) {
-  for (Source& source : sources_) {
+  for (Source& source : m_sources) {
     if (source.read_path == read_path)
       return &source;
   }
@@ -52,7 +52,7 @@ void ImportReport::AddSource(const base::FilePath& original, const base::FilePat
     known->flags |= flags;
     return;
   }
-  sources_.push_back({original.value(), read_path.value(), layout, flags, {}});
+  m_sources.push_back({original.value(), read_path.value(), layout, flags, {}});
 }
 
 void ImportReport::NoteWorkCopy(const base::FilePath& read_path, const std::string& why) {
@@ -65,37 +65,37 @@ void ImportReport::AddSalvagedTable(const base::FilePath& read_path, const std::
                                     int64_t rows_salvaged, int64_t rows_known_lost,
                                     bool complete) {
   MarkSource(read_path, kSalvaged);
-  salvaged_.push_back({read_path.value(), table, rows_salvaged, rows_known_lost, complete});
+  m_salvaged.push_back({read_path.value(), table, rows_salvaged, rows_known_lost, complete});
 }
 
 void ImportReport::MarkSource(const base::FilePath& read_path, unsigned flags) {
   if (Source* known = FindSource(read_path.value()))
     known->flags |= flags;
   else
-    sources_.push_back({read_path.value(), read_path.value(), std::string(), flags, {}});
+    m_sources.push_back({read_path.value(), read_path.value(), std::string(), flags, {}});
 }
 
 int ImportReport::SourceTable(const base::FilePath& read_path, const std::string& table) {
-  for (size_t i = 1; i < source_tables_.size(); ++i) {
-    if (source_tables_[i].source == read_path.value() && source_tables_[i].table == table)
+  for (size_t i = 1; i < m_source_tables.size(); ++i) {
+    if (m_source_tables[i].source == read_path.value() && m_source_tables[i].table == table)
       return static_cast<int>(i);
   }
-  source_tables_.push_back({read_path.value(), table});
-  return static_cast<int>(source_tables_.size() - 1);
+  m_source_tables.push_back({read_path.value(), table});
+  return static_cast<int>(m_source_tables.size() - 1);
 }
 
 void ImportReport::AddRead(int origin, int64_t rows, int64_t made) {
-  if (origin <= 0 || static_cast<size_t>(origin) >= source_tables_.size())
+  if (origin <= 0 || static_cast<size_t>(origin) >= m_source_tables.size())
     origin = 0;
-  source_tables_[origin].rows_read += rows;
-  source_tables_[origin].records_made += made;
+  m_source_tables[origin].rows_read += rows;
+  m_source_tables[origin].records_made += made;
 }
 
 void ImportReport::AddMerged(int origin, int64_t rows) {
-  if (origin <= 0 || static_cast<size_t>(origin) >= source_tables_.size())
+  if (origin <= 0 || static_cast<size_t>(origin) >= m_source_tables.size())
     origin = 0;
-  source_tables_[origin].records_made -= rows;
-  source_tables_[origin].rows_merged += rows;
+  m_source_tables[origin].records_made -= rows;
+  m_source_tables[origin].rows_merged += rows;
 }
 
 void ImportReport::AddDrop(int origin, const std::string& target, const DropReason& reason,
@@ -107,52 +107,52 @@ void ImportReport::AddDrops(int origin, const std::string& target, const DropRea
                             int64_t count, const std::vector<DropExample>& examples) {
   if (count <= 0)
     return;
-  flows_[{origin, PlainTableName(target)}].dropped[reason.key] += count;
-  Drops& drops = drops_.try_emplace(reason.key, Drops{reason, 0, {}}).first->second;
+  m_flows[{origin, PlainTableName(target)}].dropped[reason.key] += count;
+  Drops& drops = m_drops.try_emplace(reason.key, Drops{reason, 0, {}}).first->second;
   drops.count += count;
   for (const DropExample& example : examples) {
     if (drops.examples.size() >= kMaxExamples)
       break;
     drops.examples.push_back(example);
     // A writer's example names the source table through the origin.
-    if (example.table.empty() && origin > 0 && static_cast<size_t>(origin) < source_tables_.size())
-      drops.examples.back().table = source_tables_[origin].table;
+    if (example.table.empty() && origin > 0 && static_cast<size_t>(origin) < m_source_tables.size())
+      drops.examples.back().table = m_source_tables[origin].table;
   }
 }
 
 void ImportReport::AddWritten(int origin, const std::string& target, int64_t rows) {
-  flows_[{origin, PlainTableName(target)}].written += rows;
+  m_flows[{origin, PlainTableName(target)}].written += rows;
 }
 
 void ImportReport::SetCountedRows(const std::string& database,
                                   const std::map<std::string, int64_t>& counts, bool ok,
                                   const std::string& error) {
   for (const auto& [table, rows] : counts)
-    counted_[table] = {database, rows};
-  verified_[database] = {ok, error};
+    m_counted[table] = {database, rows};
+  m_verified[database] = {ok, error};
 }
 
 void ImportReport::AddSettingsKey(const std::string& key) {
-  settings_keys_.push_back(key);
+  m_settings_keys.push_back(key);
 }
 
 void ImportReport::NoteDBCheck(const std::wstring& key, const std::wstring& value) {
-  for (auto& entry : dbcheck_) {
+  for (auto& entry : m_dbcheck) {
     if (entry.first == key) {
       entry.second = value;
       return;
     }
   }
-  dbcheck_.emplace_back(key, value);
+  m_dbcheck.emplace_back(key, value);
 }
 
 void ImportReport::AddStage(const std::string& name, double seconds) {
-  stages_.emplace_back(name, seconds);
+  m_stages.emplace_back(name, seconds);
 }
 
 int64_t ImportReport::WrittenRows(const std::string& target) const {
   int64_t rows = 0;
-  for (const auto& [key, flow] : flows_) {
+  for (const auto& [key, flow] : m_flows) {
     if (key.second == target)
       rows += flow.written;
   }
@@ -160,18 +160,18 @@ int64_t ImportReport::WrittenRows(const std::string& target) const {
 }
 
 int64_t ImportReport::DropCount(const DropReason& reason) const {
-  auto found = drops_.find(reason.key);
-  return found == drops_.end() ? 0 : found->second.count;
+  auto found = m_drops.find(reason.key);
+  return found == m_drops.end() ? 0 : found->second.count;
 }
 
 base::Value ImportReport::ToJson() const {
   base::Value report = base::Value::object();
   report["report_version"] = kVersion;
-  report["task"] = {{"name", Utf8(task_)}, {"import_kind", import_kind_}};
-  report["time"] = end_time_;
+  report["task"] = {{"name", Utf8(m_task)}, {"import_kind", m_import_kind}};
+  report["time"] = m_end_time;
 
   base::Value sources = base::Value::array();
-  for (const Source& s : sources_) {
+  for (const Source& s : m_sources) {
     sources.push_back({{"path", Utf8(s.original)},
                        {"read_from", Utf8(s.read_path)},
                        {"layout", s.layout},
@@ -184,7 +184,7 @@ base::Value ImportReport::ToJson() const {
   }
   report["sources"] = std::move(sources);
   base::Value salvage = base::Value::array();
-  for (const SalvagedTable& t : salvaged_) {
+  for (const SalvagedTable& t : m_salvaged) {
     salvage.push_back({{"source", Utf8(t.source)},
                        {"table", t.table},
                        {"rows_salvaged", t.rows_salvaged},
@@ -192,11 +192,11 @@ base::Value ImportReport::ToJson() const {
                        {"complete", t.complete}});
   }
   report["salvage"] = std::move(salvage);
-  report["failure"] = Utf8(failure_);
+  report["failure"] = Utf8(m_failure);
 
   base::Value tables = base::Value::array();
-  for (size_t i = 1; i < source_tables_.size(); ++i) {
-    const SourceTableCount& t = source_tables_[i];
+  for (size_t i = 1; i < m_source_tables.size(); ++i) {
+    const SourceTableCount& t = m_source_tables[i];
     tables.push_back({{"source", Utf8(t.source)},
                       {"table", t.table},
                       {"rows_read", t.rows_read},
@@ -208,8 +208,8 @@ base::Value ImportReport::ToJson() const {
   // One entry per source-to-target pair: what was read for the target is
   // what was written plus what was dropped.
   base::Value flows = base::Value::array();
-  for (const auto& [key, flow] : flows_) {
-    const SourceTableCount& from = source_tables_[key.first];
+  for (const auto& [key, flow] : m_flows) {
+    const SourceTableCount& from = m_source_tables[key.first];
     int64_t dropped = 0;
     base::Value reasons = base::Value::object();
     for (const auto& [reason, count] : flow.dropped) {
@@ -229,15 +229,15 @@ base::Value ImportReport::ToJson() const {
   // Per target table: rows the writers sent, and rows found in the finished
   // file when it was counted. A difference is reported, not corrected.
   std::map<std::string, int64_t> sent;
-  for (const auto& [key, flow] : flows_)
+  for (const auto& [key, flow] : m_flows)
     sent[key.second] += flow.written;
-  for (const auto& [table, counted] : counted_)
+  for (const auto& [table, counted] : m_counted)
     sent.try_emplace(table, 0);
   base::Value targets = base::Value::array();
   for (const auto& [table, rows] : sent) {
     base::Value entry = {{"table", table}, {"rows_sent", rows}};
-    auto counted = counted_.find(table);
-    if (counted == counted_.end()) {
+    auto counted = m_counted.find(table);
+    if (counted == m_counted.end()) {
       entry["database"] = nullptr;
       entry["rows_counted"] = nullptr;
       entry["matches"] = nullptr;
@@ -251,14 +251,14 @@ base::Value ImportReport::ToJson() const {
   report["target_tables"] = std::move(targets);
   report["summary"] = Summary(sent);
   base::Value databases = base::Value::array();
-  for (const auto& [database, result] : verified_) {
+  for (const auto& [database, result] : m_verified) {
     databases.push_back(
         {{"database", database}, {"read_back", result.first}, {"error", result.second}});
   }
   report["target_databases"] = std::move(databases);
 
   base::Value drops = base::Value::array();
-  for (const auto& [key, d] : drops_) {
+  for (const auto& [key, d] : m_drops) {
     base::Value examples = base::Value::array();
     for (const DropExample& example : d.examples)
       examples.push_back(ExampleJson(example));
@@ -273,15 +273,15 @@ base::Value ImportReport::ToJson() const {
   for (const auto& [what, count] : m_kept_unlinked)
     kept[what] = count;
   report["kept_unlinked"] = std::move(kept);
-  report["upgrade"] = upgrade_;
-  report["lookup"] = lookup_;
-  report["settings_keys"] = settings_keys_;
+  report["upgrade"] = m_upgrade;
+  report["lookup"] = m_lookup;
+  report["settings_keys"] = m_settings_keys;
   base::Value dbcheck = base::Value::object();
-  for (const auto& [key, value] : dbcheck_)
+  for (const auto& [key, value] : m_dbcheck)
     dbcheck[Utf8(key)] = Utf8(value);
   report["dbcheck"] = std::move(dbcheck);
   base::Value stages = base::Value::array();
-  for (const auto& [name, seconds] : stages_)
+  for (const auto& [name, seconds] : m_stages)
     stages.push_back({{"name", name}, {"seconds", seconds}});
   report["stages"] = std::move(stages);
   return report;
@@ -291,8 +291,8 @@ base::Value ImportReport::ToJson() const {
 // counted in the finished files where they were counted, else as sent.
 base::Value ImportReport::Summary(const std::map<std::string, int64_t>& sent) const {
   auto rows = [&](const std::string& table) -> int64_t {
-    auto counted = counted_.find(table);
-    if (counted != counted_.end())
+    auto counted = m_counted.find(table);
+    if (counted != m_counted.end())
       return counted->second.second;
     auto found = sent.find(table);
     return found == sent.end() ? 0 : found->second;
@@ -303,13 +303,13 @@ base::Value ImportReport::Summary(const std::map<std::string, int64_t>& sent) co
       entries += rows(table);
   }
   int64_t library = rows("ShareFileItems");
-  return {{"songs", library - library_videos_},
-          {"videos", library_videos_},
+  return {{"songs", library - m_library_videos},
+          {"videos", m_library_videos},
           {"lists", rows("GeneralListTable")},
           {"list_entries", entries},
           {"downloads", rows("DownloadItem")},
-          {"settings", settings_read_},
-          {"settings_written", static_cast<int64_t>(settings_keys_.size())}};
+          {"settings", m_settings_read},
+          {"settings_written", static_cast<int64_t>(m_settings_keys.size())}};
 }
 
 std::string ImportReport::ToText() const {
@@ -334,54 +334,54 @@ bool ImportReport::Write(const base::FilePath& data_folder) const {
 
 SourceTableTally::SourceTableTally(ImportReport* report, const base::FilePath& read_path,
                                    const std::string& table)
-    : report_(report), table_(table) {
-  if (report_) {
-    origin_ = report_->SourceTable(read_path, table);
-    report_->EnterStage("reading " + PlainTableName(table));
+    : m_report(report), m_table(table) {
+  if (m_report) {
+    m_origin = m_report->SourceTable(read_path, table);
+    m_report->EnterStage("reading " + PlainTableName(table));
   }
 }
 
 SourceTableTally::~SourceTableTally() {
-  if (report_)
-    report_->AddRead(origin_, read_, made_);
+  if (m_report)
+    m_report->AddRead(m_origin, m_read, m_made);
 }
 
 void SourceTableTally::Dropped(const std::string& target, const DropReason& reason,
                                int64_t old_id, const std::wstring& name, int64_t entries) {
-  if (report_)
-    report_->AddDrop(origin_, target, reason, {table_, old_id, name, entries});
+  if (m_report)
+    m_report->AddDrop(m_origin, target, reason, {m_table, old_id, name, entries});
 }
 
 TargetTableTally::TargetTableTally(ImportReport* report, std::string target)
-    : report_(report), target_(std::move(target)) {}
+    : m_report(report), m_target(std::move(target)) {}
 
 TargetTableTally::~TargetTableTally() {
-  if (!report_)
+  if (!m_report)
     return;
-  for (const auto& [origin, counts] : counts_) {
+  for (const auto& [origin, counts] : m_counts) {
     if (counts.written)
-      report_->AddWritten(origin, target_, counts.written);
+      m_report->AddWritten(origin, m_target, counts.written);
     for (const auto& [reason, dropped] : counts.dropped)
-      report_->AddDrops(origin, target_, *reason, dropped.first, dropped.second);
+      m_report->AddDrops(origin, m_target, *reason, dropped.first, dropped.second);
   }
 }
 
 TargetTableTally::Counts& TargetTableTally::For(int origin) {
-  if (origin != last_origin_ || !last_) {
-    last_ = &counts_[origin];
-    last_origin_ = origin;
+  if (origin != m_last_origin || !m_last) {
+    m_last = &m_counts[origin];
+    m_last_origin = origin;
   }
-  return *last_;
+  return *m_last;
 }
 
 void TargetTableTally::Written(int origin) {
-  if (report_)
+  if (m_report)
     ++For(origin).written;
 }
 
 void TargetTableTally::Dropped(int origin, const DropReason& reason,
                                const ImportReport::DropExample& example) {
-  if (!report_)
+  if (!m_report)
     return;
   auto& dropped = For(origin).dropped[&reason];
   ++dropped.first;

@@ -121,9 +121,9 @@ class ImportReport {
   }
 
   void SetTask(const std::wstring& task, int import_kind);
-  const std::wstring& task() const { return task_; }
+  const std::wstring& task() const { return m_task; }
   // When the run ended, in UTC ("2026-11-24T23:43:13Z"); written as "time".
-  void SetEndTime(const std::string& utc) { end_time_ = utc; }
+  void SetEndTime(const std::string& utc) { m_end_time = utc; }
 
   // Records the source file |original| read through its copy |read_path|
   // (the same path when the run read the file where it lies) with |flags|.
@@ -145,8 +145,8 @@ class ImportReport {
                         int64_t rows_salvaged, int64_t rows_known_lost, bool complete);
   // Why the run imported nothing, in words for the user ("close the old
   // player and start again"). The last one wins.
-  void SetFailure(const std::wstring& words) { failure_ = words; }
-  const std::wstring& failure() const { return failure_; }
+  void SetFailure(const std::wstring& words) { m_failure = words; }
+  const std::wstring& failure() const { return m_failure; }
 
   // The origin id of table |table| of the source file |read_path|; the same
   // pair always answers the same id.
@@ -173,7 +173,7 @@ class ImportReport {
                       bool ok, const std::string& error);
 
   // MV (video) files among the rows written to "ShareFileItems".
-  void AddLibraryVideos(int64_t videos) { library_videos_ += videos; }
+  void AddLibraryVideos(int64_t videos) { m_library_videos += videos; }
 
   // Records kept as they were where a link could not be made, by what was
   // not found (e.g. "local_file_folder_not_in_library"); written under
@@ -182,17 +182,17 @@ class ImportReport {
 
   // What a version-2 task ended with, as the words of "UpgradeResult.json"
   // (an object); a null value for every other task.
-  void SetUpgradeOutcome(base::Value outcome) { upgrade_ = std::move(outcome); }
+  void SetUpgradeOutcome(base::Value outcome) { m_upgrade = std::move(outcome); }
 
   // What the run looked at to find earlier installations (an object: the
   // lines in words, the installations found and passed over, those named
   // but not reachable); null when the task decision did not run.
-  void SetLookup(base::Value lookup) { lookup_ = std::move(lookup); }
+  void SetLookup(base::Value lookup) { m_lookup = std::move(lookup); }
 
   void AddSettingsKey(const std::string& key);
   // Values of the source's settings files the carried settings were read
   // from (the keys carried beyond them hold defaults).
-  void AddSettingsRead(int64_t values) { settings_read_ += values; }
+  void AddSettingsRead(int64_t values) { m_settings_read += values; }
   // A "DBCheck" value written by this run (the last one of a key wins).
   void NoteDBCheck(const std::wstring& key, const std::wstring& value);
   void AddStage(const std::string& name, double seconds);
@@ -244,28 +244,28 @@ class ImportReport {
   Source* FindSource(const std::wstring& read_path);
   base::Value Summary(const std::map<std::string, int64_t>& sent) const;
 
-  std::wstring task_;
-  int import_kind_ = 0;
-  std::string end_time_;
+  std::wstring m_task;
+  int m_import_kind = 0;
+  std::string m_end_time;
   StageObserver m_stage_observer;
-  std::vector<Source> sources_;
-  std::vector<SalvagedTable> salvaged_;
-  std::wstring failure_;
-  std::vector<SourceTableCount> source_tables_;  // index = origin; 0 unrecorded
-  std::map<std::pair<int, std::string>, Flow> flows_;
-  std::map<std::string, Drops> drops_;  // by reason key
+  std::vector<Source> m_sources;
+  std::vector<SalvagedTable> m_salvaged;
+  std::wstring m_failure;
+  std::vector<SourceTableCount> m_source_tables;  // index = origin; 0 unrecorded
+  std::map<std::pair<int, std::string>, Flow> m_flows;
+  std::map<std::string, Drops> m_drops;  // by reason key
   // Target table -> (database, rows counted in the finished file).
-  std::map<std::string, std::pair<std::string, int64_t>> counted_;
+  std::map<std::string, std::pair<std::string, int64_t>> m_counted;
   // Database -> (read back soundly, why not).
-  std::map<std::string, std::pair<bool, std::string>> verified_;
-  int64_t library_videos_ = 0;
+  std::map<std::string, std::pair<bool, std::string>> m_verified;
+  int64_t m_library_videos = 0;
   std::map<std::string, int64_t> m_kept_unlinked;
-  base::Value upgrade_;
-  base::Value lookup_;
-  std::vector<std::string> settings_keys_;
-  int64_t settings_read_ = 0;
-  std::vector<std::pair<std::wstring, std::wstring>> dbcheck_;
-  std::vector<std::pair<std::string, double>> stages_;
+  base::Value m_upgrade;
+  base::Value m_lookup;
+  std::vector<std::string> m_settings_keys;
+  int64_t m_settings_read = 0;
+  std::vector<std::pair<std::wstring, std::wstring>> m_dbcheck;
+  std::vector<std::pair<std::string, double>> m_stages;
 };
 
 // Counts one source table as a reader walks it and hands the sums to the
@@ -285,24 +285,24 @@ class SourceTableTally {
   SourceTableTally(const SourceTableTally&) = delete;
   SourceTableTally& operator=(const SourceTableTally&) = delete;
 
-  void Read() { ++read_; }
+  void Read() { ++m_read; }
   template <typename Record>
   void Made(Record* record) {
-    record->origin = origin_;
-    ++made_;
+    record->origin = m_origin;
+    ++m_made;
   }
   // A row read and not turned into a record for |target|.
   // |entries|: for a list, how many entries went with it.
   void Dropped(const std::string& target, const DropReason& reason, int64_t old_id,
                const std::wstring& name, int64_t entries = -1);
-  int origin() const { return origin_; }
+  int origin() const { return m_origin; }
 
  private:
-  ImportReport* report_;
-  std::string table_;
-  int origin_ = 0;
-  int64_t read_ = 0;
-  int64_t made_ = 0;
+  ImportReport* m_report;
+  std::string m_table;
+  int m_origin = 0;
+  int64_t m_read = 0;
+  int64_t m_made = 0;
 };
 
 // Counts the rows one writer sends to |target| by their records' origins and
@@ -326,11 +326,11 @@ class TargetTableTally {
   };
   Counts& For(int origin);
 
-  ImportReport* report_;
-  std::string target_;
-  std::map<int, Counts> counts_;
-  int last_origin_ = -1;
-  Counts* last_ = nullptr;
+  ImportReport* m_report;
+  std::string m_target;
+  std::map<int, Counts> m_counts;
+  int m_last_origin = -1;
+  Counts* m_last = nullptr;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_

@@ -36,12 +36,12 @@ V6Music Music(int id, const std::wstring& title) {
 class ImportReportTest : public testing::Test {
  protected:
   base::FilePath program() const {
-    return profile_.root().Append(L"Program Files").Append(L"VanTa6");
+    return m_profile.root().Append(L"Program Files").Append(L"VanTa6");
   }
 
-  base::Value ReadReport() { return ReadImportReport(profile_.data_folder()); }
+  base::Value ReadReport() { return ReadImportReport(m_profile.data_folder()); }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 // A generation-6 "V1" installation with records of every kind that is left
@@ -64,7 +64,7 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
                   {0, Hash(2), L"D:\\Down\\Two.mp3", true},      // found by hash
                   {0, L"", L"D:\\Down\\NoHash.mp3", true}};      // no hash
   ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
-  ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
+  ASSERT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(program())));
   TestProfile::Touch(program().Append(L"VanTa6.exe"));
 
   DataImporterMain();
@@ -76,7 +76,7 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
   ASSERT_EQ(1u, report["sources"].size());
   const auto& source = report["sources"][0];
   EXPECT_EQ(program().Append(L"VTData.db").AsUTF8Unsafe(), source["path"]);
-  EXPECT_EQ(profile_.data_folder().Append(L"VT6Data.db").AsUTF8Unsafe(), source["read_from"]);
+  EXPECT_EQ(m_profile.data_folder().Append(L"VT6Data.db").AsUTF8Unsafe(), source["read_from"]);
   EXPECT_EQ("V1", source["layout"]);
   EXPECT_TRUE(source["copied"]);
   EXPECT_FALSE(source["repaired"]);
@@ -93,7 +93,7 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
     ASSERT_TRUE(entry) << table;
     EXPECT_EQ(rows, (*entry)["rows_read"]) << table;
   }
-  ExpectReportReconciles(report, profile_.data_folder());
+  ExpectReportReconciles(report, m_profile.data_folder());
 
   const base::Value* lists =
       FindEntry(report["flows"], "from", "PlayLists", "to", "GeneralListTable");
@@ -159,15 +159,15 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
   EXPECT_FALSE(report["dbcheck"].contains("ImportEnd"));
   EXPECT_TRUE(report["flows"].empty());
   EXPECT_TRUE(report["sources"].empty());
-  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(importer_names::kReportTempFileName)));
+  EXPECT_FALSE(base::PathExists(m_profile.data_folder().Append(importer_names::kReportTempFileName)));
 
   base::Value kept;
-  ASSERT_TRUE(base::ReadJsonFile(profile_.data_folder().Append(importer_names::kReportFileName), &kept));
+  ASSERT_TRUE(base::ReadJsonFile(m_profile.data_folder().Append(importer_names::kReportFileName), &kept));
   EXPECT_EQ("importvantu6", kept["task"]["name"]);
   EXPECT_EQ("4", kept["dbcheck"]["ImportEnd"]);
   EXPECT_EQ(20u, kept["time"].get<std::string>().size()) << kept["time"];
   std::vector<std::string> history;
-  base::FileEnumerator files(profile_.data_folder().Append(L"reports"), L"*");
+  base::FileEnumerator files(m_profile.data_folder().Append(L"reports"), L"*");
   for (base::FilePath path = files.Next(); !path.empty(); path = files.Next())
     history.push_back(path.BaseName().AsUTF8Unsafe());
   std::sort(history.begin(), history.end());
@@ -195,7 +195,7 @@ void LoseFreePages(const base::FilePath& path) {
 // "V2" library files of which one is damaged but repairable and one is no
 // database at all: the report names both, and what was read still adds up.
 TEST_F(ImportReportTest, V2RepairedAndUnreadableLibrariesAreNamed) {
-  base::FilePath source = profile_.root().Append(L"Old Player");
+  base::FilePath source = m_profile.root().Append(L"Old Player");
   V6V2Library first;
   first.lists = {{1, 3, L"", 0, 0}, {2, 0, L"Road", 0, 1}};
   first.items = {{1, 1, L"E:\\", L"a.mp3", L"A", Hash(1)},
@@ -239,10 +239,10 @@ TEST_F(ImportReportTest, V2RepairedAndUnreadableLibrariesAreNamed) {
   const base::Value* kept = FindEntry(json["flows"], "to", "GeneralList_5");
   ASSERT_TRUE(kept);
   EXPECT_EQ(2, (*kept)["written"]);
-  ExpectReportReconciles(json, profile_.data_folder());
+  ExpectReportReconciles(json, m_profile.data_folder());
   EXPECT_EQ(4, report.WrittenRows("ShareFileItems"));
   // The unreadable file's music items and lists.
-  EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"6", m_profile.DBCheck(L"ImportState"));
 }
 
 // Rows a table loses after its writer sent them are caught by the count of
@@ -252,7 +252,7 @@ TEST_F(ImportReportTest, CountOfTheFinishedFileCatchesLostRows) {
   db.music = {Music(1, L"One"), Music(2, L"Two")};
   db.lists = {{10, 3, L"", 0, 0}};
   ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
-  ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
+  ASSERT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(program())));
   TestProfile::Touch(program().Append(L"VanTa6.exe"));
 
   ImportReport report;
@@ -264,7 +264,7 @@ TEST_F(ImportReportTest, CountOfTheFinishedFileCatchesLostRows) {
     if (std::string(stage) != "ListCountReport")
       return;
     sql::Connection raw;
-    ASSERT_TRUE(raw.Open(profile_.data_folder().Append(L"VTMusicV2.db.tmp")));
+    ASSERT_TRUE(raw.Open(m_profile.data_folder().Append(L"VTMusicV2.db.tmp")));
     ASSERT_TRUE(raw.Execute("DELETE FROM ShareFileItems WHERE id = (SELECT max(id) FROM "
                             "ShareFileItems)"));
   });

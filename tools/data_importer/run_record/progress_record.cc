@@ -20,27 +20,27 @@ ProgressRecord::ProgressRecord() = default;
 ProgressRecord::~ProgressRecord() = default;
 
 ImportReport* ProgressRecord::report() {
-  if (report_)
-    return report_;
-  if (!own_report_)
-    own_report_ = std::make_unique<ImportReport>();
-  return own_report_.get();
+  if (m_report)
+    return m_report;
+  if (!m_own_report)
+    m_own_report = std::make_unique<ImportReport>();
+  return m_own_report.get();
 }
 
 void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
-  if (ini_path_.empty())
+  if (m_ini_path.empty())
     return;
   report()->NoteDBCheck(key, value);
   // A profile write that fails is ignored (see the header).
-  (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), ini_path_.c_str(),
+  (void)base::WritePrivateProfileStringW(kDBCheckSection, key, value.c_str(), m_ini_path.c_str(),
                                          m_ansi_code_page);
-  if (key_observer_)
-    key_observer_(key, value);
+  if (m_key_observer)
+    m_key_observer(key, value);
 }
 
 void ProgressRecord::Initialise(const base::FilePath& folder) {
   if (!folder.empty())
-    ini_path_ = base::ResolvePathCase(folder.Append(kSettingsFileName)).value();
+    m_ini_path = base::ResolvePathCase(folder.Append(kSettingsFileName)).value();
   WriteKey(kKeyImportProgress, L"");
   WriteKey(kKeyImportState, L"");
   WriteKey(kKeyUpdateProgress, L"");
@@ -50,51 +50,51 @@ void ProgressRecord::Initialise(const base::FilePath& folder) {
 }
 
 void ProgressRecord::Advance(int delta, int floor) {
-  int64_t sum = static_cast<int64_t>(progress_) + delta;
+  int64_t sum = static_cast<int64_t>(m_progress) + delta;
   if (sum < floor)
-    progress_ = floor;
+    m_progress = floor;
   else if (sum >= 100)
-    progress_ = 99;
+    m_progress = 99;
   else
-    progress_ = static_cast<int32_t>(sum);
-  WriteKey(kKeyImportProgress, base::IntToWString(progress_));
+    m_progress = static_cast<int32_t>(sum);
+  WriteKey(kKeyImportProgress, base::IntToWString(m_progress));
 }
 
 void ProgressRecord::SetProgress(int value) {
-  progress_ = value;
-  WriteKey(kKeyImportProgress, base::IntToWString(progress_));
+  m_progress = value;
+  WriteKey(kKeyImportProgress, base::IntToWString(m_progress));
 }
 
 void ProgressRecord::SetUpdateProgress(int value) {
-  update_progress_ = value;
-  WriteKey(kKeyUpdateProgress, base::IntToWString(update_progress_));
+  m_update_progress = value;
+  WriteKey(kKeyUpdateProgress, base::IntToWString(m_update_progress));
 }
 
 void ProgressRecord::SetPlaylists(const std::wstring& text) {
-  playlists_ = text;
-  WriteKey(kKeyImportPlaylists, playlists_);
+  m_playlists = text;
+  WriteKey(kKeyImportPlaylists, m_playlists);
 }
 
 void ProgressRecord::SetSourceEmpty(bool empty) {
-  source_empty_ = empty;
+  m_source_empty = empty;
   WriteKey(kKeySourceEmpty, empty ? L"1" : L"0");
 }
 
 uint32_t ProgressRecord::WriteEnd() {
   const wchar_t* end;
-  if (source_empty_)
+  if (m_source_empty)
     end = L"8";
-  else if ((state_ & (kStateNotStarted | kStateBuildFailed)) == 0)
+  else if ((m_state & (kStateNotStarted | kStateBuildFailed)) == 0)
     end = L"4";
   else
     end = L"5";
   WriteKey(kKeyImportEnd, end);
-  return state_;
+  return m_state;
 }
 
 void ProgressRecord::ReportFailure(uint32_t bits) {
-  state_ = WriteEnd() | bits;
-  WriteKey(kKeyImportState, base::Int64ToWString(state_));
+  m_state = WriteEnd() | bits;
+  WriteKey(kKeyImportState, base::Int64ToWString(m_state));
 }
 
 void ProgressRecord::WriteImportStart() {

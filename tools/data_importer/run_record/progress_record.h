@@ -84,33 +84,33 @@ class ProgressRecord {
   // lets a caller watch the section while a step runs (as the player does by
   // reading the file). Empty by default.
   using KeyObserver = std::function<void(const wchar_t* key, const std::wstring& value)>;
-  void set_key_observer(KeyObserver observer) { key_observer_ = std::move(observer); }
+  void set_key_observer(KeyObserver observer) { m_key_observer = std::move(observer); }
 
   // The run's import report, where every "DBCheck" value written is noted
   // too. Never null: a record that was given none keeps one of its own.
   ImportReport* report();
-  void set_report(ImportReport* report) { report_ = report; }
+  void set_report(ImportReport* report) { m_report = report; }
 
-  int progress() const { return progress_; }
-  int update_progress() const { return update_progress_; }
-  uint32_t state() const { return state_; }
-  const std::wstring& playlists() const { return playlists_; }
-  bool source_empty() const { return source_empty_; }
-  const std::wstring& ini_path() const { return ini_path_; }
-  int import_kind() const { return import_kind_; }
-  void set_import_kind(int kind) { import_kind_ = kind; }
+  int progress() const { return m_progress; }
+  int update_progress() const { return m_update_progress; }
+  uint32_t state() const { return m_state; }
+  const std::wstring& playlists() const { return m_playlists; }
+  bool source_empty() const { return m_source_empty; }
+  const std::wstring& ini_path() const { return m_ini_path; }
+  int import_kind() const { return m_import_kind; }
+  void set_import_kind(int kind) { m_import_kind = kind; }
 
  private:
-  int32_t progress_ = 0;
-  int32_t update_progress_ = 0;
-  uint32_t state_ = 0;
-  std::wstring playlists_;
-  bool source_empty_ = false;
-  std::wstring ini_path_;
-  int32_t import_kind_ = kKindNone;
-  ImportReport* report_ = nullptr;
-  KeyObserver key_observer_;
-  std::unique_ptr<ImportReport> own_report_;
+  int32_t m_progress = 0;
+  int32_t m_update_progress = 0;
+  uint32_t m_state = 0;
+  std::wstring m_playlists;
+  bool m_source_empty = false;
+  std::wstring m_ini_path;
+  int32_t m_import_kind = kKindNone;
+  ImportReport* m_report = nullptr;
+  KeyObserver m_key_observer;
+  std::unique_ptr<ImportReport> m_own_report;
   uint32_t m_ansi_code_page = base::kCodePageSimplifiedChinese;
 };
 

@@ -31,16 +31,16 @@ const char kSettings[] =
 class IniReaderTest : public testing::Test {
  protected:
   base::FilePath Write(const wchar_t* name, const std::string& bytes) {
-    base::FilePath path = temp_.path().Append(name);
+    base::FilePath path = m_temp.path().Append(name);
     testing_support::WriteBytes(path, bytes);
     return path;
   }
 
-  testing_support::ScopedTempDir temp_;
+  testing_support::ScopedTempDir m_temp;
   // Debug lines go to the log in the data folder: keep it in the test folder.
-  testing_support::ScopedEnv env_;
+  testing_support::ScopedEnv m_env;
 
-  void SetUp() override { env_.Set("LOCALAPPDATA", temp_.path().AsUTF8Unsafe()); }
+  void SetUp() override { m_env.Set("LOCALAPPDATA", m_temp.path().AsUTF8Unsafe()); }
 };
 
 TEST_F(IniReaderTest, ReadsSectionsKeysAndComments) {
@@ -137,7 +137,7 @@ TEST_F(IniReaderTest, FileListAndMissingFiles) {
   IniReader reader(base::kCodePageWestern);
   EXPECT_FALSE(reader.Parse(true));
   EXPECT_EQ(L"d", reader.ReadString(L"A", L"k", L"d"));
-  reader.SetFiles({base::FilePath(), temp_.path().Append(L"missing.ini")});
+  reader.SetFiles({base::FilePath(), m_temp.path().Append(L"missing.ini")});
   EXPECT_FALSE(reader.Parse(true));
   EXPECT_FALSE(reader.KeyExists(L"", L""));
 

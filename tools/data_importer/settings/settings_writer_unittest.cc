@@ -15,12 +15,12 @@ constexpr uint32_t kCodePage = base::kCodePageSimplifiedChinese;
 
 class SettingsWriterTest : public testing::Test {
  protected:
-  base::FilePath ini() const { return dir_.path().Append(L"Vantu.ini"); }
+  base::FilePath ini() const { return m_dir.path().Append(L"Vantu.ini"); }
   std::wstring Read(const std::wstring& key) const {
     return base::GetPrivateProfileStringW(importer_names::kSettingsSection, key, L"#missing#", ini().value(), kCodePage);
   }
 
-  testing_support::ScopedTempDir dir_;
+  testing_support::ScopedTempDir m_dir;
 };
 
 ImportedSettings Sample() {
@@ -141,7 +141,7 @@ TEST_F(SettingsWriterTest, Utf16FileStaysUtf16) {
 
 TEST_F(SettingsWriterTest, UnwritableFileIsReported) {
   EXPECT_FALSE(WriteImportedSettings({ImportedSettings()},
-                                     dir_.path().Append(L"missing").Append(L"Vantu.ini"),
+                                     m_dir.path().Append(L"missing").Append(L"Vantu.ini"),
                                      kCodePage));
 }
 

@@ -12,13 +12,13 @@ namespace {
 class V6SettingsReaderTest : public testing::Test {
  protected:
   void Write(const std::wstring& text, bool utf16 = false) {
-    testing_support::WriteBytes(dir_.path().Append(L"vanta.XML"),
+    testing_support::WriteBytes(m_dir.path().Append(L"vanta.XML"),
                                 utf16 ? "\xFF\xFE" + testing_support::UTF16Bytes(text, false)
                                       : base::WideToUTF8(text));
   }
-  std::optional<ImportedSettings> Read() { return ReadV6Settings(dir_.path()); }
+  std::optional<ImportedSettings> Read() { return ReadV6Settings(m_dir.path()); }
 
-  testing_support::ScopedTempDir dir_;
+  testing_support::ScopedTempDir m_dir;
 };
 
 TEST_F(V6SettingsReaderTest, ElementsAndAttributes) {

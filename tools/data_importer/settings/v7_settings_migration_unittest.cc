@@ -192,9 +192,9 @@ const Case kCases[] = {
 
 class V7SettingsMigrationTest : public testing::Test {
  protected:
-  base::FilePath folder() const { return dir_.path().Append(L"Vantu7"); }
+  base::FilePath folder() const { return m_dir.path().Append(L"Vantu7"); }
 
-  testing_support::ScopedTempDir dir_;
+  testing_support::ScopedTempDir m_dir;
 };
 
 // Every case as an 8-bit file and as a UTF-16 file, under a file name in

@@ -324,9 +324,9 @@ std::optional<std::string> SourceFingerprint(const base::FilePath& source) {
 ImportReport* DataExporter::Report() {
   if (m_model)
     return m_model->report();
-  if (!spare_report_)
-    spare_report_ = std::make_unique<ImportReport>();
-  return spare_report_.get();
+  if (!m_spare_report)
+    m_spare_report = std::make_unique<ImportReport>();
+  return m_spare_report.get();
 }
 
 void DataExporter::AdvanceReadProgress(int delta) {
@@ -343,22 +343,22 @@ void DataExporter::TableRead() {
 }
 
 ReadProgressTicker::ReadProgressTicker(AdvanceCallback advance, int64_t total_rows)
-    : advance_(std::move(advance)), total_rows_(total_rows) {}
+    : m_advance(std::move(advance)), m_total_rows(total_rows) {}
 
 ReadProgressTicker::ReadProgressTicker(DataExporter* exporter, int64_t total_rows)
     : ReadProgressTicker([exporter](int delta) { exporter->AdvanceReadProgress(delta); },
                          total_rows) {}
 
 void ReadProgressTicker::Tick() {
-  if (total_rows_ <= 0 || rows_ >= total_rows_)
+  if (m_total_rows <= 0 || m_rows >= m_total_rows)
     return;
-  ++rows_;
-  int reached = static_cast<int>(rows_ * 10 / total_rows_);
-  if (reached > tenths_) {
-    int delta = reached - tenths_;
-    tenths_ = reached;
-    if (advance_)
-      advance_(delta);
+  ++m_rows;
+  int reached = static_cast<int>(m_rows * 10 / m_total_rows);
+  if (reached > m_tenths) {
+    int delta = reached - m_tenths;
+    m_tenths = reached;
+    if (m_advance)
+      m_advance(delta);
   }
 }
 

@@ -192,7 +192,7 @@ class DataExporter {
 
   base::FilePath m_salvage_copy;          // the salvage copy m_db reads, if any
   std::vector<SalvagedTable> m_salvaged;  // what it got, table by table
-  std::unique_ptr<ImportReport> spare_report_;  // without a model
+  std::unique_ptr<ImportReport> m_spare_report;  // without a model
 };
 
 // Moves the read progress along while one long reader walks its rows: Tick()
@@ -212,13 +212,13 @@ class ReadProgressTicker {
   void Tick();
 
   // Tenths advanced so far (0 to 10).
-  int tenths() const { return tenths_; }
+  int tenths() const { return m_tenths; }
 
  private:
-  AdvanceCallback advance_;
-  int64_t total_rows_;
-  int64_t rows_ = 0;
-  int tenths_ = 0;
+  AdvanceCallback m_advance;
+  int64_t m_total_rows;
+  int64_t m_rows = 0;
+  int m_tenths = 0;
 };
 
 // What the import report tells the user when a source was found but could

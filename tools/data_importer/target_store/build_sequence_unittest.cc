@@ -27,67 +27,67 @@ namespace {
 class BuildSequenceTest : public testing::Test {
  protected:
   void SetUp() override {
-    record_.Initialise(TestDataFolder());
-    model_.m_progress = &record_;
+    m_record.Initialise(TestDataFolder());
+    m_model.m_progress = &m_record;
   }
 
   // A small but complete model: files, two lists, downloads, radio.
   void FillModel() {
-    AddFile(&model_, 1, L"D:\\Music\\a.mp3", HashOf(1));
-    AddFile(&model_, 2, L"D:\\Music\\b'.mp3", HashOf(2));
-    AddFile(&model_, 3, L"D:\\Video\\c.mkv", HashOf(3), 2);
-    AddList(&model_, -3, L"Default", 0);
-    AddList(&model_, 5, L"Mine", 1);
-    AddSong(&model_, -3, 1, 1);
-    AddSong(&model_, -3, 2, 2);
-    AddSong(&model_, 5, 3, 2);
-    AddSong(&model_, 5, 4, 40);  // file not imported
-    AddDownload(&model_, 1, 1, L"", 100, 0);
-    AddDownload(&model_, 2, 9, HashOf(2), 50, 0);
+    AddFile(&m_model, 1, L"D:\\Music\\a.mp3", HashOf(1));
+    AddFile(&m_model, 2, L"D:\\Music\\b'.mp3", HashOf(2));
+    AddFile(&m_model, 3, L"D:\\Video\\c.mkv", HashOf(3), 2);
+    AddList(&m_model, -3, L"Default", 0);
+    AddList(&m_model, 5, L"Mine", 1);
+    AddSong(&m_model, -3, 1, 1);
+    AddSong(&m_model, -3, 2, 2);
+    AddSong(&m_model, 5, 3, 2);
+    AddSong(&m_model, 5, 4, 40);  // file not imported
+    AddDownload(&m_model, 1, 1, L"", 100, 0);
+    AddDownload(&m_model, 2, 9, HashOf(2), 50, 0);
     auto radio_song = std::make_shared<SongItem>();
     radio_song->music_file_id = 40;
-    model_.m_radio_songs[8].push_back(radio_song);
+    m_model.m_radio_songs[8].push_back(radio_song);
   }
 
   std::unique_ptr<sql::Connection> OpenFinal(const wchar_t* name) {
     auto db = std::make_unique<sql::Connection>();
-    EXPECT_TRUE(db->OpenWithKey(profile_.data_folder().Append(name), kVersion3DatabaseKey))
+    EXPECT_TRUE(db->OpenWithKey(m_profile.data_folder().Append(name), kVersion3DatabaseKey))
         << name;
     return db;
   }
 
   std::vector<std::wstring> DataFolderFiles() {
     std::vector<std::wstring> names;
-    base::FileEnumerator files(profile_.data_folder(), L"*.db*");
+    base::FileEnumerator files(m_profile.data_folder(), L"*.db*");
     for (base::FilePath file = files.Next(); !file.empty(); file = files.Next())
       names.push_back(file.BaseName().value());
     std::sort(names.begin(), names.end());
     return names;
   }
 
-  TestProfile profile_;
-  ProgressRecord record_;
-  ImportModel model_;
+  TestProfile m_profile;
+  ProgressRecord m_record;
+  ImportModel m_model;
 };
 
 // A filled model becomes two encrypted databases in place of the old ones,
 // with consistent ids, the expected tables, and progress from 50 to 90.
 TEST_F(BuildSequenceTest, FilledModelBecomesTwoEncryptedDatabases) {
   FillModel();
-  TestProfile::Touch(profile_.data_folder().Append(L"VTMusicV3.db"));  // replaced
+  TestProfile::Touch(m_profile.data_folder().Append(L"VTMusicV3.db"));  // replaced
   EXPECT_TRUE(
-      base::WriteFile(profile_.data_folder().Append(L"VTMusicV2.db.tmp"), "stale, not a database"));
-  record_.SetProgress(20);
+      base::WriteFile(m_profile.data_folder().Append(L"VTMusicV2.db.tmp"), "stale, not a database"));
+  m_record.SetProgress(20);
 
-  ASSERT_TRUE(IsOk(BuildDatabases(&model_, profile_.data_folder())));
+  ASSERT_TRUE(IsOk(BuildDatabases(&m_model, m_profile.data_folder())));
 
   EXPECT_EQ((std::vector<std::wstring>{L"VTMusicV3.db", L"playlistV3.db"}), DataFolderFiles());
-  EXPECT_EQ(L"85", profile_.DBCheck(L"ImportProgress"));  // 20 -> 50 floor, +35
-  EXPECT_EQ(L"0", profile_.DBCheck(L"BeforceImportEmpty"));
-  EXPECT_EQ(L"-3:2,5:1", profile_.DBCheck(L"ImportPlayLists"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
-  EXPECT_FALSE(model_.m_music_db);
-  EXPECT_FALSE(model_.m_playlist_db);
+  EXPECT_EQ(L"85", m_profile.DBCheck(L"ImportProgress"));  // 20 -> 50 floor, +35
+  EXPECT_EQ(L"0", m_profile.DBCheck(L"BeforceImportEmpty"));
+  EXPECT_EQ(L"-3:2,5:1", m_profile.DBCheck(L"ImportPlayLists"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
+  EXPECT_FALSE(m_model.m_music_db);
+  EXPECT_FALSE(m_model.m_playlist_db);
 
   auto music = OpenFinal(L"VTMusicV3.db");
   auto playlists = OpenFinal(L"playlistV3.db");
@@ -108,13 +108,13 @@ TEST_F(BuildSequenceTest, FilledModelBecomesTwoEncryptedDatabases) {
   // Unreadable without the key; readable by the sqlcipher tool with it.
   for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"}) {
     sql::Connection plain;
-    EXPECT_FALSE(plain.Open(profile_.data_folder().Append(name))) << name;
+    EXPECT_FALSE(plain.Open(m_profile.data_folder().Append(name))) << name;
   }
 #if !defined(_WIN32)
   // The stock sqlcipher tool runs on the Linux build only.
   std::string output;
   int status = testing_support::RunCommand(
-      "sqlcipher '" + profile_.data_folder().Append(L"playlistV3.db").AsUTF8Unsafe() + "'",
+      "sqlcipher '" + m_profile.data_folder().Append(L"playlistV3.db").AsUTF8Unsafe() + "'",
       "PRAGMA key = '" + base::WideToUTF8(kVersion3DatabaseKey) +
           "';\nSELECT PlaylistName FROM GeneralListTable ORDER BY SortID;\n",
       &output);
@@ -142,10 +142,10 @@ TEST_F(BuildSequenceTest, ProgressFloorAndCeiling) {
 // changes the sequence.
 TEST_F(BuildSequenceTest, StepWeightsInOrder) {
   FillModel();
-  record_.SetProgress(50);  // the floor, so that the first weight shows too
+  m_record.SetProgress(50);  // the floor, so that the first weight shows too
   std::vector<std::string> steps;
-  ASSERT_TRUE(IsOk(BuildDatabases(&model_, profile_.data_folder(), [&](const char* stage) {
-    steps.push_back(std::string(stage) + "=" + std::to_string(record_.progress()));
+  ASSERT_TRUE(IsOk(BuildDatabases(&m_model, m_profile.data_folder(), [&](const char* stage) {
+    steps.push_back(std::string(stage) + "=" + std::to_string(m_record.progress()));
   })));
   ASSERT_GE(steps.size(), 18u);
   const std::vector<std::string> writers(steps.begin() + 1, steps.begin() + 18);
@@ -214,16 +214,16 @@ TEST_F(BuildSequenceTest, EarlierVersion2DatabaseStopsTheBuild) {
 // Every table is created with exactly the text the player expects.
 TEST_F(BuildSequenceTest, StoredSchemasAreTheExpectedTexts) {
   FillModel();
-  model_.m_share_folders.push_back(std::make_shared<ShareFolderItem>());
-  model_.m_radio_channels.push_back(std::make_shared<RadioChannelInfo>());
-  model_.m_recent_songs.push_back(std::make_shared<SongItem>());
-  model_.m_dislike_radio.push_back(std::make_shared<DislikeRadioRecord>());
-  model_.m_played_radio.push_back(std::make_shared<PlayedRadioRecord>());
-  model_.m_local_files.push_back(std::make_shared<LocalFileInfo>());
-  model_.m_login_history.push_back(std::make_shared<LoginRecord>());
-  model_.m_search_keywords.push_back(std::make_shared<SearchKeywordRecord>());
-  model_.m_app_tools.push_back(std::make_shared<AppToolRecord>());
-  ASSERT_TRUE(IsOk(BuildDatabases(&model_, profile_.data_folder())));
+  m_model.m_share_folders.push_back(std::make_shared<ShareFolderItem>());
+  m_model.m_radio_channels.push_back(std::make_shared<RadioChannelInfo>());
+  m_model.m_recent_songs.push_back(std::make_shared<SongItem>());
+  m_model.m_dislike_radio.push_back(std::make_shared<DislikeRadioRecord>());
+  m_model.m_played_radio.push_back(std::make_shared<PlayedRadioRecord>());
+  m_model.m_local_files.push_back(std::make_shared<LocalFileInfo>());
+  m_model.m_login_history.push_back(std::make_shared<LoginRecord>());
+  m_model.m_search_keywords.push_back(std::make_shared<SearchKeywordRecord>());
+  m_model.m_app_tools.push_back(std::make_shared<AppToolRecord>());
+  ASSERT_TRUE(IsOk(BuildDatabases(&m_model, m_profile.data_folder())));
   auto music = OpenFinal(L"VTMusicV3.db");
   auto playlists = OpenFinal(L"playlistV3.db");
 
@@ -278,21 +278,21 @@ void ExpectFailedBuildLeftOldFiles(const TestProfile& profile) {
 // still plain file take the final name.
 TEST_F(BuildSequenceTest, FailedEncryptionReplacesNothing) {
   FillModel();
-  WriteOldFinalFiles(profile_.data_folder());
+  WriteOldFinalFiles(m_profile.data_folder());
   // A folder that cannot be deleted where the encrypted copy would go.
-  base::FilePath blocker = profile_.data_folder().Append(L"VTMusicV2.db.tmp.enc");
+  base::FilePath blocker = m_profile.data_folder().Append(L"VTMusicV2.db.tmp.enc");
   ASSERT_TRUE(base::CreateDirectory(blocker));
   TestProfile::Touch(blocker.Append(L"keep"));
 
-  EXPECT_FALSE(IsOk(BuildDatabases(&model_, profile_.data_folder())));
-  record_.WriteEnd();
+  EXPECT_FALSE(IsOk(BuildDatabases(&m_model, m_profile.data_folder())));
+  m_record.WriteEnd();
 
-  EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_TRUE(model_.m_verified_playlist.ok);  // the playlist file was fine
-  EXPECT_FALSE(model_.m_verified_music.ok);
-  EXPECT_EQ("encryption failed", model_.m_verified_music.error);
+  EXPECT_EQ(L"5", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_TRUE(m_model.m_verified_playlist.ok);  // the playlist file was fine
+  EXPECT_FALSE(m_model.m_verified_music.ok);
+  EXPECT_EQ("encryption failed", m_model.m_verified_music.error);
   ASSERT_TRUE(base::DeleteFile(blocker, true));
-  ExpectFailedBuildLeftOldFiles(profile_);
+  ExpectFailedBuildLeftOldFiles(m_profile);
 }
 
 #if !defined(_WIN32)
@@ -302,15 +302,15 @@ TEST_F(BuildSequenceTest, FailedEncryptionReplacesNothing) {
 // encryption's writes fail as on a full disk.
 TEST_F(BuildSequenceTest, FullDiskDuringEncryptionReplacesNothing) {
   FillModel();
-  WriteOldFinalFiles(profile_.data_folder());
+  WriteOldFinalFiles(m_profile.data_folder());
   for (int i = 0; i < 200; ++i)  // enough rows for files of several pages
-    AddFile(&model_, 100 + i, L"D:\\Music\\more " + std::to_wstring(i) + L".mp3", HashOf(100 + i));
+    AddFile(&m_model, 100 + i, L"D:\\Music\\more " + std::to_wstring(i) + L".mp3", HashOf(100 + i));
 
   pid_t child = fork();
   ASSERT_NE(-1, child);
   if (child == 0) {
     signal(SIGXFSZ, SIG_IGN);  // writes past the limit fail with EFBIG instead
-    base::Status result = BuildDatabases(&model_, profile_.data_folder(), [](const char* stage) {
+    base::Status result = BuildDatabases(&m_model, m_profile.data_folder(), [](const char* stage) {
       if (std::string(stage) == "CountRows") {
         rlimit limit{8192, 8192};
         setrlimit(RLIMIT_FSIZE, &limit);
@@ -322,7 +322,7 @@ TEST_F(BuildSequenceTest, FullDiskDuringEncryptionReplacesNothing) {
   ASSERT_EQ(child, waitpid(child, &status, 0));
   ASSERT_TRUE(WIFEXITED(status)) << status;
   EXPECT_EQ(1, WEXITSTATUS(status));
-  ExpectFailedBuildLeftOldFiles(profile_);
+  ExpectFailedBuildLeftOldFiles(m_profile);
 }
 
 #endif  // !defined(_WIN32)
@@ -330,13 +330,13 @@ TEST_F(BuildSequenceTest, FullDiskDuringEncryptionReplacesNothing) {
 // With the verified files in place, the model holds what they read back.
 TEST_F(BuildSequenceTest, VerifiedRowCountsAreKept) {
   FillModel();
-  ASSERT_TRUE(IsOk(BuildDatabases(&model_, profile_.data_folder())));
-  EXPECT_TRUE(model_.m_verified_music.ok);
-  EXPECT_EQ(3, model_.m_verified_music.row_counts.at("ShareFileItems"));
-  EXPECT_EQ(2, model_.m_verified_music.row_counts.at("DownloadItem"));
-  EXPECT_EQ(2, model_.m_verified_playlist.row_counts.at("GeneralListTable"));
-  EXPECT_EQ(1, model_.m_verified_playlist.row_counts.at("GeneralList_5"));
-  EXPECT_EQ(0, model_.m_verified_playlist.row_counts.count("ShareFileItems"));
+  ASSERT_TRUE(IsOk(BuildDatabases(&m_model, m_profile.data_folder())));
+  EXPECT_TRUE(m_model.m_verified_music.ok);
+  EXPECT_EQ(3, m_model.m_verified_music.row_counts.at("ShareFileItems"));
+  EXPECT_EQ(2, m_model.m_verified_music.row_counts.at("DownloadItem"));
+  EXPECT_EQ(2, m_model.m_verified_playlist.row_counts.at("GeneralListTable"));
+  EXPECT_EQ(1, m_model.m_verified_playlist.row_counts.at("GeneralList_5"));
+  EXPECT_EQ(0, m_model.m_verified_playlist.row_counts.count("ShareFileItems"));
 }
 
 }  // namespace

@@ -15,9 +15,9 @@ void ImportModel::ReportState(uint32_t bits) {
 ImportReport* ImportModel::report() {
   if (m_progress)
     return m_progress->report();
-  if (!own_report_)
-    own_report_ = std::make_unique<ImportReport>();
-  return own_report_.get();
+  if (!m_own_report)
+    m_own_report = std::make_unique<ImportReport>();
+  return m_own_report.get();
 }
 
 void ImportModel::AddSettings(const ImportedSettings& settings) {

@@ -142,7 +142,7 @@ class ImportModel {
   VerifiedDatabase m_verified_playlist;
 
  private:
-  std::unique_ptr<ImportReport> own_report_;
+  std::unique_ptr<ImportReport> m_own_report;
 };
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_H_

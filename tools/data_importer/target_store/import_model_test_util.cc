@@ -75,9 +75,9 @@ namespace {
 // Values of the generated model.
 class ValueSource {
  public:
-  explicit ValueSource(uint32_t seed) : random_(seed) {}
+  explicit ValueSource(uint32_t seed) : m_random(seed) {}
 
-  size_t Below(size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(random_); }
+  size_t Below(size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(m_random); }
   bool Chance(int percent) { return static_cast<int>(Below(100)) < percent; }
 
   std::wstring Text() {
@@ -97,21 +97,21 @@ class ValueSource {
       text.push_back(L'\0');  // never stored: the statement would end early
     if (Chance(3))
       text.push_back(static_cast<wchar_t>(0xD800));  // stored as U+FFFD
-    return text + std::to_wstring(counter_++);
+    return text + std::to_wstring(m_counter++);
   }
 
   int Int() {
     static const int kExtremes[] = {INT32_MIN, INT32_MAX, -1, 0, 1};
     if (Chance(30))
       return kExtremes[Below(std::size(kExtremes))];
-    return std::uniform_int_distribution<int>(-100000, 100000)(random_);
+    return std::uniform_int_distribution<int>(-100000, 100000)(m_random);
   }
 
   int64_t Int64() {
     static const int64_t kExtremes[] = {INT64_MIN, INT64_MAX, -1, 0, 4102444800000LL};
     if (Chance(30))
       return kExtremes[Below(std::size(kExtremes))];
-    return std::uniform_int_distribution<int64_t>(-(1LL << 40), 1LL << 40)(random_);
+    return std::uniform_int_distribution<int64_t>(-(1LL << 40), 1LL << 40)(m_random);
   }
 
   double Real() {
@@ -120,7 +120,7 @@ class ValueSource {
                                        std::numeric_limits<double>::quiet_NaN()};
     if (Chance(30))
       return kExtremes[Below(std::size(kExtremes))];
-    return std::uniform_real_distribution<double>(-20.0, 20.0)(random_);
+    return std::uniform_real_distribution<double>(-20.0, 20.0)(m_random);
   }
 
   // Fills every field bound to a column with a value.
@@ -141,8 +141,8 @@ class ValueSource {
   void Set(bool* value) { *value = Chance(50); }
   void Set(double* value) { *value = Real(); }
 
-  std::mt19937 random_;
-  int counter_ = 0;
+  std::mt19937 m_random;
+  int m_counter = 0;
 };
 
 template <typename Record>

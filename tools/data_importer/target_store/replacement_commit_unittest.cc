@@ -19,7 +19,7 @@ using testing_support::ReadBytes;
 
 class ReplacementCommitTest : public testing::Test {
  protected:
-  base::FilePath Path(const wchar_t* name) const { return dir_.path().Append(name); }
+  base::FilePath Path(const wchar_t* name) const { return m_dir.path().Append(name); }
 
   void WriteFiles() {
     ASSERT_TRUE(base::WriteFile(Path(L"VTMusicV3.db"), "old music"));
@@ -35,7 +35,7 @@ class ReplacementCommitTest : public testing::Test {
     pid_t child = fork();
     ASSERT_NE(-1, child);
     if (child == 0) {
-      bool ok = CommitReplacement(dir_.path(), [&](const char* done) {
+      bool ok = CommitReplacement(m_dir.path(), [&](const char* done) {
         if (step == done)
           raise(SIGKILL);
       });
@@ -53,7 +53,7 @@ class ReplacementCommitTest : public testing::Test {
       EXPECT_FALSE(base::PathExists(Path(name))) << base::FilePath(name).AsUTF8Unsafe();
   }
 
-  testing_support::ScopedTempDir dir_;
+  testing_support::ScopedTempDir m_dir;
 };
 
 #if !defined(_WIN32)
@@ -64,7 +64,7 @@ TEST_F(ReplacementCommitTest, KillAfterEachStepIsCompletedByTheNextRun) {
   for (const char* step : {"CommitRecord", "ReplaceMusic", "ReplacePlaylist", "CommitDone"}) {
     WriteFiles();
     CommitKilledAfter(step);
-    EXPECT_TRUE(CompleteOrUndoReplacement(dir_.path())) << step;
+    EXPECT_TRUE(CompleteOrUndoReplacement(m_dir.path())) << step;
     EXPECT_EQ("new music", ReadBytes(Path(L"VTMusicV3.db"))) << step;
     EXPECT_EQ("new lists", ReadBytes(Path(L"playlistV3.db"))) << step;
     ExpectNoWorkFiles();
@@ -82,7 +82,7 @@ TEST_F(ReplacementCommitTest, TemporaryFilesWithoutRecordAreUndone) {
   ASSERT_TRUE(base::WriteFile(Path(L"VTMusicV2.db.tmp.enc"), "half encrypted"));
   ASSERT_TRUE(base::WriteFile(Path(L"playlist.db.tmp-journal"), "pages of a killed vacuum"));
   ASSERT_TRUE(base::WriteFile(Path(L"DatabaseReplace.commit.new"), "half a record"));
-  EXPECT_TRUE(CompleteOrUndoReplacement(dir_.path()));
+  EXPECT_TRUE(CompleteOrUndoReplacement(m_dir.path()));
   EXPECT_EQ("old music", ReadBytes(Path(L"VTMusicV3.db")));
   EXPECT_EQ("old lists", ReadBytes(Path(L"playlistV3.db")));
   EXPECT_FALSE(base::PathExists(Path(L"VTMusicV2.db.tmp.enc")));
@@ -98,14 +98,14 @@ TEST_F(ReplacementCommitTest, FailedRenameKeepsTheRecord) {
   ASSERT_TRUE(base::CreateDirectory(Path(L"playlistV3.db")));
   ASSERT_TRUE(base::WriteFile(Path(L"playlistV3.db").Append(L"x"), "in the way"));
 
-  EXPECT_FALSE(CommitReplacement(dir_.path()));
+  EXPECT_FALSE(CommitReplacement(m_dir.path()));
   EXPECT_EQ("new music", ReadBytes(Path(L"VTMusicV3.db")));
   EXPECT_TRUE(base::PathExists(Path(L"DatabaseReplace.commit")));
-  EXPECT_FALSE(CompleteOrUndoReplacement(dir_.path()));
+  EXPECT_FALSE(CompleteOrUndoReplacement(m_dir.path()));
   EXPECT_TRUE(base::PathExists(Path(L"DatabaseReplace.commit")));
 
   ASSERT_TRUE(base::DeleteFile(Path(L"playlistV3.db"), true));
-  EXPECT_TRUE(CompleteOrUndoReplacement(dir_.path()));
+  EXPECT_TRUE(CompleteOrUndoReplacement(m_dir.path()));
   EXPECT_EQ("new lists", ReadBytes(Path(L"playlistV3.db")));
   ExpectNoWorkFiles();
 }

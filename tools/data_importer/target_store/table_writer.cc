@@ -19,28 +19,28 @@ sql::Connection* OpenConnection(DatabaseHelper* db) {
 }  // namespace
 
 void RowBuilder::AddColumn(std::string_view column) {
-  if (!columns_.empty()) {
-    columns_.push_back(',');
-    values_.push_back(',');
+  if (!m_columns.empty()) {
+    m_columns.push_back(',');
+    m_values.push_back(',');
   }
-  columns_.append(column);
+  m_columns.append(column);
 }
 
 void RowBuilder::Text(std::string_view column, std::wstring_view value) {
   AddColumn(column);
-  AppendSqlTextLiteral(value, &values_);
+  AppendSqlTextLiteral(value, &m_values);
 }
 
 void RowBuilder::Int(std::string_view column, int64_t value) {
   AddColumn(column);
   char buffer[24];
   auto result = std::to_chars(buffer, buffer + sizeof(buffer), value);
-  values_.append(buffer, result.ptr);
+  m_values.append(buffer, result.ptr);
 }
 
 void RowBuilder::Null(std::string_view column) {
   AddColumn(column);
-  values_ += "NULL";
+  m_values += "NULL";
 }
 
 void RowBuilder::Real(std::string_view column, double value) {
@@ -49,16 +49,16 @@ void RowBuilder::Real(std::string_view column, double value) {
     value = 0.0;
   char buffer[32];
   int length = std::snprintf(buffer, sizeof(buffer), "%.17g", value);
-  values_.append(buffer, length);
+  m_values.append(buffer, length);
 }
 
 std::string RowBuilder::Statement(const std::string& table) const {
-  return BuildInsertStatement(table, columns_, values_);
+  return BuildInsertStatement(table, m_columns, m_values);
 }
 
 void RowBuilder::Clear() {
-  columns_.clear();
-  values_.clear();
+  m_columns.clear();
+  m_values.clear();
 }
 
 void CreateTable(DatabaseHelper* db, const std::string& create_sql) {
@@ -68,38 +68,38 @@ void CreateTable(DatabaseHelper* db, const std::string& create_sql) {
 }
 
 TableTransaction::TableTransaction(DatabaseHelper* db, const TableDef& definition)
-    : db_(db), definition_(definition) {
-  CreateTable(db_, definition_.create_sql);
-  if (sql::Connection* connection = OpenConnection(db_))
-    open_ = connection->BeginTransaction();
+    : m_db(db), m_definition(definition) {
+  CreateTable(m_db, m_definition.create_sql);
+  if (sql::Connection* connection = OpenConnection(m_db))
+    m_open = connection->BeginTransaction();
 }
 
 TableTransaction::~TableTransaction() {
-  sql::Connection* connection = OpenConnection(db_);
-  if (open_ && connection)
+  sql::Connection* connection = OpenConnection(m_db);
+  if (m_open && connection)
     connection->RollbackTransaction();
 }
 
 bool TableTransaction::Commit() {
-  if (!open_)
+  if (!m_open)
     return true;
-  open_ = false;
-  sql::Connection* connection = OpenConnection(db_);
+  m_open = false;
+  sql::Connection* connection = OpenConnection(m_db);
   if (connection && connection->CommitTransaction())
     return true;
-  VLOG_AT(logging::LOG_FAILURE) << L"Commit of table {" << base::UTF8ToWide(definition_.name)
+  VLOG_AT(logging::LOG_FAILURE) << L"Commit of table {" << base::UTF8ToWide(m_definition.name)
                                 << L"} FAILED; its rows are lost.";
   return false;
 }
 
 bool TableTransaction::Execute(const std::string& statement) {
-  sql::Connection* connection = OpenConnection(db_);
+  sql::Connection* connection = OpenConnection(m_db);
   return connection && connection->Execute(statement.c_str());
 }
 
 bool TableTransaction::InsertRow() {
-  bool inserted = Execute(row_.Statement(definition_.name));
-  row_.Clear();
+  bool inserted = Execute(m_row.Statement(m_definition.name));
+  m_row.Clear();
   return inserted;
 }
 

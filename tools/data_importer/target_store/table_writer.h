@@ -54,8 +54,8 @@ class RowBuilder {
  private:
   void AddColumn(std::string_view column);
 
-  std::string columns_;
-  std::string values_;
+  std::string m_columns;
+  std::string m_values;
 };
 
 struct TableDef {
@@ -86,15 +86,15 @@ class TableTransaction {
 
   // Executes |statement|; false when it failed (the row is lost).
   bool Execute(const std::string& statement);
-  RowBuilder* row() { return &row_; }
+  RowBuilder* row() { return &m_row; }
   // Executes the insert built in row() and clears the builder.
   bool InsertRow();
 
  private:
-  DatabaseHelper* db_;
-  const TableDef& definition_;
-  RowBuilder row_;
-  bool open_ = false;
+  DatabaseHelper* m_db;
+  const TableDef& m_definition;
+  RowBuilder m_row;
+  bool m_open = false;
 };
 
 // What a row filler answers for a record it may leave out.

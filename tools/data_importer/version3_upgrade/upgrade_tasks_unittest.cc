@@ -32,9 +32,9 @@ using testing_support::ReadBytes;
 
 class Version2TaskTest : public ::testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(base::CreateDirectory(profile_.data_folder())); }
+  void SetUp() override { ASSERT_TRUE(base::CreateDirectory(m_profile.data_folder())); }
 
-  base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
+  base::FilePath Data(const wchar_t* name) const { return m_profile.data_folder().Append(name); }
 
   // The file opened with the version-3 key, or null when it does not open.
   std::unique_ptr<sql::Connection> Keyed(const wchar_t* name) const {
@@ -72,14 +72,14 @@ class Version2TaskTest : public ::testing::Test {
 
   std::string Result() const { return ReadBytes(Data(kUpgradeResultFile)); }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 // The copy task: both files copied and encrypted with the key, readable by
 // the sqlcipher tool with it and not without, the version-2 files untouched,
 // "pls_storage" refreshed from the new playlist database.
 TEST_F(Version2TaskTest, CopyEncryptsBothCopiesAndRefreshesPlaylistStorage) {
-  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  ASSERT_TRUE(WriteSampleVersion2Databases(m_profile.data_folder()));
   testing_support::WriteBytes(Data(L"pls_storage"), "{\"modify_time\":1.5}");
   const std::string music_v2 = ReadBytes(Data(L"VTMusicV2.db"));
   const std::string playlist_v2 = ReadBytes(Data(L"playlist.db"));
@@ -88,8 +88,8 @@ TEST_F(Version2TaskTest, CopyEncryptsBothCopiesAndRefreshesPlaylistStorage) {
 
   DataImporterMain();
 
-  EXPECT_EQ(L"100", profile_.DBCheck(L"UpdateProgress"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportProgress"));
   EXPECT_EQ(music_v2, ReadBytes(Data(L"VTMusicV2.db")));
   EXPECT_EQ(playlist_v2, ReadBytes(Data(L"playlist.db")));
   for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"}) {
@@ -142,7 +142,7 @@ TEST_F(Version2TaskTest, CopyEncryptsBothCopiesAndRefreshesPlaylistStorage) {
 TEST_F(Version2TaskTest, CopyFailuresLeaveVersion2FilesAndPlainCopies) {
   ASSERT_TRUE(SampleMusicDatabase().Write(Data(L"VTMusicV2.db"), L""));
   DataImporterMain();
-  EXPECT_EQ(L"100", profile_.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"UpdateProgress"));
   EXPECT_TRUE(Keyed(L"VTMusicV3.db"));
   EXPECT_FALSE(base::PathExists(Data(L"playlistV3.db")));
   EXPECT_NE(std::string::npos, Result().find("\"playlist\":\"no_source\""));
@@ -154,7 +154,7 @@ TEST_F(Version2TaskTest, CopyFailuresLeaveVersion2FilesAndPlainCopies) {
   ASSERT_TRUE(CurrentPlaylistDatabase().Write(Data(L"playlist.db"), L""));
   ASSERT_TRUE(base::DeleteFile(Data(L"VTMusicV3.db")));
   DataImporterMain();
-  EXPECT_EQ(L"100", profile_.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"UpdateProgress"));
   EXPECT_EQ(bytes, ReadBytes(Data(L"VTMusicV2.db")));
   EXPECT_FALSE(Keyed(L"VTMusicV3.db"));
   EXPECT_EQ(0u, ReadBytes(Data(L"VTMusicV3.db")).rfind("SQLite format 3", 0));
@@ -190,7 +190,7 @@ TEST_F(Version2TaskTest, CopyFailuresLeaveVersion2FilesAndPlainCopies) {
 // process: the music copy no longer fits, the playlist copy does) leaves no
 // version-3 file at all, so the run after it, with room again, copies both.
 TEST_F(Version2TaskTest, FullDiskDuringCopyPutsNothingInPlace) {
-  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  ASSERT_TRUE(WriteSampleVersion2Databases(m_profile.data_folder()));
   const size_t music_size = ReadBytes(Data(L"VTMusicV2.db")).size();
   const size_t playlist_size = ReadBytes(Data(L"playlist.db")).size();
   ASSERT_GT(music_size, playlist_size + 4096);
@@ -222,9 +222,9 @@ TEST_F(Version2TaskTest, FullDiskDuringCopyPutsNothingInPlace) {
 
 // Running the copy twice replaces the version-3 files by fresh copies.
 TEST_F(Version2TaskTest, CopyTwiceMakesFreshCopies) {
-  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  ASSERT_TRUE(WriteSampleVersion2Databases(m_profile.data_folder()));
   UpgradeResult result;
-  UpgradeTasks(profile_.data_folder()).CopyVersion2Databases(&result);
+  UpgradeTasks(m_profile.data_folder()).CopyVersion2Databases(&result);
   ASSERT_EQ(CopyOutcome::kEncrypted, result.music_copy);
   ASSERT_TRUE(Keyed(L"VTMusicV3.db")->Execute("DELETE FROM ShareFileItems"));
   {
@@ -232,7 +232,7 @@ TEST_F(Version2TaskTest, CopyTwiceMakesFreshCopies) {
     ASSERT_TRUE(v2.Open(Data(L"playlist.db")));
     ASSERT_TRUE(v2.Execute("INSERT INTO GeneralListTable(PlayListID) VALUES (30)"));
   }
-  UpgradeTasks(profile_.data_folder()).CopyVersion2Databases(&result);
+  UpgradeTasks(m_profile.data_folder()).CopyVersion2Databases(&result);
   EXPECT_EQ(CopyOutcome::kEncrypted, result.music_copy);
   EXPECT_EQ(CopyOutcome::kEncrypted, result.playlist_copy);
   EXPECT_EQ(std::vector<std::string>{"40"},
@@ -251,7 +251,7 @@ TEST_F(Version2TaskTest, CopyTwiceMakesFreshCopies) {
 // bytes. Kill points: each step of the commit that renames the copies into
 // place, and random amounts of processor time into a whole run.
 TEST_F(Version2TaskTest, KilledCopyIsCompletedOrRedoneByTheNextRun) {
-  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  ASSERT_TRUE(WriteSampleVersion2Databases(m_profile.data_folder()));
   const std::string music_v2 = ReadBytes(Data(L"VTMusicV2.db"));
   const std::string playlist_v2 = ReadBytes(Data(L"playlist.db"));
   using State = std::pair<std::set<std::string>, std::set<std::string>>;
@@ -339,17 +339,17 @@ TEST_F(Version2TaskTest, KilledCopyIsCompletedOrRedoneByTheNextRun) {
 // way) is reported as not in place; the commit record makes a later run put
 // it there once the obstacle is gone, after the music copy that did go in.
 TEST_F(Version2TaskTest, CopyThatCannotTakeItsNameIsFinishedLater) {
-  ASSERT_TRUE(WriteSampleVersion2Databases(profile_.data_folder()));
+  ASSERT_TRUE(WriteSampleVersion2Databases(m_profile.data_folder()));
   TestProfile::Touch(Data(L"playlistV3.db").Append(L"in the way"));
   UpgradeResult result;
-  UpgradeTasks(profile_.data_folder()).CopyVersion2Databases(&result);
+  UpgradeTasks(m_profile.data_folder()).CopyVersion2Databases(&result);
   EXPECT_EQ(CopyOutcome::kEncrypted, result.music_copy);
   EXPECT_EQ(CopyOutcome::kReplaceFailed, result.playlist_copy);
   EXPECT_TRUE(Keyed(L"VTMusicV3.db"));
   EXPECT_TRUE(base::PathExists(Data(L"DatabaseReplace.commit")));
 
   ASSERT_TRUE(base::DeleteFile(Data(L"playlistV3.db"), true));
-  EXPECT_TRUE(CompleteOrUndoReplacement(profile_.data_folder()));
+  EXPECT_TRUE(CompleteOrUndoReplacement(m_profile.data_folder()));
   auto playlist = Keyed(L"playlistV3.db");
   ASSERT_TRUE(playlist);
   EXPECT_EQ(PlainContent(L"playlist.db"), Content(playlist.get()));
@@ -371,14 +371,14 @@ std::set<std::string> Only(const std::set<std::string>& content,
 // intact, removes them from the music database and compacts it; the song
 // tables of ids 0 and below stay where they are. "pls_storage" is left alone.
 TEST_F(Version2TaskTest, UpgradeMovesCloudLists) {
-  ASSERT_TRUE(WriteSampleVersion3Databases(profile_.data_folder(), kVersion3DatabaseKey));
+  ASSERT_TRUE(WriteSampleVersion3Databases(m_profile.data_folder(), kVersion3DatabaseKey));
   testing_support::WriteBytes(Data(L"pls_storage"), "{\"modify_time\":1.5}");
   std::set<std::string> before = Content(Keyed(L"VTMusicV3.db").get());
   const size_t size_before = ReadBytes(Data(L"VTMusicV3.db")).size();
 
   DataImporterMain();
 
-  EXPECT_EQ(L"100", profile_.DBCheck(L"UpdateProgress"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"UpdateProgress"));
   EXPECT_EQ("{\"modify_time\":1.5}", ReadBytes(Data(L"pls_storage")));
   const std::set<std::string> moved = {"CloudListTable", "NewCloudList_3", "NewCloudList_7",
                                        "CloudAccompanimentItemSet", "CloudOperation"};
@@ -449,7 +449,7 @@ TEST_F(Version2TaskTest, UpgradeThatCannotMoveChangesNothing) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.outcome);
-    ASSERT_TRUE(WriteSampleVersion3Databases(profile_.data_folder(), key));
+    ASSERT_TRUE(WriteSampleVersion3Databases(m_profile.data_folder(), key));
     c.prepare();
     const std::string music = ReadBytes(Data(L"VTMusicV3.db"));
     const std::string playlist = ReadBytes(Data(L"playlistV3.db"));
@@ -476,7 +476,7 @@ TEST_F(Version2TaskTest, CleanupDetachesAndLeavesMusicOpen) {
     ASSERT_TRUE(CurrentPlaylistDatabase().Write(Data(L"playlistV3.db"), key));
     DatabaseHelper music_db;
     ASSERT_TRUE(music_db.OpenWithKey(Data(L"VTMusicV3.db"), key));
-    CloudListCleanup cleanup(profile_.data_folder());
+    CloudListCleanup cleanup(m_profile.data_folder());
     cleanup.SetUp(&music_db);
     EXPECT_EQ(lists ? CloudListOutcome::kMoved : CloudListOutcome::kNothingToMove,
               cleanup.Run());

@@ -54,26 +54,26 @@ V6V1Database SampleV1() {
 
 class V6DataExporterTest : public testing::Test {
  protected:
-  base::FilePath program() const { return profile_.root().Append(L"Program Files").Append(L"VanTa6"); }
+  base::FilePath program() const { return m_profile.root().Append(L"Program Files").Append(L"VanTa6"); }
 
   void Register() {
-    EXPECT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
+    EXPECT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(program())));
     TestProfile::Touch(program().Append(L"VanTa6.exe"));
   }
 
   std::unique_ptr<sql::Connection> OpenFinal(const wchar_t* name) {
     auto db = std::make_unique<sql::Connection>();
-    EXPECT_TRUE(db->OpenWithKey(profile_.data_folder().Append(name), kVersion3DatabaseKey));
+    EXPECT_TRUE(db->OpenWithKey(m_profile.data_folder().Append(name), kVersion3DatabaseKey));
     return db;
   }
 
   std::string Log() {
     std::string log;
-    EXPECT_TRUE(base::ReadFileToString(profile_.data_folder().Append(L"DataImporter.log"), &log));
+    EXPECT_TRUE(base::ReadFileToString(m_profile.data_folder().Append(L"DataImporter.log"), &log));
     return log;
   }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 // The whole run through the registry: libraries, lists, list entries and
@@ -90,14 +90,14 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   DataImporterMain();
 
   EXPECT_EQ(before, FolderFingerprint(program()));
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
-  EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
-  EXPECT_EQ(L"10:0,11:2,12:2", profile_.DBCheck(L"ImportPlayLists"));
-  EXPECT_TRUE(base::PathExists(profile_.data_folder().Append(L"Lyric").Append(L"\u7a3b\u9999.krc")));
-  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"Lyric").Append(L"notes.txt")));
-  EXPECT_TRUE(base::PathExists(profile_.data_folder().Append(L"VT6Data.db")));
-  EXPECT_TRUE(base::PathExists(profile_.data_folder().Append(L"DataImporter.db")));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"10:0,11:2,12:2", m_profile.DBCheck(L"ImportPlayLists"));
+  EXPECT_TRUE(base::PathExists(m_profile.data_folder().Append(L"Lyric").Append(L"\u7a3b\u9999.krc")));
+  EXPECT_FALSE(base::PathExists(m_profile.data_folder().Append(L"Lyric").Append(L"notes.txt")));
+  EXPECT_TRUE(base::PathExists(m_profile.data_folder().Append(L"VT6Data.db")));
+  EXPECT_TRUE(base::PathExists(m_profile.data_folder().Append(L"DataImporter.db")));
   EXPECT_TRUE(base::PathExists(GetDatedBackupFolder(TestRunContext()).Append(L"VT6Data.db")));
 
   auto music = OpenFinal(L"VTMusicV3.db");
@@ -140,7 +140,7 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   // Each list's entries are looked up through an index of our work copy
   // (the installation's file is untouched, see the fingerprint above).
   sql::Connection work;
-  ASSERT_TRUE(work.Open(profile_.data_folder().Append(L"VT6Data.db")));
+  ASSERT_TRUE(work.Open(m_profile.data_folder().Append(L"VT6Data.db")));
   std::vector<std::string> plan = QueryRows(
       &work, "EXPLAIN QUERY PLAN SELECT * FROM PlayListItems WHERE PlayListID = 11 ORDER BY SortId");
   ASSERT_FALSE(plan.empty());
@@ -174,12 +174,12 @@ TEST_F(V6DataExporterTest, V1WinsAndTheWorkCopyIsReused) {
     ASSERT_EQ(ExportResult::kExported, exporter.ExportData()) << run;
     EXPECT_EQ(5u, model.m_share_files.size()) << run;
     EXPECT_EQ(3u, model.m_play_lists.size()) << run;
-    EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+    EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
     // Second run: no registry, no installation.
-    EXPECT_TRUE(base::DeleteFile(profile_.root().Append(L"user.reg")));
+    EXPECT_TRUE(base::DeleteFile(m_profile.root().Append(L"user.reg")));
     EXPECT_TRUE(base::DeleteFile(program(), true));
   }
-  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"VTLibrary.db")));
+  EXPECT_FALSE(base::PathExists(m_profile.data_folder().Append(L"VTLibrary.db")));
   EXPECT_NE(std::string::npos, Log().find("V6 DB version is {V1}."));
 }
 
@@ -187,7 +187,7 @@ TEST_F(V6DataExporterTest, V1WinsAndTheWorkCopyIsReused) {
 // library file's lists, entries found by "<ItemID>_<N>", and the downloads
 // of the first file.
 TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
-  base::FilePath source = profile_.root().Append(L"Old Player");
+  base::FilePath source = m_profile.root().Append(L"Old Player");
   V6V2Library first;
   // List 3 has no entries: skipped. (The default list would be kept.)
   first.lists = {{1, 3, L"", 0, 0}, {2, 0, L"Road", 77, 1}, {3, 0, L"Empty", 0, 2}};
@@ -209,7 +209,7 @@ TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
   RunImport(TestRunContext(), &record);
 
   EXPECT_EQ(before, FolderFingerprint(source));
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   auto music = OpenFinal(L"VTMusicV3.db");
   auto playlists = OpenFinal(L"playlistV3.db");
   EXPECT_EQ((std::vector<std::string>{"E:\\Music\\a.mp3|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA1",
@@ -253,7 +253,7 @@ TEST_F(V6DataExporterTest, V2ListsWithCollidingIdsAndDownloadsByHash) {
 
   DataImporterMain();
 
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   auto music = OpenFinal(L"VTMusicV3.db");
   auto playlists = OpenFinal(L"playlistV3.db");
   EXPECT_EQ((std::vector<std::string>{"1", "2", "4", "9", "10"}),
@@ -314,7 +314,7 @@ TEST_F(V6DataExporterTest, ProgressMovesWhileReading) {
   ImportModel model(&record);
   const RunContext run_context = TestRunContext();
   V6DataExporter exporter(run_context, &model);
-  ProgressTrace trace(&record, profile_);
+  ProgressTrace trace(&record, m_profile);
   ASSERT_EQ(ExportResult::kExported, exporter.ExportData());
 
   // Music videos, the music items (by tenths, then their table step), the
@@ -328,7 +328,7 @@ TEST_F(V6DataExporterTest, ProgressMovesWhileReading) {
   deltas.insert(deltas.end(), {5, 5});
   EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
   EXPECT_EQ(49, trace.seen().back());  // the last step only reaches the ceiling
-  EXPECT_EQ(L"49", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"49", m_profile.DBCheck(L"ImportProgress"));
 }
 
 // Missing tables cost their own records and bits only; a database without
@@ -348,11 +348,11 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     EXPECT_EQ(4u, model.m_share_files.size());
     EXPECT_EQ(3u, model.m_play_lists.size());
     EXPECT_TRUE(model.m_downloads.empty());
-    EXPECT_EQ(L"16", profile_.DBCheck(L"ImportState"));
+    EXPECT_EQ(L"16", m_profile.DBCheck(L"ImportState"));
     EXPECT_NE(std::string::npos, Log().find("Table {MVItems} do not exists."));
   }
 
-  EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
+  EXPECT_TRUE(base::DeleteFile(m_profile.data_folder().Append(L"VT6Data.db")));
   db.omit_tables = {"MusicItems"};
   ASSERT_TRUE(db.Write(program().Append(L"VTData.db")));
   {
@@ -365,20 +365,20 @@ TEST_F(V6DataExporterTest, MissingTablesAndMissingSources) {
     // so that the next run tries again.
     EXPECT_EQ(ExportResult::kNothingExported, exporter.ExportData());
     EXPECT_TRUE(model.m_share_files.empty());
-    EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
+    EXPECT_EQ(L"1", m_profile.DBCheck(L"ImportState"));
     EXPECT_NE(std::string::npos, Log().find("Table {MusicItems} do not exists."));
   }
 
-  EXPECT_TRUE(base::DeleteFile(profile_.data_folder().Append(L"VT6Data.db")));
+  EXPECT_TRUE(base::DeleteFile(m_profile.data_folder().Append(L"VT6Data.db")));
   EXPECT_TRUE(base::DeleteFile(program(), true));
   ProgressRecord record;
   record.Initialise(TestDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration6);
   RunImport(TestRunContext(), &record);
-  EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
-  EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"VTMusicV3.db")));
-  EXPECT_FALSE(base::PathExists(profile_.data_folder().Append(L"playlistV3.db")));
+  EXPECT_EQ(L"1", m_profile.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"5", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_FALSE(base::PathExists(m_profile.data_folder().Append(L"VTMusicV3.db")));
+  EXPECT_FALSE(base::PathExists(m_profile.data_folder().Append(L"playlistV3.db")));
 }
 
 // A library file that exists but cannot be read is not passed over: a folder
@@ -401,14 +401,14 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
     V6DataExporter exporter(run_context, &model);
     EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
     EXPECT_EQ(1u, model.m_share_files.size());
-    EXPECT_EQ(L"6", profile_.DBCheck(L"ImportState"));  // music items 4 + lists 2
+    EXPECT_EQ(L"6", m_profile.DBCheck(L"ImportState"));  // music items 4 + lists 2
     EXPECT_NE(std::string::npos, Log().find("VTLibrary2.db} is not a readable file."));
   }
 
   // A first library file whose copy is no database: its downloads, music
   // items and lists are all reported.
   for (const wchar_t* name : {L"VTLibrary.db", L"VTLibrary2.db"})
-    ASSERT_TRUE(base::DeleteFile(profile_.data_folder().Append(name), true));
+    ASSERT_TRUE(base::DeleteFile(m_profile.data_folder().Append(name), true));
   ASSERT_TRUE(base::DeleteFile(program().Append(L"VTLibrary2.db"), true));
   ASSERT_TRUE(base::WriteFile(program().Append(L"VTLibrary.db"), std::string(3000, 'x')));
   ProgressRecord record;
@@ -417,7 +417,7 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   const RunContext run_context = TestRunContext();
   V6DataExporter exporter(run_context, &model);
   EXPECT_EQ(ExportResult::kNothingExported, exporter.ExportData());  // nothing could be read
-  EXPECT_EQ(L"23", profile_.DBCheck(L"ImportState"));  // 16 + 4 + 2, and 1
+  EXPECT_EQ(L"23", m_profile.DBCheck(L"ImportState"));  // 16 + 4 + 2, and 1
   EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));
   EXPECT_NE(std::wstring::npos, model.report()->failure().find(L"start again"));
 }

@@ -17,15 +17,15 @@ class V6SettingsImportTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(WriteSampleV6Installation(program(), 5));
-    ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program())));
+    ASSERT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(program())));
     TestProfile::Touch(program().Append(L"VanTa6.exe"));
   }
 
   base::FilePath program() const {
-    return profile_.root().Append(L"Program Files").Append(L"VanTa6");
+    return m_profile.root().Append(L"Program Files").Append(L"VanTa6");
   }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 TEST_F(V6SettingsImportTest, SettingsArriveInTheNewIni) {
@@ -34,24 +34,24 @@ TEST_F(V6SettingsImportTest, SettingsArriveInTheNewIni) {
       "<VanTa><Player Volume=\"64\"><AutoPlay>1</AutoPlay></Player>"
       "<PlayBack SFadeOutTime=\"700\"/><Network><ProxyType>2</ProxyType></Network></VanTa>"));
   DataImporterMain();
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
-  EXPECT_EQ(L"64", profile_.Setting(L"Volume"));
-  EXPECT_EQ(L"1", profile_.Setting(L"AutoPlay"));
-  EXPECT_EQ(L"0", profile_.Setting(L"MusicFadeIn"));
-  EXPECT_EQ(L"700", profile_.Setting(L"MusicFadeOut"));
-  EXPECT_EQ(L"1", profile_.Setting(L"MusicUserFade"));
-  EXPECT_EQ(L"2", profile_.Setting(L"ProxyType"));
-  EXPECT_EQ(L"9000", profile_.Setting(L"DownloadPort"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"64", m_profile.Setting(L"Volume"));
+  EXPECT_EQ(L"1", m_profile.Setting(L"AutoPlay"));
+  EXPECT_EQ(L"0", m_profile.Setting(L"MusicFadeIn"));
+  EXPECT_EQ(L"700", m_profile.Setting(L"MusicFadeOut"));
+  EXPECT_EQ(L"1", m_profile.Setting(L"MusicUserFade"));
+  EXPECT_EQ(L"2", m_profile.Setting(L"ProxyType"));
+  EXPECT_EQ(L"9000", m_profile.Setting(L"DownloadPort"));
 }
 
 TEST_F(V6SettingsImportTest, UnusableSettingsFileLeavesNoSection) {
   ASSERT_TRUE(base::WriteFile(program().Append(L"VanTa.xml"), "<VanTa><Player Volume=\"64\">"));
   DataImporterMain();
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
-  EXPECT_EQ(L"#missing#", profile_.Setting(L"Volume"));
-  EXPECT_TRUE(base::GetPrivateProfileKeys(L"Settings", profile_.ini().value(), base::kCodePageSimplifiedChinese).empty());
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"#missing#", m_profile.Setting(L"Volume"));
+  EXPECT_TRUE(base::GetPrivateProfileKeys(L"Settings", m_profile.ini().value(), base::kCodePageSimplifiedChinese).empty());
 }
 
 }  // namespace

@@ -77,8 +77,8 @@ V7Database Sample() {
 
 class V7DataExporterTest : public testing::Test {
  protected:
-  base::FilePath v7() const { return Generation7Folder(profile_.roaming()); }
-  base::FilePath data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
+  base::FilePath v7() const { return Generation7Folder(m_profile.roaming()); }
+  base::FilePath data(const wchar_t* name) const { return m_profile.data_folder().Append(name); }
 
   std::unique_ptr<sql::Connection> OpenFinal(const wchar_t* name) {
     auto db = std::make_unique<sql::Connection>();
@@ -99,7 +99,7 @@ class V7DataExporterTest : public testing::Test {
     return exporter.ExportData();
   }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 // The whole run: every table's rows land in the new databases with their
@@ -112,9 +112,9 @@ TEST_F(V7DataExporterTest, ImportedEndToEnd) {
   DataImporterMain();
 
   EXPECT_EQ(before, FolderFingerprint(v7()));
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
-  EXPECT_EQ(L"10:0,11:2,15:1", profile_.DBCheck(L"ImportPlayLists"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"10:0,11:2,15:1", m_profile.DBCheck(L"ImportPlayLists"));
   EXPECT_EQ("plug", testing_support::ReadBytes(data(L"PlugData.VST")));
   EXPECT_TRUE(base::PathExists(data(L"VT7Data.db")));
   EXPECT_TRUE(base::PathExists(data(L"DataImporter.db")));
@@ -218,7 +218,7 @@ TEST_F(V7DataExporterTest, DownloadsVideosAndUnlinkedFiles) {
 
   DataImporterMain();
 
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   auto music = OpenFinal(L"VTMusicV3.db");
   auto lists = OpenFinal(L"playlistV3.db");
   EXPECT_EQ((std::vector<std::string>{"Moved (1)|1", "Elsewhere|2", "With video|2"}),
@@ -235,7 +235,7 @@ TEST_F(V7DataExporterTest, DownloadsVideosAndUnlinkedFiles) {
   EXPECT_EQ((std::vector<std::string>{"D:\\Music\\Moved.mp3"}),
             QueryRows(music.get(), "SELECT FilePath FROM LocalFiles"));
 
-  base::Value report = ReadImportReport(profile_.data_folder());
+  base::Value report = ReadImportReport(m_profile.data_folder());
   const base::Value* history =
       FindEntry(report["flows"], "from", "DownHistory", "to", "DownloadItem");
   ASSERT_TRUE(history);
@@ -245,7 +245,7 @@ TEST_F(V7DataExporterTest, DownloadsVideosAndUnlinkedFiles) {
   ASSERT_TRUE(local);
   EXPECT_EQ(1, (*local)["written"]);
   EXPECT_EQ(2, (*local)["dropped_by_reason"]["unlinked_file"]);
-  ExpectReportReconciles(report, profile_.data_folder());
+  ExpectReportReconciles(report, m_profile.data_folder());
 }
 
 // "ImportProgress" moves by tenths of the music items and of the lists and
@@ -265,7 +265,7 @@ TEST_F(V7DataExporterTest, ProgressMovesWhileReading) {
   record.Initialise(TestDataFolder());
   record.SetProgress(10);
   ImportModel model(&record);
-  ProgressTrace trace(&record, profile_);
+  ProgressTrace trace(&record, m_profile);
   ASSERT_EQ(ExportResult::kExported, Export(&model));
 
   std::vector<int> deltas;
@@ -276,7 +276,7 @@ TEST_F(V7DataExporterTest, ProgressMovesWhileReading) {
   }
   deltas.insert(deltas.end(), 8, 5);  // the other eight readers
   EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
-  EXPECT_EQ(L"49", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"49", m_profile.DBCheck(L"ImportProgress"));
   EXPECT_EQ(20u, model.m_share_files.size());
 }
 
@@ -291,7 +291,7 @@ TEST_F(V7DataExporterTest, MissingTables) {
     record.Initialise(TestDataFolder());
     ImportModel model(&record);
     EXPECT_EQ(ExportResult::kExported, Export(&model));
-    EXPECT_EQ(L"16", profile_.DBCheck(L"ImportState"));
+    EXPECT_EQ(L"16", m_profile.DBCheck(L"ImportState"));
     EXPECT_TRUE(model.m_radio_channels.empty());
     EXPECT_TRUE(model.m_local_files.empty());
     // The readers after the radio channels still ran.
@@ -310,8 +310,8 @@ TEST_F(V7DataExporterTest, MissingTables) {
   record.Initialise(TestDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration7);
   RunImport(TestRunContext(), &record);
-  EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
-  EXPECT_EQ(L"5", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"1", m_profile.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"5", m_profile.DBCheck(L"ImportEnd"));
   EXPECT_FALSE(base::PathExists(data(L"VTMusicV3.db")));
   EXPECT_FALSE(base::PathExists(data(L"playlistV3.db")));
 }
@@ -341,25 +341,25 @@ TEST_F(V7DataExporterTest, WorkCopyReusedAndNoSource) {
   record.Initialise(TestDataFolder());
   ImportModel model(&record);
   EXPECT_EQ(ExportResult::kNothingExported, Export(&model));
-  EXPECT_EQ(L"1", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"1", m_profile.DBCheck(L"ImportState"));
   EXPECT_TRUE(model.m_share_files.empty());
 }
 
 // The folder and file names are found in any letter case, and generation 7
 // wins over a generation-6 installation in the same profile.
 TEST_F(V7DataExporterTest, OtherLetterCaseAndWinsOverGeneration6) {
-  base::FilePath folder = profile_.roaming().Append(L"VANTU7");
+  base::FilePath folder = m_profile.roaming().Append(L"VANTU7");
   ASSERT_TRUE(Sample().Write(folder.Append(L"vtdata.DB")));
   ASSERT_TRUE(base::WriteFile(folder.Append(L"plugcusdata.vst"), "plug"));
-  base::FilePath program = profile_.root().Append(L"VanTa6");
+  base::FilePath program = m_profile.root().Append(L"VanTa6");
   V6V1Database v6;
   v6.music = {{1, L"D:\\v6.mp3", L"v6", L"", 0}};
   ASSERT_TRUE(v6.Write(program.Append(L"VTData.db")));
-  ASSERT_TRUE(base::WriteFile(profile_.root().Append(L"user.reg"), V6RegistryText(program)));
+  ASSERT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(program)));
 
   DataImporterMain();
 
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   EXPECT_EQ("plug", testing_support::ReadBytes(data(L"PlugData.VST")));
   EXPECT_FALSE(base::PathExists(data(L"VT6Data.db")));
   auto music = OpenFinal(L"VTMusicV3.db");
@@ -395,7 +395,7 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
     ImportModel model(&record);
     EXPECT_EQ(ExportResult::kExported, Export(&model));
     EXPECT_EQ(4u, model.m_share_files.size());
-    EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+    EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
   }
 
   EXPECT_TRUE(base::DeleteFile(data(L"VT7Data.db")));
@@ -422,7 +422,7 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
   record.Initialise(TestDataFolder());
   record.set_import_kind(ProgressRecord::kKindGeneration7);
   RunImport(TestRunContext(), &record);
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportState"));
   EXPECT_TRUE(base::PathExists(data(L"VTMusicV3.db")));
   base::Value report = record.report()->ToJson();
   const base::Value* lost = FindEntry(report["salvage"], "table", "FileItems");
@@ -460,7 +460,7 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
   record.Initialise(TestDataFolder());
   ImportModel model(&record);
   ASSERT_EQ(ExportResult::kExported, Export(&model));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
   ASSERT_EQ(1u, model.m_share_files.size());
   const ShareFileItem& file = *model.m_share_files[0];
   EXPECT_EQ(L"", file.FileName);

@@ -32,7 +32,7 @@ class V7SettingsImportTest : public testing::Test {
     ASSERT_TRUE(MakeSampleV7Database(size).Write(v7().Append(L"VTData.db")));
   }
 
-  base::FilePath v7() const { return Generation7Folder(profile_.roaming()); }
+  base::FilePath v7() const { return Generation7Folder(m_profile.roaming()); }
   void WriteSettings() {
     testing_support::WriteBytes(v7().Append(L"VANTU.INI"),
                                 "\xFF\xFE" + testing_support::UTF16Bytes(kSettings, false));
@@ -47,7 +47,7 @@ class V7SettingsImportTest : public testing::Test {
     return model->m_progress->progress();
   }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 // The settings step alone, as the exporter runs it after the table readers.
@@ -95,16 +95,16 @@ TEST_F(V7SettingsImportTest, OneRecordAndOneStepOnlyWithTheFile) {
 TEST_F(V7SettingsImportTest, SettingsArriveInTheNewIni) {
   WriteSettings();
   DataImporterMain();
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
-  EXPECT_EQ(L"66", profile_.Setting(L"Volume"));
-  EXPECT_EQ(L"2147483649", profile_.Setting(L"PlayMode"));
-  EXPECT_EQ(L"-65536,-16711936", profile_.Setting(L"LyricPlayColors"));
-  EXPECT_EQ(L"\u5b8b\u4f53", profile_.Setting(L"LyricFontName"));
-  EXPECT_EQ(L"1603", profile_.Setting(L"GlobalHotKeys0"));
-  EXPECT_EQ(L"2", profile_.Setting(L"ProxyType"));
-  EXPECT_EQ(L"9000", profile_.Setting(L"DownloadPort"));
-  EXPECT_EQ(L"#missing#", profile_.Setting(L"MainWindowX"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"66", m_profile.Setting(L"Volume"));
+  EXPECT_EQ(L"2147483649", m_profile.Setting(L"PlayMode"));
+  EXPECT_EQ(L"-65536,-16711936", m_profile.Setting(L"LyricPlayColors"));
+  EXPECT_EQ(L"\u5b8b\u4f53", m_profile.Setting(L"LyricFontName"));
+  EXPECT_EQ(L"1603", m_profile.Setting(L"GlobalHotKeys0"));
+  EXPECT_EQ(L"2", m_profile.Setting(L"ProxyType"));
+  EXPECT_EQ(L"9000", m_profile.Setting(L"DownloadPort"));
+  EXPECT_EQ(L"#missing#", m_profile.Setting(L"MainWindowX"));
 }
 
 // A Chinese Windows wrote the old settings file, and the player's own
@@ -115,16 +115,16 @@ TEST_F(V7SettingsImportTest, EightBitFilesInTheUsersCodePage) {
                               "[Player]\r\nVolume=66\r\n[LyrciConfig]\r\n"
                               "LyricPath=D:\\\xB8\xE8\xB4\xCA\r\nLyricFontName=Caf\xA8\xA6\r\n");
   const std::string own = "[Player]\r\nSkin=\xC4\xAC\xC8\xCF\r\n";  // 默认
-  ASSERT_TRUE(base::CreateDirectory(profile_.data_folder()));
-  testing_support::WriteBytes(profile_.ini(), own);
+  ASSERT_TRUE(base::CreateDirectory(m_profile.data_folder()));
+  testing_support::WriteBytes(m_profile.ini(), own);
 
   DataImporterMain();
 
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"66", profile_.Setting(L"Volume"));
-  EXPECT_EQ(L"D:\\\u6b4c\u8bcd", profile_.Setting(L"LyricPath"));
-  EXPECT_EQ(L"Caf\u00e9", profile_.Setting(L"LyricFontName"));
-  const std::string bytes = testing_support::ReadBytes(profile_.ini());
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"66", m_profile.Setting(L"Volume"));
+  EXPECT_EQ(L"D:\\\u6b4c\u8bcd", m_profile.Setting(L"LyricPath"));
+  EXPECT_EQ(L"Caf\u00e9", m_profile.Setting(L"LyricFontName"));
+  const std::string bytes = testing_support::ReadBytes(m_profile.ini());
   EXPECT_EQ(0u, bytes.find(own));
   EXPECT_NE(std::string::npos, bytes.find("LyricPath=D:\\\xB8\xE8\xB4\xCA\r\n"));
 }

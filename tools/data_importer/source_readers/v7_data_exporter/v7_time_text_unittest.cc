@@ -16,15 +16,15 @@ class ScopedTimeZone {
  public:
   explicit ScopedTimeZone(const char* zone) {
     if (const char* old = std::getenv("TZ"))
-      saved_ = old;
-    had_ = std::getenv("TZ") != nullptr;
+      m_saved = old;
+    m_had = std::getenv("TZ") != nullptr;
     EXPECT_TRUE(base::SetEnvironmentString("TZ", base::UTF8ToWide(zone)));
     Reset();
   }
   ~ScopedTimeZone() {
     // Restoring is best effort: a later test pins its own zone.
-    if (had_)
-      (void)base::SetEnvironmentString("TZ", base::UTF8ToWide(saved_));
+    if (m_had)
+      (void)base::SetEnvironmentString("TZ", base::UTF8ToWide(m_saved));
     else
       (void)base::UnsetEnvironmentString("TZ");
     Reset();
@@ -39,8 +39,8 @@ class ScopedTimeZone {
 #endif
   }
 
-  std::string saved_;
-  bool had_ = false;
+  std::string m_saved;
+  bool m_had = false;
 };
 
 TEST(V7TimeTextTest, PatternsAndOpenCases) {

@@ -20,16 +20,16 @@ namespace {
 class ReimportSampleTest : public testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_TRUE(WriteSampleReimportDatabases(profile_.data_folder()));
-    ASSERT_TRUE(source_music_.Open(Data(L"VTMusic.db")));
-    ASSERT_TRUE(source_lists_.Open(Data(L"vantu.db")));
+    ASSERT_TRUE(WriteSampleReimportDatabases(m_profile.data_folder()));
+    ASSERT_TRUE(m_source_music.Open(Data(L"VTMusic.db")));
+    ASSERT_TRUE(m_source_lists.Open(Data(L"vantu.db")));
     DataImporterMain();
-    ASSERT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-    ASSERT_TRUE(music_.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
-    ASSERT_TRUE(lists_.OpenWithKey(Data(L"playlistV3.db"), kVersion3DatabaseKey));
+    ASSERT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+    ASSERT_TRUE(m_music.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
+    ASSERT_TRUE(m_lists.OpenWithKey(Data(L"playlistV3.db"), kVersion3DatabaseKey));
   }
 
-  base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
+  base::FilePath Data(const wchar_t* name) const { return m_profile.data_folder().Append(name); }
 
   // The values of |column| in row order, NULL told apart from text.
   static std::vector<std::string> Column(sql::Connection* db, const std::string& table,
@@ -37,27 +37,27 @@ class ReimportSampleTest : public testing::Test {
     return QueryRows(db, "SELECT quote(" + column + ") FROM \"" + table + "\" ORDER BY rowid");
   }
 
-  TestProfile profile_;
-  sql::Connection source_music_;
-  sql::Connection source_lists_;
-  sql::Connection music_;
-  sql::Connection lists_;
+  TestProfile m_profile;
+  sql::Connection m_source_music;
+  sql::Connection m_source_lists;
+  sql::Connection m_music;
+  sql::Connection m_lists;
 };
 
 // Each download table holds exactly its own rows again, access times and
 // types included, and every download names the file at its destination.
 TEST_F(ReimportSampleTest, DownloadsAreNeitherDoubledNorMoved) {
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
   EXPECT_EQ((std::vector<std::string>{"11|0|100|1500000011", "12|0|100|1500000012",
                                       "13|20|100|1500000013", "14|0|40|1500000014"}),
-            QueryRows(&music_, "SELECT DownloadID, DownType, Percent, AccessTime FROM "
+            QueryRows(&m_music, "SELECT DownloadID, DownType, Percent, AccessTime FROM "
                                "DownloadItem ORDER BY ID"));
   EXPECT_EQ((std::vector<std::string>{"11|0|1600000011", "12|0|1600000012", "13|20|1600000013",
                                       "15|1|1500000015", "16|0|1500000016"}),
-            QueryRows(&music_, "SELECT DownloadID, DownType, AccessTime FROM "
+            QueryRows(&m_music, "SELECT DownloadID, DownType, AccessTime FROM "
                                "DownloadHistoryItem ORDER BY ID"));
   EXPECT_EQ(std::vector<std::string>{"4"},
-            QueryRows(&music_, "SELECT count(*) FROM DownloadItem d JOIN ShareFileItems f ON "
+            QueryRows(&m_music, "SELECT count(*) FROM DownloadItem d JOIN ShareFileItems f ON "
                                "f.id = d.FileID AND f.FileName = d.DestFileName"));
 }
 
@@ -69,10 +69,10 @@ TEST_F(ReimportSampleTest, LocalFilesKeepTheirFolder) {
                                       "D:\\Music\\Song 3.mp3|D:\\Music",
                                       "E:\\Downloads\\Fresh.mp3|E:\\Downloads",
                                       "F:\\Elsewhere\\Old.mp3|F:\\Elsewhere"}),
-            QueryRows(&music_, "SELECT FilePath, FolderPath FROM LocalFiles ORDER BY FilePath"));
-  base::Value report = ReadImportReport(profile_.data_folder());
+            QueryRows(&m_music, "SELECT FilePath, FolderPath FROM LocalFiles ORDER BY FilePath"));
+  base::Value report = ReadImportReport(m_profile.data_folder());
   EXPECT_EQ(1, report["kept_unlinked"]["local_file_folder_not_in_library"]);
-  ExpectReportReconciles(report, profile_.data_folder());
+  ExpectReportReconciles(report, m_profile.data_folder());
 }
 
 // The cloud lists move to the playlist file, row for row, as the upgrade
@@ -84,15 +84,15 @@ TEST_F(ReimportSampleTest, CloudListsMoveToThePlaylistFile) {
   for (const char* table :
        {"CloudListTable", "NewCloudList_3", "CloudOperation", "CloudAccompanimentItemSet"}) {
     SCOPED_TRACE(table);
-    EXPECT_TRUE(lists_.DoesTableExist(table));
-    EXPECT_EQ(TypedRows(&source_music_, table), TypedRows(&lists_, table));
-    EXPECT_FALSE(music_.DoesTableExist(table));
+    EXPECT_TRUE(m_lists.DoesTableExist(table));
+    EXPECT_EQ(TypedRows(&m_source_music, table), TypedRows(&m_lists, table));
+    EXPECT_FALSE(m_music.DoesTableExist(table));
   }
-  EXPECT_FALSE(lists_.DoesTableExist("NewCloudList_0"));
-  EXPECT_FALSE(lists_.DoesTableExist("CloudList_Sync"));
-  EXPECT_FALSE(music_.DoesTableExist("CloudList_Sync"));
+  EXPECT_FALSE(m_lists.DoesTableExist("NewCloudList_0"));
+  EXPECT_FALSE(m_lists.DoesTableExist("CloudList_Sync"));
+  EXPECT_FALSE(m_music.DoesTableExist("CloudList_Sync"));
 
-  base::Value report = ReadImportReport(profile_.data_folder());
+  base::Value report = ReadImportReport(m_profile.data_folder());
   for (const auto& [table, rows] : std::vector<std::pair<std::string, int64_t>>{
            {"CloudListTable", 2}, {"NewCloudList_3", 4}, {"CloudOperation", 3},
            {"CloudAccompanimentItemSet", 2}}) {
@@ -117,15 +117,15 @@ TEST_F(ReimportSampleTest, CloudListsMoveToThePlaylistFile) {
     EXPECT_EQ(0, (*flow)["written"]);
     EXPECT_EQ(1, (*flow)["dropped_by_reason"]["cloud_list_left_behind"]);
   }
-  ExpectReportReconciles(report, profile_.data_folder());
+  ExpectReportReconciles(report, m_profile.data_folder());
 }
 
 // Every table of both old files, cloud lists included, is in the report
 // with the rows it holds.
 TEST_F(ReimportSampleTest, EveryTableIsCounted) {
-  base::Value report = ReadImportReport(profile_.data_folder());
+  base::Value report = ReadImportReport(m_profile.data_folder());
   size_t tables = 0;
-  for (sql::Connection* db : {&source_music_, &source_lists_}) {
+  for (sql::Connection* db : {&m_source_music, &m_source_lists}) {
     for (const std::string& table : TableNames(db)) {
       SCOPED_TRACE(table);
       ++tables;
@@ -149,16 +149,16 @@ TEST_F(ReimportSampleTest, NullComesBackAsNull) {
       {"AppTools", "Path"}};
   for (const auto& [table, column] : music_columns) {
     SCOPED_TRACE(table + "." + column);
-    std::vector<std::string> before = Column(&source_music_, table, column);
+    std::vector<std::string> before = Column(&m_source_music, table, column);
     EXPECT_NE(before.end(), std::find(before.begin(), before.end(), "NULL"));
-    EXPECT_EQ(before, Column(&music_, table, column));
+    EXPECT_EQ(before, Column(&m_music, table, column));
   }
   for (const char* table : {"GeneralList_1", "GeneralList_2"}) {
     for (const char* column : {"MusicFileHash", "MVFileHash"}) {
       SCOPED_TRACE(std::string(table) + "." + column);
-      std::vector<std::string> before = Column(&source_lists_, table, column);
+      std::vector<std::string> before = Column(&m_source_lists, table, column);
       EXPECT_NE(before.end(), std::find(before.begin(), before.end(), "NULL"));
-      EXPECT_EQ(before, Column(&lists_, table, column));
+      EXPECT_EQ(before, Column(&m_lists, table, column));
     }
   }
 }

@@ -23,9 +23,9 @@ namespace {
 
 class RoundTripTest : public testing::TestWithParam<uint32_t> {
  protected:
-  base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
+  base::FilePath Data(const wchar_t* name) const { return m_profile.data_folder().Append(name); }
   base::FilePath First(const wchar_t* name) const {
-    return profile_.root().Append(L"first").Append(name);
+    return m_profile.root().Append(L"first").Append(name);
   }
 
   // Builds |model| into the version-3 databases, then moves them aside to
@@ -35,7 +35,7 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
     ProgressRecord record;
     record.Initialise(TestDataFolder());
     model->m_progress = &record;
-    ASSERT_TRUE(IsOk(BuildDatabases(model, profile_.data_folder())));
+    ASSERT_TRUE(IsOk(BuildDatabases(model, m_profile.data_folder())));
     model->m_progress = nullptr;
     ASSERT_TRUE(base::CreateDirectory(First(L"")));
     for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"})
@@ -44,7 +44,7 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
                                     Data(L"VTMusic.db")));
     ASSERT_TRUE(ExportPlainDatabase(First(L"playlistV3.db"), kVersion3DatabaseKey,
                                     Data(L"vantu.db")));
-    ASSERT_TRUE(base::DeleteFile(profile_.ini()));
+    ASSERT_TRUE(base::DeleteFile(m_profile.ini()));
   }
 
   // Every table of the two databases of |name|, schema and rows.
@@ -67,7 +67,7 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
     }
   }
 
-  TestProfile profile_;
+  TestProfile m_profile;
 };
 
 // A generated model with every record type goes the whole way: build,
@@ -81,8 +81,8 @@ TEST_P(RoundTripTest, EveryTableHoldsTheSameRows) {
 
   DataImporterMain();
 
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));  // no failure bit
-  EXPECT_EQ(L"100", profile_.DBCheck(L"ImportProgress"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));  // no failure bit
+  EXPECT_EQ(L"100", m_profile.DBCheck(L"ImportProgress"));
   ExpectSameTables(L"VTMusicV3.db",
                    {"ShareFileItems", "ShareFolders", "LocalFiles", "AppTools",
                     "RecentlyPlayedItem", "RadioChannelTable", "RadioChannel_-9",

@@ -22,11 +22,11 @@ using testing_support::ReadBytes;
 class V8DataExporterTest : public testing::Test {
  protected:
   void SetUp() override {
-    record_.Initialise(TestDataFolder());
-    model_.m_progress = &record_;
+    m_record.Initialise(TestDataFolder());
+    m_model.m_progress = &m_record;
   }
 
-  base::FilePath Data(const wchar_t* name) const { return profile_.data_folder().Append(name); }
+  base::FilePath Data(const wchar_t* name) const { return m_profile.data_folder().Append(name); }
 
   // A plain database made by |statements|, 4096-byte pages.
   static void MakeDatabase(const base::FilePath& path, const std::vector<std::string>& statements) {
@@ -40,21 +40,21 @@ class V8DataExporterTest : public testing::Test {
 
   ExportResult Export() {
     const RunContext run_context = TestRunContext();
-    V8DataExporter exporter(run_context, &model_);
+    V8DataExporter exporter(run_context, &m_model);
     return exporter.ExportData();
   }
 
-  TestProfile profile_;
-  ProgressRecord record_;
-  ImportModel model_;
+  TestProfile m_profile;
+  ProgressRecord m_record;
+  ImportModel m_model;
 };
 
 TEST_F(V8DataExporterTest, NeitherFileImportsNothing) {
-  ASSERT_TRUE(base::CreateDirectory(profile_.data_folder()));
+  ASSERT_TRUE(base::CreateDirectory(m_profile.data_folder()));
   TestProfile::Touch(Data(L"VTMusic.db.bak"));
   EXPECT_EQ(ExportResult::kNothingExported, Export());
-  EXPECT_EQ(1u, record_.state());
-  EXPECT_TRUE(model_.m_share_files.empty());
+  EXPECT_EQ(1u, m_record.state());
+  EXPECT_TRUE(m_model.m_share_files.empty());
   EXPECT_FALSE(base::PathExists(Data(L"VT8Music.db")));
 }
 
@@ -89,64 +89,64 @@ TEST_F(V8DataExporterTest, LibraryAloneWithMissingColumnsAndNulls) {
   std::string original = ReadBytes(Data(L"vtmusic.DB"));
 
   EXPECT_EQ(ExportResult::kExported, Export());
-  EXPECT_EQ(1u, record_.state());  // "vantu.db" is missing; nothing failed
+  EXPECT_EQ(1u, m_record.state());  // "vantu.db" is missing; nothing failed
   EXPECT_EQ(original, ReadBytes(Data(L"vtmusic.DB")));
   EXPECT_TRUE(base::PathExists(Data(L"VT8Music.db")));
 
   // Without an "id" column the files are numbered in row order.
-  ASSERT_EQ(3u, model_.m_share_files.size());
-  const ShareFileItem& audio = *model_.m_share_files[0];
+  ASSERT_EQ(3u, m_model.m_share_files.size());
+  const ShareFileItem& audio = *m_model.m_share_files[0];
   EXPECT_EQ(1, audio.old_id);
   EXPECT_EQ(L"C:\\a.mp3", audio.FileName);
   EXPECT_TRUE(audio.MD5.is_null);
   EXPECT_EQ(0.0, audio.ReplayGain);
-  EXPECT_EQ(2, model_.m_share_files[1]->old_id);
-  EXPECT_EQ(-1.5, model_.m_share_files[1]->ReplayGain);
-  EXPECT_EQ(3, model_.m_share_files[2]->old_id);
-  EXPECT_EQ(L"", model_.m_share_files[2]->FileName);
+  EXPECT_EQ(2, m_model.m_share_files[1]->old_id);
+  EXPECT_EQ(-1.5, m_model.m_share_files[1]->ReplayGain);
+  EXPECT_EQ(3, m_model.m_share_files[2]->old_id);
+  EXPECT_EQ(L"", m_model.m_share_files[2]->FileName);
 
-  ASSERT_EQ(2u, model_.m_share_folders.size());
-  EXPECT_EQ(9, model_.m_share_folders[1]->old_id);
-  ASSERT_EQ(2u, model_.m_local_files.size());
-  EXPECT_EQ(9, model_.m_local_files[0]->old_folder_id);
-  EXPECT_EQ(1, model_.m_local_files[0]->old_file_id);
-  EXPECT_EQ(0, model_.m_local_files[0]->FileSize);
-  EXPECT_EQ(0, model_.m_local_files[1]->old_folder_id);  // a folder the library lacks
-  EXPECT_EQ(5, model_.m_local_files[1]->FileSize);
+  ASSERT_EQ(2u, m_model.m_share_folders.size());
+  EXPECT_EQ(9, m_model.m_share_folders[1]->old_id);
+  ASSERT_EQ(2u, m_model.m_local_files.size());
+  EXPECT_EQ(9, m_model.m_local_files[0]->old_folder_id);
+  EXPECT_EQ(1, m_model.m_local_files[0]->old_file_id);
+  EXPECT_EQ(0, m_model.m_local_files[0]->FileSize);
+  EXPECT_EQ(0, m_model.m_local_files[1]->old_folder_id);  // a folder the library lacks
+  EXPECT_EQ(5, m_model.m_local_files[1]->FileSize);
 
   // Entries find the audio file by path and the MV by hash.
-  ASSERT_EQ(2u, model_.m_recent_songs.size());
-  EXPECT_EQ(1, model_.m_recent_songs[0]->music_file_id);
-  EXPECT_EQ(2, model_.m_recent_songs[0]->mv_file_id);
-  EXPECT_EQ(0, model_.m_recent_songs[0]->PlayCount);
-  EXPECT_EQ(0, model_.m_recent_songs[1]->music_file_id);
-  EXPECT_EQ(8, model_.m_recent_songs[1]->PlayCount);
+  ASSERT_EQ(2u, m_model.m_recent_songs.size());
+  EXPECT_EQ(1, m_model.m_recent_songs[0]->music_file_id);
+  EXPECT_EQ(2, m_model.m_recent_songs[0]->mv_file_id);
+  EXPECT_EQ(0, m_model.m_recent_songs[0]->PlayCount);
+  EXPECT_EQ(0, m_model.m_recent_songs[1]->music_file_id);
+  EXPECT_EQ(8, m_model.m_recent_songs[1]->PlayCount);
 
   // Downloads: by destination path, not by the FileID of a video, by the
   // FileID of an audio file; each history row is a record of the history
   // alone, the one of download 5 with that download's file, the one of
   // download 8 with the file at its path.
   using Tables = DownloadRecord::Tables;
-  ASSERT_EQ(5u, model_.m_downloads.size());
-  EXPECT_EQ(1, model_.m_downloads[0]->file_id);
-  EXPECT_EQ(0, model_.m_downloads[1]->file_id);
-  EXPECT_EQ(1, model_.m_downloads[2]->file_id);
+  ASSERT_EQ(5u, m_model.m_downloads.size());
+  EXPECT_EQ(1, m_model.m_downloads[0]->file_id);
+  EXPECT_EQ(0, m_model.m_downloads[1]->file_id);
+  EXPECT_EQ(1, m_model.m_downloads[2]->file_id);
   for (int i = 0; i < 3; ++i)
-    EXPECT_EQ(Tables::kItemOnly, model_.m_downloads[i]->tables);
-  EXPECT_EQ(5, model_.m_downloads[3]->DownloadID);
-  EXPECT_EQ(1, model_.m_downloads[3]->file_id);
-  EXPECT_EQ(8, model_.m_downloads[4]->DownloadID);
-  EXPECT_EQ(20, model_.m_downloads[4]->DownType);
-  EXPECT_EQ(1, model_.m_downloads[4]->file_id);
+    EXPECT_EQ(Tables::kItemOnly, m_model.m_downloads[i]->tables);
+  EXPECT_EQ(5, m_model.m_downloads[3]->DownloadID);
+  EXPECT_EQ(1, m_model.m_downloads[3]->file_id);
+  EXPECT_EQ(8, m_model.m_downloads[4]->DownloadID);
+  EXPECT_EQ(20, m_model.m_downloads[4]->DownType);
+  EXPECT_EQ(1, m_model.m_downloads[4]->file_id);
   for (int i = 3; i < 5; ++i)
-    EXPECT_EQ(Tables::kHistoryOnly, model_.m_downloads[i]->tables);
+    EXPECT_EQ(Tables::kHistoryOnly, m_model.m_downloads[i]->tables);
 
   // Channel tables by their names as the writers give them.
-  ASSERT_EQ(2u, model_.m_radio_songs.size());
-  EXPECT_EQ(1u, model_.m_radio_songs[12].size());
-  EXPECT_EQ(L"x", model_.m_radio_songs[12][0]->TitleName);
-  EXPECT_TRUE(model_.m_radio_songs[-4].empty());
-  EXPECT_TRUE(model_.m_play_lists.empty());
+  ASSERT_EQ(2u, m_model.m_radio_songs.size());
+  EXPECT_EQ(1u, m_model.m_radio_songs[12].size());
+  EXPECT_EQ(L"x", m_model.m_radio_songs[12][0]->TitleName);
+  EXPECT_TRUE(m_model.m_radio_songs[-4].empty());
+  EXPECT_TRUE(m_model.m_play_lists.empty());
 }
 
 // The list file alone: lists and every entry table come back, entries
@@ -162,17 +162,17 @@ TEST_F(V8DataExporterTest, ListsAlone) {
                 "CREATE TABLE GeneralList_9(SongID integer PRIMARY KEY)",
                 "CREATE TABLE GeneralListX(SongID integer PRIMARY KEY)"});
   EXPECT_EQ(ExportResult::kExported, Export());
-  EXPECT_EQ(1u, record_.state());
-  ASSERT_EQ(2u, model_.m_play_lists.size());
-  EXPECT_EQ(6, model_.m_play_lists[1]->PlaylistID);
-  EXPECT_EQ(L"Mine", model_.m_play_lists[1]->PlaylistName);
-  ASSERT_EQ(2u, model_.m_list_songs.size());
-  const SongList& songs = model_.m_list_songs[-3];
+  EXPECT_EQ(1u, m_record.state());
+  ASSERT_EQ(2u, m_model.m_play_lists.size());
+  EXPECT_EQ(6, m_model.m_play_lists[1]->PlaylistID);
+  EXPECT_EQ(L"Mine", m_model.m_play_lists[1]->PlaylistName);
+  ASSERT_EQ(2u, m_model.m_list_songs.size());
+  const SongList& songs = m_model.m_list_songs[-3];
   ASSERT_EQ(2u, songs.size());
   EXPECT_EQ(1, songs[0]->SongID);  // in row order
   EXPECT_EQ(L"C:\\b.mp3", songs[1]->MusicFilePath);
   EXPECT_EQ(0, songs[1]->music_file_id);
-  EXPECT_TRUE(model_.m_list_songs[9].empty());
+  EXPECT_TRUE(m_model.m_list_songs[9].empty());
 }
 
 // "ImportProgress" moves by tenths of the files and of the list entries, by
@@ -190,16 +190,16 @@ TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
     lists.push_back("INSERT INTO GeneralList_" + std::to_string(song % 2 + 1) +
                     " VALUES (" + std::to_string(song) + ", 'C:\\s.mp3')");
   MakeDatabase(Data(L"VANTU.db"), lists);
-  record_.SetProgress(10);
+  m_record.SetProgress(10);
   {
-    ProgressTrace trace(&record_, profile_);
+    ProgressTrace trace(&m_record, m_profile);
     EXPECT_EQ(ExportResult::kExported, Export());
     std::vector<int> deltas = {5};  // the list table
     for (int tenth : Tenths())
       deltas.push_back(tenth);
     deltas.push_back(5);
     EXPECT_EQ(ExpectedReadProgress(10, deltas), trace.seen());
-    EXPECT_EQ(L"30", profile_.DBCheck(L"ImportProgress"));
+    EXPECT_EQ(L"30", m_profile.DBCheck(L"ImportProgress"));
   }
 
   ASSERT_TRUE(base::DeleteFile(Data(L"VANTU.db")));
@@ -210,9 +210,9 @@ TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
     library.push_back("INSERT INTO ShareFileItems VALUES (" + std::to_string(file) + ", 'C:\\" +
                       std::to_string(file) + ".mp3')");
   MakeDatabase(Data(L"VTMusic.db"), library);
-  record_.SetProgress(10);
-  ImportModel model(&record_);
-  ProgressTrace trace(&record_, profile_);
+  m_record.SetProgress(10);
+  ImportModel model(&m_record);
+  ProgressTrace trace(&m_record, m_profile);
   const RunContext run_context = TestRunContext();
   V8DataExporter exporter(run_context, &model);
   EXPECT_EQ(ExportResult::kExported, exporter.ExportData());
@@ -257,7 +257,7 @@ TEST_F(V8DataExporterTest, DownloadsAndFoldersComeBackAsTheyWere) {
 
   DataImporterMain();
 
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   sql::Connection built;
   ASSERT_TRUE(built.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
   EXPECT_EQ((std::vector<std::string>{"5|1|111", "6|2|0"}),
@@ -273,9 +273,9 @@ TEST_F(V8DataExporterTest, DownloadsAndFoldersComeBackAsTheyWere) {
   EXPECT_EQ((std::vector<std::string>{"1|1|", "2|0|", "3|0|C:\\tool.exe"}),
             QueryRows(&built, "SELECT ID, Path IS NULL, Path FROM AppTools ORDER BY ID"));
 
-  base::Value report = ReadImportReport(profile_.data_folder());
+  base::Value report = ReadImportReport(m_profile.data_folder());
   EXPECT_EQ(1, report["kept_unlinked"]["local_file_folder_not_in_library"]);
-  ExpectReportReconciles(report, profile_.data_folder());
+  ExpectReportReconciles(report, m_profile.data_folder());
 }
 
 // The cloud lists of an older music database go into the new playlist file
@@ -304,8 +304,8 @@ TEST_F(V8DataExporterTest, CloudListsAreCarried) {
 
   DataImporterMain();
 
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"", profile_.DBCheck(L"ImportState"));
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
   sql::Connection lists;
   ASSERT_TRUE(lists.OpenWithKey(Data(L"playlistV3.db"), kVersion3DatabaseKey));
   EXPECT_EQ((std::vector<std::string>{"3|Mine", "0|Zero"}),
@@ -347,8 +347,8 @@ TEST_F(V8DataExporterTest, RepairableLibraryImportedEndToEnd) {
 
   DataImporterMain();
 
-  EXPECT_EQ(L"4", profile_.DBCheck(L"ImportEnd"));
-  EXPECT_EQ(L"1:1", profile_.DBCheck(L"ImportPlayLists"));  // the deleted file's entry is gone
+  EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
+  EXPECT_EQ(L"1:1", m_profile.DBCheck(L"ImportPlayLists"));  // the deleted file's entry is gone
   sql::Connection built;
   ASSERT_TRUE(built.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
   EXPECT_EQ(std::vector<std::string>{"2000"}, QueryRows(&built, "SELECT count(*) FROM ShareFileItems"));
@@ -383,10 +383,10 @@ TEST_F(V8DataExporterTest, LibraryBeyondRepair) {
 
   EXPECT_EQ(ExportResult::kExported, Export());
   EXPECT_EQ(ProgressRecord::kStateMusicFailed | ProgressRecord::kStateTableFailed,
-            record_.state());
-  EXPECT_TRUE(model_.m_share_files.empty());
-  ASSERT_EQ(1u, model_.m_play_lists.size());
-  EXPECT_EQ(L"Four", model_.m_play_lists[0]->PlaylistName);
+            m_record.state());
+  EXPECT_TRUE(m_model.m_share_files.empty());
+  ASSERT_EQ(1u, m_model.m_play_lists.size());
+  EXPECT_EQ(L"Four", m_model.m_play_lists[0]->PlaylistName);
 }
 
 }  // namespace
