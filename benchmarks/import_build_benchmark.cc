@@ -30,6 +30,8 @@
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace {
 
 using Clock = std::chrono::steady_clock;

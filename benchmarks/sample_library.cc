@@ -10,6 +10,8 @@
 #include "base/file_util.h"
 #include "tools/data_importer/source_readers/source_reader_util.h"
 
+namespace data_importer {
+
 namespace {
 
 const wchar_t* const kArtists[] = {L"\u5468\u6770\u502b", L"Beyonc\u00e9", L"Guns N' Roses",
@@ -102,3 +104,5 @@ double PeakMemoryMegabytes() {
   size_t at = status.find("VmHWM:");
   return at == std::string::npos ? 0 : std::strtod(status.c_str() + at + 6, nullptr) / 1024.0;
 }
+
+}  // namespace data_importer

@@ -3,6 +3,8 @@
 
 #include "tools/data_importer/target_store/import_model.h"
 
+namespace data_importer {
+
 // Fills |model| with a realistic library: |files| files (names of about 60
 // characters, many outside ASCII, some with apostrophes; 32-hex hashes; one
 // file in 50 an MV, one in 200 with the all-zero hash), |lists| lists
@@ -15,5 +17,6 @@ void FillSampleLibrary(ImportModel* model, int files, int lists, int entries, in
 // (--benchmark_filter) for a figure of its own.
 double PeakMemoryMegabytes();
 
+}  // namespace data_importer
 
 #endif  // BENCHMARKS_SAMPLE_LIBRARY_H_

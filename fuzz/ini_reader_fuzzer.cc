@@ -9,6 +9,8 @@
 #include "base/code_page.h"
 #include "tools/data_importer/settings/ini_reader.h"
 
+using namespace data_importer;  // the importer under use
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   IniReader reader(base::kCodePageSimplifiedChinese);

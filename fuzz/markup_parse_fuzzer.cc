@@ -13,6 +13,8 @@
 #include "tools/data_importer/markup/markup_values.h"
 #include "tools/data_importer/markup/markup_writer.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace {
 
 // UTF-16LE bytes with the mark, as Save writes them.

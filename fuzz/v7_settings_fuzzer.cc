@@ -10,6 +10,8 @@
 #include "fuzz/fuzz_scratch.h"
 #include "tools/data_importer/settings/v7_settings_migration.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace {
 base::FilePath g_folder;
 }

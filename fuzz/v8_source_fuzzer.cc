@@ -15,6 +15,8 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace {
 base::FilePath g_root;
 base::FilePath g_data_folder;

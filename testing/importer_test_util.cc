@@ -28,6 +28,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
+namespace data_importer {
+
 TestProfile::TestProfile() {
   EXPECT_TRUE(base::CreateDirectory(local()));
   EXPECT_TRUE(base::CreateDirectory(roaming()));
@@ -365,3 +367,5 @@ V7Music NumberedV7Music(int id, const std::wstring& title, wchar_t hash_fill) {
   m.hash = testing_support::NumberedHash(id, hash_fill);
   return m;
 }
+
+}  // namespace data_importer

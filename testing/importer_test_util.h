@@ -17,6 +17,8 @@ namespace sql {
 class Connection;
 }
 
+namespace data_importer {
+
 // A user profile of its own for one test: a temporary folder holding the
 // per-user ("local") and roaming application-data folders and a registry
 // file, with the environment pointing at them for the test's life. Its log
@@ -165,5 +167,7 @@ long ProcessorMicrosOfWholeRun();
 // hashes of their own.
 V6Music NumberedV6Music(int id, const std::wstring& title, wchar_t hash_fill, int mv_id = 0);
 V7Music NumberedV7Music(int id, const std::wstring& title, wchar_t hash_fill);
+
+}  // namespace data_importer
 
 #endif  // TESTING_IMPORTER_TEST_UTIL_H_

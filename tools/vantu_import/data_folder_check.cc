@@ -10,6 +10,8 @@
 #include "base/file_util.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace {
 
 bool FailWithText(const base::FilePath& path, const std::string& what, const std::string& reason,

@@ -8,6 +8,8 @@
 #include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace {
 
 // A few hundred songs, as a small real library would have.

@@ -16,6 +16,8 @@
 #include "base/windows_path.h"
 #include "tools/data_importer/environment/ansi_code_page.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace {
 
 // Sets one option; answers false with |error| for a value it refuses.

@@ -50,7 +50,7 @@ bool CheckHostPaths(const HostOptions& options, std::string* error);
 
 // Checks that --i names an existing folder, a Windows path ("E:\\Old")
 // through the folder that |context| has for its drive.
-bool CheckSourceFolder(const HostOptions& options, const RunContext& context,
+bool CheckSourceFolder(const HostOptions& options, const data_importer::RunContext& context,
                        std::string* error);
 
 // Completes the options of a copied Windows profile and checks the files
@@ -67,7 +67,7 @@ bool ResolveProfileOptions(HostOptions* options, std::string* error);
 // profile's), then --profile, then the single-folder options, which win
 // over it; the drives; --i mapped through them; --verbose copies the log to
 // standard error.
-RunContext HostRunContext(const HostOptions& options);
+data_importer::RunContext HostRunContext(const HostOptions& options);
 
 // The local and roaming application-data folders of a copied profile:
 // "AppData/Local" and "AppData/Roaming" (Windows Vista and later), or, when

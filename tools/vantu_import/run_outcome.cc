@@ -12,6 +12,8 @@
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace names = importer_names;
 
 namespace {

@@ -45,6 +45,8 @@
 #include "tools/vantu_import/host_options.h"
 #include "tools/vantu_import/run_outcome.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace names = importer_names;
 
 namespace {

@@ -18,6 +18,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace {
 
 std::string Quote(const base::FilePath& path) { return "'" + path.AsUTF8Unsafe() + "'"; }

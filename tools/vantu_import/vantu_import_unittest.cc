@@ -6,6 +6,8 @@
 #include "tools/vantu_import/host_options.h"
 #include "tools/vantu_import/run_outcome.h"
 
+using namespace data_importer;  // the importer under use
+
 namespace {
 
 bool Parse(std::vector<const char*> args, HostOptions* options, std::string* error) {

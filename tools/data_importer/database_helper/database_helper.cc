@@ -10,6 +10,8 @@
 #include "sql/statement.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 
+namespace data_importer {
+
 DatabaseHelper::DatabaseHelper() : m_connection(std::make_unique<sql::Connection>()) {}
 
 DatabaseHelper::~DatabaseHelper() {
@@ -201,3 +203,5 @@ int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column, const std
     return 1;
   return reader.GetInt("MaxKeyID");
 }
+
+}  // namespace data_importer

@@ -8,6 +8,8 @@
 #include "base/file_path.h"
 #include "sql/connection.h"
 
+namespace data_importer {
+
 // The one way the importer opens a database file, source or target.
 //
 // A DatabaseHelper owns one sql::Connection (created with it, closed and
@@ -122,5 +124,7 @@ void AppendSqlTextLiteral(std::wstring_view text, std::string* out);
 // empty table therefore also gives 1.
 [[nodiscard]] int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column,
                               const std::string& table);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_DATABASE_HELPER_DATABASE_HELPER_H_

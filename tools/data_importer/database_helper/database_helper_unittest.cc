@@ -10,6 +10,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 
+namespace data_importer {
+
 namespace {
 
 using testing_support::ScopedTempDir;
@@ -157,3 +159,5 @@ TEST(DatabaseHelperTest, StatementBuilders) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

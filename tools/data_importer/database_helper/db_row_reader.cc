@@ -3,6 +3,8 @@
 #include "base/string_util.h"
 #include "sql/connection.h"
 
+namespace data_importer {
+
 DbRowReader::DbRowReader(sql::Connection& connection, const std::string& sql)
     : m_statement(connection.GetUniqueStatement(sql.c_str())) {}
 
@@ -65,3 +67,5 @@ std::wstring DbRowReader::GetString16(const std::string& name) {
   int index = GetColumnIndex(name);
   return index < 0 ? std::wstring() : m_statement.ColumnString16(index);
 }
+
+}  // namespace data_importer

@@ -11,6 +11,8 @@ namespace sql {
 class Connection;
 }
 
+namespace data_importer {
+
 // The operations of a cursor over query results, columns looked up by name.
 class RowReaderInterface {
  public:
@@ -72,5 +74,7 @@ class DbRowReader : public RowReaderInterface {
   std::map<std::string, int> m_column_index;
   int m_column_scans = 0;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_DATABASE_HELPER_DB_ROW_READER_H_

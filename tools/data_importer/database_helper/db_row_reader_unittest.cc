@@ -5,6 +5,8 @@
 #include "sql/connection.h"
 #include "testing/test_support.h"
 
+namespace data_importer {
+
 namespace {
 
 class DbRowReaderTest : public testing::Test {
@@ -58,3 +60,5 @@ TEST_F(DbRowReaderTest, InvalidStatementReadsNeutral) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -13,6 +13,8 @@
 #include "sql/connection.h"
 #include "sql/statement.h"
 
+namespace data_importer {
+
 // Why a copy and not reading the damaged file in place: the readers run
 // joins, sub-queries and per-list queries over several tables, and on a
 // damaged file any of them may stop at a damaged page of a table it only
@@ -341,3 +343,5 @@ SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& f
     result.ok = false;  // a work file left behind: the caller must not trust the copy
   return result;
 }
+
+}  // namespace data_importer

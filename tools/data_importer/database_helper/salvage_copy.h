@@ -7,6 +7,8 @@
 
 #include "base/file_path.h"
 
+namespace data_importer {
+
 // What a salvage copy got of one table.
 struct SalvagedTable {
   std::string name;
@@ -43,5 +45,7 @@ struct SalvageResult {
 // read (the copy's are built anew from its rows). Triggers and views are not copied: a copy made to be
 // read needs neither, and a trigger would fire on every copied row.
 [[nodiscard]] SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& fresh);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_DATABASE_HELPER_SALVAGE_COPY_H_

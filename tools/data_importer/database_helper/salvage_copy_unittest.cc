@@ -9,6 +9,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr int kRows = 3000;
@@ -148,3 +150,5 @@ TEST(SalvageCopyTest, DamagedIndexLosesNothingAndTheSourceStaysAsItWas) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -28,6 +28,8 @@
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr size_t kPage = 4096;
@@ -230,3 +232,5 @@ TEST_F(DamagedSourceTest, Generation6SalvagesWhatATableByTableReadGets) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

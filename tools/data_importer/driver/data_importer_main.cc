@@ -28,6 +28,8 @@
 #include "tools/data_importer/version3_upgrade/upgrade_result.h"
 #include "tools/data_importer/version3_upgrade/upgrade_tasks.h"
 
+namespace data_importer {
+
 namespace {
 
 // Keeps what a version-2 task did for the host, in the import report and
@@ -185,3 +187,5 @@ extern "C" __attribute__((visibility("default"))) void DataImporterMain() {
     // report to.
   }
 }
+
+}  // namespace data_importer

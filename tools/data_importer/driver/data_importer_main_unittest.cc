@@ -18,6 +18,8 @@
 #include "testing/importer_test_util.h"
 #include "tools/data_importer/driver/data_importer_run.h"
 
+namespace data_importer {
+
 namespace {
 
 class DataImporterMainTest : public ::testing::Test {
@@ -181,3 +183,5 @@ TEST_F(DataImporterMainTest, HostSignalHandlersAreRestored) {
 #endif
 
 }  // namespace
+
+}  // namespace data_importer

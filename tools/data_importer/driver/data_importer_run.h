@@ -3,6 +3,8 @@
 
 #include "tools/data_importer/environment/run_context.h"
 
+namespace data_importer {
+
 // The run behind the library's export, for programs that link the
 // importer's core and find the machine's folders themselves (the host
 // program, tests).
@@ -16,5 +18,7 @@ void RunDataImporter(const RunContext& context);
 // (RunContextFromEnvironment) and the command line's switch "i", a Windows
 // path mapped through the context's drives.
 RunContext RunContextOfProcess();
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_DRIVER_DATA_IMPORTER_RUN_H_

@@ -7,6 +7,8 @@
 #include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
 #include "tools/data_importer/source_readers/vt2008_data_exporter/vt2008_data_exporter.h"
 
+namespace data_importer {
+
 namespace {
 
 // Stands in for the reader of a generation that this library cannot read
@@ -45,3 +47,5 @@ std::unique_ptr<DataExporter> CreateExporter(const RunContext& context, int impo
       return std::make_unique<UnavailableDataExporter>(context, model, import_kind);
   }
 }
+
+}  // namespace data_importer

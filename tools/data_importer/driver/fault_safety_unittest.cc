@@ -27,6 +27,8 @@
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr wchar_t kMusic[] = L"VTMusicV3.db";
@@ -250,3 +252,5 @@ TEST_F(FaultSafetyTest, DamagedSourcesNeverCrashOrLeaveBrokenFiles) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -25,6 +25,8 @@
 #include "tools/data_importer/target_store/import_model_test_util.h"
 #include "tools/data_importer/version3_upgrade/upgrade_tasks.h"
 
+namespace data_importer {
+
 namespace {
 
 int64_t CountQuery(sql::Connection* db, const std::string& query) {
@@ -392,3 +394,5 @@ TEST_F(ImportReportReconcileTest, Version3UpgradeCountsTheMovedTables) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

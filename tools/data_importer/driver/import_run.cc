@@ -13,6 +13,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/driver/exporter_factory.h"
 
+namespace data_importer {
+
 void RunImport(const RunContext& context, ProgressRecord* record,
                const BuildStageCallback& stage_done) {
   ImportModel model;
@@ -55,3 +57,5 @@ void RunImport(const RunContext& context, ProgressRecord* record,
   exporter.reset();
   record->WriteEnd();
 }
+
+}  // namespace data_importer

@@ -5,6 +5,8 @@
 
 #include "tools/data_importer/environment/run_context.h"
 
+namespace data_importer {
+
 class ProgressRecord;
 
 // Imports one earlier generation, chosen by the record's import kind, into
@@ -16,5 +18,7 @@ class ProgressRecord;
 // writes into its data folder. |stage_done| is handed to the build sequence.
 void RunImport(const RunContext& context, ProgressRecord* record,
                const BuildStageCallback& stage_done = nullptr);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_DRIVER_IMPORT_RUN_H_

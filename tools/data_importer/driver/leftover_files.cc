@@ -7,6 +7,8 @@
 #include "base/file_util.h"
 #include "logging/logging.h"
 
+namespace data_importer {
+
 namespace {
 
 // The kinds of temporary file: the enumeration pattern and the marker
@@ -77,3 +79,5 @@ int RemoveStaleWorkFiles(const base::FilePath& data_folder) {
     removed += RemoveIn(folder);
   return removed;
 }
+
+}  // namespace data_importer

@@ -5,6 +5,8 @@
 
 #include "base/file_path.h"
 
+namespace data_importer {
+
 // Removes the temporary files that a killed run of the importer left behind
 // and that no later run would ever reuse: "Vantu.ini.tmp<pid>" (the profile
 // writer's) and "<name>.copy-<pid>" (the file copier's, e.g.
@@ -22,5 +24,7 @@ int StaleFileOwner(const std::wstring& name, const std::wstring& marker);
 
 // True while a process with id |pid| exists.
 bool ProcessExists(int pid);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_DRIVER_LEFTOVER_FILES_H_

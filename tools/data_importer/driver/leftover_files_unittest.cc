@@ -7,6 +7,8 @@
 #include "base/file_util.h"
 #include "testing/test_support.h"
 
+namespace data_importer {
+
 namespace {
 
 TEST(LeftoverFilesTest, OwnerIsTheNumberAfterTheMarker) {
@@ -57,3 +59,5 @@ TEST(LeftoverFilesTest, RemovesOnlyFilesOfGoneProcesses) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -2,6 +2,8 @@
 
 #include "base/windows_headers.h"
 
+namespace data_importer {
+
 bool ProcessExists(int pid) {
   if (pid <= 0)
     return false;
@@ -15,3 +17,5 @@ bool ProcessExists(int pid) {
   CloseHandle(process);
   return running;
 }
+
+}  // namespace data_importer

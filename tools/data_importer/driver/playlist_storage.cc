@@ -4,6 +4,8 @@
 #include "base/json_file.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
+namespace data_importer {
+
 StorageRefresh RefreshPlaylistStorage(const base::FilePath& data_folder) {
   base::FilePath playlist = data_folder.Append(importer_names::kPlaylistDatabaseV3);
   if (!base::PathExists(playlist))
@@ -35,3 +37,5 @@ const wchar_t* StorageRefreshText(StorageRefresh refresh) {
   }
   return L"";
 }
+
+}  // namespace data_importer

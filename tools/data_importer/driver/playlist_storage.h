@@ -3,6 +3,8 @@
 
 #include "base/file_path.h"
 
+namespace data_importer {
+
 // Refreshes "modify_time" in the JSON file "pls_storage" of |data_folder|
 // with the last-modified time of "playlistV3.db" (seconds since 1970, with
 // fractions), so the player knows its playlist database changed. Nothing is
@@ -20,5 +22,7 @@ enum class StorageRefresh {
 
 // A word for the log: "refreshed", "no playlist database", ...
 const wchar_t* StorageRefreshText(StorageRefresh refresh);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_DRIVER_PLAYLIST_STORAGE_H_

@@ -6,6 +6,8 @@
 #include "base/json_file.h"
 #include "testing/test_support.h"
 
+namespace data_importer {
+
 namespace {
 
 class PlaylistStorageTest : public ::testing::Test {
@@ -51,3 +53,5 @@ TEST_F(PlaylistStorageTest, NoPlaylistDatabaseNoRefresh) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

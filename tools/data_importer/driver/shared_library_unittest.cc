@@ -14,6 +14,8 @@
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/importer_test_util.h"
 
+namespace data_importer {
+
 namespace {
 
 TEST(SharedLibraryTest, LoadedAtRunTimeItImports) {
@@ -50,3 +52,5 @@ TEST(SharedLibraryTest, LoadedAtRunTimeItImports) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

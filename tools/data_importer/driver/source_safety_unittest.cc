@@ -18,6 +18,8 @@
 #include "testing/importer_test_util.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr size_t kPage = 4096;
@@ -153,3 +155,5 @@ TEST_F(SourceSafetyTest, RestoredGeneration6SourceArrivesOnTheNextRun) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

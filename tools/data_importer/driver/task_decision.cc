@@ -8,6 +8,8 @@
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/environment/installation_lookup.h"
 
+namespace data_importer {
+
 namespace {
 
 bool ExistsIn(const base::FilePath& folder, const wchar_t* name) {
@@ -202,3 +204,5 @@ base::Value DescribeTaskSearch(const RunContext& context, const TaskSearch& sear
   }
   return {{"lines", lines}, {"passed_over", passed_over}, {"unreachable", unreachable}};
 }
+
+}  // namespace data_importer

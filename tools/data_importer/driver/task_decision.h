@@ -11,6 +11,8 @@
 #include "tools/data_importer/environment/run_context.h"
 #include "tools/data_importer/run_record/task_names.h"
 
+namespace data_importer {
+
 // Decides the run's task from what lies in the context's data folder, its
 // roaming application-data folder, the registry and its source folder (the
 // "i" switch; may be empty). First match wins; may copy generation-6
@@ -45,5 +47,7 @@ std::wstring DecideTask(const RunContext& context, TaskSearch* search);
 // registry names whose files are not found ("generation", "value",
 // "tried", "drive", the letter whose folder would map it).
 base::Value DescribeTaskSearch(const RunContext& context, const TaskSearch& search);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_DRIVER_TASK_DECISION_H_

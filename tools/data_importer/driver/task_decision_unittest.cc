@@ -5,6 +5,8 @@
 #include "base/file_util.h"
 #include "testing/importer_test_util.h"
 
+namespace data_importer {
+
 namespace {
 
 class TaskDecisionTest : public ::testing::Test {
@@ -112,3 +114,5 @@ TEST(TaskNameTest, ComparisonIsExactAndKindsFollowNames) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -8,6 +8,8 @@
 #include "base/string_number_conversions.h"
 #include "base/windows_path.h"
 
+namespace data_importer {
+
 namespace {
 
 // The code page of the player's own texts, taken when nothing names one.
@@ -52,3 +54,5 @@ uint32_t AnsiCodePageOfDrives(const base::DriveMap& drives, std::optional<uint32
   auto c = drives.find(L'C');
   return AnsiCodePageOfVolume(c == drives.end() ? base::FilePath() : c->second, option);
 }
+
+}  // namespace data_importer

@@ -7,6 +7,8 @@
 #include "base/file_path.h"
 #include "base/windows_path.h"
 
+namespace data_importer {
+
 // The code page in which the user's 8-bit text files (settings files
 // without a byte-order mark) were written: the ANSI code page of the
 // Windows installation they come from.
@@ -29,5 +31,7 @@
 // fallback).
 [[nodiscard]] uint32_t AnsiCodePageOfDrives(const base::DriveMap& drives,
                                             std::optional<uint32_t> option);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_ENVIRONMENT_ANSI_CODE_PAGE_H_

@@ -8,6 +8,8 @@
 #include "testing/fixtures/registry_hive_fixture.h"
 #include "testing/test_support.h"
 
+namespace data_importer {
+
 namespace {
 
 class AnsiCodePageTest : public testing::Test {
@@ -62,3 +64,5 @@ TEST_F(AnsiCodePageTest, OptionThenSystemHiveThenChinese) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -4,6 +4,8 @@
 #include "base/time.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
+namespace data_importer {
+
 base::FilePath GetDatedBackupFolder(const RunContext& context) {
   if (context.m_data_folder.empty())
     return base::FilePath();
@@ -26,3 +28,5 @@ base::FilePath GetCrashFolder(const RunContext& context) {
     return base::FilePath();
   return context.m_data_folder.Append(importer_names::kCrashFolderName);
 }
+
+}  // namespace data_importer

@@ -5,6 +5,8 @@
 #include "base/string_util.h"
 #include "base/windows_path.h"
 
+namespace data_importer {
+
 namespace {
 
 // The folders of a Windows installation on its system drive, by folded
@@ -117,3 +119,5 @@ base::FilePath ReadRegistryPath(const RunContext& context, const std::wstring& s
 base::FilePath GetGeneration6ProgramPath(const RunContext& context) {
   return ReadRegistryPath(context, L"Software\\VanTa6", L"AppFileName");
 }
+
+}  // namespace data_importer

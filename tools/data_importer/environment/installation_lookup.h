@@ -6,6 +6,8 @@
 #include "base/file_path.h"
 #include "tools/data_importer/environment/run_context.h"
 
+namespace data_importer {
+
 // Where earlier generations of the player left their data, read from the
 // user's registry (RunContext::m_registry_file) and turned into paths of
 // this machine through the context's folders and drive map.
@@ -63,5 +65,7 @@ base::FilePath FindGeneration6ProgramByShortcut();
 // records nothing the importer reads back; on POSIX there is no such module
 // registration and the step does nothing.
 void RunStartupRegistryStep();
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_ENVIRONMENT_INSTALLATION_LOOKUP_H_

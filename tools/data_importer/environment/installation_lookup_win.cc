@@ -12,6 +12,8 @@
 #include "base/file_util.h"
 #include "base/string_util.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr wchar_t kProgramName[] = L"vantu.exe";
@@ -113,3 +115,5 @@ base::FilePath FindGeneration6ProgramByShortcut() {
 // The player's own modules register themselves under this key; the importer
 // is not one of them, so the step has nothing to record on any system.
 void RunStartupRegistryStep() {}
+
+}  // namespace data_importer

@@ -17,6 +17,8 @@
 
 extern char** environ;
 
+namespace data_importer {
+
 void SetLocalAppData(const base::FilePath& local_app_data, RunContext* context) {
   context->m_local_app_data = local_app_data;
   context->m_data_folder = base::FilePath();
@@ -64,3 +66,5 @@ RunContext RunContextFromEnvironment() {
   context.m_log_to_stderr = log.to_stderr;
   return context;
 }
+
+}  // namespace data_importer

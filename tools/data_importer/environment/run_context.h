@@ -9,6 +9,8 @@
 #include "base/file_path.h"
 #include "base/windows_path.h"
 
+namespace data_importer {
+
 // Everything a run takes from the machine it runs on, found once at the start
 // of the run and handed down; nothing below the entry point reads the process
 // environment or the command line on its own.
@@ -71,5 +73,7 @@ RunContext RunContextFromEnvironment();
 // on disk) and the log file ("DataImporter.log" in that); all empty when
 // |local_app_data| is.
 void SetLocalAppData(const base::FilePath& local_app_data, RunContext* context);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_ENVIRONMENT_RUN_CONTEXT_H_

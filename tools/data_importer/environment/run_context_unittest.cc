@@ -5,6 +5,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/installation_lookup.h"
 
+namespace data_importer {
+
 namespace {
 
 // The player's contract: every folder, the registry, the drives and the
@@ -51,3 +53,5 @@ TEST(RunContextTest, FromTheEnvironment) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

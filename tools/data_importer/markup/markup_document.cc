@@ -5,6 +5,8 @@
 #include "tools/data_importer/markup/markup_strings.h"
 #include "tools/data_importer/markup/markup_text_decoder.h"
 
+namespace data_importer {
+
 namespace markup {
 
 namespace {
@@ -106,3 +108,5 @@ void SetText(const MarkupHandle& node, std::wstring_view text) {
 }
 
 }  // namespace markup
+
+}  // namespace data_importer

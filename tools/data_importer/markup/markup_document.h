@@ -10,6 +10,8 @@
 #include "tools/data_importer/markup/markup_handle.h"
 #include "tools/data_importer/markup/markup_node.h"
 
+namespace data_importer {
+
 // Reading, querying and building markup documents. Nothing here throws or
 // logs: every failure answers the null node (or an empty string), and every
 // call accepts the null node, so lookups chain safely:
@@ -64,5 +66,7 @@ void AddAttribute(const MarkupHandle& node, std::wstring_view name, std::wstring
 void SetText(const MarkupHandle& node, std::wstring_view text);
 
 }  // namespace markup
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_MARKUP_MARKUP_DOCUMENT_H_

@@ -8,6 +8,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/markup/markup_writer.h"
 
+namespace data_importer {
+
 namespace markup {
 namespace {
 
@@ -168,3 +170,5 @@ TEST(MarkupDocumentTest, BuildingATree) {
 
 }  // namespace
 }  // namespace markup
+
+}  // namespace data_importer

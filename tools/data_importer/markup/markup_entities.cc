@@ -4,6 +4,8 @@
 #include "base/string_util.h"
 #include "tools/data_importer/markup/markup_strings.h"
 
+namespace data_importer {
+
 namespace markup {
 
 namespace {
@@ -123,3 +125,5 @@ void AppendEscaped(std::wstring_view text, bool in_attribute, std::wstring* out)
 }
 
 }  // namespace markup
+
+}  // namespace data_importer

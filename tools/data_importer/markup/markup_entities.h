@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace data_importer {
+
 namespace markup {
 
 enum class EntityResult {
@@ -28,5 +30,7 @@ EntityResult DecodeEntities(std::wstring_view raw, std::wstring* out);
 void AppendEscaped(std::wstring_view text, bool in_attribute, std::wstring* out);
 
 }  // namespace markup
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_MARKUP_MARKUP_ENTITIES_H_

@@ -4,6 +4,8 @@
 
 #include "tools/data_importer/markup/markup_node.h"
 
+namespace data_importer {
+
 namespace markup {
 
 MarkupHandle::MarkupHandle() : m_node(MarkupNode::Null()) {}
@@ -55,3 +57,5 @@ void MarkupHandle::Release() {
 }
 
 }  // namespace markup
+
+}  // namespace data_importer

@@ -1,6 +1,8 @@
 #ifndef TOOLS_DATA_IMPORTER_MARKUP_MARKUP_HANDLE_H_
 #define TOOLS_DATA_IMPORTER_MARKUP_MARKUP_HANDLE_H_
 
+namespace data_importer {
+
 namespace markup {
 
 class MarkupNode;
@@ -40,5 +42,7 @@ class MarkupHandle {
 };
 
 }  // namespace markup
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_MARKUP_MARKUP_HANDLE_H_

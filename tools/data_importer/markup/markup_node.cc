@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace data_importer {
+
 namespace markup {
 
 MarkupNode::MarkupNode(Kind kind, std::wstring name) : m_name(std::move(name)), m_kind(kind) {}
@@ -83,3 +85,5 @@ bool MarkupNode::ReleaseRef() {
 }
 
 }  // namespace markup
+
+}  // namespace data_importer

@@ -8,6 +8,8 @@
 
 #include "tools/data_importer/markup/markup_handle.h"
 
+namespace data_importer {
+
 namespace markup {
 
 struct MarkupAttribute {
@@ -109,5 +111,7 @@ class MarkupNode {
 };
 
 }  // namespace markup
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_MARKUP_MARKUP_NODE_H_

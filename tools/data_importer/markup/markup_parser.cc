@@ -10,6 +10,8 @@
 #include "tools/data_importer/markup/markup_node.h"
 #include "tools/data_importer/markup/markup_strings.h"
 
+namespace data_importer {
+
 namespace markup {
 
 namespace {
@@ -266,3 +268,5 @@ MarkupParseResult ParseMarkup(std::wstring_view text) {
 }
 
 }  // namespace markup
+
+}  // namespace data_importer

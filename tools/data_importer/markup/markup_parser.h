@@ -6,6 +6,8 @@
 
 #include "tools/data_importer/markup/markup_handle.h"
 
+namespace data_importer {
+
 namespace markup {
 
 // Parse results. Codes below kFirstFatalError are notes: the tree is whole.
@@ -46,5 +48,7 @@ struct MarkupParseResult {
 MarkupParseResult ParseMarkup(std::wstring_view text);
 
 }  // namespace markup
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_MARKUP_MARKUP_PARSER_H_

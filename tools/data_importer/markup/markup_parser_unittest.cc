@@ -7,6 +7,8 @@
 #include "tools/data_importer/markup/markup_document.h"
 #include "tools/data_importer/markup/markup_node.h"
 
+namespace data_importer {
+
 namespace markup {
 namespace {
 
@@ -124,3 +126,5 @@ TEST(MarkupParserTest, HostileInputStaysBounded) {
 
 }  // namespace
 }  // namespace markup
+
+}  // namespace data_importer

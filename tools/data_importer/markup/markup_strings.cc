@@ -2,6 +2,8 @@
 
 #include "base/string_util.h"
 
+namespace data_importer {
+
 namespace markup {
 
 bool MatchesStoredName(std::wstring_view stored, std::wstring_view query) {
@@ -23,3 +25,5 @@ std::wstring_view TrimMarkupSpace(std::wstring_view text) {
 }
 
 }  // namespace markup
+
+}  // namespace data_importer

@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+namespace data_importer {
+
 namespace markup {
 
 // Names compare with letter case folded for A-Z only, as the C runtime's
@@ -19,5 +21,7 @@ bool IsMarkupSpace(wchar_t c);
 std::wstring_view TrimMarkupSpace(std::wstring_view text);
 
 }  // namespace markup
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_MARKUP_MARKUP_STRINGS_H_

@@ -8,6 +8,8 @@
 #include "base/text_encoding.h"
 #include "base/utf_string_conversions.h"
 
+namespace data_importer {
+
 namespace markup {
 
 namespace {
@@ -70,3 +72,5 @@ bool ReadMarkupFile(const base::FilePath& path, std::wstring* text) {
 }
 
 }  // namespace markup
+
+}  // namespace data_importer

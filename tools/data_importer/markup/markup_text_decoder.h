@@ -5,6 +5,8 @@
 
 #include "base/file_path.h"
 
+namespace data_importer {
+
 namespace markup {
 
 // The text of a markup file's bytes, its encoding found the way the player
@@ -24,5 +26,7 @@ std::wstring DecodeMarkupBytes(const std::string& bytes);
 bool ReadMarkupFile(const base::FilePath& path, std::wstring* text);
 
 }  // namespace markup
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_MARKUP_MARKUP_TEXT_DECODER_H_

@@ -4,6 +4,8 @@
 
 #include "tools/data_importer/markup/markup_document.h"
 
+namespace data_importer {
+
 namespace markup {
 
 int ParseInteger(std::wstring_view text) {
@@ -41,3 +43,5 @@ std::wstring FormatInteger(int value) {
 }
 
 }  // namespace markup
+
+}  // namespace data_importer

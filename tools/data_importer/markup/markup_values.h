@@ -7,6 +7,8 @@
 
 #include "tools/data_importer/markup/markup_handle.h"
 
+namespace data_importer {
+
 namespace markup {
 
 // A decimal integer read from the start of |text| through a wide input
@@ -26,5 +28,7 @@ std::vector<int> SplitIntegers(std::wstring_view text);
 std::wstring FormatInteger(int value);
 
 }  // namespace markup
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_MARKUP_MARKUP_VALUES_H_

@@ -6,6 +6,8 @@
 
 #include "tools/data_importer/markup/markup_document.h"
 
+namespace data_importer {
+
 namespace markup {
 namespace {
 
@@ -25,3 +27,5 @@ TEST(MarkupValuesTest, Conversions) {
 
 }  // namespace
 }  // namespace markup
+
+}  // namespace data_importer

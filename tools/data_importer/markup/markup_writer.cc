@@ -9,6 +9,8 @@
 #include "tools/data_importer/markup/markup_node.h"
 #include "tools/data_importer/markup/markup_strings.h"
 
+namespace data_importer {
+
 namespace markup {
 
 namespace {
@@ -199,3 +201,5 @@ int32_t Save(const MarkupHandle& document, const base::FilePath& path) {
 }
 
 }  // namespace markup
+
+}  // namespace data_importer

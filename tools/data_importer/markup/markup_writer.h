@@ -7,6 +7,8 @@
 #include "base/file_path.h"
 #include "tools/data_importer/markup/markup_handle.h"
 
+namespace data_importer {
+
 namespace markup {
 
 enum SaveStatus : int32_t {
@@ -35,5 +37,7 @@ std::wstring SerializeMarkup(const MarkupHandle& node);
 int32_t Save(const MarkupHandle& document, const base::FilePath& path);
 
 }  // namespace markup
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_MARKUP_MARKUP_WRITER_H_

@@ -9,6 +9,8 @@
 #include "tools/data_importer/markup/markup_document.h"
 #include "tools/data_importer/markup/markup_node.h"
 
+namespace data_importer {
+
 namespace markup {
 namespace {
 
@@ -106,3 +108,5 @@ TEST(MarkupWriterTest, SaveStatuses) {
 
 }  // namespace
 }  // namespace markup
+
+}  // namespace data_importer

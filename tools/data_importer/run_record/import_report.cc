@@ -4,6 +4,8 @@
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
+namespace data_importer {
+
 namespace {
 
 
@@ -388,3 +390,5 @@ void TargetTableTally::Dropped(int origin, const DropReason& reason,
   if (dropped.second.size() < ImportReport::kMaxExamples)
     dropped.second.push_back(example);
 }
+
+}  // namespace data_importer

@@ -11,6 +11,8 @@
 #include "base/file_path.h"
 #include "base/json_file.h"
 
+namespace data_importer {
+
 // Why a record of an older generation did not become a row of the new
 // databases. |key| names the reason in the report; |one| and |many| describe
 // one record and several of them for a person.
@@ -332,5 +334,7 @@ class TargetTableTally {
   int m_last_origin = -1;
   Counts* m_last = nullptr;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORT_REPORT_H_

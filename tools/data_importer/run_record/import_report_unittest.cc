@@ -23,6 +23,8 @@
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/driver/task_decision.h"
 
+namespace data_importer {
+
 namespace {
 
 std::wstring Hash(int n) {
@@ -335,3 +337,5 @@ TEST(ReportHistoryTest, NamesAreUniqueWithinASecondAndTheOldestGo) {
     ++kept;
   EXPECT_EQ(20, kept);
 }
+
+}  // namespace data_importer

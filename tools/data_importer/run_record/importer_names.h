@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace data_importer {
+
 // The names the importer shares with whoever runs it and reads its results
 // (the player, the vantu-import host): task names, import kinds, the keys
 // and failure bits of section "DBCheck", the data folder and the files in
@@ -85,5 +87,7 @@ inline constexpr int kReportHistoryKept = 20;
 inline constexpr wchar_t kUpgradeResultFileName[] = L"UpgradeResult.json";
 
 }  // namespace importer_names
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_IMPORTER_NAMES_H_

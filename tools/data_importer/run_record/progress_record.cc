@@ -5,6 +5,8 @@
 #include "base/string_number_conversions.h"
 #include "tools/data_importer/run_record/import_report.h"
 
+namespace data_importer {
+
 using importer_names::kDBCheckSection;
 using importer_names::kKeyForceDeleteDb;
 using importer_names::kKeyImportEnd;
@@ -100,3 +102,5 @@ void ProgressRecord::ReportFailure(uint32_t bits) {
 void ProgressRecord::WriteImportStart() {
   WriteKey(kKeyImportStart, L"1");
 }
+
+}  // namespace data_importer

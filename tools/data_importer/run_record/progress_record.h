@@ -10,6 +10,9 @@
 #include "base/code_page.h"
 #include "base/file_path.h"
 #include "tools/data_importer/run_record/importer_names.h"
+
+namespace data_importer {
+
 class ImportReport;
 
 // How far the run has got and how it ended, as the player reads it from
@@ -113,5 +116,7 @@ class ProgressRecord {
   std::unique_ptr<ImportReport> m_own_report;
   uint32_t m_ansi_code_page = base::kCodePageSimplifiedChinese;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_PROGRESS_RECORD_H_

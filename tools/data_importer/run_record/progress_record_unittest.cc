@@ -5,6 +5,8 @@
 #include "tools/data_importer/environment/data_folder.h"
 #include "testing/importer_test_util.h"
 
+namespace data_importer {
+
 namespace {
 
 TEST(ProgressRecordTest, InitialiseResetsTheSection) {
@@ -73,3 +75,5 @@ TEST(ProgressRecordTest, FailureReportsEndBeforeAddingBits) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -12,6 +12,8 @@
 #include "logging/logging.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
+namespace data_importer {
+
 namespace names = importer_names;
 
 namespace {
@@ -126,3 +128,5 @@ base::FilePath LatestRunReport(const base::FilePath& data_folder) {
   std::vector<HistoryEntry> history = ListHistory(data_folder.Append(names::kReportHistoryFolder));
   return history.empty() ? base::FilePath() : history.back().path;
 }
+
+}  // namespace data_importer

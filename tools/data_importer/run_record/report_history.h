@@ -5,6 +5,8 @@
 
 #include "base/file_path.h"
 
+namespace data_importer {
+
 // The history of runs: every run's report is kept in the folder "reports"
 // of the data folder as "<UTC time>-<task>-<n>.json", e.g.
 // "20261124T234313Z-importvantu6-1.json", where n makes the name unique
@@ -25,5 +27,7 @@ base::FilePath KeepRunReport(const base::FilePath& data_folder, const std::wstri
 // The newest report of the history (by time, then n); empty when there is
 // none.
 base::FilePath LatestRunReport(const base::FilePath& data_folder);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_REPORT_HISTORY_H_

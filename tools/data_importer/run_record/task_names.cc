@@ -2,6 +2,8 @@
 
 #include <cwchar>
 
+namespace data_importer {
+
 bool IsTask(const std::wstring& task, const wchar_t* name) {
   size_t length = std::wcslen(name);
   if (task.size() != length)
@@ -24,3 +26,5 @@ int ImportKindOfTask(const std::wstring& task) {
     return importer_names::kKindCurrent;
   return importer_names::kKindNone;
 }
+
+}  // namespace data_importer

@@ -5,6 +5,8 @@
 
 #include "tools/data_importer/run_record/importer_names.h"
 
+namespace data_importer {
+
 // Task names of a run (defined with the other shared names).
 using importer_names::kTaskCopyVersion2;
 using importer_names::kTaskImport2008;
@@ -20,5 +22,7 @@ bool IsTask(const std::wstring& task, const wchar_t* name);
 // The import kind of an import task (1 2008 edition, 2 generation 6,
 // 3 generation 7, 4 current generation), 0 for any other name.
 int ImportKindOfTask(const std::wstring& task);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_RUN_RECORD_TASK_NAMES_H_

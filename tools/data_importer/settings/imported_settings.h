@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+namespace data_importer {
+
 // One record of the user's settings taken from an older generation's
 // settings file, for the current generation's settings writer. A plain,
 // copyable value: default-constructed, every field holds the value the
@@ -116,5 +118,7 @@ struct ImportedSettings {
   // from; every other field holds the current generation's default.
   int m_source_values = 0;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SETTINGS_IMPORTED_SETTINGS_H_

@@ -13,6 +13,8 @@
 #include "base/utf_string_conversions.h"
 #include "logging/debug_output.h"
 
+namespace data_importer {
+
 namespace {
 
 std::wstring DecodeUTF16(const std::string& bytes, size_t start, bool big_endian) {
@@ -165,3 +167,5 @@ bool IniReader::ReadBool(std::wstring_view section, std::wstring_view key,
                          bool default_value) const {
   return ReadInt(section, key, default_value ? 1 : 0) != 0;
 }
+
+}  // namespace data_importer

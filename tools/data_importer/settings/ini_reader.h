@@ -10,6 +10,8 @@
 
 #include "base/file_path.h"
 
+namespace data_importer {
+
 // Reads settings files of the older generations: "[" section "]" headers and
 // key "=" value lines. This is the program's own reader, independent of the
 // operating system's profile functions.
@@ -87,5 +89,7 @@ class IniReader {
   // Section and key names (as compared) of every key a read found.
   mutable std::set<std::pair<std::wstring, std::wstring>> m_found;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SETTINGS_INI_READER_H_

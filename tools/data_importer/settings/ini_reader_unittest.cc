@@ -9,6 +9,8 @@
 #include "logging/logging.h"
 #include "testing/test_support.h"
 
+namespace data_importer {
+
 namespace {
 
 const char kSettings[] =
@@ -169,3 +171,5 @@ TEST_F(IniReaderTest, BadLinesAreReportedAndSkipped) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -6,6 +6,8 @@
 #include "base/profile_string.h"
 #include "tools/data_importer/markup/markup_values.h"
 
+namespace data_importer {
+
 namespace {
 
 using Entries = std::vector<std::pair<std::wstring, std::wstring>>;
@@ -146,3 +148,5 @@ bool WriteImportedSettings(const std::vector<ImportedSettings>& records,
   }
   return all_written;
 }
+
+}  // namespace data_importer

@@ -9,6 +9,8 @@
 #include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/settings/imported_settings.h"
 
+namespace data_importer {
+
 // The keys and values one record writes, in field order. Keys are the field
 // names, arrays expanded ("BandsGain0" ... "BandsGain9", "InnerHotKeys0" ...
 // "InnerHotKeys11", "GlobalHotKeys0" ... "GlobalHotKeys11", "VstPlug1Default",
@@ -28,5 +30,7 @@ std::vector<std::pair<std::wstring, std::wstring>> SettingsEntries(const Importe
 // An existing 8-bit file is written in |ansi_code_page|.
 [[nodiscard]] bool WriteImportedSettings(const std::vector<ImportedSettings>& records,
                                          const base::FilePath& ini_path, uint32_t ansi_code_page);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SETTINGS_SETTINGS_WRITER_H_

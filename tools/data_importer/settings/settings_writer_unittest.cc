@@ -9,6 +9,8 @@
 #include "base/utf_string_conversions.h"
 #include "testing/test_support.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr uint32_t kCodePage = base::kCodePageSimplifiedChinese;
@@ -146,3 +148,5 @@ TEST_F(SettingsWriterTest, UnwritableFileIsReported) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -7,6 +7,8 @@
 #include "tools/data_importer/markup/markup_document.h"
 #include "tools/data_importer/markup/markup_values.h"
 
+namespace data_importer {
+
 namespace {
 
 // The text of |key| in |section|: a child element's text, else a non-empty
@@ -75,3 +77,5 @@ std::optional<ImportedSettings> ReadV6Settings(const base::FilePath& program_fol
   }
   return settings;
 }
+
+}  // namespace data_importer

@@ -6,6 +6,8 @@
 #include "base/file_path.h"
 #include "tools/data_importer/settings/imported_settings.h"
 
+namespace data_importer {
+
 // Reads the generation-6 settings file "VanTa.xml" (any letter case) of the
 // program folder |program_folder| with the markup reader. Its root element
 // is "VanTa"; the player kept its settings in child elements named after
@@ -26,5 +28,7 @@
 // default. std::nullopt when the file is missing, unreadable or unparsable,
 // or has no "VanTa" element. Nothing is logged.
 std::optional<ImportedSettings> ReadV6Settings(const base::FilePath& program_folder);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SETTINGS_V6_SETTINGS_READER_H_

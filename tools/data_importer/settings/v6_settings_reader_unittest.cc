@@ -7,6 +7,8 @@
 #include "base/utf_string_conversions.h"
 #include "testing/test_support.h"
 
+namespace data_importer {
+
 namespace {
 
 class V6SettingsReaderTest : public testing::Test {
@@ -75,3 +77,5 @@ TEST_F(V6SettingsReaderTest, MissingOrUnusableFileGivesNoRecord) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

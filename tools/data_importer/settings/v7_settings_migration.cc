@@ -9,6 +9,8 @@
 #include "base/string_number_conversions.h"
 #include "tools/data_importer/settings/ini_reader.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr wchar_t kLyrics[] = L"LyrciConfig";
@@ -293,3 +295,5 @@ void SetMainWindowPosition(bool found, int32_t x, int32_t y, ImportedSettings* s
   settings->MainWindowX = x;
   settings->MainWindowY = y;
 }
+
+}  // namespace data_importer

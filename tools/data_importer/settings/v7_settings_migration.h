@@ -9,6 +9,8 @@
 #include "base/file_path.h"
 #include "tools/data_importer/settings/imported_settings.h"
 
+namespace data_importer {
+
 // Reads the settings file "vantu.ini" (any letter case) of the generation-7
 // folder |v7_folder| into one ImportedSettings record. std::nullopt when the
 // file does not exist; otherwise a record, however little the file holds:
@@ -42,5 +44,7 @@ std::wstring ConvertColorList(std::wstring_view old_list);
 // to the current one (flags in the high byte, virtual key in the low); the
 // shift and alt flags (bits 0 and 2) change places.
 uint16_t ConvertHotKey(int old_value);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SETTINGS_V7_SETTINGS_MIGRATION_H_

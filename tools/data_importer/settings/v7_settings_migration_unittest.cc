@@ -10,6 +10,8 @@
 #include "base/utf_string_conversions.h"
 #include "testing/test_support.h"
 
+namespace data_importer {
+
 namespace {
 
 using Field = std::function<std::wstring(const ImportedSettings&)>;
@@ -253,3 +255,5 @@ TEST(MainWindowPositionTest, TakenOnlyWhenFoundAndSet) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

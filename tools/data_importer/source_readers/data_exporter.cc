@@ -20,6 +20,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
+namespace data_importer {
+
 DataExporter::DataExporter(const RunContext& context, ImportModel* model)
     : m_context(context), m_model(model), m_db(std::make_unique<DatabaseHelper>()) {}
 
@@ -426,3 +428,5 @@ const DumpTableList& Generation7DumpTables() {
   };
   return tables;
 }
+
+}  // namespace data_importer

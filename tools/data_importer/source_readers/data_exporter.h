@@ -14,6 +14,8 @@
 #include "tools/data_importer/database_helper/salvage_copy.h"
 #include "tools/data_importer/environment/run_context.h"
 
+namespace data_importer {
+
 class DbRowReader;
 class ImportModel;
 class ImportReport;
@@ -252,5 +254,7 @@ std::wstring DumpTableSummary(const base::FilePath& path, const DumpTableList& t
 
 // The generation-7 tables, in summary order.
 const DumpTableList& Generation7DumpTables();
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_DATA_EXPORTER_H_

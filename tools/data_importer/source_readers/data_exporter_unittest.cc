@@ -12,6 +12,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/import_model.h"
 
+namespace data_importer {
+
 namespace {
 
 // Opens the protected mechanisms of the base to the tests.
@@ -262,3 +264,5 @@ TEST(DataExporterTest, TickerAdvancesOncePerTenthOfTheRows) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -2,6 +2,8 @@
 
 #include "tools/data_importer/target_store/import_records.h"
 
+namespace data_importer {
+
 const wchar_t kDefaultListName[] = L"默认列表";
 
 std::wstring HashOrZero(const std::wstring& hash) {
@@ -41,3 +43,5 @@ void FillSongVideoFromFile(const ShareFileItem& video, SongItem* song) {
 std::wstring MusicItemName(int id) {
   return L"music item " + std::to_wstring(id);
 }
+
+}  // namespace data_importer

@@ -3,12 +3,12 @@
 
 #include <string>
 
+namespace data_importer {
+
 struct ShareFileItem;
 struct SongItem;
 
 // Small rules that every source reader applies the same way.
-
-// The hash that marks a file without one.
 
 // The fixed name of the default list.
 extern const wchar_t kDefaultListName[];
@@ -32,5 +32,7 @@ void FillSongVideoFromFile(const ShareFileItem& video, SongItem* song);
 // How the import report names a music item it has nothing else of, such as
 // the one a dropped list entry refers to: "music item <id>".
 std::wstring MusicItemName(int id);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_SOURCE_READER_UTIL_H_

@@ -6,6 +6,8 @@
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
+namespace data_importer {
+
 namespace {
 
 const TableDef kUserLoginHistory = {
@@ -80,3 +82,5 @@ const ColumnList<SearchKeywordRecord>& SearchKeywordColumns() {
   };
   return columns;
 }
+
+}  // namespace data_importer

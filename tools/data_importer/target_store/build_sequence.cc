@@ -19,6 +19,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/settings/settings_writer.h"
 
+namespace data_importer {
+
 namespace {
 
 namespace names = importer_names;
@@ -333,3 +335,5 @@ base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folde
   }
   return base::Status::OK();
 }
+
+}  // namespace data_importer

@@ -6,6 +6,8 @@
 #include "base/file_path.h"
 #include "base/status.h"
 
+namespace data_importer {
+
 class ImportModel;
 
 // The database key of every version-3 database (the SQLCipher passphrase).
@@ -40,5 +42,7 @@ inline constexpr wchar_t kVersion3DatabaseKey[] = L"3C5A0F1E9D2B47A6B8E1C4D7F0A2
 using BuildStageCallback = std::function<void(const char* stage)>;
 base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
                            const BuildStageCallback& stage_done = nullptr);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_BUILD_SEQUENCE_H_

@@ -22,6 +22,8 @@
 #include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
+namespace data_importer {
+
 namespace {
 
 class BuildSequenceTest : public testing::Test {
@@ -340,3 +342,5 @@ TEST_F(BuildSequenceTest, VerifiedRowCountsAreKept) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

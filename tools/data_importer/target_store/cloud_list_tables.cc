@@ -13,6 +13,8 @@
 #include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/target_store/import_model.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr char kSourceAlias[] = "carried_cloud_lists";
@@ -120,3 +122,5 @@ bool ImportModel::CarryCloudLists() {
     ok = false;
   return ok;
 }
+
+}  // namespace data_importer

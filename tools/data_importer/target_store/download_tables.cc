@@ -10,6 +10,8 @@
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
+namespace data_importer {
+
 namespace {
 
 const TableDef kDownloadItem = {
@@ -203,3 +205,5 @@ const ColumnList<DownloadRecord>& DownloadHistoryColumns() {
   });
   return columns;
 }
+
+}  // namespace data_importer

@@ -3,6 +3,8 @@
 #include "tools/data_importer/run_record/import_report.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
+namespace data_importer {
+
 ImportModel::ImportModel(ProgressRecord* progress) : m_progress(progress) {}
 
 ImportModel::~ImportModel() = default;
@@ -23,3 +25,5 @@ ImportReport* ImportModel::report() {
 void ImportModel::AddSettings(const ImportedSettings& settings) {
   m_settings.push_back(settings);
 }
+
+}  // namespace data_importer

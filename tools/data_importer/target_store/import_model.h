@@ -16,6 +16,8 @@
 #include "tools/data_importer/target_store/import_records.h"
 #include "tools/data_importer/target_store/verify_database.h"
 
+namespace data_importer {
+
 class ImportReport;
 class ProgressRecord;
 
@@ -144,5 +146,7 @@ class ImportModel {
  private:
   std::unique_ptr<ImportReport> m_own_report;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_H_

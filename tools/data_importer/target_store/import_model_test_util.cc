@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+namespace data_importer {
+
 std::shared_ptr<ShareFileItem> AddFile(ImportModel* model, int old_id, const std::wstring& name,
                                        const std::wstring& md5, int type) {
   auto file = std::make_shared<ShareFileItem>();
@@ -288,3 +290,5 @@ void FillGeneratedModel(ImportModel* model, uint32_t seed) {
     model->m_search_keywords.push_back(Generate(&values, SearchKeywordColumns()));
   model->m_search_keywords[3]->Keyword = model->m_search_keywords[0]->Keyword;
 }
+
+}  // namespace data_importer

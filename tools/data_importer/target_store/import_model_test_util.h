@@ -8,6 +8,8 @@
 #include "base/file_path.h"
 #include "tools/data_importer/target_store/import_model.h"
 
+namespace data_importer {
+
 // Builders of model records for the writer tests.
 std::shared_ptr<ShareFileItem> AddFile(ImportModel* model, int old_id, const std::wstring& name,
                                        const std::wstring& md5, int type = 0);
@@ -39,5 +41,7 @@ void FillGeneratedModel(ImportModel* model, uint32_t seed);
 
 // A 32-hex-digit hash made from |n|.
 std::wstring HashOf(int n);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_MODEL_TEST_UTIL_H_

@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+namespace data_importer {
+
 // The plain records through which every source reader hands its data to the
 // database writers. Text fields are wide strings; numbers default to 0, texts
 // to empty. A field named like a column of the new databases is written to
@@ -303,5 +305,7 @@ struct AppToolRecord {
   int64_t Version = 0;
   NullableText Path;  // "AppTools.Path" may be NULL
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_IMPORT_RECORDS_H_

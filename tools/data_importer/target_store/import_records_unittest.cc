@@ -11,6 +11,8 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
 
+namespace data_importer {
+
 namespace {
 
 // The columns of |table| whose first row differs from the table's declared
@@ -103,3 +105,5 @@ TEST(ImportRecordsTest, UntouchedRecordsWriteTheTableDefaults) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

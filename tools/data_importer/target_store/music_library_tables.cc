@@ -9,6 +9,8 @@
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
+namespace data_importer {
+
 namespace {
 
 const TableDef kShareFileItems = {
@@ -222,3 +224,5 @@ const ColumnList<AppToolRecord>& AppToolColumns() {
   };
   return columns;
 }
+
+}  // namespace data_importer

@@ -13,6 +13,8 @@
 #include "tools/data_importer/target_store/import_model_test_util.h"
 #include "testing/importer_test_util.h"
 
+namespace data_importer {
+
 namespace {
 
 class MusicLibraryWritersTest : public testing::Test {
@@ -150,3 +152,5 @@ TEST_F(MusicLibraryWritersTest, FoldersLocalFilesAndTools) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

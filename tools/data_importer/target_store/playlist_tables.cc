@@ -14,6 +14,8 @@
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
+namespace data_importer {
+
 namespace {
 
 const TableDef kGeneralListTable = {
@@ -123,3 +125,5 @@ const ColumnList<PlayListInfo>& GeneralListColumns() {
   };
   return columns;
 }
+
+}  // namespace data_importer

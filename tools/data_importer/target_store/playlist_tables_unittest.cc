@@ -9,6 +9,8 @@
 #include "testing/importer_test_util.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
+namespace data_importer {
+
 namespace {
 
 class PlaylistWritersTest : public testing::Test {
@@ -173,3 +175,5 @@ TEST_F(PlaylistWritersTest, EmptyListsAndRadioChannels) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -7,6 +7,8 @@
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
+namespace data_importer {
+
 namespace {
 
 const TableDef kRadioChannelTable = {
@@ -112,3 +114,5 @@ const ColumnList<PlayedRadioRecord>& PlayedRadioColumns() {
   };
   return columns;
 }
+
+}  // namespace data_importer

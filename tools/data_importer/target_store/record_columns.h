@@ -11,6 +11,8 @@
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
+namespace data_importer {
+
 // The columns one record fills in its table, in the order they are written,
 // each bound to the record field it is written from. The same list reads a
 // row of that table back into a record, so a table's column names exist in
@@ -123,5 +125,7 @@ ColumnList<Record> JoinColumns(std::initializer_list<ColumnList<Record>> parts) 
     joined.insert(joined.end(), part.begin(), part.end());
   return joined;
 }
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_RECORD_COLUMNS_H_

@@ -8,6 +8,8 @@
 #include "sql/connection.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
+namespace data_importer {
+
 namespace {
 
 struct Replacement {
@@ -109,3 +111,5 @@ bool CompleteOrUndoReplacement(const base::FilePath& data_folder) {
   }
   return complete && DeleteWithLog(record);
 }
+
+}  // namespace data_importer

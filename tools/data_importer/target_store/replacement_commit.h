@@ -5,6 +5,8 @@
 
 #include "base/file_path.h"
 
+namespace data_importer {
+
 // The two finished databases replace the final ones as one commit: either
 // both "VTMusicV3.db" and "playlistV3.db" end up holding the new content, or
 // neither changes. Two renames cannot be made atomic together, so a commit
@@ -50,5 +52,7 @@ struct ReplacedFiles {
 // Logs what it did. False when a record was found and could not be
 // completed (it is kept for the next run).
 [[nodiscard]] bool CompleteOrUndoReplacement(const base::FilePath& data_folder);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_REPLACEMENT_COMMIT_H_

@@ -13,6 +13,8 @@
 #include "base/file_util.h"
 #include "testing/test_support.h"
 
+namespace data_importer {
+
 namespace {
 
 using testing_support::ReadBytes;
@@ -111,3 +113,5 @@ TEST_F(ReplacementCommitTest, FailedRenameKeepsTheRecord) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

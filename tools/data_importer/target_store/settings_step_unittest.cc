@@ -11,6 +11,8 @@
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 
+namespace data_importer {
+
 namespace {
 
 // Written after the databases' history tables and before the app tools,
@@ -54,3 +56,5 @@ TEST(SettingsStepTest, UnwritableIniDoesNotFailTheBuild) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -5,6 +5,8 @@
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/target_store/table_writer.h"
 
+namespace data_importer {
+
 namespace {
 
 // The spelling "interger" belongs to the format the player reads.
@@ -95,3 +97,5 @@ const ColumnList<SongItem>& SongColumns() {
   };
   return columns;
 }
+
+}  // namespace data_importer

@@ -5,6 +5,8 @@
 
 #include "tools/data_importer/target_store/import_records.h"
 
+namespace data_importer {
+
 class RowBuilder;
 
 // The one schema of every song table: the per-list "GeneralList_<id>", the
@@ -21,5 +23,7 @@ std::string SongTableSchema(const std::string& table);
 // their fixed order ("SongID" is not among them). "MusicFilePlayable" takes
 // |music_file_playable|, which the writer derives by the rule above.
 void AppendSongColumns(const SongItem& song, int music_file_playable, RowBuilder* row);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_SONG_TABLE_H_

@@ -4,6 +4,8 @@
 #include "tools/data_importer/target_store/import_records.h"
 #include "tools/data_importer/target_store/record_columns.h"
 
+namespace data_importer {
+
 // The columns each table writer fills from its record, in the order the
 // writer appends them. Readers of databases in the current generation's own
 // format read rows back through the same lists. Ids a writer derives rather
@@ -35,5 +37,7 @@ const ColumnList<DownloadRecord>& DownloadItemColumns();
 const ColumnList<DownloadRecord>& DownloadHistoryColumns();
 const ColumnList<LoginRecord>& LoginColumns();
 const ColumnList<SearchKeywordRecord>& SearchKeywordColumns();
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_TABLE_COLUMNS_H_

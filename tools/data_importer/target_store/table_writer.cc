@@ -8,6 +8,8 @@
 #include "logging/logging.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 
+namespace data_importer {
+
 namespace {
 
 sql::Connection* OpenConnection(DatabaseHelper* db) {
@@ -133,3 +135,5 @@ std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table
     (void)connection->CommitTransaction();
   return ids;
 }
+
+}  // namespace data_importer

@@ -9,6 +9,8 @@
 
 #include "tools/data_importer/run_record/import_report.h"
 
+namespace data_importer {
+
 class DatabaseHelper;
 
 // The row-writing rule every table of the new databases is written by:
@@ -173,5 +175,7 @@ std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table
 
 // Executes |create_sql| on |db| when it is open; failures are ignored.
 void CreateTable(DatabaseHelper* db, const std::string& create_sql);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_TABLE_WRITER_H_

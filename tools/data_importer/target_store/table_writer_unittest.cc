@@ -6,6 +6,8 @@
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/database_helper/db_row_reader.h"
 
+namespace data_importer {
+
 namespace {
 
 int CountRows(DatabaseHelper* db, const char* table) {
@@ -37,3 +39,5 @@ TEST(TableTransactionTest, RowsStayOnlyWhenCommitted) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -8,6 +8,8 @@
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
+namespace data_importer {
+
 VerifiedDatabase CountTableRows(sql::Connection* connection) {
   VerifiedDatabase result;
   if (!connection->is_open()) {
@@ -52,3 +54,5 @@ VerifiedDatabase VerifyEncryptedDatabase(const base::FilePath& path) {
   connection.Close();
   return result;
 }
+
+}  // namespace data_importer

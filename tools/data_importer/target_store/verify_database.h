@@ -11,6 +11,8 @@ namespace sql {
 class Connection;
 }
 
+namespace data_importer {
+
 // What reading a finished database back gave: |ok| when it opened and every
 // table could be counted; otherwise |error| says why (in English, for the
 // log) and |row_counts| holds what was counted before the failure.
@@ -30,5 +32,7 @@ VerifiedDatabase VerifyEncryptedDatabase(const base::FilePath& path);
 // The same schema read and counts over an open connection (plain or
 // encrypted).
 VerifiedDatabase CountTableRows(sql::Connection* connection);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_TARGET_STORE_VERIFY_DATABASE_H_

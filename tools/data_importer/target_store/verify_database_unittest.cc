@@ -7,6 +7,8 @@
 #include "testing/test_support.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
+namespace data_importer {
+
 namespace {
 
 using testing_support::ReadBytes;
@@ -61,3 +63,5 @@ TEST(VerifyDatabaseTest, RefusesMissingPlainForeignAndDamagedFiles) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

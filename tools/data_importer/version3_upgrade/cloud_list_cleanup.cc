@@ -4,6 +4,8 @@
 #include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr char kMusicAlias[] = "vantu_music_db";
@@ -173,3 +175,5 @@ void CloudListCleanup::DropSongTablesWithoutLists() {
       moved.dropped = moved.dropped || moved.name == table;
   }
 }
+
+}  // namespace data_importer

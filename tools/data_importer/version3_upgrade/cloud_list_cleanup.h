@@ -9,6 +9,8 @@
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/version3_upgrade/upgrade_result.h"
 
+namespace data_importer {
+
 // Moves the user's cloud lists out of the keyed music database
 // "VTMusicV3.db" into the playlist database "playlistV3.db", both in the data
 // folder: "CloudListTable", the song table "NewCloudList_<id>" of every list
@@ -77,5 +79,7 @@ class CloudListCleanup {
   std::vector<int32_t> m_cloud_list_ids;
   std::vector<MovedTable> m_moved;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_CLOUD_LIST_CLEANUP_H_

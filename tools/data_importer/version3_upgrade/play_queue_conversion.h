@@ -5,6 +5,8 @@ namespace sql {
 class Connection;
 }
 
+namespace data_importer {
+
 // Converts the play queue that earlier releases kept in the music database
 // to the form the current release reads. It runs on the upgrader's open,
 // keyed connection to "VTMusicV3.db", before the cloud-list move, and leaves
@@ -14,5 +16,7 @@ class Connection;
 // library yet, so there is nothing to convert: the conversion logs that and
 // changes nothing. It never fails the upgrade.
 void ConvertPlayQueue(sql::Connection* music_db);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_PLAY_QUEUE_CONVERSION_H_

@@ -6,6 +6,8 @@
 #include "sql/connection.h"
 #include "tools/data_importer/run_record/import_report.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr char kVersion2Layout[] = "version 2";
@@ -100,3 +102,5 @@ void ReportMovedTables(ImportReport* report, const base::FilePath& data_folder,
   }
   report->SetCountedRows(FileName(playlist), counted, written.ok, written.error);
 }
+
+}  // namespace data_importer

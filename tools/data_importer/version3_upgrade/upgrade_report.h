@@ -7,6 +7,8 @@
 #include "tools/data_importer/target_store/verify_database.h"
 #include "tools/data_importer/version3_upgrade/upgrade_result.h"
 
+namespace data_importer {
+
 class ImportReport;
 
 // What the version-2 tasks copied, in the terms of the import report: the
@@ -33,5 +35,7 @@ void ReportCopiedDatabase(ImportReport* report, const base::FilePath& source,
 // |data_folder| moved from "VTMusicV3.db" to "playlistV3.db".
 void ReportMovedTables(ImportReport* report, const base::FilePath& data_folder,
                        const UpgradeResult& result);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_REPORT_H_

@@ -5,6 +5,8 @@
 #include "base/utf_string_conversions.h"
 #include "tools/data_importer/run_record/task_names.h"
 
+namespace data_importer {
+
 const char* OutcomeWord(CopyOutcome outcome) {
   switch (outcome) {
     case CopyOutcome::kNotRun:
@@ -95,3 +97,5 @@ void ClearUpgradeResult(const base::FilePath& data_folder) {
   // run was a version-2 task, which writes a fresh one.
   (void)base::DeleteFile(data_folder.Append(kUpgradeResultFile));
 }
+
+}  // namespace data_importer

@@ -9,6 +9,8 @@
 #include "base/json_file.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
+namespace data_importer {
+
 // What one of the two version-2 tasks did. Neither task reports anything in
 // "DBCheck" beyond "UpdateProgress", so the driver keeps this record in the
 // data folder as "UpgradeResult.json" for the host program (and for whoever
@@ -101,5 +103,7 @@ base::Value UpgradeResultJson(const UpgradeResult& result);
 
 // Removes a record left by an earlier run.
 void ClearUpgradeResult(const base::FilePath& data_folder);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_RESULT_H_

@@ -16,6 +16,8 @@
 #include "tools/data_importer/run_record/task_names.h"
 #include "tools/data_importer/version3_upgrade/upgrade_report.h"
 
+namespace data_importer {
+
 namespace {
 
 constexpr wchar_t kTag[] = L"[V8数据升级]";
@@ -218,3 +220,5 @@ void UpgradeTasks::UpgradeVersion3Databases(UpgradeResult* result) {
                                  << OutcomeWord(result->cloud_lists) << L"}, {"
                                  << result->cloud_lists_moved << L"} moved.";
 }
+
+}  // namespace data_importer

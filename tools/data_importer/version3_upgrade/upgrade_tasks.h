@@ -8,6 +8,8 @@
 #include "tools/data_importer/target_store/replacement_commit.h"
 #include "tools/data_importer/version3_upgrade/upgrade_result.h"
 
+namespace data_importer {
+
 class CloudListCleanup;
 class DatabaseHelper;
 class ProgressRecord;
@@ -79,5 +81,7 @@ class UpgradeTasks {
   std::unique_ptr<DatabaseHelper> m_db;
   std::unique_ptr<CloudListCleanup> m_cloud_list;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_VERSION3_UPGRADE_UPGRADE_TASKS_H_

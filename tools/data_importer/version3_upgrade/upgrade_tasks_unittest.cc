@@ -26,6 +26,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
+namespace data_importer {
+
 namespace {
 
 using testing_support::ReadBytes;
@@ -490,3 +492,5 @@ TEST_F(Version2TaskTest, CleanupDetachesAndLeavesMusicOpen) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -15,6 +15,7 @@
 #include "tools/data_importer/settings/v6_settings_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
 
+namespace data_importer {
 
 namespace {
 
@@ -352,3 +353,5 @@ void V6DataExporter::ReadSettings() {
 }
 
 void V6DataExporter::ReadLoginHistory() {}
+
+}  // namespace data_importer

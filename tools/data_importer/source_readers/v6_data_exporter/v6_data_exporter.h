@@ -13,6 +13,8 @@
 #include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_records.h"
 
+namespace data_importer {
+
 struct DropReason;
 
 class RowReaderInterface;
@@ -138,5 +140,7 @@ class V6DataExporter : public DataExporter {
   // the next number as its old id for the model's id maps.
   int m_next_v2_file_id = 1;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_V6_DATA_EXPORTER_V6_DATA_EXPORTER_H_

@@ -19,6 +19,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/driver/task_decision.h"
 
+namespace data_importer {
+
 namespace {
 
 std::wstring Hash(int n) {
@@ -423,3 +425,5 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -11,6 +11,8 @@
 #include "tools/data_importer/data_importer_main.h"
 #include "testing/importer_test_util.h"
 
+namespace data_importer {
+
 namespace {
 
 class V6SettingsImportTest : public testing::Test {
@@ -55,3 +57,5 @@ TEST_F(V6SettingsImportTest, UnusableSettingsFileLeavesNoSection) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -15,6 +15,7 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 
+namespace data_importer {
 
 namespace {
 
@@ -377,3 +378,5 @@ bool V6DataExporter::ReadFinishedDownloads() {
     return true;
   }).ok;
 }
+
+}  // namespace data_importer

@@ -12,6 +12,7 @@
 #include "tools/data_importer/settings/v7_settings_migration.h"
 #include "tools/data_importer/target_store/import_model.h"
 
+namespace data_importer {
 
 namespace {
 
@@ -174,3 +175,5 @@ void V7DataExporter::ReadLoginHistory() {}
 void V7DataExporter::ReadSearchHistory() {}
 
 void V7DataExporter::MigrateSkins() {}
+
+}  // namespace data_importer

@@ -11,6 +11,8 @@
 #include "tools/data_importer/source_readers/data_exporter.h"
 #include "tools/data_importer/target_store/import_records.h"
 
+namespace data_importer {
+
 // Imports a generation-7 installation: the database "VTData.db" in the
 // folder "Vantu7" of the roaming application-data folder (found whatever
 // the letter case of the names). The exporter copies it into the data
@@ -124,5 +126,7 @@ class V7DataExporter : public DataExporter {
   int32_t m_last_played_list = -1;      // from the settings file; -1 none
   int32_t m_last_played_position = 0;   // entry index in that list
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_

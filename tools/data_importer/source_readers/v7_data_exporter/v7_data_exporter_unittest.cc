@@ -19,6 +19,8 @@
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
 
+namespace data_importer {
+
 namespace {
 
 const char kZero[] = "00000000000000000000000000000000";
@@ -488,3 +490,5 @@ TEST_F(V7DataExporterTest, DumpAndDatabasePath) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -15,6 +15,8 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
+namespace data_importer {
+
 namespace {
 
 const wchar_t kSettings[] =
@@ -130,3 +132,5 @@ TEST_F(V7SettingsImportTest, EightBitFilesInTheUsersCodePage) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

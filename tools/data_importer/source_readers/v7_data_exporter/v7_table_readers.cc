@@ -16,6 +16,7 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
 
+namespace data_importer {
 
 namespace {
 
@@ -538,3 +539,5 @@ bool V7DataExporter::ReadDislikedRadioSongs() {
     return true;
   }).ok;
 }
+
+}  // namespace data_importer

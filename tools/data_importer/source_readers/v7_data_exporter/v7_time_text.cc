@@ -4,6 +4,8 @@
 #include <ctime>
 #include <string>
 
+namespace data_importer {
+
 int64_t ParseV7TimeText(std::string_view text) {
   const size_t length = text.size();
   if (length == 0 || length > 20)
@@ -56,3 +58,5 @@ int64_t ParseV7TimeText(std::string_view text) {
   return seconds < 0 || seconds > kLastSecond ? -1 : seconds;
 #endif
 }
+
+}  // namespace data_importer

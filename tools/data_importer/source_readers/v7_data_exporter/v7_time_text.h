@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+namespace data_importer {
+
 // Generation 7 wrote some times (its search history, for one) as narrow
 // text in one of several shapes. This turns such a text into seconds since
 // 1970 with the C library's local-time conversion (mktime with the
@@ -29,5 +31,7 @@
 // 3000-12-31 23:59:59 UTC, or one the C library cannot represent, answers
 // -1, as the player platform's 64-bit conversion does.
 int64_t ParseV7TimeText(std::string_view text);
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_V7_DATA_EXPORTER_V7_TIME_TEXT_H_

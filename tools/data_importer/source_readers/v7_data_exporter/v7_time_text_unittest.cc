@@ -9,6 +9,8 @@
 #include "base/environment.h"
 #include "base/utf_string_conversions.h"
 
+namespace data_importer {
+
 namespace {
 
 // Pins the process's time zone for one test and restores it afterwards.
@@ -103,3 +105,5 @@ TEST(V7TimeTextTest, PatternsAndOpenCases) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -15,6 +15,8 @@
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
+namespace data_importer {
+
 namespace {
 
 class ReimportSampleTest : public testing::Test {
@@ -164,3 +166,5 @@ TEST_F(ReimportSampleTest, NullComesBackAsNull) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -19,6 +19,8 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/import_model_test_util.h"
 
+namespace data_importer {
+
 namespace {
 
 class RoundTripTest : public testing::TestWithParam<uint32_t> {
@@ -99,3 +101,5 @@ TEST_P(RoundTripTest, EveryTableHoldsTheSameRows) {
 INSTANTIATE_TEST_SUITE_P(Seeds, RoundTripTest, testing::Values(1u, 20261123u));
 
 }  // namespace
+
+}  // namespace data_importer

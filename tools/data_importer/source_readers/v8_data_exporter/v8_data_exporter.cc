@@ -5,6 +5,7 @@
 #include "tools/data_importer/environment/data_folder.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
+namespace data_importer {
 
 namespace {
 
@@ -106,3 +107,5 @@ ExportResult V8DataExporter::ExportData() {
   V8LOG(logging::LOG_PROGRESS) << L"V8DataExporter::ExportData DONE!";
   return ExportResult::kExported;
 }
+
+}  // namespace data_importer

@@ -14,6 +14,8 @@
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/target_store/record_columns.h"
 
+namespace data_importer {
+
 class DbRowReader;
 
 
@@ -126,5 +128,7 @@ class V8DataExporter : public DataExporter {
   // folder is not in the library.
   int m_no_folder_id = 0;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_V8_DATA_EXPORTER_V8_DATA_EXPORTER_H_

@@ -15,6 +15,8 @@
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 
+namespace data_importer {
+
 namespace {
 
 using testing_support::ReadBytes;
@@ -390,3 +392,5 @@ TEST_F(V8DataExporterTest, LibraryBeyondRepair) {
 }
 
 }  // namespace
+
+}  // namespace data_importer

@@ -18,6 +18,7 @@
 #include "tools/data_importer/target_store/table_columns.h"
 #include "tools/data_importer/source_readers/v8_data_exporter/v8_data_exporter.h"
 
+namespace data_importer {
 
 namespace {
 
@@ -336,3 +337,5 @@ bool V8DataExporter::ReadSongTables(const char* prefix, std::map<int32_t, SongLi
     ok = ReadSongTable(name, &(*lists)[id], &ticker) && ok;
   return ok;
 }
+
+}  // namespace data_importer

@@ -3,6 +3,8 @@
 #include "logging/logging.h"
 #include "tools/data_importer/run_record/progress_record.h"
 
+namespace data_importer {
+
 VT2008DataExporter::VT2008DataExporter(const RunContext& context, ImportModel* model)
     : DataExporter(context, model) {}
 
@@ -22,3 +24,5 @@ std::wstring VT2008DataExporter::Dump(const base::FilePath& path) {
 base::FilePath VT2008DataExporter::GetDatabasePath() {
   return base::FilePath();
 }
+
+}  // namespace data_importer

@@ -3,6 +3,8 @@
 
 #include "tools/data_importer/source_readers/data_exporter.h"
 
+namespace data_importer {
+
 // The 2008 edition's reader. The edition is detected (its registry key), but
 // its files ("CacheList.dat", "Library.xml", "VT2008LoginSave.bin") are not
 // read yet: ExportData reports state 1 and imports nothing.
@@ -18,5 +20,7 @@ class VT2008DataExporter : public DataExporter {
   // An empty path.
   base::FilePath GetDatabasePath() override;
 };
+
+}  // namespace data_importer
 
 #endif  // TOOLS_DATA_IMPORTER_SOURCE_READERS_VT2008_DATA_EXPORTER_VT2008_DATA_EXPORTER_H_
