@@ -102,9 +102,8 @@ std::string WideToCodePage(std::wstring_view text, uint32_t code_page) {
     if (result != static_cast<size_t>(-1) || error == E2BIG)
       continue;
     const auto c = static_cast<uint32_t>(*reinterpret_cast<const wchar_t*>(in));
-    bytes.push_back(code_page == kCodePageWestern && IsUnassigned1252(c)
-                        ? static_cast<char>(c)
-                        : '?');
+    bytes.push_back(code_page == kCodePageWestern && IsUnassigned1252(c) ? static_cast<char>(c)
+                                                                         : '?');
     in += sizeof(wchar_t);
     in_left -= sizeof(wchar_t);
   }

@@ -68,8 +68,8 @@ CommandLine CommandLine::FromString(const std::wstring& command_line) {
     else
       continue;
     size_t equals = arg.find(L'=', start);
-    std::wstring name = arg.substr(start, equals == std::wstring::npos ? std::wstring::npos
-                                                                       : equals - start);
+    std::wstring name =
+        arg.substr(start, equals == std::wstring::npos ? std::wstring::npos : equals - start);
     if (name.empty())
       continue;
     std::wstring value = equals == std::wstring::npos ? std::wstring() : arg.substr(equals + 1);

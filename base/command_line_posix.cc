@@ -8,7 +8,6 @@
 
 namespace base {
 
-
 std::wstring GetCommandLineW() {
   std::ifstream in("/proc/self/cmdline", std::ios::binary);
   std::string raw((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());

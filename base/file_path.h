@@ -25,14 +25,20 @@ class FilePath {
   FilePath() = default;
   explicit FilePath(StringType path) : m_path(std::move(path)) {}
 
-  const StringType& value() const { return m_path; }
-  bool empty() const { return m_path.empty(); }
+  const StringType& value() const {
+    return m_path;
+  }
+  bool empty() const {
+    return m_path.empty();
+  }
 
   // This path joined with |component| by one separator. An empty path gives
   // |component| itself; an absolute |component| is appended as text all the
   // same (callers join relative names).
   FilePath Append(const StringType& component) const;
-  FilePath Append(const FilePath& component) const { return Append(component.value()); }
+  FilePath Append(const FilePath& component) const {
+    return Append(component.value());
+  }
 
   // The last component ("a/b/c.db" -> "c.db"); trailing separators ignored.
   FilePath BaseName() const;
@@ -48,9 +54,15 @@ class FilePath {
   std::string AsUTF8Unsafe() const;
   static FilePath FromUTF8Unsafe(const std::string& utf8);
 
-  bool operator==(const FilePath& other) const { return m_path == other.m_path; }
-  bool operator!=(const FilePath& other) const { return m_path != other.m_path; }
-  bool operator<(const FilePath& other) const { return m_path < other.m_path; }
+  bool operator==(const FilePath& other) const {
+    return m_path == other.m_path;
+  }
+  bool operator!=(const FilePath& other) const {
+    return m_path != other.m_path;
+  }
+  bool operator<(const FilePath& other) const {
+    return m_path < other.m_path;
+  }
 
   [[nodiscard]] static bool IsSeparator(wchar_t c);
 

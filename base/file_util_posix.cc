@@ -104,14 +104,13 @@ FilePath ResolvePathCase(const FilePath& path) {
     pos = next + 1;
     if (component.empty())
       continue;
-    std::string candidate = resolved.empty() || resolved.back() == '/'
-                                ? resolved + component
-                                : resolved + "/" + component;
+    std::string candidate = resolved.empty() || resolved.back() == '/' ? resolved + component
+                                                                       : resolved + "/" + component;
     if (!missing && !LstatExists(candidate) && component != "." && component != "..") {
       std::string match = FindEntryIgnoringCase(resolved, UTF8ToWide(component));
       if (!match.empty()) {
-        candidate = resolved.empty() || resolved.back() == '/' ? resolved + match
-                                                                : resolved + "/" + match;
+        candidate =
+            resolved.empty() || resolved.back() == '/' ? resolved + match : resolved + "/" + match;
       } else {
         missing = true;
       }
@@ -257,8 +256,8 @@ bool GetFileInfo(const FilePath& path, FileInfo* info) {
     return Fail();
   info->size = st.st_size;
   info->is_directory = S_ISDIR(st.st_mode);
-  info->last_modified = static_cast<double>(st.st_mtim.tv_sec) +
-                        static_cast<double>(st.st_mtim.tv_nsec) / 1e9;
+  info->last_modified =
+      static_cast<double>(st.st_mtim.tv_sec) + static_cast<double>(st.st_mtim.tv_nsec) / 1e9;
   return true;
 }
 
@@ -305,8 +304,8 @@ std::string SystemErrorText(int code) {
 
 bool CreateNewTempDirectory(const std::wstring& prefix, FilePath* path) {
   const char* folder = getenv("TMPDIR");
-  std::string pattern = std::string(folder && *folder ? folder : "/tmp") + "/" +
-                        WideToUTF8(prefix) + "XXXXXX";
+  std::string pattern =
+      std::string(folder && *folder ? folder : "/tmp") + "/" + WideToUTF8(prefix) + "XXXXXX";
   if (!mkdtemp(pattern.data()))
     return Fail();
   *path = FilePath::FromUTF8Unsafe(pattern);

@@ -15,7 +15,8 @@ namespace {
 class Digest {
  public:
   Digest() {
-    if (!BCRYPT_SUCCESS(BCryptOpenAlgorithmProvider(&m_algorithm, BCRYPT_MD5_ALGORITHM, nullptr, 0))) {
+    if (!BCRYPT_SUCCESS(
+            BCryptOpenAlgorithmProvider(&m_algorithm, BCRYPT_MD5_ALGORITHM, nullptr, 0))) {
       m_algorithm = nullptr;
       return;
     }
@@ -35,7 +36,7 @@ class Digest {
   void Update(const void* data, size_t size) {
     if (ok() && size > 0) {
       m_ok = BCRYPT_SUCCESS(BCryptHashData(m_hash, static_cast<PUCHAR>(const_cast<void*>(data)),
-                                          static_cast<ULONG>(size), 0));
+                                           static_cast<ULONG>(size), 0));
     }
   }
   std::string FinishHex() {

@@ -69,7 +69,8 @@ TEST(RegKeyTest, ReadsTheRegistryFile) {
   EXPECT_FALSE(absent.ReadValue(L"AppFileName", &value));
 
   // UTF-16LE with a byte-order mark.
-  std::u16string wide = u"\uFEFFREGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n\"A\"=\"\u00e9\"\r\n";
+  std::u16string wide =
+      u"\uFEFFREGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n\"A\"=\"\u00e9\"\r\n";
   EXPECT_TRUE(
       WriteFile(file, std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2)));
   RegKey utf16;
@@ -121,8 +122,8 @@ TEST(FileUtilTest, EnumeratorPatterns) {
   EXPECT_FALSE(FileEnumerator::MatchPattern(L"a", L"a?"));
 
   testing_support::ScopedTempDir dir;
-  for (const wchar_t* name : {L"VTLibrary.db", L"VTLibrary2.db", L"vtlibrary3.DB", L"VTData.db",
-                              L"song.krc"})
+  for (const wchar_t* name :
+       {L"VTLibrary.db", L"VTLibrary2.db", L"vtlibrary3.DB", L"VTData.db", L"song.krc"})
     EXPECT_TRUE(WriteFile(dir.path().Append(name), ""));
   EXPECT_TRUE(CreateDirectory(dir.path().Append(L"VTLibraryFolder.db")));  // folders are not listed
   std::vector<std::wstring> names;

@@ -230,7 +230,8 @@ struct SectionSpan {
   bool found = false;
 };
 
-SectionSpan FindSection(const std::wstring& units, const std::vector<Line>& lines,
+SectionSpan FindSection(const std::wstring& units,
+                        const std::vector<Line>& lines,
                         std::wstring_view section) {
   SectionSpan span;
   for (size_t i = 0; i < lines.size(); ++i) {
@@ -255,8 +256,11 @@ constexpr wchar_t kCrLf[] = L"\r\n";
 
 }  // namespace
 
-bool WritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, const wchar_t* value,
-                                const wchar_t* file, uint32_t ansi_code_page) {
+bool WritePrivateProfileStringW(const wchar_t* section,
+                                const wchar_t* key,
+                                const wchar_t* value,
+                                const wchar_t* file,
+                                uint32_t ansi_code_page) {
   if (!section || !file)
     return false;
   FilePath path = ResolvePathCase(FilePath(file));
@@ -354,7 +358,9 @@ struct Entry {
 };
 
 // The entries of the first section called |section| (all names when null).
-bool ReadSection(const std::wstring& file, uint32_t ansi_code_page, std::wstring_view section,
+bool ReadSection(const std::wstring& file,
+                 uint32_t ansi_code_page,
+                 std::wstring_view section,
                  std::vector<Entry>* out) {
   IniText text;
   if (!Load(ResolvePathCase(FilePath(file)), ansi_code_page, &text))
@@ -374,9 +380,11 @@ bool ReadSection(const std::wstring& file, uint32_t ansi_code_page, std::wstring
 
 }  // namespace
 
-std::wstring GetPrivateProfileStringW(const std::wstring& section, const std::wstring& key,
+std::wstring GetPrivateProfileStringW(const std::wstring& section,
+                                      const std::wstring& key,
                                       const std::wstring& default_value,
-                                      const std::wstring& file, uint32_t ansi_code_page) {
+                                      const std::wstring& file,
+                                      uint32_t ansi_code_page) {
   std::vector<Entry> entries;
   ReadSection(file, ansi_code_page, Trim(section), &entries);
   std::wstring wanted(Trim(key));
@@ -417,8 +425,8 @@ std::vector<std::wstring> GetPrivateProfileSections(const std::wstring& file,
   if (!Load(ResolvePathCase(FilePath(file)), ansi_code_page, &text))
     return sections;
   for (const Line& line : SplitLines(text.units)) {
-    auto header = HeaderName(
-        std::wstring_view(text.units.data() + line.begin, line.end - line.begin));
+    auto header =
+        HeaderName(std::wstring_view(text.units.data() + line.begin, line.end - line.begin));
     if (header && !header->empty())
       sections.push_back(text.FromUnits(*header));
   }

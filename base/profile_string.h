@@ -29,8 +29,10 @@ namespace base {
 //  - writing the value a key already has leaves the file untouched;
 //  - lines the call writes end in CR LF; every other line stays as it was.
 // Returns false only when |section| is null or the file cannot be written.
-[[nodiscard]] bool WritePrivateProfileStringW(const wchar_t* section, const wchar_t* key,
-                                              const wchar_t* value, const wchar_t* file,
+[[nodiscard]] bool WritePrivateProfileStringW(const wchar_t* section,
+                                              const wchar_t* key,
+                                              const wchar_t* value,
+                                              const wchar_t* file,
                                               uint32_t ansi_code_page);
 
 // The matching reader: the value of |key| in |section| (trimmed, matching
@@ -39,7 +41,8 @@ namespace base {
 std::wstring GetPrivateProfileStringW(const std::wstring& section,
                                       const std::wstring& key,
                                       const std::wstring& default_value,
-                                      const std::wstring& file, uint32_t ansi_code_page);
+                                      const std::wstring& file,
+                                      uint32_t ansi_code_page);
 
 // Names of the keys of |section| that have a value, in file order, and names
 // of all sections, as the reader with a null key or section gives them.

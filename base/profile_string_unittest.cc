@@ -71,7 +71,8 @@ TEST(ProfileStringTest, ReplaysRecordedScenarios) {
         std::vector<std::wstring> expected;
         for (const auto& name : read["list"])
           expected.push_back(UTF8ToWide(name.get<std::string>()));
-        EXPECT_EQ(expected, GetPrivateProfileSections(ini.value(), kCodePageWestern)) << read.dump();
+        EXPECT_EQ(expected, GetPrivateProfileSections(ini.value(), kCodePageWestern))
+            << read.dump();
       } else if (read["key"].is_null()) {
         // Windows answers the default for a section without keys.
         std::vector<std::wstring> expected;
@@ -79,9 +80,8 @@ TEST(ProfileStringTest, ReplaysRecordedScenarios) {
           expected.push_back(UTF8ToWide(name.get<std::string>()));
         if (expected == std::vector<std::wstring>{fallback})
           expected.clear();
-        EXPECT_EQ(expected,
-                  GetPrivateProfileKeys(UTF8ToWide(read["section"].get<std::string>()),
-                                        ini.value(), kCodePageWestern))
+        EXPECT_EQ(expected, GetPrivateProfileKeys(UTF8ToWide(read["section"].get<std::string>()),
+                                                  ini.value(), kCodePageWestern))
             << read.dump();
       } else {
         EXPECT_EQ(UTF8ToWide(read["value"].get<std::string>()),
@@ -101,23 +101,30 @@ TEST(ProfileStringTest, EditsInPlace) {
   testing_support::ScopedTempDir temp;
   FilePath ini = temp.path().Append(L"Vantu.ini");
   ASSERT_TRUE(WriteFile(ini, "; kept\n[Other]\nA = 1\n\n[DBCheck]\nImportProgress=5\n"));
-  EXPECT_TRUE(WritePrivateProfileStringW(L"dbcheck", L"importprogress", L"10", ini.value().c_str(), kCodePageWestern));
-  EXPECT_TRUE(WritePrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", ini.value().c_str(), kCodePageWestern));
-  EXPECT_TRUE(WritePrivateProfileStringW(L"New", L"K", L"v", ini.value().c_str(), kCodePageWestern));
+  EXPECT_TRUE(WritePrivateProfileStringW(L"dbcheck", L"importprogress", L"10", ini.value().c_str(),
+                                         kCodePageWestern));
+  EXPECT_TRUE(WritePrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", ini.value().c_str(),
+                                         kCodePageWestern));
+  EXPECT_TRUE(
+      WritePrivateProfileStringW(L"New", L"K", L"v", ini.value().c_str(), kCodePageWestern));
   std::string bytes;
   EXPECT_TRUE(ReadFileToString(ini, &bytes));
-  EXPECT_EQ("; kept\n[Other]\nA = 1\n\n[DBCheck]\nImportProgress=10\r\nImportEnd=\r\n[New]\r\nK=v\r\n",
-            bytes);
+  EXPECT_EQ(
+      "; kept\n[Other]\nA = 1\n\n[DBCheck]\nImportProgress=10\r\nImportEnd=\r\n[New]\r\nK=v\r\n",
+      bytes);
 
   FilePath wide = temp.path().Append(L"wide.ini");
   std::u16string content = u"\uFEFF[DBCheck]\r\nImportState=\u00e9\r\n";
   EXPECT_TRUE(WriteFile(
       wide, std::string(reinterpret_cast<const char*>(content.data()), content.size() * 2)));
-  EXPECT_TRUE(WritePrivateProfileStringW(L"DBCheck", L"ImportEnd", L"1", wide.value().c_str(), kCodePageWestern));
+  EXPECT_TRUE(WritePrivateProfileStringW(L"DBCheck", L"ImportEnd", L"1", wide.value().c_str(),
+                                         kCodePageWestern));
   EXPECT_TRUE(ReadFileToString(wide, &bytes));
   std::u16string expected = content + u"ImportEnd=1\r\n";
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(expected.data()), expected.size() * 2), bytes);
-  EXPECT_EQ(L"\u00e9", GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"", wide.value(), kCodePageWestern));
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(expected.data()), expected.size() * 2),
+            bytes);
+  EXPECT_EQ(L"\u00e9", GetPrivateProfileStringW(L"DBCheck", L"ImportState", L"", wide.value(),
+                                                kCodePageWestern));
 }
 
 // Two cases beyond the recorded behaviour. A UTF-16LE file without a
@@ -133,15 +140,19 @@ TEST(ProfileStringTest, UnmarkedUtf16AndTrimmedDeletes) {
     return std::string(reinterpret_cast<const char*>(text.data()), text.size() * 2);
   };
   ASSERT_TRUE(WriteFile(ini, bytes_of(content)));
-  EXPECT_EQ(L"\u7a3b\u9999", GetPrivateProfileStringW(L"Settings", L"Skin", L"", ini.value(), kCodePageWestern));
-  EXPECT_TRUE(WritePrivateProfileStringW(L"Settings", L"Lyric", L"\u00e9", ini.value().c_str(), kCodePageWestern));
-  EXPECT_TRUE(WritePrivateProfileStringW(L" Settings ", L"\tVolume ", nullptr, ini.value().c_str(), kCodePageWestern));
+  EXPECT_EQ(L"\u7a3b\u9999",
+            GetPrivateProfileStringW(L"Settings", L"Skin", L"", ini.value(), kCodePageWestern));
+  EXPECT_TRUE(WritePrivateProfileStringW(L"Settings", L"Lyric", L"\u00e9", ini.value().c_str(),
+                                         kCodePageWestern));
+  EXPECT_TRUE(WritePrivateProfileStringW(L" Settings ", L"\tVolume ", nullptr, ini.value().c_str(),
+                                         kCodePageWestern));
   std::string bytes;
   EXPECT_TRUE(ReadFileToString(ini, &bytes));
   EXPECT_EQ(bytes_of(u"[Settings]\r\nSkin=\u7a3b\u9999\r\nLyric=\u00e9\r\n"), bytes);
 
   // A section deleted by a blank-padded name.
-  EXPECT_TRUE(WritePrivateProfileStringW(L"  settings", nullptr, nullptr, ini.value().c_str(), kCodePageWestern));
+  EXPECT_TRUE(WritePrivateProfileStringW(L"  settings", nullptr, nullptr, ini.value().c_str(),
+                                         kCodePageWestern));
   EXPECT_TRUE(ReadFileToString(ini, &bytes));
   EXPECT_EQ("", bytes);
 
@@ -161,13 +172,13 @@ TEST(ProfileStringTest, EightBitFilesInTheCallersCodePage) {
   FilePath ini = temp.path().Append(L"test.ini");
   const std::string own = "[A]\r\nSkin=\xC4\xAC\xC8\xCF\r\n";  // 默认 in code page 936
   ASSERT_TRUE(WriteFile(ini, own));
-  EXPECT_EQ(L"\u9ed8\u8ba4", GetPrivateProfileStringW(L"A", L"Skin", L"", ini.value(),
-                                                     kCodePageSimplifiedChinese));
+  EXPECT_EQ(L"\u9ed8\u8ba4",
+            GetPrivateProfileStringW(L"A", L"Skin", L"", ini.value(), kCodePageSimplifiedChinese));
   EXPECT_TRUE(WritePrivateProfileStringW(L"A", L"Path", L"D:\\\u6b4c\u8bcd \u0628",
                                          ini.value().c_str(), kCodePageSimplifiedChinese));
   EXPECT_EQ(own + "Path=D:\\\xB8\xE8\xB4\xCA ?\r\n", testing_support::ReadBytes(ini));
-  EXPECT_EQ(L"D:\\\u6b4c\u8bcd ?", GetPrivateProfileStringW(L"A", L"Path", L"", ini.value(),
-                                                              kCodePageSimplifiedChinese));
+  EXPECT_EQ(L"D:\\\u6b4c\u8bcd ?",
+            GetPrivateProfileStringW(L"A", L"Path", L"", ini.value(), kCodePageSimplifiedChinese));
   EXPECT_EQ((std::vector<std::wstring>{L"Skin", L"Path"}),
             GetPrivateProfileKeys(L"A", ini.value(), kCodePageSimplifiedChinese));
 

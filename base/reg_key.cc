@@ -144,8 +144,8 @@ bool ReadExportKey(const std::wstring& text, const std::wstring& wanted, Registr
       continue;
     if (line[0] == L'[') {
       size_t close = line.rfind(L']');
-      std::wstring name = Fold(Trim(line.substr(1, close == std::wstring::npos ? std::wstring::npos
-                                                                               : close - 1)));
+      std::wstring name =
+          Fold(Trim(line.substr(1, close == std::wstring::npos ? std::wstring::npos : close - 1)));
       in_key = IsUserKey(name, wanted);
       found = found || in_key;
       continue;
@@ -243,9 +243,9 @@ bool RegKey::Open(const FilePath& path, const std::wstring& subkey) {
   std::string bytes;
   if (!ReadFileToString(path, &bytes))
     return false;
-  bool found = IsRegistryHive(bytes) ? ReadHiveKey(path, wanted, &strings)
-                                     : ReadExportKey(RegistryText(std::move(bytes)),
-                                                     Fold(wanted), &strings);
+  bool found = IsRegistryHive(bytes)
+                   ? ReadHiveKey(path, wanted, &strings)
+                   : ReadExportKey(RegistryText(std::move(bytes)), Fold(wanted), &strings);
   if (!found)
     return false;
   return Adopt(subkey, std::move(strings));

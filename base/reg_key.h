@@ -46,7 +46,8 @@ class RegKey {
   // Reads a string value; |name| empty or L"@" reads the default value.
   // False (and |*value| emptied) when the key is not open or the value is
   // missing. |*expandable|, when given, tells a REG_EXPAND_SZ value.
-  [[nodiscard]] bool ReadValue(const std::wstring& name, std::wstring* value,
+  [[nodiscard]] bool ReadValue(const std::wstring& name,
+                               std::wstring* value,
                                bool* expandable = nullptr) const;
 
  private:

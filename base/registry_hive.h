@@ -28,14 +28,18 @@ using RegistryStrings = std::map<std::wstring, RegistryString>;
 // letter case) below the root of the hive file |file|. False when the file
 // cannot be opened as a hive (missing, truncated, damaged: |*reason| says
 // why when given) or the key does not exist. Never modifies the file.
-[[nodiscard]] bool ReadHiveKey(const FilePath& file, const std::wstring& subkey,
-                               RegistryStrings* values, std::string* reason = nullptr);
+[[nodiscard]] bool ReadHiveKey(const FilePath& file,
+                               const std::wstring& subkey,
+                               RegistryStrings* values,
+                               std::string* reason = nullptr);
 
 // Reads the REG_DWORD value |name| of key |subkey| (as for ReadHiveKey) of
 // the hive file |file|. False when the file is no hive, the key or value is
 // missing, or the value is of another type.
-[[nodiscard]] bool ReadHiveDword(const FilePath& file, const std::wstring& subkey,
-                                 const std::wstring& name, uint32_t* value);
+[[nodiscard]] bool ReadHiveDword(const FilePath& file,
+                                 const std::wstring& subkey,
+                                 const std::wstring& name,
+                                 uint32_t* value);
 
 // Reads the string values of |subkey| under HKEY_CURRENT_USER of the
 // system's own registry. False when the key does not exist, and always on

@@ -72,7 +72,9 @@ bool CheckHiveFile(const FilePath& file, std::string* reason) {
   return true;
 }
 
-bool ReadHiveKey(const FilePath& file, const std::wstring& subkey, RegistryStrings* values,
+bool ReadHiveKey(const FilePath& file,
+                 const std::wstring& subkey,
+                 RegistryStrings* values,
                  std::string* reason) {
   values->clear();
   ScopedHive hive = OpenHive(file, reason);
@@ -104,7 +106,9 @@ bool ReadHiveKey(const FilePath& file, const std::wstring& subkey, RegistryStrin
   return true;
 }
 
-bool ReadHiveDword(const FilePath& file, const std::wstring& subkey, const std::wstring& name,
+bool ReadHiveDword(const FilePath& file,
+                   const std::wstring& subkey,
+                   const std::wstring& name,
                    uint32_t* value) {
   ScopedHive hive = OpenHive(file, nullptr);
   if (!hive)

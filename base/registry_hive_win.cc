@@ -32,8 +32,8 @@ bool ReadStrings(HKEY key, RegistryStrings* values) {
   for (DWORD index = 0;; ++index) {
     DWORD name_length = static_cast<DWORD>(name.size());
     DWORD type = 0;
-    LONG result = RegEnumValueW(key, index, name.data(), &name_length, nullptr, &type, nullptr,
-                                nullptr);
+    LONG result =
+        RegEnumValueW(key, index, name.data(), &name_length, nullptr, &type, nullptr, nullptr);
     if (result == ERROR_NO_MORE_ITEMS)
       break;
     if (result != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ))
@@ -70,8 +70,8 @@ class HiveCopy {
     if (n == 0 || n > MAX_PATH)
       return;
     m_folder = FilePath(std::wstring(temp, n))
-                  .Append(L"vantu-hive-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-                          std::to_wstring(GetTickCount64()));
+                   .Append(L"vantu-hive-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                           std::to_wstring(GetTickCount64()));
     if (!CreateDirectory(m_folder)) {
       m_folder = FilePath();
       return;
@@ -119,7 +119,9 @@ bool CheckHiveFile(const FilePath& file, std::string* reason) {
   return LoadHive(copy.path(), reason) != nullptr;
 }
 
-bool ReadHiveKey(const FilePath& file, const std::wstring& subkey, RegistryStrings* values,
+bool ReadHiveKey(const FilePath& file,
+                 const std::wstring& subkey,
+                 RegistryStrings* values,
                  std::string* reason) {
   values->clear();
   HiveCopy copy(file);

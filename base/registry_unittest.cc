@@ -21,9 +21,7 @@ std::string Utf16Bytes(const std::u16string& text) {
 
 class RegistryTest : public testing::Test {
  protected:
-  RegistryTest() {
-    m_file = m_dir.path().Append(L"NTUSER.DAT");
-  }
+  RegistryTest() { m_file = m_dir.path().Append(L"NTUSER.DAT"); }
 
   // The value |name| of |key|, or "#missing#"; a REG_EXPAND_SZ value with
   // its references expanded, USERPROFILE (in any letter case) being
@@ -73,9 +71,11 @@ TEST_F(RegistryTest, BinaryHive) {
 #endif
 
   EXPECT_EQ(L"C:\\Program Files\\VanTa6\\VanTa6.exe", Read(L"software\\VANTA6", L"appfilename"));
-  EXPECT_EQ(L"C:\\Program Files\\VanTa6\\VanTa6.exe", Read(L"\\Software\\VanTa6\\", L"AppFileName"));
+  EXPECT_EQ(L"C:\\Program Files\\VanTa6\\VanTa6.exe",
+            Read(L"\\Software\\VanTa6\\", L"AppFileName"));
   // Only REG_EXPAND_SZ values are expanded; unset variables stay as written.
-  EXPECT_EQ(L"/profiles/bob\\Music;%VANTU_UNSET_FOR_TEST%;100%", Read(L"Software\\VanTa6", L"Expanded"));
+  EXPECT_EQ(L"/profiles/bob\\Music;%VANTU_UNSET_FOR_TEST%;100%",
+            Read(L"Software\\VanTa6", L"Expanded"));
   EXPECT_EQ(L"%USERPROFILE%", Read(L"Software\\VanTa6", L"Plain"));
   EXPECT_EQ(L"default", Read(L"Software\\VanTa6", L"@"));
   EXPECT_EQ(L"\u4e2d\u6587\U0001F600", Read(L"Software\\VanTa6", L"\u540d"));
@@ -88,8 +88,8 @@ TEST_F(RegistryTest, BinaryHive) {
   EXPECT_TRUE(CheckRegistryFile(m_file, &reason)) << reason;
 
   // A truncated or overwritten hive reads as no registry and is reported.
-  for (const std::string& damaged :
-       {hive.substr(0, 4096 + 64), hive.substr(0, 3000), std::string("regf") + std::string(8000, '\x5a')}) {
+  for (const std::string& damaged : {hive.substr(0, 4096 + 64), hive.substr(0, 3000),
+                                     std::string("regf") + std::string(8000, '\x5a')}) {
     testing_support::WriteBytes(m_file, damaged);
     EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"AppFileName"));
     reason.clear();
@@ -107,18 +107,19 @@ TEST_F(RegistryTest, BinaryHive) {
 // byte-order mark and CRLF line ends, REG_EXPAND_SZ as "hex(2):" bytes over
 // continued lines.
 TEST_F(RegistryTest, RegistryEditorExport) {
-  testing_support::WriteBytes(m_file,
-            Utf16Bytes(u"\uFEFFWindows Registry Editor Version 5.00\r\n\r\n"
-                       u"[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n"
-                       // "%USERPROFILE%\A" in UTF-16LE, split over three lines.
-                       u"\"Path\"=hex(2):25,00,55,00,53,00,45,00,52,00,50,00,52,00,4f,00,46,00,\\\r\n"
-                       u"  49,00,4c,00,45,00,25,00,5c,00,41,00,\\\r\n"
-                       u"  00,00\r\n"
-                       u"\"Sz\"=hex(1):41,00,42,00,00,00\r\n"
-                       u"\"Bad\"=hex(2):4x,00\r\n"
-                       u"\"Number\"=dword:00000007\r\n"
-                       u"\"Quoted\"=\"ends with \\\\\"\r\n"
-                       u"\"After\"=\"still read\"\r\n"));
+  testing_support::WriteBytes(
+      m_file,
+      Utf16Bytes(u"\uFEFFWindows Registry Editor Version 5.00\r\n\r\n"
+                 u"[HKEY_CURRENT_USER\\Software\\VanTa6]\r\n"
+                 // "%USERPROFILE%\A" in UTF-16LE, split over three lines.
+                 u"\"Path\"=hex(2):25,00,55,00,53,00,45,00,52,00,50,00,52,00,4f,00,46,00,\\\r\n"
+                 u"  49,00,4c,00,45,00,25,00,5c,00,41,00,\\\r\n"
+                 u"  00,00\r\n"
+                 u"\"Sz\"=hex(1):41,00,42,00,00,00\r\n"
+                 u"\"Bad\"=hex(2):4x,00\r\n"
+                 u"\"Number\"=dword:00000007\r\n"
+                 u"\"Quoted\"=\"ends with \\\\\"\r\n"
+                 u"\"After\"=\"still read\"\r\n"));
   EXPECT_EQ(L"/profiles/bob\\A", Read(L"Software\\VanTa6", L"Path"));
   EXPECT_EQ(L"AB", Read(L"Software\\VanTa6", L"Sz"));
   EXPECT_EQ(L"#missing#", Read(L"Software\\VanTa6", L"Bad"));
@@ -149,8 +150,8 @@ TEST_F(RegistryTest, ExportOfALoadedHive) {
 // Random bytes or an empty file are no registry: the check says so, where
 // reading would only find every key missing.
 TEST_F(RegistryTest, NeitherHiveNorExportIsRefused) {
-  for (const std::string& bytes :
-       {std::string(), std::string("\x13\x9a\x00garbage\xff", 13), std::string("[HKEY_CURRENT_USER\\X]\n")}) {
+  for (const std::string& bytes : {std::string(), std::string("\x13\x9a\x00garbage\xff", 13),
+                                   std::string("[HKEY_CURRENT_USER\\X]\n")}) {
     testing_support::WriteBytes(m_file, bytes);
     std::string reason;
     EXPECT_FALSE(CheckRegistryFile(m_file, &reason));
@@ -192,10 +193,11 @@ TEST(WindowsPathTest, DrivesMapToFolders) {
   EXPECT_EQ(L"E:\\Music", MapWindowsPath(L"E:\\Music", drives).value());
   EXPECT_EQ(L"\\\\server\\share\\x", MapWindowsPath(L"\\\\server\\share\\x", drives).value());
 #else
-  EXPECT_TRUE(MapWindowsPath(L"D:\\Music", drives).empty());   // no folder for D
-  EXPECT_TRUE(MapWindowsPath(L"E:\\Music", drives).empty());   // an empty folder is none
+  EXPECT_TRUE(MapWindowsPath(L"D:\\Music", drives).empty());  // no folder for D
+  EXPECT_TRUE(MapWindowsPath(L"E:\\Music", drives).empty());  // an empty folder is none
   EXPECT_TRUE(MapWindowsPath(L"\\\\server\\share\\x", drives).empty());
-  EXPECT_EQ(L"/home/u/VanTa6/VanTa6.exe", MapWindowsPath(L"/home/u/VanTa6/VanTa6.exe", drives).value());
+  EXPECT_EQ(L"/home/u/VanTa6/VanTa6.exe",
+            MapWindowsPath(L"/home/u/VanTa6/VanTa6.exe", drives).value());
 #endif
   EXPECT_EQ(native(L"Old Player/data"), MapWindowsPath(L"Old Player\\data", drives).value());
   EXPECT_EQ(L"", MapWindowsPath(L"", drives).value());

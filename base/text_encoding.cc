@@ -17,8 +17,7 @@ constexpr int kNotAsciiMask = 0xF000;
 constexpr int kMaxExaminedUnits = 256;
 
 bool IsControlUnit(uint16_t unit) {
-  return unit == 0x000D || unit == 0x000A || unit == 0x0009 || unit == 0x0020 ||
-         unit == 0x3000;
+  return unit == 0x000D || unit == 0x000A || unit == 0x0009 || unit == 0x0020 || unit == 0x3000;
 }
 
 bool IsReverseControlUnit(uint16_t unit) {

@@ -92,8 +92,8 @@ std::wstring UTF16ToWide(std::u16string_view utf16) {
   for (size_t i = 0; i < utf16.size(); ++i) {
     char32_t c = utf16[i];
     if constexpr (sizeof(wchar_t) == 4) {
-      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < utf16.size() &&
-          utf16[i + 1] >= 0xDC00 && utf16[i + 1] <= 0xDFFF) {
+      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 &&
+          utf16[i + 1] <= 0xDFFF) {
         c = 0x10000 + ((c - 0xD800) << 10) + (utf16[i + 1] - 0xDC00);
         ++i;
       } else if (c >= 0xD800 && c <= 0xDFFF) {
@@ -141,8 +141,8 @@ std::u16string UTF16UnitsFromBytes(std::string_view bytes, bool big_endian) {
   for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
     const unsigned first = static_cast<unsigned char>(bytes[i]);
     const unsigned second = static_cast<unsigned char>(bytes[i + 1]);
-    units.push_back(static_cast<char16_t>(big_endian ? (first << 8) | second
-                                                     : first | (second << 8)));
+    units.push_back(
+        static_cast<char16_t>(big_endian ? (first << 8) | second : first | (second << 8)));
   }
   return units;
 }

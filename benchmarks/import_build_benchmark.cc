@@ -140,8 +140,7 @@ Baseline MeasureBaseline(ImportModel* model) {
       !music->connection()->DbEncrypt(kVersion3DatabaseKey))
     baseline.failed = true;
   baseline.export_s = Seconds(start);
-  baseline.statements =
-      music_statements.statements.size() + playlist_statements.statements.size();
+  baseline.statements = music_statements.statements.size() + playlist_statements.statements.size();
   return baseline;
 }
 
@@ -180,9 +179,8 @@ void BM_ShareFileItems(benchmark::State& state) {
     state.counters["baseline_rows_per_s"] = kFiles / Seconds(start);
     state.ResumeTiming();
   }
-  state.counters["rows_per_s"] =
-      benchmark::Counter(static_cast<double>(kFiles) * state.iterations(),
-                         benchmark::Counter::kIsRate);
+  state.counters["rows_per_s"] = benchmark::Counter(
+      static_cast<double>(kFiles) * state.iterations(), benchmark::Counter::kIsRate);
   state.counters["peak_MB"] = PeakMemoryMegabytes();
 }
 BENCHMARK(BM_ShareFileItems)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
@@ -198,9 +196,8 @@ void BM_ShareFileItemsWithoutEngine(benchmark::State& state) {
     model.m_hash_id_map.clear();
     model.WriteShareFileItems();
   }
-  state.counters["rows_per_s"] =
-      benchmark::Counter(static_cast<double>(kFiles) * state.iterations(),
-                         benchmark::Counter::kIsRate);
+  state.counters["rows_per_s"] = benchmark::Counter(
+      static_cast<double>(kFiles) * state.iterations(), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_ShareFileItemsWithoutEngine)->Unit(benchmark::kMillisecond)->UseRealTime();
 

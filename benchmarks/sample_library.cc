@@ -14,11 +14,13 @@ namespace data_importer {
 
 namespace {
 
-const wchar_t* const kArtists[] = {L"\u5468\u6770\u502b", L"Beyonc\u00e9", L"Guns N' Roses",
-                                   L"\u0411\u0438-2", L"The Beatles", L"\u5b87\u591a\u7530\u30d2\u30ab\u30eb",
-                                   L"Sigur R\u00f3s", L"Mot\u00f6rhead"};
-const wchar_t* const kWords[] = {L"love", L"\u591c\u66f2", L"don't", L"stop", L"\u7a3b\u9999",
-                                 L"caf\u00e9", L"night", L"\u6674\u5929", L"rock'n'roll", L"blue"};
+const wchar_t* const kArtists[] = {L"\u5468\u6770\u502b", L"Beyonc\u00e9",
+                                   L"Guns N' Roses",      L"\u0411\u0438-2",
+                                   L"The Beatles",        L"\u5b87\u591a\u7530\u30d2\u30ab\u30eb",
+                                   L"Sigur R\u00f3s",     L"Mot\u00f6rhead"};
+const wchar_t* const kWords[] = {L"love",         L"\u591c\u66f2", L"don't", L"stop",
+                                 L"\u7a3b\u9999", L"caf\u00e9",    L"night", L"\u6674\u5929",
+                                 L"rock'n'roll",  L"blue"};
 
 std::wstring Hash(std::mt19937& random) {
   wchar_t buffer[40];

@@ -18,7 +18,8 @@ inline base::FilePath FuzzScratchPath(const std::string& name) {
   return base::FilePath(std::filesystem::temp_directory_path(ignored).wstring())
       .Append(base::UTF8ToWide(name + suffix));
 #else
-  const std::string folder = base::DirectoryExists(base::FilePath(L"/dev/shm")) ? "/dev/shm" : "/tmp";
+  const std::string folder =
+      base::DirectoryExists(base::FilePath(L"/dev/shm")) ? "/dev/shm" : "/tmp";
   return base::FilePath::FromUTF8Unsafe(folder + "/" + name + suffix);
 #endif
 }

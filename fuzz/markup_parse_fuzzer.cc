@@ -59,7 +59,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // The same through the file format (declaration, mark, UTF-16).
   const std::wstring file_text = std::wstring(markup::kStandardDeclaration) + saved;
   if (!HasSwappedControl(file_text.substr(0, 256))) {
-    markup::MarkupHandle loaded = markup::Parse(markup::DecodeMarkupBytes(SavedBytes(file_text)), L"");
+    markup::MarkupHandle loaded =
+        markup::Parse(markup::DecodeMarkupBytes(SavedBytes(file_text)), L"");
     if (loaded.IsNull())
       abort();
   }

@@ -18,7 +18,7 @@ namespace {
 // A multi-byte code page: its lead and trail bytes are the harder case.
 constexpr uint32_t kCodePage = base::kCodePageSimplifiedChinese;
 base::FilePath g_file;
-}
+}  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   (void)base::SetEnvironmentString("VANTU_LOG_LEVEL", L"5");  // fails only without memory

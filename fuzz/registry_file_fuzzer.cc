@@ -28,15 +28,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     return 0;
   std::string reason;
   (void)base::CheckRegistryFile(g_file, &reason);  // any answer will do
-  for (const wchar_t* key : {L"Software\\VanTa6", L"Software\\VanTa", L"software\\vantu\\database_update"}) {
+  for (const wchar_t* key :
+       {L"Software\\VanTa6", L"Software\\VanTa", L"software\\vantu\\database_update"}) {
     base::RegKey reg;
     std::wstring value;
     bool expandable = false;
     if (reg.Open(g_file, key) && reg.ReadValue(L"AppFileName", &value, &expandable) && expandable)
-      (void)base::ExpandEnvironmentReferences(value, [](const std::wstring& name, std::wstring* out) {
-        *out = name;  // any text will do
-        return name.size() % 2 == 0;
-      });
+      (void)base::ExpandEnvironmentReferences(value,
+                                              [](const std::wstring& name, std::wstring* out) {
+                                                *out = name;  // any text will do
+                                                return name.size() % 2 == 0;
+                                              });
   }
   return 0;
 }

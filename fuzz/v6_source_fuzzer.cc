@@ -22,7 +22,7 @@ namespace {
 base::FilePath g_data_folder;
 base::FilePath g_root;
 RunContext g_context;
-}
+}  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   (void)base::SetEnvironmentString("VANTU_LOG_LEVEL", L"5");  // fails only without memory

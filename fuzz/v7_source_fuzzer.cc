@@ -20,7 +20,7 @@ using namespace data_importer;  // the importer under use
 namespace {
 base::FilePath g_root;
 RunContext g_context;
-}
+}  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("VANTU_LOG_LEVEL", "5", 1);
@@ -48,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   ProgressRecord record;
   ImportModel model(&record);
   V7DataExporter exporter(g_context, &model);
-  (void)exporter.Dump(source);   // every outcome is allowed; crashes are not
+  (void)exporter.Dump(source);  // every outcome is allowed; crashes are not
   (void)exporter.ExportData();
   std::string after;
   // The user's file is only ever read.

@@ -21,7 +21,7 @@ namespace {
 base::FilePath g_root;
 base::FilePath g_data_folder;
 RunContext g_context;
-}
+}  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   setenv("VANTU_LOG_LEVEL", "5", 1);
@@ -38,8 +38,9 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 4)
     return 0;
-  size_t first = (size_t{data[0]} | size_t{data[1]} << 8 | size_t{data[2]} << 16 |
-                  size_t{data[3]} << 24) % (size - 3);
+  size_t first =
+      (size_t{data[0]} | size_t{data[1]} << 8 | size_t{data[2]} << 16 | size_t{data[3]} << 24) %
+      (size - 3);
   const std::string music(reinterpret_cast<const char*>(data) + 4, first);
   const std::string lists(reinterpret_cast<const char*>(data) + 4 + first, size - 4 - first);
   if (!base::DeleteFile(g_data_folder, true) || !base::CreateDirectory(g_data_folder))

@@ -32,7 +32,7 @@ enum LogLevel : int {
 struct LogState;
 
 struct LogSettings {
-  base::FilePath file;     // empty: no log file
+  base::FilePath file;  // empty: no log file
   int min_level = LOG_PROGRESS;
   bool to_stderr = false;
 };
@@ -87,10 +87,9 @@ void WriteLogLine(const char* file, int line, int level, const std::wstring& tex
 
 }  // namespace logging
 
-#define VLOG_AT(level)                              \
-  !::logging::ShouldLog(level)                      \
-      ? (void)0                                     \
-      : ::logging::LogMessageVoidify() &            \
-            ::logging::LogMessage(__FILE__, __LINE__, level).stream()
+#define VLOG_AT(level)         \
+  !::logging::ShouldLog(level) \
+      ? (void)0                \
+      : ::logging::LogMessageVoidify() & ::logging::LogMessage(__FILE__, __LINE__, level).stream()
 
 #endif  // LOGGING_LOGGING_H_

@@ -6,7 +6,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 
 packages=(cmake g++ make pkg-config libsqlcipher-dev sqlcipher libboost-dev
           nlohmann-json3-dev libssl-dev libgtest-dev libbenchmark-dev libutfcpp-dev
-          libhivex-dev libhivex-bin)
+          libhivex-dev libhivex-bin clang-format)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -64,7 +64,8 @@ bool Connection::Open(const base::FilePath& path) {
   return OpenInternal(path, nullptr, true);
 }
 
-bool Connection::OpenWithKey(const base::FilePath& path, const std::wstring& key,
+bool Connection::OpenWithKey(const base::FilePath& path,
+                             const std::wstring& key,
                              bool create_if_missing) {
   std::string utf8_key = base::WideToUTF8(key);
   return OpenInternal(path, &utf8_key, create_if_missing);
@@ -107,7 +108,8 @@ bool Connection::OpenReadOnly(const base::FilePath& path) {
   return true;
 }
 
-bool Connection::OpenInternal(const base::FilePath& path, const std::string* key,
+bool Connection::OpenInternal(const base::FilePath& path,
+                              const std::string* key,
                               bool create_if_missing) {
   Close();
   base::FilePath resolved = base::ResolvePathCase(path);
@@ -157,19 +159,17 @@ bool Connection::PinCipherFormat(const char* schema) {
   if (version.empty())
     return false;  // no page encryption in this engine
   if (version[0] == '3' && version.size() > 1 && version[1] == '.') {
-    return Execute((prefix + "cipher_page_size = 1024; " + prefix + "kdf_iter = 64000; " +
-                    prefix + "cipher_use_hmac = ON;")
+    return Execute((prefix + "cipher_page_size = 1024; " + prefix + "kdf_iter = 64000; " + prefix +
+                    "cipher_use_hmac = ON;")
                        .c_str());
   }
   return Execute((prefix + "cipher_compatibility = 3").c_str());
 }
 
 bool Connection::ApplySettings() {
-  if (m_page_size > 0 &&
-      !Execute(("PRAGMA page_size=" + std::to_string(m_page_size)).c_str()))
+  if (m_page_size > 0 && !Execute(("PRAGMA page_size=" + std::to_string(m_page_size)).c_str()))
     return false;
-  if (m_cache_size > 0 &&
-      !Execute(("PRAGMA cache_size=" + std::to_string(m_cache_size)).c_str()))
+  if (m_cache_size > 0 && !Execute(("PRAGMA cache_size=" + std::to_string(m_cache_size)).c_str()))
     return false;
   return true;
 }
@@ -232,8 +232,8 @@ bool Connection::DoesColumnExist(const char* table_name, const char* column_name
 }
 
 bool Connection::AttachDatabase(const base::FilePath& path, const char* alias) {
-  std::string sql = "ATTACH DATABASE " +
-                    Quote(base::ResolvePathCase(path).AsUTF8Unsafe()) + " AS " + alias;
+  std::string sql =
+      "ATTACH DATABASE " + Quote(base::ResolvePathCase(path).AsUTF8Unsafe()) + " AS " + alias;
   // The engine would give an attached file the main database's key only
   // until that key has been used once; naming it keeps the promise always.
   // The cipher format is not pinned for the attached file: on the 3.x line
@@ -316,8 +316,8 @@ bool Connection::DbEncrypt(const std::wstring& key) {
     return false;
   }
   // One transaction around the export saves a commit per table.
-  bool exported = Execute("BEGIN") &&
-                  Execute("SELECT sqlcipher_export('vantu_encrypted')") && Execute("COMMIT");
+  bool exported = Execute("BEGIN") && Execute("SELECT sqlcipher_export('vantu_encrypted')") &&
+                  Execute("COMMIT");
   if (!exported)
     // The failed export is answered below; the rollback is clean-up.
     (void)Execute("ROLLBACK");

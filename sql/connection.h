@@ -54,7 +54,8 @@ class Connection {
   // reading the schema: a wrong key, or a plain file, answers false and
   // leaves the connection closed.
   // |create_if_missing| false refuses a file that does not exist.
-  [[nodiscard]] bool OpenWithKey(const base::FilePath& path, const std::wstring& key,
+  [[nodiscard]] bool OpenWithKey(const base::FilePath& path,
+                                 const std::wstring& key,
                                  bool create_if_missing = false);
 
   // Opens the plain database file at |path| for reading only, as an
@@ -114,7 +115,8 @@ class Connection {
   sqlite3* db() const { return m_db; }
 
  private:
-  [[nodiscard]] bool OpenInternal(const base::FilePath& path, const std::string* key,
+  [[nodiscard]] bool OpenInternal(const base::FilePath& path,
+                                  const std::string* key,
                                   bool create_if_missing);
   [[nodiscard]] bool ApplySettings();
   // Sets the cipher parameters of the version-3 format on database |schema|

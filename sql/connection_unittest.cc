@@ -21,8 +21,10 @@ constexpr wchar_t kKey[] = L"3C5A0F1E9D2B47A6B8E1C4D7F0A29B63";
 
 #if !defined(_WIN32)
 // The stock sqlcipher tool runs on the Linux build only.
-std::string SqlcipherQuery(const base::FilePath& path, const std::string& key_line,
-                           const std::string& query, int* status) {
+std::string SqlcipherQuery(const base::FilePath& path,
+                           const std::string& key_line,
+                           const std::string& query,
+                           int* status) {
   std::string output;
   *status = testing_support::RunCommand("sqlcipher '" + path.AsUTF8Unsafe() + "' 2>&1",
                                         key_line + query + "\n", &output);
@@ -80,7 +82,6 @@ TEST(ConnectionTest, DbEncryptEndToEnd) {
   EXPECT_EQ(0, status);
   EXPECT_NE(std::string::npos, output.find("500")) << output;
 #endif  // !defined(_WIN32)
-
 }
 
 #if !defined(_WIN32)
@@ -177,9 +178,10 @@ TEST(ConnectionTest, CipherFormatIsPinned) {
   testing_support::ScopedTempDir dir;
   Connection settings;
   ASSERT_TRUE(settings.Open(dir.path().Append(L"settings.db")));
-  ASSERT_TRUE(settings.Execute("PRAGMA cipher_default_kdf_iter = 4000;"
-                               "PRAGMA cipher_default_page_size = 4096;"
-                               "PRAGMA cipher_default_use_hmac = OFF;"));
+  ASSERT_TRUE(
+      settings.Execute("PRAGMA cipher_default_kdf_iter = 4000;"
+                       "PRAGMA cipher_default_page_size = 4096;"
+                       "PRAGMA cipher_default_use_hmac = OFF;"));
   base::FilePath path = dir.path().Append(L"pinned.db");
   {
     Connection db;
@@ -192,9 +194,10 @@ TEST(ConnectionTest, CipherFormatIsPinned) {
   }
   Connection reader;
   bool reopened = reader.OpenWithKey(path, kKey);
-  ASSERT_TRUE(settings.Execute("PRAGMA cipher_default_kdf_iter = 64000;"
-                               "PRAGMA cipher_default_page_size = 1024;"
-                               "PRAGMA cipher_default_use_hmac = ON;"));
+  ASSERT_TRUE(
+      settings.Execute("PRAGMA cipher_default_kdf_iter = 64000;"
+                       "PRAGMA cipher_default_page_size = 1024;"
+                       "PRAGMA cipher_default_use_hmac = ON;"));
   EXPECT_TRUE(reopened);
 #if !defined(_WIN32)
   // The stock sqlcipher tool runs on the Linux build only.

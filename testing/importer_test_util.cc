@@ -51,7 +51,8 @@ base::FilePath TestDataFolder() {
   return TestRunContext().m_data_folder;
 }
 
-void TestProfile::SetRegistryValue(const std::wstring& key, const std::wstring& name,
+void TestProfile::SetRegistryValue(const std::wstring& key,
+                                   const std::wstring& name,
                                    const std::wstring& value) {
   std::wstring escaped;
   for (wchar_t c : value) {
@@ -59,7 +60,8 @@ void TestProfile::SetRegistryValue(const std::wstring& key, const std::wstring& 
       escaped.push_back(L'\\');
     escaped.push_back(c);
   }
-  m_registry += L"[HKEY_CURRENT_USER\\" + key + L"]\r\n\"" + name + L"\"=\"" + escaped + L"\"\r\n\r\n";
+  m_registry +=
+      L"[HKEY_CURRENT_USER\\" + key + L"]\r\n\"" + name + L"\"=\"" + escaped + L"\"\r\n\r\n";
   EXPECT_TRUE(base::WriteFile(
       root().Append(L"user.reg"),
       "Windows Registry Editor Version 5.00\r\n\r\n" + base::WideToUTF8(m_registry)));
@@ -197,8 +199,10 @@ std::vector<std::string> TypedRows(sql::Connection* db, const std::string& table
           break;
         }
         case SQLITE_TEXT:
-          row += "t:'" + std::string(reinterpret_cast<const char*>(sqlite3_column_text(stmt, i)),
-                                     sqlite3_column_bytes(stmt, i)) + "'";
+          row += "t:'" +
+                 std::string(reinterpret_cast<const char*>(sqlite3_column_text(stmt, i)),
+                             sqlite3_column_bytes(stmt, i)) +
+                 "'";
           break;
         default:
           row += "b:" + std::to_string(sqlite3_column_bytes(stmt, i));
@@ -210,7 +214,8 @@ std::vector<std::string> TypedRows(sql::Connection* db, const std::string& table
   return rows;
 }
 
-bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& key,
+bool ExportPlainDatabase(const base::FilePath& encrypted,
+                         const std::wstring& key,
                          const base::FilePath& plain) {
   sql::Connection db;
   if (!db.OpenWithKey(encrypted, key))
@@ -224,7 +229,8 @@ bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& ke
          db.Execute("DETACH DATABASE plain");
 }
 
-std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
+std::string SqlcipherOutput(const base::FilePath& path,
+                            const std::wstring& key,
                             const std::string& query) {
   std::string input = key.empty() ? "" : "PRAGMA key = '" + base::WideToUTF8(key) + "';\n";
   std::string output;
@@ -256,8 +262,10 @@ base::Value ReadImportReport(const base::FilePath& data_folder) {
   return report;
 }
 
-const base::Value* FindEntry(const base::Value& list, const std::string& key,
-                             const std::string& value, const std::string& key2,
+const base::Value* FindEntry(const base::Value& list,
+                             const std::string& key,
+                             const std::string& value,
+                             const std::string& key2,
                              const std::string& value2) {
   for (const auto& entry : list) {
     if (entry[key] == value && (key2.empty() || entry[key2] == value2))
@@ -283,8 +291,7 @@ void ExpectReportReconciles(const base::Value& report, const base::FilePath& dat
         << flow.dump();
     EXPECT_NE("(not recorded)", flow["from"]) << flow.dump();
     pair_drops += by_reason;
-    family_reads[{flow["source"], flow["from"]}][Family(flow["to"])] +=
-        flow["read"].get<int64_t>();
+    family_reads[{flow["source"], flow["from"]}][Family(flow["to"])] += flow["read"].get<int64_t>();
   }
   // A source feeding DownloadItem feeds the history with its finished
   // downloads only; a source of history rows alone feeds it all of them.

@@ -35,7 +35,8 @@ class TestProfile {
 
   // Writes the registry file with one string value under
   // HKEY_CURRENT_USER\|key|.
-  void SetRegistryValue(const std::wstring& key, const std::wstring& name,
+  void SetRegistryValue(const std::wstring& key,
+                        const std::wstring& name,
                         const std::wstring& value);
 
   // A value of section "DBCheck", "#missing#" when the key is absent.
@@ -118,13 +119,15 @@ std::vector<std::string> TypedRows(sql::Connection* db, const std::string& table
 
 // Writes the plain copy of the encrypted database |encrypted| (opened with
 // |key|) to |plain|; false when either cannot be opened.
-bool ExportPlainDatabase(const base::FilePath& encrypted, const std::wstring& key,
+bool ExportPlainDatabase(const base::FilePath& encrypted,
+                         const std::wstring& key,
                          const base::FilePath& plain);
 
 // What the stock sqlcipher tool prints for |query| on the database at
 // |path|, after "PRAGMA key" with |key| when |key| is not empty (error
 // messages included).
-std::string SqlcipherOutput(const base::FilePath& path, const std::wstring& key,
+std::string SqlcipherOutput(const base::FilePath& path,
+                            const std::wstring& key,
                             const std::string& query);
 
 // The report of the last run on |data_folder|, the newest of its history
@@ -133,8 +136,10 @@ base::Value ReadImportReport(const base::FilePath& data_folder);
 
 // The first entry of the array |list| whose |key| is |value| (and, when
 // |key2| is given, whose |key2| is |value2|); null when there is none.
-const base::Value* FindEntry(const base::Value& list, const std::string& key,
-                             const std::string& value, const std::string& key2 = "",
+const base::Value* FindEntry(const base::Value& list,
+                             const std::string& key,
+                             const std::string& value,
+                             const std::string& key2 = "",
                              const std::string& value2 = "");
 
 // Expects every number of an import report (ImportReport::ToJson) to add

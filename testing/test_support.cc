@@ -59,8 +59,8 @@ void ScopedEnv::Set(const std::string& name, const std::optional<std::string>& v
   if (!m_saved.count(name)) {
     std::wstring old;
     m_saved[name] = base::GetEnvironmentString(name, &old)
-                       ? std::optional<std::string>(base::WideToUTF8(old))
-                       : std::nullopt;
+                        ? std::optional<std::string>(base::WideToUTF8(old))
+                        : std::nullopt;
   }
   if (value)
     EXPECT_TRUE(base::SetEnvironmentString(name, base::UTF8ToWide(*value))) << name;
@@ -92,8 +92,8 @@ int GoneProcessId() {
   STARTUPINFOW startup = {};
   startup.cb = sizeof(startup);
   PROCESS_INFORMATION process = {};
-  if (!CreateProcessW(exe.c_str(), line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
-                      nullptr, nullptr, &startup, &process)) {
+  if (!CreateProcessW(exe.c_str(), line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
+                      nullptr, &startup, &process)) {
     return -1;
   }
   WaitForSingleObject(process.hProcess, INFINITE);

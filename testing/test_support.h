@@ -87,8 +87,8 @@ std::wstring NumberedHash(int n, wchar_t fill);
 inline ::testing::AssertionResult IsOk(const base::Status& status) {
   if (status.ok())
     return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << "not OK: " << std::string(status.message().begin(),
-                                                                     status.message().end());
+  return ::testing::AssertionFailure()
+         << "not OK: " << std::string(status.message().begin(), status.message().end());
 }
 
 #endif  // TESTING_TEST_SUPPORT_H_

@@ -80,11 +80,16 @@ void WriteAll(int fd, const char* data, size_t length) {
 
 const char* SignalName(int signal) {
   switch (signal) {
-    case SIGSEGV: return "SIGSEGV";
-    case SIGBUS: return "SIGBUS";
-    case SIGFPE: return "SIGFPE";
-    case SIGILL: return "SIGILL";
-    case SIGABRT: return "SIGABRT";
+    case SIGSEGV:
+      return "SIGSEGV";
+    case SIGBUS:
+      return "SIGBUS";
+    case SIGFPE:
+      return "SIGFPE";
+    case SIGILL:
+      return "SIGILL";
+    case SIGABRT:
+      return "SIGABRT";
   }
   return "signal";
 }
@@ -98,8 +103,8 @@ void AddUtcTime(RecordBuffer* out, time_t seconds) {
   days += 719468;
   long long era = days / 146097;
   long long day_of_era = days - era * 146097;
-  long long year_of_era = (day_of_era - day_of_era / 1460 + day_of_era / 36524 -
-                           day_of_era / 146096) / 365;
+  long long year_of_era =
+      (day_of_era - day_of_era / 1460 + day_of_era / 36524 - day_of_era / 146096) / 365;
   long long day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
   long long mp = (5 * day_of_year + 2) / 153;
   long long day = day_of_year - (153 * mp + 2) / 5 + 1;

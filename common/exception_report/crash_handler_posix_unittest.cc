@@ -108,8 +108,7 @@ TEST(CrashHandlerTest, RestoresPreviousHandlers) {
     ScopedCrashHandler outer(base::FilePath(L"/x"), base::FilePath(L"/tmp/none"));
     struct sigaction during = {};
     sigaction(SIGBUS, nullptr, &during);
-    EXPECT_NE(reinterpret_cast<void*>(ChainedHandler),
-              reinterpret_cast<void*>(during.sa_handler));
+    EXPECT_NE(reinterpret_cast<void*>(ChainedHandler), reinterpret_cast<void*>(during.sa_handler));
     { ScopedCrashHandler nested(base::FilePath(L"/y"), base::FilePath(L"/tmp/none")); }
     struct sigaction after_nested = {};
     sigaction(SIGBUS, nullptr, &after_nested);

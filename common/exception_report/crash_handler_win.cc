@@ -109,8 +109,8 @@ void WriteCrashRecord(EXCEPTION_POINTERS* info) {
   swprintf(name, 64, L"crash-%04u%02u%02u-%02u%02u%02u-%lu.txt", now.wYear, now.wMonth, now.wDay,
            now.wHour, now.wMinute, now.wSecond, pid);
   JoinPath(g_state.crash_folder, name, path);
-  HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                            FILE_ATTRIBUTE_NORMAL, nullptr);
+  HANDLE file =
+      CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file != INVALID_HANDLE_VALUE) {
     RecordBuffer record;
     record.Add("time: ");
@@ -145,8 +145,8 @@ void WriteCrashRecord(EXCEPTION_POINTERS* info) {
   swprintf(name, 64, L"crash-%04u%02u%02u-%02u%02u%02u-%lu.dmp", now.wYear, now.wMonth, now.wDay,
            now.wHour, now.wMinute, now.wSecond, pid);
   JoinPath(g_state.crash_folder, name, path);
-  HANDLE dump = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL,
-                            nullptr);
+  HANDLE dump =
+      CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (dump == INVALID_HANDLE_VALUE)
     return;
   MINIDUMP_EXCEPTION_INFORMATION exception = {};

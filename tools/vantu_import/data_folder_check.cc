@@ -14,13 +14,17 @@ using namespace data_importer;  // the importer under use
 
 namespace {
 
-bool FailWithText(const base::FilePath& path, const std::string& what, const std::string& reason,
+bool FailWithText(const base::FilePath& path,
+                  const std::string& what,
+                  const std::string& reason,
                   std::string* error) {
   *error = what + " " + path.AsUTF8Unsafe() + ": " + reason;
   return false;
 }
 
-bool Fail(const base::FilePath& path, const std::string& what, int error_number,
+bool Fail(const base::FilePath& path,
+          const std::string& what,
+          int error_number,
           std::string* error) {
   return FailWithText(path, what, std::strerror(error_number), error);
 }
@@ -55,8 +59,7 @@ bool CheckDataFolder(const base::FilePath& data_folder, std::string* error) {
   if (!written)
     return Fail(data_folder, "data folder", write_error, error);
 
-  base::FilePath ini =
-      base::ResolvePathCase(data_folder.Append(importer_names::kSettingsFileName));
+  base::FilePath ini = base::ResolvePathCase(data_folder.Append(importer_names::kSettingsFileName));
   if (base::GetFileInfo(ini, &info)) {
     if (info.is_directory)
       return Fail(ini, "settings file", EISDIR, error);
@@ -86,13 +89,13 @@ std::filesystem::path StdPath(const base::FilePath& path) {
 
 bool CopyFolder(const base::FilePath& from, const base::FilePath& to, std::string* error) {
   std::error_code code;
-  std::filesystem::copy(StdPath(from), StdPath(to),
-                        std::filesystem::copy_options::recursive |
-                            std::filesystem::copy_options::copy_symlinks,
-                        code);
+  std::filesystem::copy(
+      StdPath(from), StdPath(to),
+      std::filesystem::copy_options::recursive | std::filesystem::copy_options::copy_symlinks,
+      code);
   if (code) {
-    *error = "cannot copy " + from.AsUTF8Unsafe() + " to " + to.AsUTF8Unsafe() + ": " +
-             code.message();
+    *error =
+        "cannot copy " + from.AsUTF8Unsafe() + " to " + to.AsUTF8Unsafe() + ": " + code.message();
     return false;
   }
   return true;

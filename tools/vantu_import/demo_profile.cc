@@ -51,7 +51,8 @@ base::FilePath BuildDemoProfile(const base::FilePath& root, int generation, std:
   return registry;
 }
 
-base::FilePath BuildCurrentGenerationDemo(const base::FilePath& root, int version,
+base::FilePath BuildCurrentGenerationDemo(const base::FilePath& root,
+                                          int version,
                                           std::string* error) {
   base::FilePath local = root.Append(L"AppData").Append(L"Local");
   base::FilePath data_folder = local.Append(importer_names::kDataFolderName);

@@ -19,7 +19,8 @@ base::FilePath BuildDemoProfile(const base::FilePath& root, int generation, std:
 // import again (|version| 1), plain version-2 ones to copy (|version| 2) or
 // version-3 ones whose cloud lists are still in the music database
 // (|version| 3).
-base::FilePath BuildCurrentGenerationDemo(const base::FilePath& root, int version,
+base::FilePath BuildCurrentGenerationDemo(const base::FilePath& root,
+                                          int version,
                                           std::string* error);
 
 #endif  // TOOLS_VANTU_IMPORT_DEMO_PROFILE_H_

@@ -99,70 +99,90 @@ struct OptionEntry {
 const OptionEntry kOptionTable[] = {
     {{"--local-appdata", "DIR",
       "the per-user application-data folder; the importer's data folder is DIR/VanTu8"},
-     ValueForm::kRequired, SetPath<&HostOptions::local_appdata>},
+     ValueForm::kRequired,
+     SetPath<&HostOptions::local_appdata>},
     {{"--roaming-appdata", "DIR", "the roaming application-data folder (generation 7 lives in it)"},
-     ValueForm::kRequired, SetPath<&HostOptions::roaming_appdata>},
+     ValueForm::kRequired,
+     SetPath<&HostOptions::roaming_appdata>},
     {{"--registry", "FILE", "the user's registry: a hive (NTUSER.DAT) or a .reg export"},
-     ValueForm::kRequired, SetPath<&HostOptions::registry>},
+     ValueForm::kRequired,
+     SetPath<&HostOptions::registry>},
     {{"--profile", "DIR",
       "a copied user profile: DIR/AppData/Local, DIR/AppData/Roaming and DIR/NTUSER.DAT (or "
       "the Windows XP folders Local Settings/Application Data and Application Data); on a "
       "copied volume (.../Users/NAME or .../Documents and Settings/NAME) drive C is the "
       "folder above"},
-     ValueForm::kRequired, SetPath<&HostOptions::profile>},
+     ValueForm::kRequired,
+     SetPath<&HostOptions::profile>},
     {{"--drive", "LETTER=DIR", "the folder standing for a Windows drive (repeatable)"},
-     ValueForm::kRequired, SetDrive},
+     ValueForm::kRequired,
+     SetDrive},
     {{"--i", "DIR",
       "the folder of an older installation to import from, as the player's switch --i=DIR (a "
       "Windows path through --drive)"},
-     ValueForm::kRequired, SetSource},
+     ValueForm::kRequired,
+     SetSource},
     {{"--code-page", "N",
       "the ANSI code page of the copied Windows installation, for its 8-bit settings files "
       "(default: the value in drive C's system hive, else 936)"},
-     ValueForm::kRequired, SetCodePage},
+     ValueForm::kRequired,
+     SetCodePage},
     {{"--demo", "[=7|6|v1|v2|v3]",
       "build a sample user profile in a temporary folder and run the importer on it: a "
       "generation-7 (default) or generation-6 installation to import, the plain databases of "
       "the current generation's first releases to import again (v1), plain version-2 "
       "databases to copy (v2), or version-3 databases whose cloud lists are to be moved (v3)"},
-     ValueForm::kOptional, SetDemo},
+     ValueForm::kOptional,
+     SetDemo},
     {{"--dry-run", nullptr,
       "run the same import on a temporary copy of the data folder and print what would be "
       "imported; nothing else is changed"},
-     ValueForm::kNone, SetFlag<&HostOptions::dry_run>},
+     ValueForm::kNone,
+     SetFlag<&HostOptions::dry_run>},
     {{"--keep", nullptr, "keep the demo profile and the dry run's copy"},
-     ValueForm::kNone, SetFlag<&HostOptions::keep>},
-    {{"--quiet", nullptr, "print the verdict alone"}, ValueForm::kNone,
+     ValueForm::kNone,
+     SetFlag<&HostOptions::keep>},
+    {{"--quiet", nullptr, "print the verdict alone"},
+     ValueForm::kNone,
      SetFlag<&HostOptions::quiet>},
     {{"--verbose", nullptr,
       "add where the run looked, the DBCheck values and per-table figures; copy the log to "
       "standard error"},
-     ValueForm::kNone, SetFlag<&HostOptions::verbose>},
-    {{"--json", nullptr, "print the import report instead of text"}, ValueForm::kNone,
+     ValueForm::kNone,
+     SetFlag<&HostOptions::verbose>},
+    {{"--json", nullptr, "print the import report instead of text"},
+     ValueForm::kNone,
      SetFlag<&HostOptions::json>},
-    {{"--version", nullptr, "print the version"}, ValueForm::kNone,
-     SetFlag<&HostOptions::version>},
-    {{"--help", nullptr, "print this text (also -h)"}, ValueForm::kNone,
+    {{"--version", nullptr, "print the version"}, ValueForm::kNone, SetFlag<&HostOptions::version>},
+    {{"--help", nullptr, "print this text (also -h)"},
+     ValueForm::kNone,
      SetFlag<&HostOptions::help>},
 };
 
 const HostExitStatus kExitTable[] = {
     {0, "imported (or nothing to do) without failure"},
-    {1, "the import failed (ImportEnd 5, failure bits 1 or 8, a finished file that did not read "
-        "back or holds other rows than were written), the data folder cannot be used, or no "
-        "report was written"},
+    {1,
+     "the import failed (ImportEnd 5, failure bits 1 or 8, a finished file that did not read "
+     "back or holds other rows than were written), the data folder cannot be used, or no "
+     "report was written"},
     {2, "bad usage: nothing was run or created"},
-    {3, "finished, but a source was damaged (repaired by the compaction) or partly unreadable "
-        "(failure bits 2, 4 or 16): some records may be missing; the verdict names the file"},
-    {4, "nothing imported: an earlier installation is named (in the registry) but could not be "
-        "reached; the verdict names the path tried and the --drive option that would map it"},
-    {130, "stopped by Ctrl-C; the program says whether it stopped before anything was replaced "
-          "or while replacing (the next run completes the replacement)"},
+    {3,
+     "finished, but a source was damaged (repaired by the compaction) or partly unreadable "
+     "(failure bits 2, 4 or 16): some records may be missing; the verdict names the file"},
+    {4,
+     "nothing imported: an earlier installation is named (in the registry) but could not be "
+     "reached; the verdict names the path tried and the --drive option that would map it"},
+    {130,
+     "stopped by Ctrl-C; the program says whether it stopped before anything was replaced "
+     "or while replacing (the next run completes the replacement)"},
 };
 
 // Appends |text| to |out| in lines of at most |width| columns, each
 // continuation line indented by |indent| spaces.
-void AppendWrapped(const std::string& text, size_t column, size_t indent, size_t width,
+void AppendWrapped(const std::string& text,
+                   size_t column,
+                   size_t indent,
+                   size_t width,
                    std::string* out) {
   size_t start = 0;
   while (start < text.size()) {
@@ -241,7 +261,8 @@ bool ParseHostOptions(int argc, const char* const* argv, HostOptions* options, s
       const std::string name = entry.option.name;
       if (arg == name) {
         match = &entry;
-      } else if (entry.form != ValueForm::kNone && arg.compare(0, name.size() + 1, name + "=") == 0) {
+      } else if (entry.form != ValueForm::kNone &&
+                 arg.compare(0, name.size() + 1, name + "=") == 0) {
         match = &entry;
         value = arg.substr(name.size() + 1);
         has_value = true;
@@ -329,8 +350,11 @@ namespace {
 
 // Checks that |path| exists and is a folder (or, with |want_folder| false,
 // not a folder); sets |error| to "--option PATH: reason".
-bool CheckPath(const char* option, const std::string& path, bool want_folder,
-               std::string* error, const base::FilePath& mapped = base::FilePath()) {
+bool CheckPath(const char* option,
+               const std::string& path,
+               bool want_folder,
+               std::string* error,
+               const base::FilePath& mapped = base::FilePath()) {
   if (path.empty())
     return true;
   // Letter case is resolved as the importer resolves it.
@@ -366,8 +390,7 @@ bool CheckHostPaths(const HostOptions& options, std::string* error) {
   return true;
 }
 
-bool CheckSourceFolder(const HostOptions& options, const RunContext& context,
-                       std::string* error) {
+bool CheckSourceFolder(const HostOptions& options, const RunContext& context, std::string* error) {
   if (options.source.empty())
     return true;
   base::FilePath mapped = base::MapWindowsPath(base::UTF8ToWide(options.source), context.m_drives);
@@ -389,7 +412,8 @@ RunContext HostRunContext(const HostOptions& options) {
     context.m_user_profile = profile;
   }
   for (const std::string& drive : options.drives)
-    context.m_drives[static_cast<wchar_t>(drive[0])] = base::FilePath::FromUTF8Unsafe(drive.substr(2));
+    context.m_drives[static_cast<wchar_t>(drive[0])] =
+        base::FilePath::FromUTF8Unsafe(drive.substr(2));
   if (!options.local_appdata.empty())
     context.m_local_app_data = base::FilePath::FromUTF8Unsafe(options.local_appdata);
   if (!options.roaming_appdata.empty())
@@ -397,7 +421,8 @@ RunContext HostRunContext(const HostOptions& options) {
   if (!options.registry.empty())
     context.m_registry_file = base::FilePath::FromUTF8Unsafe(options.registry);
   if (!options.source.empty())
-    context.m_source_folder = base::MapWindowsPath(base::UTF8ToWide(options.source), context.m_drives);
+    context.m_source_folder =
+        base::MapWindowsPath(base::UTF8ToWide(options.source), context.m_drives);
   // A copied installation's code page: named, else its volume's; the
   // player's own machine keeps the one found for this process.
   if (options.code_page != 0 || !options.drives.empty() || !options.profile.empty()) {

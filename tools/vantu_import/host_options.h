@@ -50,7 +50,8 @@ bool CheckHostPaths(const HostOptions& options, std::string* error);
 
 // Checks that --i names an existing folder, a Windows path ("E:\\Old")
 // through the folder that |context| has for its drive.
-bool CheckSourceFolder(const HostOptions& options, const data_importer::RunContext& context,
+bool CheckSourceFolder(const HostOptions& options,
+                       const data_importer::RunContext& context,
                        std::string* error);
 
 // Completes the options of a copied Windows profile and checks the files

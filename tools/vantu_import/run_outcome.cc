@@ -144,7 +144,8 @@ std::string Damage(const base::Value& report) {
   }
   for (const auto& database : At(report, "target_databases")) {
     if (At(database, "read_back") == false)
-      text += "; " + Text(At(database, "database")) + " did not verify: " + Text(At(database, "error"));
+      text +=
+          "; " + Text(At(database, "database")) + " did not verify: " + Text(At(database, "error"));
   }
   return text;
 }
@@ -191,7 +192,6 @@ template <size_t N>
 std::string WordInText(const base::Value& value, const WordText (&words)[N]) {
   return WordInText(value, words, N);
 }
-
 
 }  // namespace
 
@@ -267,7 +267,10 @@ std::string DescribeImportState(const std::wstring& state) {
   return text + ")";
 }
 
-std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns,
+std::string ProgressBarLine(const std::string& label,
+                            int percent,
+                            double seconds,
+                            int columns,
                             const std::string& stage) {
   // Room kept for the stage, whatever its length, so the bar does not
   // jump as the stage changes.
@@ -279,8 +282,8 @@ std::string ProgressBarLine(const std::string& label, int percent, double second
                     (stage.empty() ? 0 : 1 + kStageRoom);
   const int width = std::clamp(columns - 1 - fixed, 10, 40);
   const int filled = percent * width / 100;
-  std::string line = label + " [" + std::string(filled, '#') + std::string(width - filled, ' ') +
-                     figures;
+  std::string line =
+      label + " [" + std::string(filled, '#') + std::string(width - filled, ' ') + figures;
   if (!stage.empty())
     line += " " + stage;
   if (columns > 1 && static_cast<int>(line.size()) > columns - 1)
@@ -322,8 +325,8 @@ std::string UnreachableInWords(const base::Value& entry) {
 std::string LookupNotes(const base::Value& report) {
   std::string notes;
   std::string task = ReportTask(report);
-  if (!IsTask(task, names::kTaskImportGeneration7) && !IsTask(task, names::kTaskImportGeneration6) &&
-      !IsTask(task, names::kTaskImport2008))
+  if (!IsTask(task, names::kTaskImportGeneration7) &&
+      !IsTask(task, names::kTaskImportGeneration6) && !IsTask(task, names::kTaskImport2008))
     return notes;
   const base::Value& lookup = At(report, "lookup");
   for (const auto& entry : At(lookup, "passed_over")) {
@@ -339,8 +342,8 @@ std::string LookupNotes(const base::Value& report) {
 
 std::string FollowedImport(const base::Value& report, const base::Value& last_import) {
   std::string task = ReportTask(last_import);
-  if (task.empty() || (Text(At(last_import, "time")) == Text(At(report, "time")) &&
-                       ReportTask(report) == task))
+  if (task.empty() ||
+      (Text(At(last_import, "time")) == Text(At(report, "time")) && ReportTask(report) == task))
     return std::string();
   std::string date = Text(At(last_import, "time")).substr(0, 10);
   std::string when = date.empty() ? std::string() : " on " + date;
@@ -359,7 +362,8 @@ std::string RunVerdict(const base::Value& report) {
     const base::Value& unreachable = At(At(report, "lookup"), "unreachable");
     if (unreachable.empty())
       return "Nothing to import: no earlier installation of the player was found.";
-    std::string line = "Nothing imported: an earlier installation is named but could not be reached: ";
+    std::string line =
+        "Nothing imported: an earlier installation is named but could not be reached: ";
     bool first = true;
     for (const auto& entry : unreachable) {
       line += (first ? "" : "; ") + UnreachableInWords(entry);
@@ -405,9 +409,8 @@ std::string TaskVerdict(const base::Value& report, const std::string& task) {
            (failure.empty() ? std::string() : ". " + failure);
   }
   std::string line = "Imported " + ImportedCounts(report) + Skipped(report) + Damage(report);
-  uint32_t source_bits = StateBits(report) &
-                         (names::kStateListsFailed | names::kStateMusicFailed |
-                          names::kStateTableFailed);
+  uint32_t source_bits = StateBits(report) & (names::kStateListsFailed | names::kStateMusicFailed |
+                                              names::kStateTableFailed);
   if (source_bits) {
     line += "; some source tables could not be read (ImportState " +
             DescribeImportState(std::to_wstring(source_bits)) + ")";
@@ -427,8 +430,8 @@ std::string DroppedByName(const base::Value& report) {
       std::string name = Text(At(example, "name"));
       const base::Value& entries = At(example, "entries");
       if (entries.is_number()) {
-        text += "  skipped list '" + name + "' (" +
-                Count(Number(entries), "entry", "entries") + "): " + why + "\n";
+        text += "  skipped list '" + name + "' (" + Count(Number(entries), "entry", "entries") +
+                "): " + why + "\n";
         continue;
       }
       text += "  skipped " + Text(At(example, "table")) + " " +
@@ -452,30 +455,32 @@ std::string DescribeDetails(const base::Value& report) {
     out << "Sources:\n";
   for (const auto& s : At(report, "sources")) {
     out << "  " << Text(At(s, "path")) << " [" << Text(At(s, "layout")) << "]"
-        << (At(s, "copied") == true ? " copied" : "") << (At(s, "reused_copy") == true ? " reused copy" : "")
-        << (At(s, "repaired") == true ? " repaired" : "") << (At(s, "unreadable") == true ? " unreadable" : "")
-        << "\n";
+        << (At(s, "copied") == true ? " copied" : "")
+        << (At(s, "reused_copy") == true ? " reused copy" : "")
+        << (At(s, "repaired") == true ? " repaired" : "")
+        << (At(s, "unreadable") == true ? " unreadable" : "") << "\n";
   }
   if (!At(report, "flows").empty())
     out << "Read -> written + dropped, per source and target table:\n";
   for (const auto& f : At(report, "flows")) {
-    out << "  " << FileName(Text(At(f, "source"))) << " " << Text(At(f, "from")) << " -> " << Text(At(f, "to"))
-        << ": " << Number(At(f, "read")) << " -> " << Number(At(f, "written")) << " + "
-        << Number(At(f, "dropped")) << "\n";
+    out << "  " << FileName(Text(At(f, "source"))) << " " << Text(At(f, "from")) << " -> "
+        << Text(At(f, "to")) << ": " << Number(At(f, "read")) << " -> " << Number(At(f, "written"))
+        << " + " << Number(At(f, "dropped")) << "\n";
   }
   if (!At(report, "target_tables").empty())
     out << "Target tables (rows written / counted in the finished file):\n";
   for (const auto& t : At(report, "target_tables")) {
     out << "  " << Text(At(t, "table")) << ": " << Number(At(t, "rows_sent")) << " / "
-        << (At(t, "rows_counted").is_null() ? std::string("-") : std::to_string(Number(At(t, "rows_counted"))))
+        << (At(t, "rows_counted").is_null() ? std::string("-")
+                                            : std::to_string(Number(At(t, "rows_counted"))))
         << "\n";
   }
   out << DroppedByName(report);
   const base::Value& summary = At(report, "summary");
   if (Number(At(summary, "settings_written"))) {
     out << "Settings: " << Number(At(summary, "settings")) << " read from the source; "
-        << std::max<int64_t>(0, Number(At(summary, "settings_written")) -
-                                    Number(At(summary, "settings")))
+        << std::max<int64_t>(
+               0, Number(At(summary, "settings_written")) - Number(At(summary, "settings")))
         << " defaults written beside them\n";
   }
   out << "Stages:";

@@ -14,11 +14,11 @@
 
 // Exit statuses of the host.
 enum HostExit : int {
-  kExitImported = 0,  // no failure
-  kExitFailed = 1,    // the import failed, or the run could not be judged
-  kExitUsage = 2,     // bad usage; nothing was run or created
-  kExitDamaged = 3,   // finished, but a source was damaged or partly unreadable
-  kExitUnreachable = 4,  // an earlier installation is named but could not be reached
+  kExitImported = 0,       // no failure
+  kExitFailed = 1,         // the import failed, or the run could not be judged
+  kExitUsage = 2,          // bad usage; nothing was run or created
+  kExitDamaged = 3,        // finished, but a source was damaged or partly unreadable
+  kExitUnreachable = 4,    // an earlier installation is named but could not be reached
   kExitInterrupted = 130,  // stopped by Ctrl-C (128 + SIGINT, as shells report it)
 };
 
@@ -82,7 +82,10 @@ bool ReadReport(const base::FilePath& path, base::Value* report);
 // room for the stage leave, between 10 and 40 columns, so it keeps its
 // width while the stage changes; a stage longer than its room, or a
 // terminal too narrow even for that, cuts the line.
-std::string ProgressBarLine(const std::string& label, int percent, double seconds, int columns,
+std::string ProgressBarLine(const std::string& label,
+                            int percent,
+                            double seconds,
+                            int columns,
                             const std::string& stage = std::string());
 
 // The value of |key| in section "DBCheck" of |ini|.

@@ -74,8 +74,10 @@ class ProgressView {
  public:
   ProgressView(bool enabled, bool terminal) : m_enabled(enabled), m_terminal(terminal) {}
 
-  void Show(const std::wstring& import_progress, const std::wstring& update_progress,
-            const std::string& stage, double seconds) {
+  void Show(const std::wstring& import_progress,
+            const std::wstring& update_progress,
+            const std::string& stage,
+            double seconds) {
     if (!m_enabled)
       return;
     std::string label = "import";
@@ -139,11 +141,13 @@ void OnInterrupt(int) {
   if (!started) {
     std::printf("Stopped before the import started: nothing was changed.\n");
   } else if (base::PathExists(data_folder.Append(names::kReplaceRecordName))) {
-    std::printf("Stopped while the new databases were replacing the old ones: the next run "
-                "completes the replacement.\n");
+    std::printf(
+        "Stopped while the new databases were replacing the old ones: the next run "
+        "completes the replacement.\n");
   } else {
-    std::printf("Stopped before anything was replaced: the old databases are in place; the "
-                "next run starts the import again.\n");
+    std::printf(
+        "Stopped before anything was replaced: the old databases are in place; the "
+        "next run starts the import again.\n");
   }
   std::fflush(stdout);
   for (const std::string& folder : FoldersToRemoveOnInterrupt()) {
@@ -177,15 +181,18 @@ void RunImporter(const RunContext& context, const base::FilePath& ini, ProgressV
   });
   // The section holds the previous run's values until this run resets it:
   // they are not shown as this run's.
-  const std::wstring previous_import = ReadDBCheck(base::ResolvePathCase(ini), names::kKeyImportProgress);
-  const std::wstring previous_update = ReadDBCheck(base::ResolvePathCase(ini), names::kKeyUpdateProgress);
+  const std::wstring previous_import =
+      ReadDBCheck(base::ResolvePathCase(ini), names::kKeyImportProgress);
+  const std::wstring previous_update =
+      ReadDBCheck(base::ResolvePathCase(ini), names::kKeyUpdateProgress);
   bool reset_seen = previous_import.empty() && previous_update.empty();
   auto show = [&] {
     base::FilePath current = base::ResolvePathCase(ini);
     std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     std::wstring import_progress = ReadDBCheck(current, names::kKeyImportProgress);
     std::wstring update_progress = ReadDBCheck(current, names::kKeyUpdateProgress);
-    reset_seen = reset_seen || import_progress != previous_import || update_progress != previous_update;
+    reset_seen =
+        reset_seen || import_progress != previous_import || update_progress != previous_update;
     if (!reset_seen) {
       import_progress.clear();
       update_progress.clear();
@@ -278,8 +285,7 @@ int Fail(int status, const std::string& message) {
 std::string FolderState(const base::FilePath& folder) {
   std::string state;
   std::error_code error;  // a folder that cannot be listed has no files
-  for (const auto& entry :
-       std::filesystem::directory_iterator(folder.AsUTF8Unsafe(), error)) {
+  for (const auto& entry : std::filesystem::directory_iterator(folder.AsUTF8Unsafe(), error)) {
     base::FileInfo info;
     if (base::GetFileInfo(base::FilePath::FromUTF8Unsafe(entry.path().string()), &info)) {
       state += entry.path().filename().string() + " " + std::to_string(info.size) + " " +
@@ -304,8 +310,8 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
     data_folder = temp.Append(names::kDataFolderName);
     if (base::PathExists(real_data_folder)) {
       if (!base::DirectoryExists(real_data_folder))
-        return Fail(kExitFailed, "data folder " + real_data_folder.AsUTF8Unsafe() +
-                                     ": " + std::strerror(ENOTDIR));
+        return Fail(kExitFailed, "data folder " + real_data_folder.AsUTF8Unsafe() + ": " +
+                                     std::strerror(ENOTDIR));
       if (!CopyFolder(real_data_folder, data_folder, &error))
         return Fail(kExitFailed, error);
     }
@@ -331,8 +337,7 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
   base::Value report;
   if (report_path.empty() || report_path == report_before || !ReadReport(report_path, &report)) {
     return Fail(kExitFailed, "the importer wrote no report in " + data_folder.AsUTF8Unsafe() +
-                                 "; see " +
-                                 data_folder.Append(names::kLogFileName).AsUTF8Unsafe());
+                                 "; see " + data_folder.Append(names::kLogFileName).AsUTF8Unsafe());
   }
   if (ReadDBCheck(base::ResolvePathCase(ini), names::kKeySourceEmpty).empty()) {
     return Fail(kExitFailed,
@@ -353,7 +358,8 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
   if (options.quiet)
     return ExitStatusOf(report);
   if (!options.profile.empty() && options.registry.empty())
-    std::printf("The profile %s has no NTUSER.DAT: no registry was read.\n", options.profile.c_str());
+    std::printf("The profile %s has no NTUSER.DAT: no registry was read.\n",
+                options.profile.c_str());
   // "Nothing to import" shows where the run looked (--verbose shows it for
   // every run, with the details).
   if (ReportTask(report).empty() && !options.verbose)
@@ -365,9 +371,10 @@ int Run(const HostOptions& options, RunContext context, TemporaryFolder* dry_run
   if (report.contains("upgrade") && report["upgrade"].is_object())
     std::printf("Done:          %s\n", DescribeUpgradeResult(report["upgrade"].dump()).c_str());
   if (options.dry_run) {
-    std::printf("Dry run:       nothing was changed; the import ran on a copy of the data folder "
-                "in %s (%s)\n",
-                dry_run_folder->path().c_str(), options.keep ? "kept" : "removed");
+    std::printf(
+        "Dry run:       nothing was changed; the import ran on a copy of the data folder "
+        "in %s (%s)\n",
+        dry_run_folder->path().c_str(), options.keep ? "kept" : "removed");
   }
   std::printf("Data folder:   %s\n", real_data_folder.AsUTF8Unsafe().c_str());
   if (!options.dry_run || options.keep) {
@@ -420,9 +427,9 @@ int main(int argc, char** argv) {
     if (!demo_folder.Create("vantu-demo-", options.keep))
       return Fail(kExitFailed, "cannot create a temporary folder for the demo");
     base::FilePath root = base::FilePath::FromUTF8Unsafe(demo_folder.path());
-    base::FilePath registry =
-        options.demo == 8 ? BuildCurrentGenerationDemo(root, options.demo_version, &error)
-                          : BuildDemoProfile(root, options.demo, &error);
+    base::FilePath registry = options.demo == 8
+                                  ? BuildCurrentGenerationDemo(root, options.demo_version, &error)
+                                  : BuildDemoProfile(root, options.demo, &error);
     if (registry.empty())
       return Fail(kExitFailed, "demo profile: " + error);
     options.profile = demo_folder.path();

@@ -22,7 +22,9 @@ using namespace data_importer;  // the importer under use
 
 namespace {
 
-std::string Quote(const base::FilePath& path) { return "'" + path.AsUTF8Unsafe() + "'"; }
+std::string Quote(const base::FilePath& path) {
+  return "'" + path.AsUTF8Unsafe() + "'";
+}
 
 // Every file and folder under |root| with the MD5 of its bytes.
 std::string Fingerprint(const base::FilePath& root) {
@@ -64,12 +66,24 @@ class HostRunTest : public testing::Test {
     ASSERT_TRUE(base::CreateDirectory(profile().Append(L"AppData").Append(L"Roaming")));
   }
 
-  base::FilePath root() const { return m_dir.path(); }
-  base::FilePath profile() const { return root().Append(L"profile"); }
-  base::FilePath local() const { return profile().Append(L"AppData").Append(L"Local"); }
-  base::FilePath data_folder() const { return local().Append(L"VanTu8"); }
-  base::FilePath program() const { return root().Append(L"Program Files").Append(L"VanTa6"); }
-  base::FilePath registry() const { return root().Append(L"user.reg"); }
+  base::FilePath root() const {
+    return m_dir.path();
+  }
+  base::FilePath profile() const {
+    return root().Append(L"profile");
+  }
+  base::FilePath local() const {
+    return profile().Append(L"AppData").Append(L"Local");
+  }
+  base::FilePath data_folder() const {
+    return local().Append(L"VanTu8");
+  }
+  base::FilePath program() const {
+    return root().Append(L"Program Files").Append(L"VanTa6");
+  }
+  base::FilePath registry() const {
+    return root().Append(L"user.reg");
+  }
 
   // A generation-6 installation with one list entry whose song is gone.
   void WriteInstallation() {
@@ -95,8 +109,9 @@ class HostRunTest : public testing::Test {
   int Run(const std::string& args, bool with_errors = true) {
     std::string command =
         "env -u VANTU_REGISTRY_FILE -u LOCALAPPDATA -u APPDATA -u USERPROFILE "
-        "-u VANTU_LOG_STDERR HOME=" + Quote(root()) + " " VANTU_BINARY_DIR "/vantu-import " +
-        args + (with_errors ? " 2>&1" : " 2>/dev/null");
+        "-u VANTU_LOG_STDERR HOME=" +
+        Quote(root()) + " " VANTU_BINARY_DIR "/vantu-import " + args +
+        (with_errors ? " 2>&1" : " 2>/dev/null");
     return testing_support::RunCommand(command, "", &m_output);
   }
 
@@ -119,14 +134,14 @@ TEST_F(HostRunTest, BadUsageIsAnErrorThatCreatesNothing) {
     std::string args;
     std::string expected;
   } kCases[] = {
-      {"--profile " + Quote(absent), "--profile " + absent.AsUTF8Unsafe() +
-                                         ": No such file or directory"},
+      {"--profile " + Quote(absent),
+       "--profile " + absent.AsUTF8Unsafe() + ": No such file or directory"},
       {"--profile " + Quote(file), "--profile " + file.AsUTF8Unsafe() + ": Not a directory"},
-      {"--profile " + Quote(root()), "--profile " + root().AsUTF8Unsafe() +
-                                         "/AppData/Local: No such file or directory"},
+      {"--profile " + Quote(root()),
+       "--profile " + root().AsUTF8Unsafe() + "/AppData/Local: No such file or directory"},
       {"--local-appdata " + Quote(absent), "--local-appdata " + absent.AsUTF8Unsafe() + ": "},
-      {"--roaming-appdata=" + Quote(file), "--roaming-appdata " + file.AsUTF8Unsafe() +
-                                               ": Not a directory"},
+      {"--roaming-appdata=" + Quote(file),
+       "--roaming-appdata " + file.AsUTF8Unsafe() + ": Not a directory"},
       {"--i " + Quote(absent), "--i " + absent.AsUTF8Unsafe() + ": No such file"},
       {"--i=" + Quote(file), "--i " + file.AsUTF8Unsafe() + ": Not a directory"},
       {"--registry " + Quote(absent), "--registry " + absent.AsUTF8Unsafe() + ": No such file"},
@@ -157,7 +172,7 @@ TEST_F(HostRunTest, UnusableDataFolderIsAFailure) {
   ASSERT_TRUE(base::CreateDirectory(data_folder().Append(L"vantu.ini")));
   EXPECT_EQ(1, Run(ProfileArgs())) << m_output;
   EXPECT_NE(std::string::npos, m_output.find("settings file " + data_folder().AsUTF8Unsafe() +
-                                            "/vantu.ini: Is a directory"))
+                                             "/vantu.ini: Is a directory"))
       << m_output;
   EXPECT_FALSE(base::PathExists(data_folder().Append(L"VTMusicV3.db")));
 }
@@ -168,17 +183,20 @@ TEST_F(HostRunTest, UnusableDataFolderIsAFailure) {
 TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
   WriteInstallation();
   EXPECT_EQ(0, Run("--quiet " + ProfileArgs())) << m_output;
-  EXPECT_EQ("Imported 3 songs and 1 list with 2 entries; skipped 1 list entry whose song is not "
-            "in the library.\n",
-            m_output);
+  EXPECT_EQ(
+      "Imported 3 songs and 1 list with 2 entries; skipped 1 list entry whose song is not "
+      "in the library.\n",
+      m_output);
 
   EXPECT_EQ(0, Run("--verbose " + ProfileArgs(), false)) << m_output;
-  EXPECT_NE(std::string::npos, m_output.find("Ran the upgrade of the version-3 databases. Follows "));
+  EXPECT_NE(std::string::npos,
+            m_output.find("Ran the upgrade of the version-3 databases. Follows "));
   EXPECT_NE(std::string::npos,
             m_output.find("Task:          upgrade of the version-3 databases (updatevantu8)"));
   EXPECT_NE(std::string::npos, m_output.find("  UpdateProgress = 100\n")) << m_output;
   // What the task did, as its report holds it.
-  EXPECT_NE(std::string::npos, m_output.find("Done:          no cloud lists to move\n")) << m_output;
+  EXPECT_NE(std::string::npos, m_output.find("Done:          no cloud lists to move\n"))
+      << m_output;
   EXPECT_EQ(std::string::npos, m_output.find("ImportEnd")) << m_output;
 
   // An earlier release's playlist database stops the build.
@@ -196,7 +214,8 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
     ASSERT_TRUE(db.Open(source));
     ASSERT_TRUE(db.Execute("CREATE TABLE Filler(t text)"));
     for (int i = 0; i < 40; ++i)
-      ASSERT_TRUE(db.Execute(("INSERT INTO Filler VALUES ('" + std::string(2000, 'f') + "')").c_str()));
+      ASSERT_TRUE(
+          db.Execute(("INSERT INTO Filler VALUES ('" + std::string(2000, 'f') + "')").c_str()));
     ASSERT_TRUE(db.Execute("DROP TABLE Filler"));
   }
   std::string bytes = testing_support::ReadBytes(source);
@@ -205,7 +224,7 @@ TEST_F(HostRunTest, VerdictAndExitStatusOfEachOutcome) {
   EXPECT_EQ(3, Run("--quiet " + ProfileArgs())) << m_output;
   EXPECT_NE(std::string::npos,
             m_output.find("; " + source.AsUTF8Unsafe() +
-                         " was damaged and repaired: some of its records may be missing"))
+                          " was damaged and repaired: some of its records may be missing"))
       << m_output;
 }
 
@@ -246,11 +265,12 @@ TEST_F(HostRunTest, LaterRunsKeepTheImportsReportAndNameIt) {
   ASSERT_TRUE(base::DeleteFile(data_folder().Append(importer_names::kMusicDatabaseV3)));
   ASSERT_TRUE(base::DeleteFile(data_folder().Append(importer_names::kPlaylistDatabaseV3)));
   EXPECT_EQ(0, Run("--profile " + Quote(profile()))) << m_output;
-  EXPECT_EQ(0u, m_output.find("Nothing to import: no earlier installation of the player was found." +
-                             follows))
+  EXPECT_EQ(0u,
+            m_output.find("Nothing to import: no earlier installation of the player was found." +
+                          follows))
       << m_output;
-  EXPECT_NE(std::string::npos, m_output.find("\nReport:        " + data_folder().AsUTF8Unsafe() +
-                                            "/reports/"))
+  EXPECT_NE(std::string::npos,
+            m_output.find("\nReport:        " + data_folder().AsUTF8Unsafe() + "/reports/"))
       << m_output;
   EXPECT_NE(std::string::npos, m_output.find("-nothing-")) << m_output;
 
@@ -259,8 +279,8 @@ TEST_F(HostRunTest, LaterRunsKeepTheImportsReportAndNameIt) {
   EXPECT_EQ(imported, kept);
   std::vector<std::string> tasks;
   std::error_code code;
-  for (const auto& entry : std::filesystem::directory_iterator(
-           data_folder().Append(L"reports").AsUTF8Unsafe(), code)) {
+  for (const auto& entry :
+       std::filesystem::directory_iterator(data_folder().Append(L"reports").AsUTF8Unsafe(), code)) {
     std::string name = entry.path().filename().string();
     tasks.push_back(name.substr(17, name.rfind('-') - 17));
   }
@@ -281,10 +301,11 @@ TEST_F(HostRunTest, VerboseNamesTheDroppedRecords) {
   std::string line = m_output.substr(cloud + 1, m_output.find('\n', cloud + 1) - cloud - 1);
   EXPECT_NE(std::string::npos, line.find(" entries): list of a type that is not imported")) << line;
   EXPECT_EQ(std::string::npos, line.find("(0 entries)")) << line;
+  EXPECT_NE(std::string::npos, m_output.find(": entries of lists that are not imported\n", heading))
+      << m_output;
   EXPECT_NE(std::string::npos,
-            m_output.find(": entries of lists that are not imported\n", heading)) << m_output;
-  EXPECT_NE(std::string::npos,
-            m_output.find(": list entry whose song is not in the library\n", heading)) << m_output;
+            m_output.find(": list entry whose song is not in the library\n", heading))
+      << m_output;
 }
 
 // Settings are counted as read from the source: an empty settings file
@@ -314,7 +335,8 @@ TEST_F(HostRunTest, SettingsCountedAsReadFromTheSource) {
 // left the data folder, and removes the demo's temporary profile.
 TEST_F(HostRunTest, InterruptSaysWhatStateItLeft) {
   std::string command = "cd " + Quote(root()) +
-                        " && { " VANTU_BINARY_DIR "/vantu-import --demo & pid=$!; sleep 0.3; "
+                        " && { " VANTU_BINARY_DIR
+                        "/vantu-import --demo & pid=$!; sleep 0.3; "
                         "kill -INT $pid; wait $pid; echo \"exit $?\"; }";
   ASSERT_EQ(0, testing_support::RunCommand(command, "", &m_output));
   EXPECT_NE(std::string::npos, m_output.find("\nexit 130\n")) << m_output;
@@ -334,8 +356,8 @@ TEST_F(HostRunTest, SourceFolderCarriesSettingsAndLyrics) {
   EXPECT_NE(std::string::npos, m_output.find(" settings")) << m_output;
   int lyrics = 0;
   std::error_code code;
-  for (const auto& entry : std::filesystem::directory_iterator(
-           data_folder().Append(L"Lyric").AsUTF8Unsafe(), code)) {
+  for (const auto& entry :
+       std::filesystem::directory_iterator(data_folder().Append(L"Lyric").AsUTF8Unsafe(), code)) {
     lyrics += entry.path().extension() == ".krc";
   }
   EXPECT_EQ(2, lyrics);
@@ -401,7 +423,7 @@ TEST_F(HostRunTest, SourceFolderOptionAndDemoCleanUp) {
   // The first releases' plain databases, imported again whole.
   EXPECT_EQ(0, Run("--quiet --demo=v1")) << m_output;
   EXPECT_EQ(0u, m_output.find("Imported 30 songs, 1 video, 2 lists with 15 entries and 4 "
-                             "downloads;"))
+                              "downloads;"))
       << m_output;
   EXPECT_EQ(0, Run("--version"));
   EXPECT_EQ(0u, m_output.find("vantu-import 1.0.0"));

@@ -56,7 +56,6 @@ TEST(HostOptionsTest, SourceFolderInBothFormsAndNewSwitches) {
   EXPECT_EQ("option --i: empty value", error);
   EXPECT_FALSE(Parse({"--registry", ""}, &bad, &error));
   EXPECT_EQ("option --registry: empty value", error);
-
 }
 
 // Every option of the table parses in the form it is documented in, and
@@ -107,8 +106,7 @@ TEST(ProgressBarTest, NamesTheStage) {
   std::string reading = ProgressBarLine("import", 49, 1.5, 80, "reading MusicItems");
   std::string long_stage =
       ProgressBarLine("import", 49, 1.5, 80, "reading GeneralList_-3 of a long name beyond");
-  EXPECT_EQ("import [###############                 ]  49%    1.5s reading MusicItems",
-            reading);
+  EXPECT_EQ("import [###############                 ]  49%    1.5s reading MusicItems", reading);
   EXPECT_EQ(reading.find(']'), long_stage.find(']'));
   EXPECT_EQ(79u, long_stage.size());
   EXPECT_EQ(0u, long_stage.find(reading.substr(0, reading.find(" reading"))));
@@ -142,7 +140,11 @@ base::Value ImportReport(const std::string& end, const std::string& state) {
   return {{"task", {{"name", "importvantu6"}, {"import_kind", 2}}},
           {"dbcheck", {{"ImportEnd", end}, {"ImportState", state}}},
           {"summary",
-           {{"songs", 1}, {"videos", 0}, {"lists", 2}, {"list_entries", 1}, {"downloads", 0},
+           {{"songs", 1},
+            {"videos", 0},
+            {"lists", 2},
+            {"list_entries", 1},
+            {"downloads", 0},
             {"settings", 0}}},
           {"sources", base::Value::array()},
           {"dropped", base::Value::array()},
@@ -162,9 +164,10 @@ TEST(RunOutcomeTest, ExitStatusAndVerdictOfEachOutcome) {
 
   base::Value failed = ImportReport("5", "8");
   EXPECT_EQ(kExitFailed, ExitStatusOf(failed));
-  EXPECT_EQ("Import failed, nothing was replaced: ImportState 8 (8: a later stage of the build "
-            "failed).",
-            VerdictLine(failed));
+  EXPECT_EQ(
+      "Import failed, nothing was replaced: ImportState 8 (8: a later stage of the build "
+      "failed).",
+      VerdictLine(failed));
   // A failure bit set by a reader while the build went on and put both new
   // files in place: the verdict does not say nothing was replaced.
   base::Value replaced = ImportReport("5", "1");
@@ -190,10 +193,11 @@ TEST(RunOutcomeTest, ExitStatusAndVerdictOfEachOutcome) {
   base::Value partly_read = ImportReport("4", "4");
   partly_read["sources"] = {{{"path", "/p/VTLibrary2.db"}, {"unreadable", true}}};
   EXPECT_EQ(kExitDamaged, ExitStatusOf(partly_read));
-  EXPECT_EQ("Imported 1 song and 2 lists with 1 entry; /p/VTLibrary2.db could not be read: its "
-            "records are missing; some source tables could not be read (ImportState 4 (4: music "
-            "items could not be read)).",
-            VerdictLine(partly_read));
+  EXPECT_EQ(
+      "Imported 1 song and 2 lists with 1 entry; /p/VTLibrary2.db could not be read: its "
+      "records are missing; some source tables could not be read (ImportState 4 (4: music "
+      "items could not be read)).",
+      VerdictLine(partly_read));
   EXPECT_EQ(kExitDamaged, ExitStatusOf(ImportReport("4", "16")));
 
   base::Value empty = ImportReport("8", "");
@@ -213,10 +217,11 @@ TEST(RunOutcomeTest, ExitStatusAndVerdictOfEachOutcome) {
 namespace {
 
 TEST(RunOutcomeTest, UpgradeResultInWords) {
-  EXPECT_EQ("VTMusicV3.db copied but left plain: the copy failed its integrity check; "
-            "playlistV3.db not made: there is no version-2 file to copy",
-            DescribeUpgradeResult(
-                "{\"music\":\"left_plain\",\"playlist\":\"no_source\",\"task\":\"copyv8dbv2\"}"));
+  EXPECT_EQ(
+      "VTMusicV3.db copied but left plain: the copy failed its integrity check; "
+      "playlistV3.db not made: there is no version-2 file to copy",
+      DescribeUpgradeResult(
+          "{\"music\":\"left_plain\",\"playlist\":\"no_source\",\"task\":\"copyv8dbv2\"}"));
   EXPECT_EQ("cloud lists moved to playlistV3.db (1 list)",
             DescribeUpgradeResult("{\"cloud_lists\":\"moved\",\"cloud_lists_moved\":1,"
                                   "\"music\":\"opened\",\"task\":\"updatevantu8\"}"));
@@ -229,7 +234,6 @@ TEST(RunOutcomeTest, UpgradeResultInWords) {
                                   "\"task\":\"updatevantu8\"}"));
   EXPECT_EQ("not recorded", DescribeUpgradeResult("[1,2]"));
   EXPECT_EQ("not recorded", DescribeUpgradeResult("{\"task\":"));
-
 }
 
 TEST(HostOptionsTest, CurrentGenerationDemos) {

@@ -14,7 +14,9 @@
 
 namespace {
 
-std::string Quote(const base::FilePath& path) { return "'" + path.AsUTF8Unsafe() + "'"; }
+std::string Quote(const base::FilePath& path) {
+  return "'" + path.AsUTF8Unsafe() + "'";
+}
 
 class WindowsProfileTest : public testing::Test {
  protected:
@@ -57,8 +59,9 @@ class WindowsProfileTest : public testing::Test {
   int Run(const std::string& args, bool quiet = true) {
     std::string command =
         "env -u VANTU_REGISTRY_FILE -u LOCALAPPDATA -u APPDATA -u USERPROFILE "
-        "HOME=" + Quote(m_dir.path()) + " " VANTU_BINARY_DIR "/vantu-import " +
-        (quiet ? "--quiet " : "") + args + " 2>&1";
+        "HOME=" +
+        Quote(m_dir.path()) + " " VANTU_BINARY_DIR "/vantu-import " + (quiet ? "--quiet " : "") +
+        args + " 2>&1";
     int status = testing_support::RunCommand(command, "", &m_output);
     return status;
   }
@@ -101,15 +104,17 @@ TEST_F(WindowsProfileTest, DriveOptionAndExpandedValue) {
   // Named but not reachable: said so with the option that maps it.
   EXPECT_EQ(4, Run("--profile " + Quote(m_profile), false)) << m_output;
   EXPECT_FALSE(Imported()) << "drive D has no folder: the program is not found";
-  EXPECT_TRUE(Contains("Nothing imported: an earlier installation is named but could not be "
-                       "reached: generation 6 at \"D:\\Apps\\VanTa6\\VanTa6.exe\" (no folder "
-                       "stands for drive D:; give --drive D=FOLDER"))
+  EXPECT_TRUE(
+      Contains("Nothing imported: an earlier installation is named but could not be "
+               "reached: generation 6 at \"D:\\Apps\\VanTa6\\VanTa6.exe\" (no folder "
+               "stands for drive D:; give --drive D=FOLDER"))
       << m_output;
-  EXPECT_TRUE(Contains("HKEY_CURRENT_USER\\Software\\VanTa6\\AppFileName = "
-                       "\"D:\\Apps\\VanTa6\\VanTa6.exe\" -> no folder stands for drive D:"))
+  EXPECT_TRUE(
+      Contains("HKEY_CURRENT_USER\\Software\\VanTa6\\AppFileName = "
+               "\"D:\\Apps\\VanTa6\\VanTa6.exe\" -> no folder stands for drive D:"))
       << m_output;
-  std::string log = testing_support::ReadBytes(
-      m_profile.Append(L"AppData/Local/VanTu8/DataImporter.log"));
+  std::string log =
+      testing_support::ReadBytes(m_profile.Append(L"AppData/Local/VanTu8/DataImporter.log"));
   EXPECT_NE(std::string::npos, log.find("no folder stands for drive D:")) << log;
   EXPECT_EQ(0, Run("--profile " + Quote(m_profile) + " --drive d=" + Quote(drive_d))) << m_output;
   EXPECT_TRUE(Imported()) << m_output;
@@ -135,10 +140,11 @@ TEST_F(WindowsProfileTest, ProgramFilesReferencesExpandThroughTheDrive) {
 TEST_F(WindowsProfileTest, ExportOfAHiveLoadedUnderHkeyUsers) {
   WriteInstallation(m_volume.Append(L"Program Files").Append(L"VanTa6"));
   base::FilePath reg = m_dir.path().Append(L"customer.reg");
-  testing_support::WriteBytes(reg,
-                              "Windows Registry Editor Version 5.00\r\n\r\n"
-                              "[HKEY_USERS\\Customer\\Software\\VanTa6]\r\n"
-                              "\"AppFileName\"=\"C:\\\\Program Files\\\\VanTa6\\\\VanTa6.exe\"\r\n");
+  testing_support::WriteBytes(
+      reg,
+      "Windows Registry Editor Version 5.00\r\n\r\n"
+      "[HKEY_USERS\\Customer\\Software\\VanTa6]\r\n"
+      "\"AppFileName\"=\"C:\\\\Program Files\\\\VanTa6\\\\VanTa6.exe\"\r\n");
   EXPECT_EQ(0, Run("--profile " + Quote(m_profile) + " --registry " + Quote(reg))) << m_output;
   EXPECT_TRUE(Imported()) << m_output;
 }
@@ -162,14 +168,16 @@ TEST_F(WindowsProfileTest, WindowsXpProfile) {
 TEST_F(WindowsProfileTest, NothingToImportSaysWhereItLooked) {
   EXPECT_EQ(0, Run("--profile " + Quote(m_profile), false)) << m_output;
   EXPECT_TRUE(Contains("Nothing to import: no earlier installation")) << m_output;
-  EXPECT_TRUE(Contains("The profile " + m_profile.AsUTF8Unsafe() + " has no NTUSER.DAT")) << m_output;
-  EXPECT_TRUE(Contains("  registry: none given\n")) << m_output;
-  EXPECT_TRUE(Contains("  generation 7: " +
-                       m_profile.Append(L"AppData/Roaming/VanTu7/VTData.db").AsUTF8Unsafe() +
-                       " (not found)\n"))
+  EXPECT_TRUE(Contains("The profile " + m_profile.AsUTF8Unsafe() + " has no NTUSER.DAT"))
       << m_output;
-  EXPECT_TRUE(Contains("  generation 6: registry value HKEY_CURRENT_USER\\Software\\VanTa6\\"
-                       "AppFileName not set\n"))
+  EXPECT_TRUE(Contains("  registry: none given\n")) << m_output;
+  EXPECT_TRUE(Contains(
+      "  generation 7: " + m_profile.Append(L"AppData/Roaming/VanTu7/VTData.db").AsUTF8Unsafe() +
+      " (not found)\n"))
+      << m_output;
+  EXPECT_TRUE(
+      Contains("  generation 6: registry value HKEY_CURRENT_USER\\Software\\VanTa6\\"
+               "AppFileName not set\n"))
       << m_output;
 }
 
@@ -205,9 +213,10 @@ TEST_F(WindowsProfileTest, UnreachableBesideAnImportIsNamed) {
   ASSERT_TRUE(WriteSampleV7Installation(m_profile.Append(L"AppData/Roaming"), size));
   EXPECT_EQ(0, Run("--profile " + Quote(m_profile))) << m_output;
   EXPECT_TRUE(Imported()) << m_output;
-  EXPECT_TRUE(Contains("; generation 6 at \"D:\\VanTa6\\VanTa6.exe\" (no folder stands for "
-                       "drive D:; give --drive D=FOLDER with the copy of drive D:) could not be "
-                       "reached."))
+  EXPECT_TRUE(
+      Contains("; generation 6 at \"D:\\VanTa6\\VanTa6.exe\" (no folder stands for "
+               "drive D:; give --drive D=FOLDER with the copy of drive D:) could not be "
+               "reached."))
       << m_output;
 }
 

@@ -83,7 +83,7 @@ bool DatabaseHelper::CheckIntegrity() {
   if (ClaimsPagesBeyondFile())
     return false;
   sql::Statement check(m_connection->GetCachedStatement(sql::StatementID("database_helper", 358),
-                                                       "PRAGMA Integrity_Check"));
+                                                        "PRAGMA Integrity_Check"));
   if (!check.is_valid() || !check.Step())
     return false;
   std::wstring result = check.ColumnString16(0);
@@ -131,7 +131,8 @@ void DatabaseHelper::ResetConnection() {
   m_connection = std::make_unique<sql::Connection>();
 }
 
-std::string BuildInsertStatement(const std::string& table, const std::string& columns,
+std::string BuildInsertStatement(const std::string& table,
+                                 const std::string& columns,
                                  const std::string& values) {
   std::string sql;
   sql.reserve(table.size() + columns.size() + values.size() + 24);

@@ -101,7 +101,8 @@ class DatabaseHelper {
 
 // "Insert Into " + table + "(" + columns + ") values (" + values + ")": the
 // lists come joined and quoted by the caller.
-std::string BuildInsertStatement(const std::string& table, const std::string& columns,
+std::string BuildInsertStatement(const std::string& table,
+                                 const std::string& columns,
                                  const std::string& values);
 
 // |name| as it can stand in a statement: unchanged when it is a plain
@@ -122,7 +123,8 @@ void AppendSqlTextLiteral(std::wstring_view text, std::string* out);
 // %d) As MaxKeyID From %s" with the default 1. Answers 1 when the database is
 // not open, the statement is invalid (a missing table) or yields no row; an
 // empty table therefore also gives 1.
-[[nodiscard]] int GetMaxKeyId(DatabaseHelper* helper, const std::string& key_column,
+[[nodiscard]] int GetMaxKeyId(DatabaseHelper* helper,
+                              const std::string& key_column,
                               const std::string& table);
 
 }  // namespace data_importer

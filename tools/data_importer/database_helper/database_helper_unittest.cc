@@ -1,6 +1,5 @@
 #include "tools/data_importer/database_helper/database_helper.h"
 
-
 #include <gtest/gtest.h>
 
 #include <string>
@@ -122,7 +121,7 @@ TEST(DatabaseHelperTest, AttachOnceAndCopyTables) {
 
   ASSERT_TRUE(helper.Attach(source, "src"));
   EXPECT_FALSE(helper.Attach(source, "other"));
-  EXPECT_TRUE(helper.CopyTable("id <= 10", "Songs"));  // creates the table
+  EXPECT_TRUE(helper.CopyTable("id <= 10", "Songs"));   // creates the table
   EXPECT_TRUE(helper.CopyTable("id > 2990", "Songs"));  // appends
   DbRowReader rows(*helper.connection(), "SELECT count(*) AS n, max(id) AS top FROM Songs");
   ASSERT_TRUE(rows.Step());

@@ -26,7 +26,8 @@ class DbRowReaderTest : public testing::Test {
 // Names match in any case, once per reader; absent columns read as neutral
 // values on every row.
 TEST_F(DbRowReaderTest, ColumnsByNameWithOneScanPerName) {
-  DbRowReader reader(m_db, "SELECT ItemID, Title, Size, Gain, 7 AS x, 8 AS X FROM Items ORDER BY 1");
+  DbRowReader reader(m_db,
+                     "SELECT ItemID, Title, Size, Gain, 7 AS x, 8 AS X FROM Items ORDER BY 1");
   ASSERT_TRUE(reader.IsValid());
   ASSERT_TRUE(reader.Step());
   EXPECT_EQ(1, reader.GetInt("itemid"));

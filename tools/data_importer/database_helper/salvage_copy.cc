@@ -43,8 +43,7 @@ std::string Quoted(const std::string& name) {
 }
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() &&
-         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
            return std::tolower(static_cast<unsigned char>(x)) ==
                   std::tolower(static_cast<unsigned char>(y));
          });
@@ -120,10 +119,9 @@ class TableSalvage {
     }
     if (without_rowid || m_rowid.empty()) {
       // No row ids to walk by: the table comes whole or not at all.
-      result.complete = m_db->Execute(
-          ("INSERT OR IGNORE INTO " + m_target + "(" + m_columns + ") SELECT " + m_columns + " FROM " +
-           m_source)
-              .c_str());
+      result.complete = m_db->Execute(("INSERT OR IGNORE INTO " + m_target + "(" + m_columns +
+                                       ") SELECT " + m_columns + " FROM " + m_source)
+                                          .c_str());
     } else if (!m_db->Execute((Insert() + " ORDER BY " + m_rowid).c_str())) {
       result.complete = false;
       Walk();
@@ -164,8 +162,8 @@ class TableSalvage {
   // twice, from a duplicated page; a damaged value in a unique or NOT NULL
   // column): such a row is left out rather than failing its whole range.
   std::string Insert() const {
-    return "INSERT OR IGNORE INTO " + m_target + "(" + m_rowid + ", " + m_columns + ") SELECT " + m_rowid +
-           ", " + m_columns + " FROM " + m_source;
+    return "INSERT OR IGNORE INTO " + m_target + "(" + m_rowid + ", " + m_columns + ") SELECT " +
+           m_rowid + ", " + m_columns + " FROM " + m_source;
   }
   std::string Select(int64_t from) const {
     return "SELECT " + m_rowid + ", " + m_columns + " FROM " + m_source + " WHERE " + m_rowid +
@@ -203,7 +201,8 @@ class TableSalvage {
         // The rows just read, read again by the copy. A bound on the row id
         // would make the engine look at the next row to see the range end,
         // which lies in the damaged part; a limit stops at the last row.
-        std::string range = first ? std::string() : " WHERE " + m_rowid + " >= " + std::to_string(from);
+        std::string range =
+            first ? std::string() : " WHERE " + m_rowid + " >= " + std::to_string(from);
         // Should the copy fail all the same, these rows are lost with the
         // damaged part: they are not in the copy, and the index names them.
         (void)m_db->Execute(
@@ -317,8 +316,7 @@ static SalvageResult SalvageReadable(const base::FilePath& damaged, const base::
     }
     TableSalvage table(&db, entry.name, &budget);
     budget.Arm(true);
-    result.tables.push_back(
-        table.Run(ContainsIgnoringCase(entry.sql, "without rowid")));
+    result.tables.push_back(table.Run(ContainsIgnoringCase(entry.sql, "without rowid")));
     budget.Arm(false);
   }
   // The indexes are built anew from the copied rows; one that the rows no

@@ -42,8 +42,8 @@ struct SalvageResult {
 // goes on from there. So a damaged page costs the rows it holds, not the
 // rest of the table. Only table pages are walked: the engine crashed
 // reading a damaged index page, so the damaged file's indexes are never
-// read (the copy's are built anew from its rows). Triggers and views are not copied: a copy made to be
-// read needs neither, and a trigger would fire on every copied row.
+// read (the copy's are built anew from its rows). Triggers and views are not copied: a copy made to
+// be read needs neither, and a trigger would fire on every copied row.
 [[nodiscard]] SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& fresh);
 
 }  // namespace data_importer

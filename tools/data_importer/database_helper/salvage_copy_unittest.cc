@@ -23,11 +23,13 @@ void WriteDatabase(const base::FilePath& path, bool index) {
   sql::Connection db;
   db.set_page_size(4096);
   ASSERT_TRUE(db.Open(path));
-  ASSERT_TRUE(db.Execute("CREATE TABLE Songs(ID INTEGER PRIMARY KEY, Title TEXT, Pad TEXT);"
-                         "CREATE TABLE Lists(ListID INTEGER, Name TEXT);"
-                         "INSERT INTO Lists VALUES(1, 'Road'), (2, 'It''s mine');"));
+  ASSERT_TRUE(
+      db.Execute("CREATE TABLE Songs(ID INTEGER PRIMARY KEY, Title TEXT, Pad TEXT);"
+                 "CREATE TABLE Lists(ListID INTEGER, Name TEXT);"
+                 "INSERT INTO Lists VALUES(1, 'Road'), (2, 'It''s mine');"));
   ASSERT_TRUE(db.Execute(("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
-                          "WHERE i < " + std::to_string(kRows) +
+                          "WHERE i < " +
+                          std::to_string(kRows) +
                           ") INSERT INTO Songs SELECT i, 'Song ' || i, hex(randomblob(90)) "
                           "FROM n")
                              .c_str()));

@@ -38,12 +38,18 @@ constexpr int kSeedsPerKind = 8;
 enum class Damage { kZeroed, kRandom, kBitFlips, kDuplicated, kTruncated, kHeader };
 const char* Name(Damage damage) {
   switch (damage) {
-    case Damage::kZeroed: return "zeroed page";
-    case Damage::kRandom: return "random page";
-    case Damage::kBitFlips: return "bit flips";
-    case Damage::kDuplicated: return "duplicated page";
-    case Damage::kTruncated: return "truncated";
-    case Damage::kHeader: return "damaged header";
+    case Damage::kZeroed:
+      return "zeroed page";
+    case Damage::kRandom:
+      return "random page";
+    case Damage::kBitFlips:
+      return "bit flips";
+    case Damage::kDuplicated:
+      return "duplicated page";
+    case Damage::kTruncated:
+      return "truncated";
+    case Damage::kHeader:
+      return "damaged header";
   }
   return "";
 }
@@ -84,7 +90,8 @@ std::string Damaged(std::string bytes, Damage damage, unsigned seed) {
 
 // The named |columns| of every row a plain "SELECT *" of |table| returns,
 // as integers, and whether the read completed.
-std::vector<std::vector<int64_t>> PlainRows(sql::Connection* db, const std::string& table,
+std::vector<std::vector<int64_t>> PlainRows(sql::Connection* db,
+                                            const std::string& table,
                                             const std::vector<std::string>& columns,
                                             bool* complete) {
   std::vector<std::vector<int64_t>> rows;
@@ -106,13 +113,13 @@ struct Counts {
 
 // Where a generation keeps its songs, lists and list entries.
 struct Layout {
-  std::string songs;             // table
-  std::string song_id;           // its id column
-  std::string lists;             // table, with "PlayListID" and "PlayListType"
-  std::string entries;           // table, with "PlayListID" and |entry_song|
-  std::string entry_song;        // the column naming the entry's song
-  std::set<int64_t> ordinary;    // list types imported when they have entries
-  std::set<int64_t> always;      // list types imported always
+  std::string songs;           // table
+  std::string song_id;         // its id column
+  std::string lists;           // table, with "PlayListID" and "PlayListType"
+  std::string entries;         // table, with "PlayListID" and |entry_song|
+  std::string entry_song;      // the column naming the entry's song
+  std::set<int64_t> ordinary;  // list types imported when they have entries
+  std::set<int64_t> always;    // list types imported always
 };
 
 // What a table-by-table read of the damaged file gets: the songs of a
@@ -166,11 +173,13 @@ class DamagedSourceTest : public testing::Test {
   // Runs |export_one| over every kind of damage and seed of |original|
   // placed at |source|, and expects the 99 % goal per kind.
   template <typename Exporter>
-  void ExpectSalvage(const char* generation, const std::string& original,
-                     const base::FilePath& source, const Layout& layout) {
+  void ExpectSalvage(const char* generation,
+                     const std::string& original,
+                     const base::FilePath& source,
+                     const Layout& layout) {
     Counts all_read, all_plain;
-    for (Damage damage : {Damage::kZeroed, Damage::kRandom, Damage::kBitFlips,
-                          Damage::kDuplicated, Damage::kTruncated, Damage::kHeader}) {
+    for (Damage damage : {Damage::kZeroed, Damage::kRandom, Damage::kBitFlips, Damage::kDuplicated,
+                          Damage::kTruncated, Damage::kHeader}) {
       Counts read, plain;
       for (int seed = 1; seed <= kSeedsPerKind; ++seed) {
         testing_support::WriteBytes(source, Damaged(original, damage, seed));

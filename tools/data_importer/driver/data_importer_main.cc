@@ -34,7 +34,8 @@ namespace {
 
 // Keeps what a version-2 task did for the host, in the import report and
 // in a file of its own; the run goes on without the file.
-void KeepUpgradeResult(const base::FilePath& data_folder, const UpgradeResult& result,
+void KeepUpgradeResult(const base::FilePath& data_folder,
+                       const UpgradeResult& result,
                        ProgressRecord* record) {
   record->report()->SetUpgradeOutcome(UpgradeResultJson(result));
   if (!WriteUpgradeResult(data_folder, result)) {
@@ -57,9 +58,10 @@ void KeepReport(const base::FilePath& data_folder, bool imported, ImportReport* 
   report->SetEndTime(stamp.substr(0, 4) + "-" + stamp.substr(4, 2) + "-" + stamp.substr(6, 5) +
                      ":" + stamp.substr(11, 2) + ":" + stamp.substr(13));
   if (KeepRunReport(data_folder, report->task(), now, report->ToText()).empty()) {
-    VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: cannot write the run's report into {"
-                                  << data_folder.Append(importer_names::kReportHistoryFolder).value()
-                                  << L"}, error code {" << base::GetLastSystemError() << L"}.";
+    VLOG_AT(logging::LOG_FAILURE)
+        << L"DataImporterMain: cannot write the run's report into {"
+        << data_folder.Append(importer_names::kReportHistoryFolder).value() << L"}, error code {"
+        << base::GetLastSystemError() << L"}.";
   }
   if (imported && !report->Write(data_folder)) {
     VLOG_AT(logging::LOG_FAILURE) << L"DataImporterMain: cannot write {"
@@ -118,8 +120,8 @@ void Run(const RunContext& context) {
   std::wstring task = DecideTask(context, &search);
   base::Value lookup = DescribeTaskSearch(context, search);
   for (const auto& line : lookup["lines"])
-    VLOG_AT(logging::LOG_PROGRESS) << L"Looked for earlier installations: "
-                                   << base::UTF8ToWide(line.get<std::string>());
+    VLOG_AT(logging::LOG_PROGRESS)
+        << L"Looked for earlier installations: " << base::UTF8ToWide(line.get<std::string>());
   std::chrono::duration<double> decision_time = std::chrono::steady_clock::now() - decision_start;
   VLOG_AT(logging::LOG_PROGRESS) << importer_names::kTaskLogMarker << task << L"}, source folder {"
                                  << context.m_source_folder.value() << L"}.";
@@ -146,8 +148,8 @@ void RunAndReport(const RunContext& context) {
   try {
     Run(context);
   } catch (const std::exception& e) {
-    VLOG_AT(logging::LOG_ASSERT) << L"DataImporterMain: unexpected exception {"
-                                 << e.what() << L"}.";
+    VLOG_AT(logging::LOG_ASSERT) << L"DataImporterMain: unexpected exception {" << e.what()
+                                 << L"}.";
   } catch (...) {
     VLOG_AT(logging::LOG_ASSERT) << L"DataImporterMain: unexpected exception.";
   }

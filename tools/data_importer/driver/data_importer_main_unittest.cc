@@ -121,12 +121,13 @@ TEST_F(DataImporterMainTest, StagesAreNamedInOrder) {
   };
   const std::vector<std::string> expected_order = {
       "reading MusicItems", "writing songs", "writing lists", "writing list entries",
-      "encrypting", "verifying", "replacing"};
+      "encrypting",         "verifying",     "replacing"};
   std::string all;
   for (const std::string& stage : stages)
     all += stage + "; ";
   for (size_t i = 0; i < expected_order.size(); ++i) {
-    ASSERT_LT(at(expected_order[i]), static_cast<long>(stages.size())) << expected_order[i] << ": " << all;
+    ASSERT_LT(at(expected_order[i]), static_cast<long>(stages.size()))
+        << expected_order[i] << ": " << all;
     if (i > 0)
       EXPECT_LT(at(expected_order[i - 1]), at(expected_order[i])) << all;
   }

@@ -32,7 +32,8 @@ class UnavailableDataExporter : public DataExporter {
 
 }  // namespace
 
-std::unique_ptr<DataExporter> CreateExporter(const RunContext& context, int import_kind,
+std::unique_ptr<DataExporter> CreateExporter(const RunContext& context,
+                                             int import_kind,
                                              ImportModel* model) {
   switch (import_kind) {
     case ProgressRecord::kKind2008:

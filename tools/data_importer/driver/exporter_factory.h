@@ -14,7 +14,8 @@ class ImportModel;
 // 3 generation 7, 4 current generation), reading the machine through
 // |context|, which outlives it. A kind whose reader is not part of
 // this library gets one that reports state 1 and imports nothing.
-std::unique_ptr<DataExporter> CreateExporter(const RunContext& context, int import_kind,
+std::unique_ptr<DataExporter> CreateExporter(const RunContext& context,
+                                             int import_kind,
                                              ImportModel* model);
 
 }  // namespace data_importer

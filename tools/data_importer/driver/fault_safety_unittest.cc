@@ -50,7 +50,8 @@ class FaultSafetyTest : public testing::Test {
     std::string all;
     base::FileEnumerator files(folder, L"*");
     for (base::FilePath file = files.Next(); !file.empty(); file = files.Next())
-      all += file.BaseName().AsUTF8Unsafe() + ":" + base::MD5String(testing_support::ReadBytes(file)) + ";";
+      all += file.BaseName().AsUTF8Unsafe() + ":" +
+             base::MD5String(testing_support::ReadBytes(file)) + ";";
     base::FileEnumerator lyrics(folder.Append(L"Lyric"), L"*");
     for (base::FilePath file = lyrics.Next(); !file.empty(); file = lyrics.Next())
       all += file.BaseName().AsUTF8Unsafe() + ";";
@@ -60,7 +61,8 @@ class FaultSafetyTest : public testing::Test {
   // Work files that must never outlive a run.
   std::vector<std::string> Leftovers() const {
     std::vector<std::string> found;
-    for (const wchar_t* pattern : {L"*.tmp", L"*.enc", L"*.commit*", L"*.copy-*", L"Vantu.ini.tmp*"}) {
+    for (const wchar_t* pattern :
+         {L"*.tmp", L"*.enc", L"*.commit*", L"*.copy-*", L"Vantu.ini.tmp*"}) {
       base::FileEnumerator files(m_profile.data_folder(), pattern);
       for (base::FilePath file = files.Next(); !file.empty(); file = files.Next())
         found.push_back(file.BaseName().AsUTF8Unsafe());
@@ -201,10 +203,8 @@ TEST_F(FaultSafetyTest, DamagedSourcesNeverCrashOrLeaveBrokenFiles) {
   int whole_runs = 0;
   for (int i = 0; i < kDatabaseCases + kRegistryCases; ++i) {
     bool registry_case = i >= kDatabaseCases;
-    std::string damaged_database =
-        registry_case ? good_database : Mutate(good_database, &random);
-    std::string damaged_registry =
-        registry_case ? Mutate(good_registry, &random) : good_registry;
+    std::string damaged_database = registry_case ? good_database : Mutate(good_database, &random);
+    std::string damaged_registry = registry_case ? Mutate(good_registry, &random) : good_registry;
     testing_support::WriteBytes(database, damaged_database);
     testing_support::WriteBytes(registry, damaged_registry);
     ASSERT_TRUE(base::DeleteFile(m_profile.data_folder(), true));

@@ -143,9 +143,9 @@ TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
   ASSERT_TRUE(other_type);
   EXPECT_EQ("Cloud list", (*other_type)["examples"][0]["name"]);
   EXPECT_EQ("PlayLists", (*other_type)["examples"][0]["table"]);
-  const int64_t cloud_entries = CountQuery(
-      &src, "select count(*) from PlayListItems where PlayListID = " +
-                std::to_string((*other_type)["examples"][0]["old_id"].get<int64_t>()));
+  const int64_t cloud_entries =
+      CountQuery(&src, "select count(*) from PlayListItems where PlayListID = " +
+                           std::to_string((*other_type)["examples"][0]["old_id"].get<int64_t>()));
   EXPECT_LT(0, cloud_entries);
   EXPECT_EQ(cloud_entries, (*other_type)["examples"][0]["entries"]);
   EXPECT_EQ(cloud_entries, Dropped(report, "list_entry_of_list_not_imported"));
@@ -195,21 +195,24 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
     ASSERT_TRUE(db.Open(music));
     history_rows = CountQuery(&db, "select count(*) from DownloadHistoryItem");
     ASSERT_LT(0, history_rows);
-    std::string path = FirstText(&db, "select FileName from ShareFileItems where "
-                                      "ShareFileType <> 2 and FileName <> '' order by id");
+    std::string path = FirstText(&db,
+                                 "select FileName from ShareFileItems where "
+                                 "ShareFileType <> 2 and FileName <> '' order by id");
     ASSERT_FALSE(path.empty());
     ASSERT_TRUE(db.Execute(
         "INSERT INTO DownloadItem(FileID, DownloadID, FileName, DestFileName, MD5) VALUES "
         "(987654, 1, 'Lost', 'Z:\\lost.mp3', 'EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEE')"));
     ASSERT_TRUE(db.Execute(("INSERT INTO DownloadHistoryItem(DownloadID, FileName, DestFileName) "
-                            "VALUES (4242, 'Only in the history', '" + path + "')")
+                            "VALUES (4242, 'Only in the history', '" +
+                            path + "')")
                                .c_str()));
   }
   {
     sql::Connection db;
     ASSERT_TRUE(db.Open(lists));
-    entry_table = FirstText(&db, "select name from sqlite_master where type = 'table' and "
-                                 "name like 'GeneralList^_%' escape '^' order by name");
+    entry_table = FirstText(&db,
+                            "select name from sqlite_master where type = 'table' and "
+                            "name like 'GeneralList^_%' escape '^' order by name");
     ASSERT_FALSE(entry_table.empty());
     ASSERT_TRUE(db.Execute(("INSERT INTO \"" + entry_table +
                             "\"(SongID, TitleName, MusicFilePath, MusicFileHash) VALUES "
@@ -248,10 +251,11 @@ TEST_F(ImportReportReconcileTest, ReimportEveryRowAccountedFor) {
   EXPECT_EQ("Gone song", (*missing)["examples"][0]["name"]);
   // The history row of its own stays in the history, and there only.
   sql::Connection finished;
-  ASSERT_TRUE(finished.OpenWithKey(m_profile.data_folder().Append(L"VTMusicV3.db"),
-                                   kVersion3DatabaseKey));
-  EXPECT_EQ(0, CountQuery(&finished, "select count(*) from DownloadItem where FileName = "
-                                     "'Only in the history'"));
+  ASSERT_TRUE(
+      finished.OpenWithKey(m_profile.data_folder().Append(L"VTMusicV3.db"), kVersion3DatabaseKey));
+  EXPECT_EQ(0, CountQuery(&finished,
+                          "select count(*) from DownloadItem where FileName = "
+                          "'Only in the history'"));
   EXPECT_EQ(history_rows + 1, CountQuery(&finished, "select count(*) from DownloadHistoryItem"));
 }
 
@@ -303,8 +307,9 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
         return;  // a step of the commit that puts the copies in place
       sql::Connection db;
       ASSERT_TRUE(db.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
-      ASSERT_TRUE(db.Execute("DELETE FROM ShareFileItems WHERE rowid = (SELECT max(rowid) "
-                             "FROM ShareFileItems)"));
+      ASSERT_TRUE(
+          db.Execute("DELETE FROM ShareFileItems WHERE rowid = (SELECT max(rowid) "
+                     "FROM ShareFileItems)"));
     });
     base::Value json = lost.ToJson();
     const base::Value* files = FindEntry(json["target_tables"], "table", "ShareFileItems");
@@ -335,8 +340,7 @@ TEST_F(ImportReportReconcileTest, Version2CopyCountsEveryTableTwice) {
   ASSERT_TRUE(lists);
   EXPECT_EQ(0, (*lists)["written"]);
   EXPECT_EQ((*lists)["read"], (*lists)["dropped_by_reason"]["copy_not_encrypted"]);
-  const base::Value* playlist =
-      FindEntry(report["target_databases"], "database", "playlistV3.db");
+  const base::Value* playlist = FindEntry(report["target_databases"], "database", "playlistV3.db");
   ASSERT_TRUE(playlist);
   EXPECT_EQ(false, (*playlist)["read_back"]);
 }
@@ -365,8 +369,8 @@ TEST_F(ImportReportReconcileTest, Version3UpgradeCountsTheMovedTables) {
     EXPECT_EQ(before[table], flow["read"]) << table;
     EXPECT_EQ(before[table], flow["written"]) << table;
   }
-  EXPECT_EQ((std::set<std::string>{"CloudAccompanimentItemSet", "CloudListTable",
-                                   "CloudOperation", "NewCloudList_3", "NewCloudList_7"}),
+  EXPECT_EQ((std::set<std::string>{"CloudAccompanimentItemSet", "CloudListTable", "CloudOperation",
+                                   "NewCloudList_3", "NewCloudList_7"}),
             moved);
   ASSERT_EQ(moved.size(), report["target_tables"].size());
   for (const auto& target : report["target_tables"]) {

@@ -15,7 +15,8 @@
 
 namespace data_importer {
 
-void RunImport(const RunContext& context, ProgressRecord* record,
+void RunImport(const RunContext& context,
+               ProgressRecord* record,
                const BuildStageCallback& stage_done) {
   ImportModel model;
   model.m_progress = record;
@@ -43,13 +44,12 @@ void RunImport(const RunContext& context, ProgressRecord* record,
     // The build records its failures in "DBCheck" itself; the log says why.
     base::Status built = BuildDatabases(&model, context.m_data_folder, timed_stage_done);
     if (!built.ok())
-      VLOG_AT(logging::LOG_FAILURE) << L"Build of the new databases FAILED: {" << built.message()
-                                    << L"}.";
+      VLOG_AT(logging::LOG_FAILURE)
+          << L"Build of the new databases FAILED: {" << built.message() << L"}.";
     // What the finished files held when they were read back (before they
     // replaced the old ones), beside what the writers sent.
-    for (const auto& [name, verified] :
-         {std::pair{"VTMusicV3.db", &model.m_verified_music},
-          std::pair{"playlistV3.db", &model.m_verified_playlist}}) {
+    for (const auto& [name, verified] : {std::pair{"VTMusicV3.db", &model.m_verified_music},
+                                         std::pair{"playlistV3.db", &model.m_verified_playlist}}) {
       if (!verified->row_counts.empty() || !verified->error.empty())
         report->SetCountedRows(name, verified->row_counts, verified->ok, verified->error);
     }

@@ -16,7 +16,8 @@ class ProgressRecord;
 // returned 0; then writes "ImportEnd". A kind without an exporter imports
 // nothing. The exporter reads the machine through |context|, the build
 // writes into its data folder. |stage_done| is handed to the build sequence.
-void RunImport(const RunContext& context, ProgressRecord* record,
+void RunImport(const RunContext& context,
+               ProgressRecord* record,
                const BuildStageCallback& stage_done = nullptr);
 
 }  // namespace data_importer

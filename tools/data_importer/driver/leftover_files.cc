@@ -36,9 +36,9 @@ int RemoveIn(const base::FilePath& folder) {
         VLOG_AT(logging::LOG_PROGRESS)
             << L"Removed {" << file.value() << L"} left by process {" << owner << L"}.";
       } else {
-        VLOG_AT(logging::LOG_FAILURE) << L"Delete file {" << file.value()
-                                      << L"} FAILED, error code {"
-                                      << base::GetLastSystemError() << L"}.";
+        VLOG_AT(logging::LOG_FAILURE)
+            << L"Delete file {" << file.value() << L"} FAILED, error code {"
+            << base::GetLastSystemError() << L"}.";
       }
     }
   }

@@ -40,10 +40,12 @@ TEST(LeftoverFilesTest, RemovesOnlyFilesOfGoneProcesses) {
       data.Append(L"Vantu.ini.tmp" + dead), data.Append(L"VT6Data.db.copy-" + dead),
       data.Append(L"DataImporter.db.copy-" + dead), backup.Append(L"VT6Data.db.copy-" + dead),
       lyric.Append(L"a.krc.copy-" + dead)};
-  const base::FilePath kept[] = {
-      data.Append(L"Vantu.ini.tmp" + alive), data.Append(L"VT6Data.db.copy-" + alive),
-      data.Append(L"Vantu.ini"), data.Append(L"VT6Data.db"), data.Append(L"notes.copy-old"),
-      data.Append(L"Other.ini.tmp" + dead)};
+  const base::FilePath kept[] = {data.Append(L"Vantu.ini.tmp" + alive),
+                                 data.Append(L"VT6Data.db.copy-" + alive),
+                                 data.Append(L"Vantu.ini"),
+                                 data.Append(L"VT6Data.db"),
+                                 data.Append(L"notes.copy-old"),
+                                 data.Append(L"Other.ini.tmp" + dead)};
   for (const base::FilePath& path : removed) {
     ASSERT_TRUE(base::CreateDirectory(path.DirName()));
     ASSERT_TRUE(base::WriteFile(path, "x"));

@@ -12,11 +12,11 @@ namespace data_importer {
 // not parse or has no dictionary at its root, or when the file time cannot be
 // read.
 enum class StorageRefresh {
-  kRefreshed,          // "modify_time" was written
-  kNoPlaylistDatabase, // no "playlistV3.db": nothing to tell the player
-  kNoStorage,          // "pls_storage" is missing, does not parse, or is no dictionary
-  kNoFileTime,         // the database's file information could not be read
-  kWriteFailed,        // "pls_storage" could not be written
+  kRefreshed,           // "modify_time" was written
+  kNoPlaylistDatabase,  // no "playlistV3.db": nothing to tell the player
+  kNoStorage,           // "pls_storage" is missing, does not parse, or is no dictionary
+  kNoFileTime,          // the database's file information could not be read
+  kWriteFailed,         // "pls_storage" could not be written
 };
 [[nodiscard]] StorageRefresh RefreshPlaylistStorage(const base::FilePath& data_folder);
 

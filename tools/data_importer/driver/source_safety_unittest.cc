@@ -70,8 +70,9 @@ TEST_F(SourceSafetyTest, Generation7OriginalReadOnlyAndDamagedStaysAsItWas) {
   RunOverReadOnly({V7Source()});
   EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   EXPECT_GT(LibrarySongs(), 250);  // of 300
-  EXPECT_NE(std::string::npos,
-            testing_support::ReadBytes(Data(L"DataImporter.log")).find("fails the integrity check"));
+  EXPECT_NE(
+      std::string::npos,
+      testing_support::ReadBytes(Data(L"DataImporter.log")).find("fails the integrity check"));
   EXPECT_FALSE(base::PathExists(base::FilePath(Data(L"VT7Data.db").value() + L".salvage")));
   // The rows lost with the damaged page are part of the report's sums.
   ExpectReportReconciles(ReadImportReport(m_profile.data_folder()), m_profile.data_folder());
@@ -131,7 +132,8 @@ TEST_F(SourceSafetyTest, RestoredSourceArrivesOnTheNextRun) {
   EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
   EXPECT_EQ(300, LibrarySongs());
   report = ReadImportReport(m_profile.data_folder());
-  const base::Value* source = FindEntry(report["sources"], "read_from", Data(L"VT7Data.db").AsUTF8Unsafe());
+  const base::Value* source =
+      FindEntry(report["sources"], "read_from", Data(L"VT7Data.db").AsUTF8Unsafe());
   ASSERT_NE(nullptr, source);
   EXPECT_EQ("copied again: the source changed since the copy", (*source)["work_copy"]);
 }

@@ -26,7 +26,8 @@ void CopyLibraryFiles(const base::FilePath& source, const base::FilePath& target
 }
 
 // The rules, first match wins, over what |search| found.
-std::wstring DecideFrom(const TaskSearch& search, const base::FilePath& data_folder,
+std::wstring DecideFrom(const TaskSearch& search,
+                        const base::FilePath& data_folder,
                         const base::FilePath& source_folder) {
   const auto& files = search.data_folder_files;
   if (files[0].second || files[1].second)
@@ -190,9 +191,8 @@ base::Value DescribeTaskSearch(const RunContext& context, const TaskSearch& sear
     pass_over("the 2008 edition", search.edition2008.local);
 
   base::Value unreachable = base::Value::array();
-  for (const auto& [generation, lookup] :
-       {std::pair{"generation 6", &search.generation6},
-        std::pair{"the 2008 edition", &search.edition2008}}) {
+  for (const auto& [generation, lookup] : {std::pair{"generation 6", &search.generation6},
+                                           std::pair{"the 2008 edition", &search.edition2008}}) {
     if (!lookup->value_found || lookup->exists)
       continue;
     wchar_t drive = DriveOf(lookup->expanded);

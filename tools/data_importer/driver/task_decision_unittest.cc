@@ -59,7 +59,7 @@ TEST_F(TaskDecisionTest, EarlierGenerationsInOrder) {
   // A generation-6 registry path that no longer exists falls through to the
   // source folder.
   m_profile.SetRegistryValue(L"Software\\VanTa6", L"AppFileName",
-                            m_profile.root().Append(L"gone").Append(L"vantu.exe").value());
+                             m_profile.root().Append(L"gone").Append(L"vantu.exe").value());
   m_source = m_profile.root().Append(L"old6");
   TestProfile::Touch(m_source.Append(L"VTLibrary.db"));
   EXPECT_EQ(L"importvantu6", Decide());

@@ -19,8 +19,7 @@ constexpr uint32_t kFallbackCodePage = base::kCodePageSimplifiedChinese;
 // none.
 uint32_t CodePageOfHive(const base::FilePath& hive) {
   uint32_t current = 0;
-  if (!base::ReadHiveDword(hive, L"Select", L"Current", &current) || current == 0 ||
-      current > 999)
+  if (!base::ReadHiveDword(hive, L"Select", L"Current", &current) || current == 0 || current > 999)
     return 0;
   // "ControlSet001" for 1.
   std::wstring number = std::to_wstring(current);

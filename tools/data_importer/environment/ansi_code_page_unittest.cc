@@ -23,8 +23,7 @@ class AnsiCodePageTest : public testing::Test {
         {L"ControlSet001\\Control\\Nls\\CodePage", {{L"ACP", acp}, {L"OEMCP", L"437"}}},
         {L"ControlSet002\\Control\\Nls\\CodePage", {{L"ACP", L"1252"}}},
     };
-    base::FilePath config =
-        drive_c().Append(L"Windows").Append(L"System32").Append(L"config");
+    base::FilePath config = drive_c().Append(L"Windows").Append(L"System32").Append(L"config");
     ASSERT_TRUE(base::CreateDirectory(config));
     testing_support::WriteBytes(config.Append(L"SYSTEM"), BuildRegistryHive(keys));
   }

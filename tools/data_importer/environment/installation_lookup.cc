@@ -73,7 +73,8 @@ std::wstring ExpandWindowsVariables(const RunContext& context, const std::wstrin
       });
 }
 
-RegistryPathLookup LookUpRegistryPath(const RunContext& context, const std::wstring& subkey,
+RegistryPathLookup LookUpRegistryPath(const RunContext& context,
+                                      const std::wstring& subkey,
                                       const std::wstring& value_name) {
   RegistryPathLookup lookup;
   lookup.key = subkey;
@@ -102,7 +103,8 @@ RegistryPathLookup LookUpRegistryPath(const RunContext& context, const std::wstr
   return lookup;
 }
 
-std::wstring ReadRegistryString(const RunContext& context, const std::wstring& subkey,
+std::wstring ReadRegistryString(const RunContext& context,
+                                const std::wstring& subkey,
                                 const std::wstring& value_name) {
   base::RegKey key;
   std::wstring value;
@@ -111,7 +113,8 @@ std::wstring ReadRegistryString(const RunContext& context, const std::wstring& s
   return value;
 }
 
-base::FilePath ReadRegistryPath(const RunContext& context, const std::wstring& subkey,
+base::FilePath ReadRegistryPath(const RunContext& context,
+                                const std::wstring& subkey,
                                 const std::wstring& value_name) {
   return LookUpRegistryPath(context, subkey, value_name).local;
 }

@@ -32,7 +32,8 @@ struct RegistryPathLookup {
 // "<drive>:\Program Files\" that does not exist is looked for under
 // "Program Files (x86)" too, where Windows puts a 32-bit program named
 // under %ProgramFiles%.
-RegistryPathLookup LookUpRegistryPath(const RunContext& context, const std::wstring& subkey,
+RegistryPathLookup LookUpRegistryPath(const RunContext& context,
+                                      const std::wstring& subkey,
                                       const std::wstring& value_name);
 
 // |text| with its "%NAME%" references replaced: USERPROFILE, APPDATA and
@@ -44,11 +45,13 @@ std::wstring ExpandWindowsVariables(const RunContext& context, const std::wstrin
 
 // The string value |value_name| of key |subkey| in the user's registry, as
 // stored; empty when the key or the value is missing.
-std::wstring ReadRegistryString(const RunContext& context, const std::wstring& subkey,
+std::wstring ReadRegistryString(const RunContext& context,
+                                const std::wstring& subkey,
                                 const std::wstring& value_name);
 
 // The local path LookUpRegistryPath finds (whether or not it exists).
-base::FilePath ReadRegistryPath(const RunContext& context, const std::wstring& subkey,
+base::FilePath ReadRegistryPath(const RunContext& context,
+                                const std::wstring& subkey,
                                 const std::wstring& value_name);
 
 // The generation-6 program path, "AppFileName" of "Software\VanTa6".

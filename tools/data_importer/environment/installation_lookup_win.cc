@@ -72,8 +72,7 @@ base::FilePath SearchFolder(IShellLinkW* link, const base::FilePath& folder, int
     if (!base::FileEnumerator::MatchPattern(name, L"*.lnk"))
       continue;
     base::FilePath target = ShortcutTarget(link, folder.Append(name));
-    if (!target.empty() &&
-        base::ToLowerASCII(target.BaseName().value()) == kProgramName &&
+    if (!target.empty() && base::ToLowerASCII(target.BaseName().value()) == kProgramName &&
         base::PathExists(target) && MajorVersion(target) == 6) {
       found = target;
     }

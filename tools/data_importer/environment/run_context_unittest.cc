@@ -34,13 +34,14 @@ TEST(RunContextTest, FromTheEnvironment) {
   EXPECT_TRUE(context.m_log_to_stderr);
   // A variable of the process wins over the usual Windows folder.
   EXPECT_EQ(L"D:\\Apps\\VanTa6;/u;C:\\Windows;%NotSet%",
-            ExpandWindowsVariables(context, L"%programfiles%\\VanTa6;%USERPROFILE%;"
-                                            L"%SystemRoot%;%NotSet%"));
+            ExpandWindowsVariables(context,
+                                   L"%programfiles%\\VanTa6;%USERPROFILE%;"
+                                   L"%SystemRoot%;%NotSet%"));
 
   // Without them: the fallbacks of the home folder, no registry, no drives.
-  for (const char* name : {"LOCALAPPDATA", "APPDATA", "USERPROFILE", "VANTU_REGISTRY_FILE",
-                           "VANTU_DRIVE_D", "VANTU_LOG_LEVEL", "VANTU_LOG_STDERR",
-                           "XDG_DATA_HOME", "XDG_CONFIG_HOME"})
+  for (const char* name :
+       {"LOCALAPPDATA", "APPDATA", "USERPROFILE", "VANTU_REGISTRY_FILE", "VANTU_DRIVE_D",
+        "VANTU_LOG_LEVEL", "VANTU_LOG_STDERR", "XDG_DATA_HOME", "XDG_CONFIG_HOME"})
     env.Set(name, std::nullopt);
   env.Set("HOME", "/h");
   context = RunContextFromEnvironment();

@@ -84,7 +84,8 @@ EntityResult DecodeEntities(std::wstring_view raw, std::wstring* out) {
     bool matched = false;
     for (const NamedEntity& entity : kNamedEntities) {
       const std::wstring_view name(entity.name);
-      if (raw.size() - pos > name.size() && base::EqualsCaseInsensitiveASCII(raw.substr(pos, name.size()), name) &&
+      if (raw.size() - pos > name.size() &&
+          base::EqualsCaseInsensitiveASCII(raw.substr(pos, name.size()), name) &&
           raw[pos + name.size()] == L';') {
         out->push_back(entity.value);
         pos += name.size() + 1;

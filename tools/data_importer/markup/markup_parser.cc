@@ -89,7 +89,8 @@ MarkupParseResult Parser::Run() {
       ok = ParseSection(L"<![CDATA[", L"]]>", MarkupNode::kCData);
     else if (StartsWithAt(m_text, m_pos, L"<!--"))
       ok = ParseSection(L"<!--", L"-->", MarkupNode::kComment);
-    else if (m_text.size() - m_pos >= 9 && base::EqualsCaseInsensitiveASCII(m_text.substr(m_pos, 9), L"<!DOCTYPE"))
+    else if (m_text.size() - m_pos >= 9 &&
+             base::EqualsCaseInsensitiveASCII(m_text.substr(m_pos, 9), L"<!DOCTYPE"))
       ok = ParseSection(m_text.substr(m_pos, 9), L">", MarkupNode::kDocType);
     else if (StartsWithAt(m_text, m_pos, L"<PRE>"))
       ok = ParseSection(L"<PRE>", L"</PRE>", MarkupNode::kPre);
@@ -110,7 +111,7 @@ MarkupParseResult Parser::Run() {
     Note(kMarkupNoElement);
   const MarkupNode* document = m_result.document.get();
   m_result.single_root = document->items().size() == 1 && document->child_count() == 1 &&
-                        document->text_piece_count() == 0;
+                         document->text_piece_count() == 0;
   return std::move(m_result);
 }
 
@@ -230,7 +231,8 @@ bool Parser::ParseStartTag() {
   return true;
 }
 
-int Parser::ReadAttribute(std::wstring_view text, size_t* pos,
+int Parser::ReadAttribute(std::wstring_view text,
+                          size_t* pos,
                           std::vector<MarkupAttribute>* attributes) {
   const std::wstring_view name = ReadName(text, pos);
   if (name.empty())

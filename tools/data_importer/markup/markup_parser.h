@@ -15,14 +15,14 @@ namespace markup {
 // not be used.
 enum MarkupError : int {
   kMarkupOk = 0,
-  kMarkupNoElement = 1,       // the text holds no element (not an error)
-  kMarkupKeptAmpersand = 2,   // an '&' that starts no reference was kept
+  kMarkupNoElement = 1,      // the text holds no element (not an error)
+  kMarkupKeptAmpersand = 2,  // an '&' that starts no reference was kept
   kFirstFatalError = 3,
-  kMarkupBadTag = 3,          // malformed tag, attribute or stray '<'
-  kMarkupBadEndTag = 4,       // an end tag that closes no open element
-  kMarkupUnterminated = 5,    // the text ends inside a tag, section or element
-  kMarkupBadReference = 6,    // malformed numeric character reference
-  kMarkupTooDeep = 7,         // elements nested deeper than MarkupNode::kMaxDepth
+  kMarkupBadTag = 3,        // malformed tag, attribute or stray '<'
+  kMarkupBadEndTag = 4,     // an end tag that closes no open element
+  kMarkupUnterminated = 5,  // the text ends inside a tag, section or element
+  kMarkupBadReference = 6,  // malformed numeric character reference
+  kMarkupTooDeep = 7,       // elements nested deeper than MarkupNode::kMaxDepth
 };
 
 struct MarkupParseResult {

@@ -13,7 +13,8 @@ namespace markup {
 namespace {
 
 TEST(MarkupParserTest, EntitiesInTextAndAttributes) {
-  MarkupHandle root = Parse(L"<a v=\"&#65;&#x41;&#X4a;&AMP;&Lt;&gt;&quot;&apos;\">&#65;&amp;&#x41;</a>", L"");
+  MarkupHandle root =
+      Parse(L"<a v=\"&#65;&#x41;&#X4a;&AMP;&Lt;&gt;&quot;&apos;\">&#65;&amp;&#x41;</a>", L"");
   EXPECT_EQ(L"AAJ&<>\"'", Attribute(root, L"v"));
   EXPECT_EQ(L"A&A", Text(root));
   EXPECT_EQ(L"\U0001F3B5", Text(Parse(L"<a>&#x1F3B5;</a>", L"")));

@@ -7,7 +7,8 @@ namespace data_importer {
 namespace markup {
 
 bool MatchesStoredName(std::wstring_view stored, std::wstring_view query) {
-  return query.size() >= stored.size() && base::EqualsCaseInsensitiveASCII(stored, query.substr(0, stored.size()));
+  return query.size() >= stored.size() &&
+         base::EqualsCaseInsensitiveASCII(stored, query.substr(0, stored.size()));
 }
 
 bool IsMarkupSpace(wchar_t c) {

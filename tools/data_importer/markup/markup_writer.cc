@@ -182,9 +182,8 @@ std::wstring SerializeMarkup(const MarkupHandle& node) {
 }
 
 int32_t Save(const MarkupHandle& document, const base::FilePath& path) {
-  if (document.IsNull() ||
-      (document->kind() == MarkupNode::kDocument && document->items().empty() &&
-       document->text().empty())) {
+  if (document.IsNull() || (document->kind() == MarkupNode::kDocument &&
+                            document->items().empty() && document->text().empty())) {
     return kSaveOk;
   }
   FILE* file = base::OpenFile(base::ResolvePathCase(path), "wb");

@@ -8,7 +8,6 @@ namespace data_importer {
 
 namespace {
 
-
 std::string Utf8(const std::wstring& text) {
   return base::WideToUTF8(text);
 }
@@ -48,8 +47,10 @@ ImportReport::Source* ImportReport::FindSource(const std::wstring& read_path) {
   return nullptr;
 }
 
-void ImportReport::AddSource(const base::FilePath& original, const base::FilePath& read_path,
-                             const std::string& layout, unsigned flags) {
+void ImportReport::AddSource(const base::FilePath& original,
+                             const base::FilePath& read_path,
+                             const std::string& layout,
+                             unsigned flags) {
   if (Source* known = FindSource(read_path.value())) {
     known->flags |= flags;
     return;
@@ -63,8 +64,10 @@ void ImportReport::NoteWorkCopy(const base::FilePath& read_path, const std::stri
   FindSource(read_path.value())->work_copy = why;
 }
 
-void ImportReport::AddSalvagedTable(const base::FilePath& read_path, const std::string& table,
-                                    int64_t rows_salvaged, int64_t rows_known_lost,
+void ImportReport::AddSalvagedTable(const base::FilePath& read_path,
+                                    const std::string& table,
+                                    int64_t rows_salvaged,
+                                    int64_t rows_known_lost,
                                     bool complete) {
   MarkSource(read_path, kSalvaged);
   m_salvaged.push_back({read_path.value(), table, rows_salvaged, rows_known_lost, complete});
@@ -100,13 +103,18 @@ void ImportReport::AddMerged(int origin, int64_t rows) {
   m_source_tables[origin].rows_merged += rows;
 }
 
-void ImportReport::AddDrop(int origin, const std::string& target, const DropReason& reason,
+void ImportReport::AddDrop(int origin,
+                           const std::string& target,
+                           const DropReason& reason,
                            const DropExample& example) {
   AddDrops(origin, target, reason, 1, {example});
 }
 
-void ImportReport::AddDrops(int origin, const std::string& target, const DropReason& reason,
-                            int64_t count, const std::vector<DropExample>& examples) {
+void ImportReport::AddDrops(int origin,
+                            const std::string& target,
+                            const DropReason& reason,
+                            int64_t count,
+                            const std::vector<DropExample>& examples) {
   if (count <= 0)
     return;
   m_flows[{origin, PlainTableName(target)}].dropped[reason.key] += count;
@@ -127,7 +135,8 @@ void ImportReport::AddWritten(int origin, const std::string& target, int64_t row
 }
 
 void ImportReport::SetCountedRows(const std::string& database,
-                                  const std::map<std::string, int64_t>& counts, bool ok,
+                                  const std::map<std::string, int64_t>& counts,
+                                  bool ok,
                                   const std::string& error) {
   for (const auto& [table, rows] : counts)
     m_counted[table] = {database, rows};
@@ -334,7 +343,8 @@ bool ImportReport::Write(const base::FilePath& data_folder) const {
   return base::ReplaceFile(temp, data_folder.Append(importer_names::kReportFileName));
 }
 
-SourceTableTally::SourceTableTally(ImportReport* report, const base::FilePath& read_path,
+SourceTableTally::SourceTableTally(ImportReport* report,
+                                   const base::FilePath& read_path,
                                    const std::string& table)
     : m_report(report), m_table(table) {
   if (m_report) {
@@ -348,8 +358,11 @@ SourceTableTally::~SourceTableTally() {
     m_report->AddRead(m_origin, m_read, m_made);
 }
 
-void SourceTableTally::Dropped(const std::string& target, const DropReason& reason,
-                               int64_t old_id, const std::wstring& name, int64_t entries) {
+void SourceTableTally::Dropped(const std::string& target,
+                               const DropReason& reason,
+                               int64_t old_id,
+                               const std::wstring& name,
+                               int64_t entries) {
   if (m_report)
     m_report->AddDrop(m_origin, target, reason, {m_table, old_id, name, entries});
 }
@@ -381,7 +394,8 @@ void TargetTableTally::Written(int origin) {
     ++For(origin).written;
 }
 
-void TargetTableTally::Dropped(int origin, const DropReason& reason,
+void TargetTableTally::Dropped(int origin,
+                               const DropReason& reason,
                                const ImportReport::DropExample& example) {
   if (!m_report)
     return;

@@ -26,23 +26,23 @@ namespace drop_reason {
 inline constexpr DropReason kListEntrySongMissing = {
     "list_entry_song_missing", "list entry whose song is not in the library",
     "list entries whose song is not in the library"};
-inline constexpr DropReason kListTypeNotImported = {
-    "list_type_not_imported", "list of a type that is not imported",
-    "lists of a type that is not imported"};
-inline constexpr DropReason kEntryOfListNotImported = {
-    "list_entry_of_list_not_imported", "entry of a list that is not imported",
-    "entries of lists that are not imported"};
+inline constexpr DropReason kListTypeNotImported = {"list_type_not_imported",
+                                                    "list of a type that is not imported",
+                                                    "lists of a type that is not imported"};
+inline constexpr DropReason kEntryOfListNotImported = {"list_entry_of_list_not_imported",
+                                                       "entry of a list that is not imported",
+                                                       "entries of lists that are not imported"};
 inline constexpr DropReason kListEntryWithoutList = {
     "list_entry_without_list", "list entry whose list is not in the source",
     "list entries whose list is not in the source"};
 inline constexpr DropReason kRadioSongWithoutChannel = {
     "radio_song_without_channel", "radio song of no channel", "radio songs of no channel"};
-inline constexpr DropReason kListWithoutEntries = {
-    "list_without_entries", "list without entries that can be imported",
-    "lists without entries that can be imported"};
-inline constexpr DropReason kDownloadUnresolved = {
-    "download_unresolved", "download whose file is not in the library",
-    "downloads whose file is not in the library"};
+inline constexpr DropReason kListWithoutEntries = {"list_without_entries",
+                                                   "list without entries that can be imported",
+                                                   "lists without entries that can be imported"};
+inline constexpr DropReason kDownloadUnresolved = {"download_unresolved",
+                                                   "download whose file is not in the library",
+                                                   "downloads whose file is not in the library"};
 inline constexpr DropReason kFolderFileMissing = {
     "folder_file_missing", "watched-folder file that is not in the library",
     "watched-folder files that are not in the library"};
@@ -64,8 +64,8 @@ inline constexpr DropReason kCloudListLeftBehind = {
 inline constexpr DropReason kSourceRowsUnreadable = {
     "source_rows_unreadable", "row of a damaged source that could not be read",
     "rows of a damaged source that could not be read"};
-inline constexpr DropReason kRowRefused = {
-    "row_refused", "row refused by the new database", "rows refused by the new database"};
+inline constexpr DropReason kRowRefused = {"row_refused", "row refused by the new database",
+                                           "rows refused by the new database"};
 }  // namespace drop_reason
 
 // The account of one run, written at its end as "ImportReport.json" in the
@@ -130,8 +130,10 @@ class ImportReport {
   // Records the source file |original| read through its copy |read_path|
   // (the same path when the run read the file where it lies) with |flags|.
   // A later call for the same |read_path| adds its flags.
-  void AddSource(const base::FilePath& original, const base::FilePath& read_path,
-                 const std::string& layout, unsigned flags);
+  void AddSource(const base::FilePath& original,
+                 const base::FilePath& read_path,
+                 const std::string& layout,
+                 unsigned flags);
   // Adds |flags| to the source read through |read_path| (recorded as its own
   // source when unknown).
   void MarkSource(const base::FilePath& read_path, unsigned flags);
@@ -143,8 +145,11 @@ class ImportReport {
   // rows it could read, and the rows it knows were there but could not read
   // (found in an index of the table). |complete| false: rows past a damaged
   // page may be lost without a trace.
-  void AddSalvagedTable(const base::FilePath& read_path, const std::string& table,
-                        int64_t rows_salvaged, int64_t rows_known_lost, bool complete);
+  void AddSalvagedTable(const base::FilePath& read_path,
+                        const std::string& table,
+                        int64_t rows_salvaged,
+                        int64_t rows_known_lost,
+                        bool complete);
   // Why the run imported nothing, in words for the user ("close the old
   // player and start again"). The last one wins.
   void SetFailure(const std::wstring& words) { m_failure = words; }
@@ -161,9 +166,14 @@ class ImportReport {
   void AddMerged(int origin, int64_t rows);
 
   // A record of |origin| that was meant for |target| and is not there.
-  void AddDrop(int origin, const std::string& target, const DropReason& reason,
+  void AddDrop(int origin,
+               const std::string& target,
+               const DropReason& reason,
                const DropExample& example);
-  void AddDrops(int origin, const std::string& target, const DropReason& reason, int64_t count,
+  void AddDrops(int origin,
+                const std::string& target,
+                const DropReason& reason,
+                int64_t count,
                 const std::vector<DropExample>& examples);
   // Rows of |origin| inserted into |target|.
   void AddWritten(int origin, const std::string& target, int64_t rows);
@@ -171,8 +181,10 @@ class ImportReport {
   // Per-table row counts read back from a finished database file |database|
   // (its final name) before it replaced the old one; |ok| false with
   // |error| when the file failed that check and did not replace it.
-  void SetCountedRows(const std::string& database, const std::map<std::string, int64_t>& counts,
-                      bool ok, const std::string& error);
+  void SetCountedRows(const std::string& database,
+                      const std::map<std::string, int64_t>& counts,
+                      bool ok,
+                      const std::string& error);
 
   // MV (video) files among the rows written to "ShareFileItems".
   void AddLibraryVideos(int64_t videos) { m_library_videos += videos; }
@@ -281,8 +293,7 @@ class ImportReport {
 //   }
 class SourceTableTally {
  public:
-  SourceTableTally(ImportReport* report, const base::FilePath& read_path,
-                   const std::string& table);
+  SourceTableTally(ImportReport* report, const base::FilePath& read_path, const std::string& table);
   ~SourceTableTally();
   SourceTableTally(const SourceTableTally&) = delete;
   SourceTableTally& operator=(const SourceTableTally&) = delete;
@@ -295,8 +306,11 @@ class SourceTableTally {
   }
   // A row read and not turned into a record for |target|.
   // |entries|: for a list, how many entries went with it.
-  void Dropped(const std::string& target, const DropReason& reason, int64_t old_id,
-               const std::wstring& name, int64_t entries = -1);
+  void Dropped(const std::string& target,
+               const DropReason& reason,
+               int64_t old_id,
+               const std::wstring& name,
+               int64_t entries = -1);
   int origin() const { return m_origin; }
 
  private:
@@ -323,8 +337,7 @@ class TargetTableTally {
   struct Counts {
     int64_t written = 0;
     // By reason (the reasons are constants of drop_reason, or alike).
-    std::map<const DropReason*, std::pair<int64_t, std::vector<ImportReport::DropExample>>>
-        dropped;
+    std::map<const DropReason*, std::pair<int64_t, std::vector<ImportReport::DropExample>>> dropped;
   };
   Counts& For(int origin);
 

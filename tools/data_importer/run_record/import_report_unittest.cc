@@ -54,14 +54,14 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
   V6V1Database db;
   db.videos = {{7, L"D:\\MV\\clip.mkv", L"", Hash(700)}};
   db.music = {Music(1, L"One"), Music(2, L"Two"), Music(3, L"Three"), Music(4, L"Four")};
-  db.lists = {{10, 3, L"", 0, 0},          // default list, no entries: kept
-              {11, 0, L"Road", 0, 1},      // one entry of three has no song
-              {13, 10, L"Gone", 0, 2},     // only entries without songs
-              {14, 1, L"Cloud", 0, 3}};    // a type that is not imported
+  db.lists = {{10, 3, L"", 0, 0},        // default list, no entries: kept
+              {11, 0, L"Road", 0, 1},    // one entry of three has no song
+              {13, 10, L"Gone", 0, 2},   // only entries without songs
+              {14, 1, L"Cloud", 0, 3}};  // a type that is not imported
   db.items = {{1, 11, 1, 0, 0}, {2, 11, 2, 1, 0}, {3, 11, 99, 2, 0}, {6, 13, 98, 0, 0},
-              {7, 14, 1, 0, 0}, {8, 14, 2, 1, 0},  // entries of the list not imported
-              {9, 77, 3, 0, 0}};                   // an entry of no list
-  db.downloads = {{3, Hash(3), L"D:\\Down\\Three.mp3", false},  // found by id
+              {7, 14, 1, 0, 0}, {8, 14, 2, 1, 0},                // entries of the list not imported
+              {9, 77, 3, 0, 0}};                                 // an entry of no list
+  db.downloads = {{3, Hash(3), L"D:\\Down\\Three.mp3", false},   // found by id
                   {50, Hash(50), L"D:\\Down\\Lost.mp3", false},  // not in the library
                   {0, Hash(2), L"D:\\Down\\Two.mp3", true},      // found by hash
                   {0, L"", L"D:\\Down\\NoHash.mp3", true}};      // no hash
@@ -86,9 +86,9 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
 
   // The rows the reader saw, table by table.
   const std::map<std::string, int> rows_read = {
-      {"MVItems", 1}, {"MusicItems", 4}, {"PlayLists", 4},
-      {"PlayListItems", 7},  // every entry, kept or not
-      {"Downing", 2}, {"DownHistory", 2}};
+      {"MVItems", 1},   {"MusicItems", 4},
+      {"PlayLists", 4}, {"PlayListItems", 7},  // every entry, kept or not
+      {"Downing", 2},   {"DownHistory", 2}};
   ASSERT_EQ(rows_read.size(), report["source_tables"].size()) << report["source_tables"].dump();
   for (const auto& [table, rows] : rows_read) {
     const base::Value* entry = FindEntry(report["source_tables"], "table", table);
@@ -161,10 +161,12 @@ TEST_F(ImportReportTest, V1ImportAddsUpAndTheNextRunKeepsIt) {
   EXPECT_FALSE(report["dbcheck"].contains("ImportEnd"));
   EXPECT_TRUE(report["flows"].empty());
   EXPECT_TRUE(report["sources"].empty());
-  EXPECT_FALSE(base::PathExists(m_profile.data_folder().Append(importer_names::kReportTempFileName)));
+  EXPECT_FALSE(
+      base::PathExists(m_profile.data_folder().Append(importer_names::kReportTempFileName)));
 
   base::Value kept;
-  ASSERT_TRUE(base::ReadJsonFile(m_profile.data_folder().Append(importer_names::kReportFileName), &kept));
+  ASSERT_TRUE(
+      base::ReadJsonFile(m_profile.data_folder().Append(importer_names::kReportFileName), &kept));
   EXPECT_EQ("importvantu6", kept["task"]["name"]);
   EXPECT_EQ("4", kept["dbcheck"]["ImportEnd"]);
   EXPECT_EQ(20u, kept["time"].get<std::string>().size()) << kept["time"];
@@ -186,7 +188,8 @@ void LoseFreePages(const base::FilePath& path) {
     ASSERT_TRUE(db.Open(path));
     ASSERT_TRUE(db.Execute("CREATE TABLE Filler(t text)"));
     for (int i = 0; i < 40; ++i)
-      ASSERT_TRUE(db.Execute(("INSERT INTO Filler VALUES ('" + std::string(2000, 'f') + "')").c_str()));
+      ASSERT_TRUE(
+          db.Execute(("INSERT INTO Filler VALUES ('" + std::string(2000, 'f') + "')").c_str()));
     ASSERT_TRUE(db.Execute("DROP TABLE Filler"));
   }
   std::string bytes = testing_support::ReadBytes(path);
@@ -206,7 +209,8 @@ TEST_F(ImportReportTest, V2RepairedAndUnreadableLibrariesAreNamed) {
   ASSERT_TRUE(first.Write(source.Append(L"VTLibrary.db")));
   V6V2Library damaged;
   damaged.lists = {{5, 10, L"Kept", 0, 0}};
-  damaged.items = {{1, 5, L"F:\\", L"c.mp3", L"C", Hash(3)}, {2, 5, L"F:\\", L"d.mp3", L"D", Hash(4)}};
+  damaged.items = {{1, 5, L"F:\\", L"c.mp3", L"C", Hash(3)},
+                   {2, 5, L"F:\\", L"d.mp3", L"D", Hash(4)}};
   ASSERT_TRUE(damaged.Write(source.Append(L"VTLibrary1.db")));
   LoseFreePages(source.Append(L"VTLibrary1.db"));
   ASSERT_TRUE(base::WriteFile(source.Append(L"VTLibrary2.db"), std::string(8192, 'x')));
@@ -267,8 +271,9 @@ TEST_F(ImportReportTest, CountOfTheFinishedFileCatchesLostRows) {
       return;
     sql::Connection raw;
     ASSERT_TRUE(raw.Open(m_profile.data_folder().Append(L"VTMusicV2.db.tmp")));
-    ASSERT_TRUE(raw.Execute("DELETE FROM ShareFileItems WHERE id = (SELECT max(id) FROM "
-                            "ShareFileItems)"));
+    ASSERT_TRUE(
+        raw.Execute("DELETE FROM ShareFileItems WHERE id = (SELECT max(id) FROM "
+                    "ShareFileItems)"));
   });
   base::Value json = report.ToJson();
   const base::Value* files = FindEntry(json["target_tables"], "table", "ShareFileItems");

@@ -47,8 +47,8 @@ bool ParseEntry(const base::FilePath& path, HistoryEntry* entry) {
   if (dash <= kStampLength || dash + 1 >= stem.size())
     return false;
   std::wstring digits = stem.substr(dash + 1);
-  if (digits.size() > 6 || !std::all_of(digits.begin(), digits.end(),
-                                        [](wchar_t c) { return std::iswdigit(c) != 0; }))
+  if (digits.size() > 6 ||
+      !std::all_of(digits.begin(), digits.end(), [](wchar_t c) { return std::iswdigit(c) != 0; }))
     return false;
   entry->stamp = name.substr(0, kStampLength);
   entry->n = std::wcstol(digits.c_str(), nullptr, 10);
@@ -83,8 +83,10 @@ std::string UtcTimeStamp(double seconds) {
   return buffer;
 }
 
-base::FilePath KeepRunReport(const base::FilePath& data_folder, const std::wstring& task,
-                             double seconds, const std::string& text) {
+base::FilePath KeepRunReport(const base::FilePath& data_folder,
+                             const std::wstring& task,
+                             double seconds,
+                             const std::string& text) {
   base::FilePath folder = data_folder.Append(names::kReportHistoryFolder);
   if (!base::CreateDirectory(folder))
     return base::FilePath();
@@ -95,8 +97,9 @@ base::FilePath KeepRunReport(const base::FilePath& data_folder, const std::wstri
     if (entry.stamp == stamp)
       n = std::max(n, entry.n + 1);
   }
-  base::FilePath path = folder.Append(stamp + L"-" + (task.empty() ? names::kReportHistoryNoTask : task) +
-                                      L"-" + std::to_wstring(n) + L".json");
+  base::FilePath path =
+      folder.Append(stamp + L"-" + (task.empty() ? names::kReportHistoryNoTask : task) + L"-" +
+                    std::to_wstring(n) + L".json");
   base::FilePath temp(path.value() + L".tmp");
   if (!base::WriteFile(temp, text) || !base::ReplaceFile(temp, path)) {
     // The failure is what the caller reports; a half-written temporary file
@@ -116,9 +119,8 @@ base::FilePath KeepRunReport(const base::FilePath& data_folder, const std::wstri
     if (history[i].path == path)
       continue;  // never the report just written
     if (!base::DeleteFile(history[i].path)) {
-      VLOG_AT(logging::LOG_FAILURE) << L"Report history: cannot remove {"
-                                    << history[i].path.value() << L"}, error code {"
-                                    << base::GetLastSystemError() << L"}.";
+      VLOG_AT(logging::LOG_FAILURE) << L"Report history: cannot remove {" << history[i].path.value()
+                                    << L"}, error code {" << base::GetLastSystemError() << L"}.";
     }
   }
   return path;

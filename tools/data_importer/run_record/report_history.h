@@ -21,8 +21,10 @@ std::string UtcTimeStamp(double seconds);
 // at |seconds|, then removes the oldest reports beyond the limit. Answers
 // the file written, or an empty path when it could not be written (a report
 // that cannot be pruned is only logged).
-base::FilePath KeepRunReport(const base::FilePath& data_folder, const std::wstring& task,
-                             double seconds, const std::string& text);
+base::FilePath KeepRunReport(const base::FilePath& data_folder,
+                             const std::wstring& task,
+                             double seconds,
+                             const std::string& text);
 
 // The newest report of the history (by time, then n); empty when there is
 // none.

@@ -151,7 +151,8 @@ bool IniReader::KeyExists(std::wstring_view section, std::wstring_view key) cons
   return Find(section, key) != nullptr;
 }
 
-std::wstring IniReader::ReadString(std::wstring_view section, std::wstring_view key,
+std::wstring IniReader::ReadString(std::wstring_view section,
+                                   std::wstring_view key,
                                    std::wstring_view default_value) const {
   const std::wstring* value = Find(section, key);
   return value ? *value : std::wstring(default_value);
@@ -163,7 +164,8 @@ int IniReader::ReadInt(std::wstring_view section, std::wstring_view key, int def
   return base::WToI(ReadString(section, key, text));
 }
 
-bool IniReader::ReadBool(std::wstring_view section, std::wstring_view key,
+bool IniReader::ReadBool(std::wstring_view section,
+                         std::wstring_view key,
                          bool default_value) const {
   return ReadInt(section, key, default_value ? 1 : 0) != 0;
 }

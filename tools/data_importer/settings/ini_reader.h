@@ -58,7 +58,8 @@ class IniReader {
   bool KeyExists(std::wstring_view section, std::wstring_view key) const;
 
   // The key's value, or |default_value| when the key is absent.
-  std::wstring ReadString(std::wstring_view section, std::wstring_view key,
+  std::wstring ReadString(std::wstring_view section,
+                          std::wstring_view key,
                           std::wstring_view default_value) const;
 
   // The key read as a string whose default is |default_value| formatted with

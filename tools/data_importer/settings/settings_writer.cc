@@ -14,14 +14,18 @@ using Entries = std::vector<std::pair<std::wstring, std::wstring>>;
 
 class EntryList {
  public:
-  void Bool(const std::wstring& key, bool value) { m_entries.emplace_back(key, value ? L"1" : L"0"); }
+  void Bool(const std::wstring& key, bool value) {
+    m_entries.emplace_back(key, value ? L"1" : L"0");
+  }
   void Int(const std::wstring& key, int32_t value) {
     m_entries.emplace_back(key, markup::FormatInteger(value));
   }
   void Unsigned(const std::wstring& key, uint32_t value) {
     m_entries.emplace_back(key, std::to_wstring(value));
   }
-  void Text(const std::wstring& key, const std::wstring& value) { m_entries.emplace_back(key, value); }
+  void Text(const std::wstring& key, const std::wstring& value) {
+    m_entries.emplace_back(key, value);
+  }
   template <typename T, size_t N>
   void Array(const std::wstring& name, const std::array<T, N>& values) {
     for (size_t i = 0; i < N; ++i) {
@@ -137,12 +141,14 @@ Entries SettingsEntries(const ImportedSettings& s) {
 }
 
 bool WriteImportedSettings(const std::vector<ImportedSettings>& records,
-                           const base::FilePath& ini_path, uint32_t ansi_code_page) {
+                           const base::FilePath& ini_path,
+                           uint32_t ansi_code_page) {
   bool all_written = true;
   for (const ImportedSettings& record : records) {
     for (const auto& [key, value] : SettingsEntries(record)) {
-      if (!base::WritePrivateProfileStringW(importer_names::kSettingsSection, key.c_str(), value.c_str(),
-                                            ini_path.value().c_str(), ansi_code_page))
+      if (!base::WritePrivateProfileStringW(importer_names::kSettingsSection, key.c_str(),
+                                            value.c_str(), ini_path.value().c_str(),
+                                            ansi_code_page))
         all_written = false;
     }
   }

@@ -19,7 +19,8 @@ namespace data_importer {
 // position is set. Values: booleans "0"/"1", signed numbers in decimal,
 // PlayMode and LyricsSolidBk as unsigned decimals, hot keys as the decimal
 // 16-bit value, texts as they are.
-std::vector<std::pair<std::wstring, std::wstring>> SettingsEntries(const ImportedSettings& settings);
+std::vector<std::pair<std::wstring, std::wstring>> SettingsEntries(
+    const ImportedSettings& settings);
 
 // Writes every record of |records|, in order, into section "Settings" of the
 // profile file |ini_path| through the profile-string writer, so a later
@@ -29,7 +30,8 @@ std::vector<std::pair<std::wstring, std::wstring>> SettingsEntries(const Importe
 // after it are still tried.
 // An existing 8-bit file is written in |ansi_code_page|.
 [[nodiscard]] bool WriteImportedSettings(const std::vector<ImportedSettings>& records,
-                                         const base::FilePath& ini_path, uint32_t ansi_code_page);
+                                         const base::FilePath& ini_path,
+                                         uint32_t ansi_code_page);
 
 }  // namespace data_importer
 

@@ -19,7 +19,8 @@ class SettingsWriterTest : public testing::Test {
  protected:
   base::FilePath ini() const { return m_dir.path().Append(L"Vantu.ini"); }
   std::wstring Read(const std::wstring& key) const {
-    return base::GetPrivateProfileStringW(importer_names::kSettingsSection, key, L"#missing#", ini().value(), kCodePage);
+    return base::GetPrivateProfileStringW(importer_names::kSettingsSection, key, L"#missing#",
+                                          ini().value(), kCodePage);
   }
 
   testing_support::ScopedTempDir m_dir;
@@ -84,7 +85,8 @@ TEST_F(SettingsWriterTest, WritesEveryFieldUnderItsName) {
   std::vector<std::wstring> names;
   for (const auto& entry : SettingsEntries(Sample()))
     names.push_back(entry.first);
-  EXPECT_EQ(names, base::GetPrivateProfileKeys(importer_names::kSettingsSection, ini().value(), kCodePage));
+  EXPECT_EQ(names, base::GetPrivateProfileKeys(importer_names::kSettingsSection, ini().value(),
+                                               kCodePage));
   EXPECT_EQ(size_t{127}, names.size());
 
   ImportedSettings with_position = Sample();
@@ -135,16 +137,16 @@ TEST_F(SettingsWriterTest, Utf16FileStaysUtf16) {
   ASSERT_TRUE(WriteImportedSettings({settings}, ini(), kCodePage));
   const std::string bytes = testing_support::ReadBytes(ini());
   ASSERT_EQ("\xFF\xFE", bytes.substr(0, 2));
-  EXPECT_NE(std::string::npos,
-            bytes.find(testing_support::UTF16Bytes(L"LyricWinFontName=Caf\u00e9 \u5b8b\u4f53\r\n", false)));
+  EXPECT_NE(std::string::npos, bytes.find(testing_support::UTF16Bytes(
+                                   L"LyricWinFontName=Caf\u00e9 \u5b8b\u4f53\r\n", false)));
   EXPECT_EQ(L"Caf\u00e9 \u5b8b\u4f53", Read(L"LyricWinFontName"));
-  EXPECT_EQ(L"4", base::GetPrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", ini().value(), kCodePage));
+  EXPECT_EQ(L"4", base::GetPrivateProfileStringW(L"DBCheck", L"ImportEnd", L"", ini().value(),
+                                                 kCodePage));
 }
 
 TEST_F(SettingsWriterTest, UnwritableFileIsReported) {
-  EXPECT_FALSE(WriteImportedSettings({ImportedSettings()},
-                                     m_dir.path().Append(L"missing").Append(L"Vantu.ini"),
-                                     kCodePage));
+  EXPECT_FALSE(WriteImportedSettings(
+      {ImportedSettings()}, m_dir.path().Append(L"missing").Append(L"Vantu.ini"), kCodePage));
 }
 
 }  // namespace

@@ -28,8 +28,10 @@ bool FindKey(const markup::MarkupHandle& section, std::wstring_view key, std::ws
 
 // Looks |key| up in each of |sections| in turn; a later hit overwrites an
 // earlier one. False when no section holds it.
-bool ReadKey(const markup::MarkupHandle& root, std::initializer_list<const wchar_t*> sections,
-             std::wstring_view key, std::wstring* value) {
+bool ReadKey(const markup::MarkupHandle& root,
+             std::initializer_list<const wchar_t*> sections,
+             std::wstring_view key,
+             std::wstring* value) {
   bool found = false;
   for (const wchar_t* section : sections)
     found |= FindKey(markup::Child(root, section), key, value);

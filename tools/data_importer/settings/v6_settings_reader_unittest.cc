@@ -14,9 +14,9 @@ namespace {
 class V6SettingsReaderTest : public testing::Test {
  protected:
   void Write(const std::wstring& text, bool utf16 = false) {
-    testing_support::WriteBytes(m_dir.path().Append(L"vanta.XML"),
-                                utf16 ? "\xFF\xFE" + testing_support::UTF16Bytes(text, false)
-                                      : base::WideToUTF8(text));
+    testing_support::WriteBytes(
+        m_dir.path().Append(L"vanta.XML"),
+        utf16 ? "\xFF\xFE" + testing_support::UTF16Bytes(text, false) : base::WideToUTF8(text));
   }
   std::optional<ImportedSettings> Read() { return ReadV6Settings(m_dir.path()); }
 
@@ -32,7 +32,8 @@ TEST_F(V6SettingsReaderTest, ElementsAndAttributes) {
   } cases[] = {
       {"elements",
        L"<?xml version=\"1.0\"?>\r\n<VanTa>\r\n <Player>\r\n  <Volume>80</Volume>\r\n"
-       L"  <AutoPlay>1</AutoPlay>\r\n </Player>\r\n <PlayBack><SFadeInTime>500</SFadeInTime></PlayBack>\r\n"
+       L"  <AutoPlay>1</AutoPlay>\r\n </Player>\r\n "
+       L"<PlayBack><SFadeInTime>500</SFadeInTime></PlayBack>\r\n"
        L" <Network><ProxyType>2</ProxyType></Network>\r\n</VanTa>\r\n",
        L"80|1|500|0|1|2"},
       {"attributes",
@@ -55,11 +56,10 @@ TEST_F(V6SettingsReaderTest, ElementsAndAttributes) {
       Write(c.text, utf16);
       const std::optional<ImportedSettings> s = Read();
       ASSERT_TRUE(s.has_value());
-      const std::wstring got = std::to_wstring(s->Volume) + L"|" + std::to_wstring(s->AutoPlay) +
-                               L"|" + std::to_wstring(s->MusicFadeIn) + L"|" +
-                               std::to_wstring(s->MusicFadeOut) + L"|" +
-                               std::to_wstring(s->MusicUserFade) + L"|" +
-                               std::to_wstring(s->ProxyType);
+      const std::wstring got =
+          std::to_wstring(s->Volume) + L"|" + std::to_wstring(s->AutoPlay) + L"|" +
+          std::to_wstring(s->MusicFadeIn) + L"|" + std::to_wstring(s->MusicFadeOut) + L"|" +
+          std::to_wstring(s->MusicUserFade) + L"|" + std::to_wstring(s->ProxyType);
       EXPECT_EQ(c.expected, got) << (utf16 ? "UTF-16" : "UTF-8");
       EXPECT_EQ(9000, s->DownloadPort);  // not in the file: the default
     }

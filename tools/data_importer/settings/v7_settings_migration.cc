@@ -76,7 +76,8 @@ class GuardedReads {
   }
   // A list of exactly kHotKeyCount old hot keys separated by ","; any other
   // length leaves |slots| as they are.
-  void HotKeys(const wchar_t* key, std::array<uint16_t, ImportedSettings::kHotKeyCount>* slots) const {
+  void HotKeys(const wchar_t* key,
+               std::array<uint16_t, ImportedSettings::kHotKeyCount>* slots) const {
     if (!Has(kHotKeys, key))
       return;
     const std::wstring text = m_ini.ReadString(kHotKeys, key, L"");
@@ -186,8 +187,7 @@ void ReadNetwork(const IniReader& ini, ImportedSettings* s) {
   s->ServerTransfer = ini.ReadBool(kNet, L"ServerTransfer", false);
 }
 
-void ReadAudio(const IniReader& ini, const GuardedReads& read, bool hot_keys,
-               ImportedSettings* s) {
+void ReadAudio(const IniReader& ini, const GuardedReads& read, bool hot_keys, ImportedSettings* s) {
   read.Int(L"MusicConfig", L"MusicOutputType", &s->MusicOutputType);
   read.String(L"MusicConfig", L"MusicVideoType", &s->MusicVideoType);
   read.Bool(L"MusicConfig", L"MusicUserFade", &s->MusicUserFade);

@@ -73,17 +73,20 @@ const Case kCases[] = {
     {"window colours", L"[LyrciConfig]\nLyricWinUnPlayClrNew=255\nLyricWinPlayClrNew=0\n", false,
      [](const ImportedSettings& s) { return s.LyricWinUnPlayColors + L"|" + s.LyricWinPlayColors; },
      L"-65536|-16777216"},
-    {"colour indices", L"[LyrciConfig]\nLyricClrNewIndex=2\nLyricClrIndex=5\nLyricWinClrNewIndex=7\n",
-     false,
-     [](const ImportedSettings& s) { return Text(s.LyricColorIndex) + L"," + Text(s.LyricWinColorIndex); },
+    {"colour indices",
+     L"[LyrciConfig]\nLyricClrNewIndex=2\nLyricClrIndex=5\nLyricWinClrNewIndex=7\n", false,
+     [](const ImportedSettings& s) {
+       return Text(s.LyricColorIndex) + L"," + Text(s.LyricWinColorIndex);
+     },
      L"5,7"},
     // Two sources of one field: the later one overwrites the earlier.
     {"AutoPlay later source", L"[OperationConfig]\nAutoPlay=1\n[NormalConfig]\nAutoPlay=0\n", false,
      [](const ImportedSettings& s) { return Text(s.AutoPlay); }, L"0"},
     {"AutoPlay first source only", L"[OperationConfig]\nAutoPlay=1\n", false,
      [](const ImportedSettings& s) { return Text(s.AutoPlay); }, L"1"},
-    {"TaskScrLy and ConPro", L"[OperationConfig]\nTaskScrLy=0\n[AdvConfig]\nTaskScrLy=1\nConPro=1\n",
-     false, [](const ImportedSettings& s) { return Text(s.TaskScrLy) + Text(s.ConPro); }, L"11"},
+    {"TaskScrLy and ConPro",
+     L"[OperationConfig]\nTaskScrLy=0\n[AdvConfig]\nTaskScrLy=1\nConPro=1\n", false,
+     [](const ImportedSettings& s) { return Text(s.TaskScrLy) + Text(s.ConPro); }, L"11"},
     {"MiniOrExit", L"[NormalConfig]\nMiniOrExit=1\n", false,
      [](const ImportedSettings& s) { return Text(s.MiniOrExit); }, L"1"},
     // Guarded keys keep their defaults when absent, unguarded ones get the
@@ -97,17 +100,20 @@ const Case kCases[] = {
      },
      L"11|9000|-1|-1|3|1|100|1"},
     {"TopWnd 0", L"[ClassicMiniPlayer]\nTopWnd=0\n[MiniPlayer]\nTopWnd=abc\n", false,
-     [](const ImportedSettings& s) { return Text(s.ClassicMiniTopWnd) + Text(s.MiniTopWnd); }, L"00"},
-    {"network keys", L"[NetConfig]\nDownloadPort=8080x\nMaxDownloadFile=\nProxyType= 2\nProxyPort=0080\n"
+     [](const ImportedSettings& s) { return Text(s.ClassicMiniTopWnd) + Text(s.MiniTopWnd); },
+     L"00"},
+    {"network keys",
+     L"[NetConfig]\nDownloadPort=8080x\nMaxDownloadFile=\nProxyType= 2\nProxyPort=0080\n"
      L"ProxyAddress=proxy.example\nServerTransfer=1\n",
      false,
      [](const ImportedSettings& s) {
-       return Text(s.DownloadPort) + L"|" + Text(s.MaxDownloadFile) + L"|" + Text(s.ProxyType) + L"|" +
-              s.ProxyPort + L"|" + s.ProxyAddress + L"|" + Text(s.ServerTransfer);
+       return Text(s.DownloadPort) + L"|" + Text(s.MaxDownloadFile) + L"|" + Text(s.ProxyType) +
+              L"|" + s.ProxyPort + L"|" + s.ProxyAddress + L"|" + Text(s.ServerTransfer);
      },
      L"8080|0|2|0080|proxy.example|1"},
-    {"malformed and empty numbers", L"[Player]\nVolume=12abc\n[KSongConfig]\nKSongConfig_RecordVolume=\n",
-     false, [](const ImportedSettings& s) { return Text(s.Volume) + L"|" + Text(s.KSongRecordVolume); },
+    {"malformed and empty numbers",
+     L"[Player]\nVolume=12abc\n[KSongConfig]\nKSongConfig_RecordVolume=\n", false,
+     [](const ImportedSettings& s) { return Text(s.Volume) + L"|" + Text(s.KSongRecordVolume); },
      L"12|0"},
     {"ShowLyric absent", L"[LyrciConfig]\nOneLine=1\n", false,
      [](const ImportedSettings& s) { return Text(s.ShowLyricPresent) + Text(s.ShowLyric); }, L"00"},
@@ -118,58 +124,69 @@ const Case kCases[] = {
      [](const ImportedSettings& s) { return s.LyricFontName + L"|" + Text(s.DownloadPort); },
      L"Arial|21"},
     {"corrected spellings are not read",
-     L"[LyricConfig]\nLyricPath=a\n[PluginConfig]\nPluginPath=b\n[SoftUpdateConfig]\nAcceptUpdate=1\n"
+     L"[LyricConfig]\nLyricPath=a\n[PluginConfig]\nPluginPath=b\n[SoftUpdateConfig]\nAcceptUpdate="
+     L"1\n"
      L"[OperationConfig]\nDeleteOperation=2\n",
      false,
      [](const ImportedSettings& s) {
-       return s.LyricPath + L"|" + s.PluginPath + L"|" + Text(s.AcceptUpdate) + Text(s.DeleteOperarion);
+       return s.LyricPath + L"|" + s.PluginPath + L"|" + Text(s.AcceptUpdate) +
+              Text(s.DeleteOperarion);
      },
      L"||00"},
-    {"old spellings", L"[LyrciConfig]\nLyricPath=a\n[PluginCofing]\nPluginPath=b\n"
+    {"old spellings",
+     L"[LyrciConfig]\nLyricPath=a\n[PluginCofing]\nPluginPath=b\n"
      L"[SoftUpdataConfig]\nAcceptUpdate=1\n[OperationConfig]\nDeleteOperarion=2\n",
      false,
      [](const ImportedSettings& s) {
-       return s.LyricPath + L"|" + s.PluginPath + L"|" + Text(s.AcceptUpdate) + Text(s.DeleteOperarion);
+       return s.LyricPath + L"|" + s.PluginPath + L"|" + Text(s.AcceptUpdate) +
+              Text(s.DeleteOperarion);
      },
      L"a|b|12"},
     // Groups.
-    {"equalizer without its first band", L"[Equalizer]\nEnable=1\nBandsGain1=4\nPreampValue=3\nBalanceValue=-7\n",
-     false,
+    {"equalizer without its first band",
+     L"[Equalizer]\nEnable=1\nBandsGain1=4\nPreampValue=3\nBalanceValue=-7\n", false,
      [](const ImportedSettings& s) {
-       return Text(s.EqualizerEnable) + L"|" + Text(s.BandsGain[1]) + L"|" + Text(s.PreampValue) + L"|" +
-              Text(s.BalanceValue);
+       return Text(s.EqualizerEnable) + L"|" + Text(s.BandsGain[1]) + L"|" + Text(s.PreampValue) +
+              L"|" + Text(s.BalanceValue);
      },
      L"0|0|0|-7"},
-    {"equalizer group", L"[Equalizer]\nEnable=1\nBandsGain0=2\nBandsGain9=-12\nPreampValue=3\n", false,
+    {"equalizer group", L"[Equalizer]\nEnable=1\nBandsGain0=2\nBandsGain9=-12\nPreampValue=3\n",
+     false,
      [](const ImportedSettings& s) {
-       return Text(s.EqualizerEnable) + L"|" + Text(s.BandsGain[0]) + L"|" + Text(s.BandsGain[9]) + L"|" +
-              Text(s.PreampValue);
+       return Text(s.EqualizerEnable) + L"|" + Text(s.BandsGain[0]) + L"|" + Text(s.BandsGain[9]) +
+              L"|" + Text(s.PreampValue);
      },
      L"1|2|-12|3"},
-    {"solid background", L"[ClassicLyrics]\nBkMode=2\nSolidBk=1193046\nLocalImg=C:\\bk.png\n", false,
+    {"solid background", L"[ClassicLyrics]\nBkMode=2\nSolidBk=1193046\nLocalImg=C:\\bk.png\n",
+     false,
      [](const ImportedSettings& s) {
        return Text(s.LyricsBkMode) + L"|" + Text(s.LyricsSolidBk) + L"|" + s.LyricsLocalImg;
      },
      L"2|4283839506|C:\\bk.png"},  // 0x123456 -> 0xFF563412
     {"background without BkMode", L"[ClassicLyrics]\nSolidBk=255\nLocalImg=x\n", false,
-     [](const ImportedSettings& s) { return Text(s.LyricsSolidBk) + L"|" + s.LyricsLocalImg; }, L"0|"},
-    {"default mode when the menu is off", L"[OperationConfig]\nIsPopupModeSelectMenu=0\nDefaultModeSelect=2\n",
-     false, [](const ImportedSettings& s) { return Text(s.DefaultModeSelect); }, L"2"},
-    {"default mode when the menu is on", L"[OperationConfig]\nIsPopupModeSelectMenu=1\nDefaultModeSelect=2\n",
-     false, [](const ImportedSettings& s) { return Text(s.DefaultModeSelect); }, L"0"},
+     [](const ImportedSettings& s) { return Text(s.LyricsSolidBk) + L"|" + s.LyricsLocalImg; },
+     L"0|"},
+    {"default mode when the menu is off",
+     L"[OperationConfig]\nIsPopupModeSelectMenu=0\nDefaultModeSelect=2\n", false,
+     [](const ImportedSettings& s) { return Text(s.DefaultModeSelect); }, L"2"},
+    {"default mode when the menu is on",
+     L"[OperationConfig]\nIsPopupModeSelectMenu=1\nDefaultModeSelect=2\n", false,
+     [](const ImportedSettings& s) { return Text(s.DefaultModeSelect); }, L"0"},
     {"default mode without the menu key", L"[OperationConfig]\nDefaultModeSelect=2\n", false,
      [](const ImportedSettings& s) { return Text(s.DefaultModeSelect); }, L"0"},
     // Hot keys: 'C' (0x43) in bits 16-23; shift and alt flags exchanged.
     {"hot key flags 3", L"[HotKeyConfig]\nGlobalHotKey=" + HotKeyList(L"4390915") + L"\n", true,
      kGlobalHotKeys, L"1603,65,65,65,65,65,65,65,65,65,65,65"},
-    {"hot key flags 5, 4, 2", L"[HotKeyConfig]\nGlobalHotKey=4390917,4390916,4390914,x,,0,0,0,0,0,0,0\n", true,
+    {"hot key flags 5, 4, 2",
+     L"[HotKeyConfig]\nGlobalHotKey=4390917,4390916,4390914,x,,0,0,0,0,0,0,0\n", true,
      kGlobalHotKeys, L"1347,323,579,0,0,0,0,0,0,0,0,0"},
     {"11 hot keys", L"[HotKeyConfig]\nGlobalHotKey=" + HotKeyList(L"4390915", 11) + L"\n", true,
      kGlobalHotKeys, L"0,0,0,0,0,0,0,0,0,0,0,0"},
     {"13 hot keys", L"[HotKeyConfig]\nGlobalHotKey=" + HotKeyList(L"4390915", 13) + L"\n", true,
      kGlobalHotKeys, L"0,0,0,0,0,0,0,0,0,0,0,0"},
     {"hot keys without the skin folder",
-     L"[HotKeyConfig]\nGlobalHotKey=" + HotKeyList(L"4390915") + L"\nIsUserGlobalHotKey=1\nIsPopInfoWindow=2\n",
+     L"[HotKeyConfig]\nGlobalHotKey=" + HotKeyList(L"4390915") +
+         L"\nIsUserGlobalHotKey=1\nIsPopInfoWindow=2\n",
      false,
      [](const ImportedSettings& s) {
        return Join(s.GlobalHotKeys) + L"|" + Text(s.IsUserGlobalHotKey) + Text(s.IsPopInfoWindow);
@@ -179,16 +196,21 @@ const Case kCases[] = {
      [](const ImportedSettings& s) { return Join(s.InnerHotKeys) + L"|" + Join(s.GlobalHotKeys); },
      L"1091,65,65,65,65,65,65,65,65,65,65,65|0,0,0,0,0,0,0,0,0,0,0,0"},
     // Plug-in slots are read without an existence test.
-    {"plug-ins", L"[VSTPlug3]\nDefault=Hall\nFile=D:\\reverb.dll\nEnable=1\n[VSTPlug6]\nEnable=0\n", false,
+    {"plug-ins", L"[VSTPlug3]\nDefault=Hall\nFile=D:\\reverb.dll\nEnable=1\n[VSTPlug6]\nEnable=0\n",
+     false,
      [](const ImportedSettings& s) {
-       return s.VstPlugs[2].Default + L"|" + s.VstPlugs[2].File + L"|" + Text(s.VstPlugs[2].Enable) +
-              Text(s.VstPlugs[5].Enable) + Text(s.VstPlugs[0].Enable);
+       return s.VstPlugs[2].Default + L"|" + s.VstPlugs[2].File + L"|" +
+              Text(s.VstPlugs[2].Enable) + Text(s.VstPlugs[5].Enable) + Text(s.VstPlugs[0].Enable);
      },
      L"Hall|D:\\reverb.dll|100"},
-    {"texts", L"[LyrciConfig]\nLyricWinFontName=\u5b8b\u4f53 Caf\u00e9\n[KSongConfig]\nKSongConfig_VoiceIn=Mic\n"
+    {"texts",
+     L"[LyrciConfig]\nLyricWinFontName=\u5b8b\u4f53 "
+     L"Caf\u00e9\n[KSongConfig]\nKSongConfig_VoiceIn=Mic\n"
      L"[RadioList]\nHasInitRadioData=1\n",
      false,
-     [](const ImportedSettings& s) { return s.LyricWinFontName + L"|" + s.KSongVoiceIn + Text(s.HasInitRadioData); },
+     [](const ImportedSettings& s) {
+       return s.LyricWinFontName + L"|" + s.KSongVoiceIn + Text(s.HasInitRadioData);
+     },
      L"\u5b8b\u4f53 Caf\u00e9|Mic1"},
 };
 
@@ -214,7 +236,8 @@ TEST_F(V7SettingsMigrationTest, ReadsEachKeyByItsRule) {
       testing_support::WriteBytes(
           folder().Append(L"VanTu.INI"),
           utf16 ? "\xFF\xFE" + testing_support::UTF16Bytes(text, false) : base::WideToUTF8(text));
-      const std::optional<ImportedSettings> settings = MigrateV7Settings(folder(), base::kCodePageSimplifiedChinese);
+      const std::optional<ImportedSettings> settings =
+          MigrateV7Settings(folder(), base::kCodePageSimplifiedChinese);
       ASSERT_TRUE(settings.has_value());
       EXPECT_EQ(c.expected, c.field(*settings)) << (utf16 ? "UTF-16" : "8-bit");
     }
@@ -228,7 +251,8 @@ TEST_F(V7SettingsMigrationTest, NoFileGivesNoRecord) {
   EXPECT_FALSE(MigrateV7Settings(folder(), base::kCodePageSimplifiedChinese).has_value());
   // An empty file still gives a record, with the defaults.
   testing_support::WriteBytes(folder().Append(L"vantu.ini"), "");
-  const std::optional<ImportedSettings> settings = MigrateV7Settings(folder(), base::kCodePageSimplifiedChinese);
+  const std::optional<ImportedSettings> settings =
+      MigrateV7Settings(folder(), base::kCodePageSimplifiedChinese);
   ASSERT_TRUE(settings.has_value());
   EXPECT_EQ(0x80000003u, settings->PlayMode);
   EXPECT_EQ(9000, settings->DownloadPort);

@@ -58,8 +58,8 @@ bool DataExporter::CopyDatabaseWithLog(const base::FilePath& from, const base::F
       if (!CopyWithLog(companion, copy))
         return false;
     } else if (base::PathExists(copy) && !base::DeleteFile(copy)) {
-      VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Stale file {" << copy.value()
-                                    << L"} cannot be removed.";
+      VLOG_AT(logging::LOG_FAILURE)
+          << LogTag() << L"Stale file {" << copy.value() << L"} cannot be removed.";
       return false;
     }
   }
@@ -76,8 +76,10 @@ bool DataExporter::CopyWithLog(const base::FilePath& from, const base::FilePath&
 }
 
 DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
-    const base::FilePath& work_copy, const std::function<base::FilePath()>& find_source,
-    const std::wstring& backup_name, const std::string& layout) {
+    const base::FilePath& work_copy,
+    const std::function<base::FilePath()>& find_source,
+    const std::wstring& backup_name,
+    const std::string& layout) {
   // A work copy of an earlier run is read again only while it still
   // reflects its source: the user may have put a good backup in place of a
   // damaged file since, or the old player may have written more. So the
@@ -117,8 +119,8 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
                                    << base::UTF8ToWide(why) << L".";
     // The record goes first: a copy without one is never trusted again.
     if (base::PathExists(record) && !base::DeleteFile(record)) {
-      VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Record {" << record.value()
-                                    << L"} cannot be removed.";
+      VLOG_AT(logging::LOG_FAILURE)
+          << LogTag() << L"Record {" << record.value() << L"} cannot be removed.";
     }
     std::optional<std::string> fingerprint = SourceFingerprint(source);
     if (!CopyDatabaseWithLog(source, work_copy)) {
@@ -129,14 +131,14 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
     // Without a record the next run copies the source again: slower, no
     // harm.
     if (!fingerprint || !base::WriteFile(record, *fingerprint)) {
-      VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Record {" << record.value()
-                                    << L"} not written.";
+      VLOG_AT(logging::LOG_FAILURE)
+          << LogTag() << L"Record {" << record.value() << L"} not written.";
     }
     result = WorkCopy::kCopied;
   }
-  Report()->AddSource(have_source ? source : work_copy, work_copy, layout,
-                      result == WorkCopy::kCopied ? ImportReport::kCopied
-                                                  : ImportReport::kReusedCopy);
+  Report()->AddSource(
+      have_source ? source : work_copy, work_copy, layout,
+      result == WorkCopy::kCopied ? ImportReport::kCopied : ImportReport::kReusedCopy);
   Report()->NoteWorkCopy(work_copy, why);
   // Both copies are only for safekeeping and inspection: the export goes on
   // without them, CopyWithLog has logged the failure.
@@ -166,13 +168,11 @@ bool DataExporter::OpenSourceWithRepair(const base::FilePath& path) {
       m_salvaged = std::move(result.tables);
       for (const SalvagedTable& table : m_salvaged) {
         Report()->AddSalvagedTable(path, table.name, table.rows_copied,
-                                   static_cast<int64_t>(table.lost_rowids.size()),
-                                   table.complete);
-        VLOG_AT(logging::LOG_FAILURE)
-            << LogTag() << L"Salvaged {" << base::UTF8ToWide(table.name) << L"} of {"
-            << path.value() << L"}: {" << table.rows_copied << L"} rows"
-            << (table.complete ? L"" : L", damaged") << L", {" << table.lost_rowids.size()
-            << L"} known lost.";
+                                   static_cast<int64_t>(table.lost_rowids.size()), table.complete);
+        VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Salvaged {" << base::UTF8ToWide(table.name)
+                                      << L"} of {" << path.value() << L"}: {" << table.rows_copied
+                                      << L"} rows" << (table.complete ? L"" : L", damaged")
+                                      << L", {" << table.lost_rowids.size() << L"} known lost.";
       }
       return true;
     }
@@ -239,8 +239,7 @@ bool DataExporter::NothingSalvaged() const {
   return true;
 }
 
-DataExporter::RowsRead DataExporter::ReadRows(const RowQuery& query,
-                                              const RowHandler& handle_row) {
+DataExporter::RowsRead DataExporter::ReadRows(const RowQuery& query, const RowHandler& handle_row) {
   RowsRead result;
   sql::Connection& db = *m_db->connection();
   DbRowReader row(db, query.sql);
@@ -262,12 +261,11 @@ DataExporter::RowsRead DataExporter::ReadRows(const RowQuery& query,
   result.ok = row.Succeeded();
   if (!result.ok) {
     VLOG_AT(logging::LOG_FAILURE) << LogTag() << L"Reading {" << base::UTF8ToWide(query.table)
-                                  << L"} stopped at an error after {" << result.read
-                                  << L"} rows.";
+                                  << L"} stopped at an error after {" << result.read << L"} rows.";
   }
   if (!query.size_name.empty()) {
-    VLOG_AT(logging::LOG_PROGRESS) << LogTag() << L"Size of " << query.size_name << L" is {"
-                                   << result.kept << L"}.";
+    VLOG_AT(logging::LOG_PROGRESS)
+        << LogTag() << L"Size of " << query.size_name << L" is {" << result.kept << L"}.";
   }
   return result;
 }
@@ -316,8 +314,8 @@ std::optional<std::string> SourceFingerprint(const base::FilePath& source) {
   for (const wchar_t* suffix : {L"-journal", L"-wal"}) {
     base::FileInfo companion;
     if (base::GetFileInfo(base::FilePath(source.value() + suffix), &companion)) {
-      text << base::WideToUTF8(suffix) << " " << companion.size << " "
-           << companion.last_modified << "\n";
+      text << base::WideToUTF8(suffix) << " " << companion.size << " " << companion.last_modified
+           << "\n";
     }
   }
   return text.str();

@@ -192,8 +192,8 @@ class DataExporter {
  private:
   void DiscardSalvageCopy();
 
-  base::FilePath m_salvage_copy;          // the salvage copy m_db reads, if any
-  std::vector<SalvagedTable> m_salvaged;  // what it got, table by table
+  base::FilePath m_salvage_copy;                 // the salvage copy m_db reads, if any
+  std::vector<SalvagedTable> m_salvaged;         // what it got, table by table
   std::unique_ptr<ImportReport> m_spare_report;  // without a model
 };
 

@@ -104,11 +104,11 @@ TEST(DataExporterTest, SalvagedSourceIsReadAndItsLossesCounted) {
     sql::Connection db;
     db.set_page_size(4096);
     ASSERT_TRUE(db.Open(work));
-    ASSERT_TRUE(db.Execute(
-        "CREATE TABLE T(ID INTEGER PRIMARY KEY, Pad TEXT);"
-        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
-        "INSERT INTO T SELECT i, hex(randomblob(90)) FROM n;"
-        "CREATE INDEX ByPad ON T(Pad);"));
+    ASSERT_TRUE(
+        db.Execute("CREATE TABLE T(ID INTEGER PRIMARY KEY, Pad TEXT);"
+                   "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
+                   "INSERT INTO T SELECT i, hex(randomblob(90)) FROM n;"
+                   "CREATE INDEX ByPad ON T(Pad);"));
   }
   std::string bytes = testing_support::ReadBytes(work);
   bytes.replace(40 * 4096, 4096, 4096, '\0');  // a leaf of T
@@ -120,16 +120,18 @@ TEST(DataExporterTest, SalvagedSourceIsReadAndItsLossesCounted) {
     ProbeExporter exporter(run_context);
     ASSERT_TRUE(exporter.OpenSourceWithRepair(work));
     EXPECT_TRUE(base::PathExists(salvage));
-    auto rows = exporter.ReadRows({"SELECT * FROM T", "T"}, [](DbRowReader& row, SourceTableTally&) {
-      return row.GetInt("ID") % 2 == 0;  // keeps the even ones
-    });
+    auto rows =
+        exporter.ReadRows({"SELECT * FROM T", "T"}, [](DbRowReader& row, SourceTableTally&) {
+          return row.GetInt("ID") % 2 == 0;  // keeps the even ones
+        });
     EXPECT_TRUE(rows.ok);
     EXPECT_GT(rows.read, 1950u);
     EXPECT_LT(rows.read, 2000u);
     EXPECT_NEAR(rows.read / 2.0, rows.kept, 20);
     exporter.ReportSalvageLosses({{"t", 16, nullptr, "Target"}});
-    EXPECT_FALSE(exporter.ReadRows({"SELECT * FROM Missing", "Missing"},
-                                   [](DbRowReader&, SourceTableTally&) { return true; })
+    EXPECT_FALSE(exporter
+                     .ReadRows({"SELECT * FROM Missing", "Missing"},
+                               [](DbRowReader&, SourceTableTally&) { return true; })
                      .ok);
     report = exporter.Report()->ToJson();
     const base::Value* salvaged = FindEntry(report["salvage"], "table", "T");
@@ -186,7 +188,8 @@ TEST(DataExporterTest, DumpSummaries) {
     EXPECT_TRUE(db.Execute("CREATE TABLE AppLists(ID integer)"));
     EXPECT_TRUE(db.Execute("INSERT INTO AppLists VALUES (1), (2), (NULL)"));
   }
-  EXPECT_EQ(L"SUMMARY OF DB FILE {" + some.value() + L"}: \n"
+  EXPECT_EQ(L"SUMMARY OF DB FILE {" + some.value() +
+                L"}: \n"
                 L"\tAppLists: COUNT(ID) is {2}.\n"
                 L"\tPlayLists: COUNT(PlayListID) is {0}.\n",
             DumpTableSummary(some, Generation7DumpTables()));

@@ -32,19 +32,23 @@ const TableDef kKeywordSearchHistory = {
 }  // namespace
 
 void ImportModel::WriteUserLoginHistory() {
-  WriteTable(m_music_db.get(), kUserLoginHistory, m_login_history, EmptyList::kSkipTable,
-             [](const LoginRecord& l, RowBuilder* row) {
-               AppendColumns(l, LoginColumns(), row);
-               return true;
-             }, report());
+  WriteTable(
+      m_music_db.get(), kUserLoginHistory, m_login_history, EmptyList::kSkipTable,
+      [](const LoginRecord& l, RowBuilder* row) {
+        AppendColumns(l, LoginColumns(), row);
+        return true;
+      },
+      report());
 }
 
 void ImportModel::WriteKeywordSearchHistory() {
-  WriteTable(m_music_db.get(), kKeywordSearchHistory, m_search_keywords, EmptyList::kSkipTable,
-             [](const SearchKeywordRecord& k, RowBuilder* row) {
-               AppendColumns(k, SearchKeywordColumns(), row);
-               return true;
-             }, report());
+  WriteTable(
+      m_music_db.get(), kKeywordSearchHistory, m_search_keywords, EmptyList::kSkipTable,
+      [](const SearchKeywordRecord& k, RowBuilder* row) {
+        AppendColumns(k, SearchKeywordColumns(), row);
+        return true;
+      },
+      report());
 }
 
 const ColumnList<LoginRecord>& LoginColumns() {

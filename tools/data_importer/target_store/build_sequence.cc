@@ -31,8 +31,10 @@ constexpr int kProgressFloor = 50;
 // version-2 file |blocking_name| exists (an earlier release's database: the
 // build must not run over it). A file that does not open, or stays corrupt
 // after the repair attempt, is deleted.
-bool PrepareFile(const base::FilePath& data_folder, const wchar_t* temp_name,
-                 const wchar_t* blocking_name, std::unique_ptr<DatabaseHelper>* helper) {
+bool PrepareFile(const base::FilePath& data_folder,
+                 const wchar_t* temp_name,
+                 const wchar_t* blocking_name,
+                 std::unique_ptr<DatabaseHelper>* helper) {
   base::FilePath temp = data_folder.Append(temp_name);
   if (base::PathExists(temp))
     // A stale file that cannot be deleted fails the open below.
@@ -61,8 +63,8 @@ bool PrepareFile(const base::FilePath& data_folder, const wchar_t* temp_name,
 }
 
 bool PrepareFiles(ImportModel* model, const base::FilePath& data_folder) {
-  bool music = PrepareFile(data_folder, names::kMusicBuildFile, names::kMusicDatabaseV2,
-                           &model->m_music_db);
+  bool music =
+      PrepareFile(data_folder, names::kMusicBuildFile, names::kMusicDatabaseV2, &model->m_music_db);
   bool playlist = PrepareFile(data_folder, names::kPlaylistBuildFile, names::kPlaylistDatabaseV2,
                               &model->m_playlist_db);
   if (music && playlist)
@@ -122,20 +124,27 @@ void WriteSettings(ImportModel* model, const base::FilePath& data_folder) {
 struct WriterStep {
   const char* name;
   void (*write)(ImportModel* model);  // null: the settings writer
-  int weight;  // progress added after the step
+  int weight;                         // progress added after the step
 };
 
 // The writers after ShareFileItems, in their fixed order.
 // What a writer step writes, in the words of the progress display.
 const char* WritingWhat(const char* step) {
   static constexpr std::pair<const char*, const char*> kWords[] = {
-      {"ShareFolders", "watched folders"}, {"GeneralListTable", "lists"},
-      {"RecentlyPlayedItem", "recently played songs"}, {"GeneralList", "list entries"},
-      {"RadioChannelTable", "radio channels"}, {"DislikeRadioItem", "radio dislikes"},
-      {"RadioChannel", "radio songs"}, {"PlayedNJRadioItem", "played radio songs"},
-      {"LocalFiles", "local files"}, {"DownloadItem", "downloads"},
-      {"DownloadHistoryItem", "download history"}, {"UserLoginHistory", "logins"},
-      {"KeywordSearchHistory", "search history"}, {"Settings", "settings"}};
+      {"ShareFolders", "watched folders"},
+      {"GeneralListTable", "lists"},
+      {"RecentlyPlayedItem", "recently played songs"},
+      {"GeneralList", "list entries"},
+      {"RadioChannelTable", "radio channels"},
+      {"DislikeRadioItem", "radio dislikes"},
+      {"RadioChannel", "radio songs"},
+      {"PlayedNJRadioItem", "played radio songs"},
+      {"LocalFiles", "local files"},
+      {"DownloadItem", "downloads"},
+      {"DownloadHistoryItem", "download history"},
+      {"UserLoginHistory", "logins"},
+      {"KeywordSearchHistory", "search history"},
+      {"Settings", "settings"}};
   for (const auto& [name, words] : kWords) {
     if (std::string_view(name) == step)
       return words;
@@ -196,8 +205,10 @@ constexpr TargetFile kTargetFiles[] = {
 // the encryption reported success, and the encrypted file opens with the
 // key and holds exactly the tables and row counts of the plain file it was
 // made from (|plain|).
-std::string CheckEncryptedFile(const base::FilePath& path, bool encrypted,
-                               const VerifiedDatabase& plain, VerifiedDatabase* verified) {
+std::string CheckEncryptedFile(const base::FilePath& path,
+                               bool encrypted,
+                               const VerifiedDatabase& plain,
+                               VerifiedDatabase* verified) {
   if (!plain.ok)
     return "plain database unreadable before encryption: " + plain.error;
   if (!encrypted)
@@ -227,7 +238,8 @@ std::string CheckEncryptedFile(const base::FilePath& path, bool encrypted,
 // final ones. On failure both temporary files are deleted, the final files
 // stay as they were, and the log names the file and the reason.
 // |done| is told "CountRows", "Encrypt" and "Verify" as each stage ends.
-bool EncryptAndVerify(ImportModel* model, const base::FilePath& data_folder,
+bool EncryptAndVerify(ImportModel* model,
+                      const base::FilePath& data_folder,
                       const std::function<void(const char*)>& done) {
   model->report()->EnterStage("counting rows");
   VerifiedDatabase plain[std::size(kTargetFiles)];
@@ -254,18 +266,19 @@ bool EncryptAndVerify(ImportModel* model, const base::FilePath& data_folder,
     if (!error.empty()) {
       verified.ok = false;
       verified.error = error;
-      VLOG_AT(logging::LOG_FAILURE) << L"Database file {" << temp.value() << L"} FAILED: {"
-                                    << base::UTF8ToWide(error) << L"}; {" << file.final_name
-                                    << L"} is not replaced.";
+      VLOG_AT(logging::LOG_FAILURE)
+          << L"Database file {" << temp.value() << L"} FAILED: {" << base::UTF8ToWide(error)
+          << L"}; {" << file.final_name << L"} is not replaced.";
       all_good = false;
     }
   }
   if (!all_good) {
     for (const TargetFile& file : kTargetFiles) {
       base::FilePath temp = data_folder.Append(file.temp_name);
-      if (!base::DeleteFile(temp) || !base::DeleteFile(base::FilePath(temp.value() + sql::kEncryptedSiblingSuffix))) {
-        VLOG_AT(logging::LOG_FAILURE) << L"Failed to delete {" << temp.value()
-                                      << L"}, error code {" << base::GetLastSystemError() << L"}.";
+      if (!base::DeleteFile(temp) ||
+          !base::DeleteFile(base::FilePath(temp.value() + sql::kEncryptedSiblingSuffix))) {
+        VLOG_AT(logging::LOG_FAILURE) << L"Failed to delete {" << temp.value() << L"}, error code {"
+                                      << base::GetLastSystemError() << L"}.";
       }
     }
   }
@@ -275,8 +288,9 @@ bool EncryptAndVerify(ImportModel* model, const base::FilePath& data_folder,
 
 }  // namespace
 
-base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
-                           const BuildStageCallback& stage_done) {
+base::Status BuildDatabases(ImportModel* model,
+                            const base::FilePath& data_folder,
+                            const BuildStageCallback& stage_done) {
   std::function<void(const char*)> done = [&](const char* stage) {
     if (stage_done)
       stage_done(stage);

@@ -40,8 +40,9 @@ inline constexpr wchar_t kVersion3DatabaseKey[] = L"3C5A0F1E9D2B47A6B8E1C4D7F0A2
 // "Encrypt", "Verify", the commit's steps, "Replace"), for measurements and
 // for tests that stop the process at a given point.
 using BuildStageCallback = std::function<void(const char* stage)>;
-base::Status BuildDatabases(ImportModel* model, const base::FilePath& data_folder,
-                           const BuildStageCallback& stage_done = nullptr);
+base::Status BuildDatabases(ImportModel* model,
+                            const base::FilePath& data_folder,
+                            const BuildStageCallback& stage_done = nullptr);
 
 }  // namespace data_importer
 

@@ -77,8 +77,8 @@ class BuildSequenceTest : public testing::Test {
 TEST_F(BuildSequenceTest, FilledModelBecomesTwoEncryptedDatabases) {
   FillModel();
   TestProfile::Touch(m_profile.data_folder().Append(L"VTMusicV3.db"));  // replaced
-  EXPECT_TRUE(
-      base::WriteFile(m_profile.data_folder().Append(L"VTMusicV2.db.tmp"), "stale, not a database"));
+  EXPECT_TRUE(base::WriteFile(m_profile.data_folder().Append(L"VTMusicV2.db.tmp"),
+                              "stale, not a database"));
   m_record.SetProgress(20);
 
   ASSERT_TRUE(IsOk(BuildDatabases(&m_model, m_profile.data_folder())));
@@ -93,9 +93,9 @@ TEST_F(BuildSequenceTest, FilledModelBecomesTwoEncryptedDatabases) {
 
   auto music = OpenFinal(L"VTMusicV3.db");
   auto playlists = OpenFinal(L"playlistV3.db");
-  EXPECT_EQ((std::vector<std::string>{"1|D:\\Music\\a.mp3", "2|D:\\Music\\b'.mp3",
-                                      "3|D:\\Video\\c.mkv"}),
-            QueryRows(music.get(), "SELECT id, FileName FROM ShareFileItems ORDER BY id"));
+  EXPECT_EQ(
+      (std::vector<std::string>{"1|D:\\Music\\a.mp3", "2|D:\\Music\\b'.mp3", "3|D:\\Video\\c.mkv"}),
+      QueryRows(music.get(), "SELECT id, FileName FROM ShareFileItems ORDER BY id"));
   EXPECT_EQ((std::vector<std::string>{"3|song 3"}),
             QueryRows(playlists.get(), "SELECT SongID, TitleName FROM GeneralList_5"));
   EXPECT_EQ((std::vector<std::string>{"1", "2"}),
@@ -154,10 +154,9 @@ TEST_F(BuildSequenceTest, StepWeightsInOrder) {
   EXPECT_EQ((std::vector<std::string>{
                 "ShareFileItems=60", "ShareFolders=62", "GeneralListTable=64",
                 "RecentlyPlayedItem=66", "GeneralList=70", "RadioChannelTable=74",
-                "DislikeRadioItem=76", "RadioChannel=78", "PlayedNJRadioItem=80",
-                "LocalFiles=82", "DownloadItem=84", "DownloadHistoryItem=88",
-                "UserLoginHistory=90", "KeywordSearchHistory=92", "Settings=93", "Skin=94",
-                "AppTools=95"}),
+                "DislikeRadioItem=76", "RadioChannel=78", "PlayedNJRadioItem=80", "LocalFiles=82",
+                "DownloadItem=84", "DownloadHistoryItem=88", "UserLoginHistory=90",
+                "KeywordSearchHistory=92", "Settings=93", "Skin=94", "AppTools=95"}),
             writers);
   EXPECT_EQ("Prepare=50", steps.front());
 }
@@ -245,8 +244,7 @@ TEST_F(BuildSequenceTest, StoredSchemasAreTheExpectedTexts) {
       table = "GeneralList_5";
       text.replace(text.find("%s"), 2, table);
     }
-    sql::Connection* db =
-        table.rfind("General", 0) == 0 ? playlists.get() : music.get();
+    sql::Connection* db = table.rfind("General", 0) == 0 ? playlists.get() : music.get();
     EXPECT_EQ(text, StoredSchema(db, table)) << table;
     ++checked;
   }
@@ -267,8 +265,8 @@ void ExpectFailedBuildLeftOldFiles(const TestProfile& profile) {
   base::FilePath folder = profile.data_folder();
   EXPECT_EQ("old music", testing_support::ReadBytes(folder.Append(L"VTMusicV3.db")));
   EXPECT_EQ("old lists", testing_support::ReadBytes(folder.Append(L"playlistV3.db")));
-  for (const wchar_t* name : {L"VTMusicV2.db.tmp", L"playlist.db.tmp", L"VTMusicV2.db.tmp.enc",
-                              L"playlist.db.tmp.enc"})
+  for (const wchar_t* name :
+       {L"VTMusicV2.db.tmp", L"playlist.db.tmp", L"VTMusicV2.db.tmp.enc", L"playlist.db.tmp.enc"})
     EXPECT_FALSE(base::PathExists(folder.Append(name))) << base::WideToUTF8(name);
   EXPECT_EQ(L"8", profile.DBCheck(L"ImportState"));
   std::string log;

@@ -66,8 +66,8 @@ bool ImportModel::CarryCloudLists() {
     if (!in_source(table) || playlist->DoesTableExist(table.c_str()))
       return;
     if (!m_playlist_db->CopyTable(std::string(), table)) {
-      VLOG_AT(logging::LOG_FAILURE) << L"Cloud-list table {" << table.c_str()
-                                    << L"} could not be carried.";
+      VLOG_AT(logging::LOG_FAILURE)
+          << L"Cloud-list table {" << table.c_str() << L"} could not be carried.";
       ok = false;
       failed.insert(table);
       return;
@@ -94,8 +94,8 @@ bool ImportModel::CarryCloudLists() {
       continue;
     int64_t rows = CountRows(playlist, kSourceAlias, table);
     if (rows < 0) {
-      VLOG_AT(logging::LOG_FAILURE) << L"Rows of cloud-list table {" << table.c_str()
-                                    << L"} could not be counted.";
+      VLOG_AT(logging::LOG_FAILURE)
+          << L"Rows of cloud-list table {" << table.c_str() << L"} could not be counted.";
       continue;
     }
     int origin = report->SourceTable(m_cloud_list_source, table);
@@ -114,8 +114,7 @@ bool ImportModel::CarryCloudLists() {
     VLOG_AT(logging::LOG_PROGRESS) << L"Cloud-list table {" << table.c_str()
                                    << L"} is left behind, as the cloud-list move leaves it.";
     if (rows > 0) {
-      report->AddDrops(origin, table, drop_reason::kCloudListLeftBehind, rows,
-                       {{table, 0, L""}});
+      report->AddDrops(origin, table, drop_reason::kCloudListLeftBehind, rows, {{table, 0, L""}});
     }
   }
   if (!playlist->DetachDatabase(kSourceAlias))

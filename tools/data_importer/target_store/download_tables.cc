@@ -104,44 +104,46 @@ ColumnList<DownloadRecord> TrackColumns() {
 }  // namespace
 
 void ImportModel::WriteDownloadItems() {
-  WriteTable(m_music_db.get(), kDownloadItem, m_downloads, EmptyList::kSkipTable,
-             [this](const DownloadRecord& d, RowBuilder* row) {
-               if (d.tables == DownloadRecord::Tables::kHistoryOnly)
-                 return RowFate::Skip();
-               int file_id = ResolveDownloadFile(*this, d);
-               if (file_id == 0)
-                 return RowFate::Drop(drop_reason::kDownloadUnresolved);
-               AppendColumnsReplacing<DownloadRecord, int>(
-                   d, DownloadItemColumns(),
-                   {{&DownloadRecord::FileID, file_id},
-                    {&DownloadRecord::RelevanceMusicId,
-                     ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
-                   row);
-               return RowFate::Write();
-             }, report());
+  WriteTable(
+      m_music_db.get(), kDownloadItem, m_downloads, EmptyList::kSkipTable,
+      [this](const DownloadRecord& d, RowBuilder* row) {
+        if (d.tables == DownloadRecord::Tables::kHistoryOnly)
+          return RowFate::Skip();
+        int file_id = ResolveDownloadFile(*this, d);
+        if (file_id == 0)
+          return RowFate::Drop(drop_reason::kDownloadUnresolved);
+        AppendColumnsReplacing<DownloadRecord, int>(
+            d, DownloadItemColumns(),
+            {{&DownloadRecord::FileID, file_id},
+             {&DownloadRecord::RelevanceMusicId, ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
+            row);
+        return RowFate::Write();
+      },
+      report());
 }
 
 // A finished download whose file is missing is counted as dropped once, by
 // the DownloadItem writer; here it is only left out. A record of this table
 // alone is written whether finished or not, and counted here when dropped.
 void ImportModel::WriteDownloadHistoryItems() {
-  WriteTable(m_music_db.get(), kDownloadHistoryItem, m_downloads, EmptyList::kSkipTable,
-             [this](const DownloadRecord& d, RowBuilder* row) {
-               using Tables = DownloadRecord::Tables;
-               if (d.tables == Tables::kItemOnly)
-                 return RowFate::Skip();
-               const bool resolved = ResolveDownloadFile(*this, d) != 0;
-               if (d.tables == Tables::kHistoryOnly && !resolved)
-                 return RowFate::Drop(drop_reason::kDownloadUnresolved);
-               if (!resolved || (d.tables == Tables::kByRule && !IsFinished(d)))
-                 return RowFate::Skip();
-               AppendColumnsReplacing<DownloadRecord, int>(
-                   d, DownloadHistoryColumns(),
-                   {{&DownloadRecord::RelevanceMusicId,
-                     ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
-                   row);
-               return RowFate::Write();
-             }, report());
+  WriteTable(
+      m_music_db.get(), kDownloadHistoryItem, m_downloads, EmptyList::kSkipTable,
+      [this](const DownloadRecord& d, RowBuilder* row) {
+        using Tables = DownloadRecord::Tables;
+        if (d.tables == Tables::kItemOnly)
+          return RowFate::Skip();
+        const bool resolved = ResolveDownloadFile(*this, d) != 0;
+        if (d.tables == Tables::kHistoryOnly && !resolved)
+          return RowFate::Drop(drop_reason::kDownloadUnresolved);
+        if (!resolved || (d.tables == Tables::kByRule && !IsFinished(d)))
+          return RowFate::Skip();
+        AppendColumnsReplacing<DownloadRecord, int>(
+            d, DownloadHistoryColumns(),
+            {{&DownloadRecord::RelevanceMusicId, ResolveRelevanceFile(*this, d.RelevanceMusicId)}},
+            row);
+        return RowFate::Write();
+      },
+      report());
 }
 
 const ColumnList<DownloadRecord>& DownloadItemColumns() {

@@ -84,8 +84,8 @@ class ImportModel {
 
   // Refills m_file_flag_map from m_share_files: the flag of an audio file's
   // new id is 1 when the file has no local path (empty or the unlinked mark:
-  // an entry the player cannot play from disk), else 0. The general-list writer stores the negation in
-  // MusicFilePlayable.
+  // an entry the player cannot play from disk), else 0. The general-list writer stores the negation
+  // in MusicFilePlayable.
   void FillFileFlagMap();
 
   // Copies the cloud lists of m_cloud_list_source into the playlist

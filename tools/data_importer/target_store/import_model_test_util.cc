@@ -14,8 +14,11 @@
 
 namespace data_importer {
 
-std::shared_ptr<ShareFileItem> AddFile(ImportModel* model, int old_id, const std::wstring& name,
-                                       const std::wstring& md5, int type) {
+std::shared_ptr<ShareFileItem> AddFile(ImportModel* model,
+                                       int old_id,
+                                       const std::wstring& name,
+                                       const std::wstring& md5,
+                                       int type) {
   auto file = std::make_shared<ShareFileItem>();
   file->old_id = old_id;
   file->FileName = name;
@@ -25,8 +28,7 @@ std::shared_ptr<ShareFileItem> AddFile(ImportModel* model, int old_id, const std
   return file;
 }
 
-std::shared_ptr<SongItem> AddSong(ImportModel* model, int list_id, int song_id,
-                                  int music_file_id) {
+std::shared_ptr<SongItem> AddSong(ImportModel* model, int list_id, int song_id, int music_file_id) {
   auto song = std::make_shared<SongItem>();
   song->SongID = song_id;
   song->music_file_id = music_file_id;
@@ -35,7 +37,9 @@ std::shared_ptr<SongItem> AddSong(ImportModel* model, int list_id, int song_id,
   return song;
 }
 
-std::shared_ptr<PlayListInfo> AddList(ImportModel* model, int id, const std::wstring& name,
+std::shared_ptr<PlayListInfo> AddList(ImportModel* model,
+                                      int id,
+                                      const std::wstring& name,
                                       int sort_id) {
   auto list = std::make_shared<PlayListInfo>();
   list->PlaylistID = id;
@@ -46,8 +50,12 @@ std::shared_ptr<PlayListInfo> AddList(ImportModel* model, int id, const std::wst
   return list;
 }
 
-std::shared_ptr<DownloadRecord> AddDownload(ImportModel* model, int download_id, int file_id,
-                                            const std::wstring& md5, int percent, int down_type) {
+std::shared_ptr<DownloadRecord> AddDownload(ImportModel* model,
+                                            int download_id,
+                                            int file_id,
+                                            const std::wstring& md5,
+                                            int percent,
+                                            int down_type) {
   auto download = std::make_shared<DownloadRecord>();
   download->DownloadID = download_id;
   download->file_id = file_id;
@@ -84,9 +92,9 @@ class ValueSource {
 
   std::wstring Text() {
     static const wchar_t* const kPieces[] = {
-        L"a'b",        L"''",         L"\"quoted\"", L"|",      L"\\",    L"C:\\Music\\",
-        L"%s %d",      L"\t\r\n",     L"歌曲",       L"Ünïcødé", L"😀🎵", L"ʻokina",
-        L"; DROP --",  L"(x, y)",     L" ",          L"NULL",   L"0",     L"مرحبا",
+        L"a'b",       L"''",     L"\"quoted\"", L"|",       L"\\", L"C:\\Music\\",
+        L"%s %d",     L"\t\r\n", L"歌曲",       L"Ünïcødé", L"😀🎵", L"ʻokina",
+        L"; DROP --", L"(x, y)", L" ",          L"NULL",    L"0",  L"مرحبا",
     };
     if (Chance(5))
       return std::wstring();
@@ -117,8 +125,11 @@ class ValueSource {
   }
 
   double Real() {
-    static const double kExtremes[] = {-0.0, 4.9406564584124654e-324, 1.7976931348623157e308,
-                                       -2.2250738585072014e-308, 0.1,
+    static const double kExtremes[] = {-0.0,
+                                       4.9406564584124654e-324,
+                                       1.7976931348623157e308,
+                                       -2.2250738585072014e-308,
+                                       0.1,
                                        std::numeric_limits<double>::quiet_NaN()};
     if (Chance(30))
       return kExtremes[Below(std::size(kExtremes))];
@@ -155,7 +166,8 @@ std::shared_ptr<Record> Generate(ValueSource* values, const ColumnList<Record>& 
 }
 
 // An entry of |file| (and of |video| when given), its other fields drawn.
-std::shared_ptr<SongItem> GenerateSong(ValueSource* values, const ShareFileItem& file,
+std::shared_ptr<SongItem> GenerateSong(ValueSource* values,
+                                       const ShareFileItem& file,
                                        const ShareFileItem* video) {
   auto song = Generate(values, SongColumns());
   song->SongID = values->Int();
@@ -190,9 +202,9 @@ void FillGeneratedModel(ImportModel* model, uint32_t seed) {
   audio[5]->MD5 = NullableText::Null();
   audio[2]->MD5 = std::wstring();
   video[1]->MD5 = NullableText::Null();
-  audio[4]->FileName.clear();    // found by its hash only; not playable
+  audio[4]->FileName.clear();     // found by its hash only; not playable
   audio[6]->MD5 = audio[7]->MD5;  // one hash, two files
-  audio[9]->FileName.clear();  // no path, and the hash of an earlier file with one
+  audio[9]->FileName.clear();     // no path, and the hash of an earlier file with one
   audio[9]->MD5 = audio[8]->MD5;
 
   // Folders, one path twice; local files in them, one in no folder.
@@ -227,7 +239,8 @@ void FillGeneratedModel(ImportModel* model, uint32_t seed) {
     size_t count = id == 0 ? 0 : 8 + values.Below(8);
     for (size_t i = 0; i < count; ++i) {
       const ShareFileItem& file = *audio[values.Below(audio.size())];
-      songs.push_back(GenerateSong(&values, file, values.Chance(40) ? video[values.Below(video.size())].get() : nullptr));
+      songs.push_back(GenerateSong(
+          &values, file, values.Chance(40) ? video[values.Below(video.size())].get() : nullptr));
       songs.back()->SongID = static_cast<int>(i) * 3 - 5;
     }
   }
@@ -239,7 +252,8 @@ void FillGeneratedModel(ImportModel* model, uint32_t seed) {
   model->m_list_songs[-77].push_back(GenerateSong(&values, *audio[1], nullptr));
 
   for (int i = 0; i < 6; ++i)
-    model->m_recent_songs.push_back(GenerateSong(&values, *audio[values.Below(audio.size())], nullptr));
+    model->m_recent_songs.push_back(
+        GenerateSong(&values, *audio[values.Below(audio.size())], nullptr));
 
   // Radio: channels, their entries (written untranslated), one channel's
   // entries without the channel.

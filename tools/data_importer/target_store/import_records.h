@@ -23,14 +23,15 @@ inline constexpr wchar_t kNoFileHash[] = L"00000000000000000000000000000000";
 // What a text field of generation 7 holds where the user took the file's
 // link away: the file has no path. The mark is shown to the user in place of
 // the path; it names no file.
-inline constexpr wchar_t kUnlinkedFileMark[] = L"\u7528\u6237\u53d6\u6d88\u5173\u8054";  // 用户取消关联
+inline constexpr wchar_t kUnlinkedFileMark[] =
+    L"\u7528\u6237\u53d6\u6d88\u5173\u8054";  // 用户取消关联
 
 // The text of a column that may hold NULL; a NULL read is written back as
 // NULL.
 struct NullableText {
   NullableText() = default;
   NullableText(std::wstring value) : text(std::move(value)) {}  // NOLINT: a text is no NULL
-  NullableText(const wchar_t* value) : text(value) {}            // NOLINT: as above
+  NullableText(const wchar_t* value) : text(value) {}           // NOLINT: as above
   bool operator==(const NullableText&) const = default;
 
   static NullableText Null() {
@@ -52,7 +53,7 @@ inline bool IsFileHash(const NullableText& hash) {
 // One media file known to the player.
 struct ShareFileItem {
   int origin = 0;
-  int old_id = 0;  // file id in the source database
+  int old_id = 0;         // file id in the source database
   int ShareFileType = 0;  // 2 = MV (video) file, anything else audio
   // The hashes: 32 hex characters, kNoFileHash or empty; NULL only where
   // a database of our own format held NULL.

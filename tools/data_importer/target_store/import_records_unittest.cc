@@ -24,7 +24,7 @@ std::vector<std::string> ColumnsOffDefault(sql::Connection* db, const std::strin
   std::vector<std::pair<std::string, std::string>> defaults;
   for (const std::string& info : QueryRows(db, "PRAGMA table_info(\"" + table + "\")")) {
     std::vector<std::string> fields;
-    for (size_t start = 0, bar; ; start = bar + 1) {
+    for (size_t start = 0, bar;; start = bar + 1) {
       bar = info.find('|', start);
       fields.push_back(info.substr(start, bar - start));
       if (bar == std::string::npos)
@@ -36,9 +36,9 @@ std::vector<std::string> ColumnsOffDefault(sql::Connection* db, const std::strin
   if (defaults.empty())
     off.push_back("no column with a default");
   for (const auto& [column, fallback] : defaults) {
-    std::vector<std::string> same = QueryRows(
-        db, "SELECT " + column + " IS " + fallback + ", " + column + " FROM \"" + table +
-                "\" ORDER BY rowid LIMIT 1");
+    std::vector<std::string> same =
+        QueryRows(db, "SELECT " + column + " IS " + fallback + ", " + column + " FROM \"" + table +
+                          "\" ORDER BY rowid LIMIT 1");
     if (same.size() != 1)
       off.push_back(column + ": no row");
     else if (same[0].substr(0, 2) != "1|")

@@ -56,8 +56,10 @@ void FillShareFileRow(const ShareFileItem& f, RowBuilder* row) {
 // row is counted in |report| as written or refused, and |inserted_out|,
 // when given, receives which were inserted.
 template <typename Record, typename FillRow>
-std::vector<int> WriteNumberedTable(DatabaseHelper* db, const TableDef& definition,
-                                    const RecordList<Record>& records, FillRow fill_row,
+std::vector<int> WriteNumberedTable(DatabaseHelper* db,
+                                    const TableDef& definition,
+                                    const RecordList<Record>& records,
+                                    FillRow fill_row,
                                     ImportReport* report,
                                     std::vector<bool>* inserted_out = nullptr) {
   std::vector<std::string> statements;
@@ -90,9 +92,8 @@ void ImportModel::WriteShareFileItems() {
   if (m_share_files.empty())
     return;
   std::vector<bool> inserted;
-  std::vector<int> ids =
-      WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files, FillShareFileRow,
-                         report(), &inserted);
+  std::vector<int> ids = WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files,
+                                            FillShareFileRow, report(), &inserted);
   m_hash_id_map.reserve(m_hash_id_map.size() + m_share_files.size());
   int64_t videos = 0;
   for (size_t i = 0; i < m_share_files.size(); ++i) {
@@ -115,7 +116,9 @@ void ImportModel::WriteShareFolders() {
   CreateTable(m_music_db.get(), kShareFolders.create_sql);
   std::vector<int> ids = WriteNumberedTable(
       m_music_db.get(), kShareFolders, m_share_folders,
-      [](const ShareFolderItem& f, RowBuilder* row) { AppendColumns(f, ShareFolderColumns(), row); },
+      [](const ShareFolderItem& f, RowBuilder* row) {
+        AppendColumns(f, ShareFolderColumns(), row);
+      },
       report());
   for (size_t i = 0; i < m_share_folders.size(); ++i)
     m_folder_id_map[m_share_folders[i]->old_id] = ids[i];
@@ -130,28 +133,32 @@ void ImportModel::WriteLocalFiles() {
     folder_paths.emplace(folder->old_id, &folder->Path);
   // The old file id needs no translation here: the table is keyed by the
   // file path and has no column for a file id.
-  WriteTable(m_music_db.get(), kLocalFiles, m_local_files, EmptyList::kSkipTable,
-             [&](const LocalFileInfo& f, RowBuilder* row) {
-               // The table is keyed by the path; a file whose link the user
-               // took away has none (two of them would collide on the mark).
-               if (f.FilePath == kUnlinkedFileMark)
-                 return RowFate::Drop(drop_reason::kUnlinkedFile);
-               auto folder = folder_paths.find(f.old_folder_id);
-               AppendColumnsReplacing<LocalFileInfo, std::wstring>(
-                   f, LocalFileColumns(),
-                   {{&LocalFileInfo::FolderPath,
-                     folder == folder_paths.end() ? f.FolderPath : *folder->second}},
-                   row);
-               return RowFate::Write();
-             }, report());
+  WriteTable(
+      m_music_db.get(), kLocalFiles, m_local_files, EmptyList::kSkipTable,
+      [&](const LocalFileInfo& f, RowBuilder* row) {
+        // The table is keyed by the path; a file whose link the user
+        // took away has none (two of them would collide on the mark).
+        if (f.FilePath == kUnlinkedFileMark)
+          return RowFate::Drop(drop_reason::kUnlinkedFile);
+        auto folder = folder_paths.find(f.old_folder_id);
+        AppendColumnsReplacing<LocalFileInfo, std::wstring>(
+            f, LocalFileColumns(),
+            {{&LocalFileInfo::FolderPath,
+              folder == folder_paths.end() ? f.FolderPath : *folder->second}},
+            row);
+        return RowFate::Write();
+      },
+      report());
 }
 
 void ImportModel::WriteAppTools() {
-  WriteTable(m_music_db.get(), kAppTools, m_app_tools, EmptyList::kSkipTable,
-             [](const AppToolRecord& t, RowBuilder* row) {
-               AppendColumns(t, AppToolColumns(), row);
-               return true;
-             }, report());
+  WriteTable(
+      m_music_db.get(), kAppTools, m_app_tools, EmptyList::kSkipTable,
+      [](const AppToolRecord& t, RowBuilder* row) {
+        AppendColumns(t, AppToolColumns(), row);
+        return true;
+      },
+      report());
 }
 
 const ColumnList<ShareFileItem>& ShareFileColumns() {

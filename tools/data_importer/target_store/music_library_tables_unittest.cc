@@ -97,7 +97,8 @@ TEST_F(MusicLibraryWritersTest, ReplayGainRoundTripsForRandomValues) {
     AddFile(&m_model, i, L"f", L"")->ReplayGain = gain;
   }
   m_model.WriteShareFileItems();
-  sql::Statement rows(music()->GetUniqueStatement("SELECT ReplayGain FROM ShareFileItems ORDER BY id"));
+  sql::Statement rows(
+      music()->GetUniqueStatement("SELECT ReplayGain FROM ShareFileItems ORDER BY id"));
   int mismatches = 0;
   for (const auto& file : m_model.m_share_files) {
     ASSERT_TRUE(rows.Step());

@@ -37,46 +37,53 @@ int Lookup(const std::map<int, int>& map, int key) {
 }  // namespace
 
 void ImportModel::WriteGeneralListTable() {
-  WriteTable(m_playlist_db.get(), kGeneralListTable, m_play_lists, EmptyList::kSkipTable,
-             [](const PlayListInfo& list, RowBuilder* row) {
-               AppendColumns(list, GeneralListColumns(), row);
-               return true;
-             }, report());
+  WriteTable(
+      m_playlist_db.get(), kGeneralListTable, m_play_lists, EmptyList::kSkipTable,
+      [](const PlayListInfo& list, RowBuilder* row) {
+        AppendColumns(list, GeneralListColumns(), row);
+        return true;
+      },
+      report());
 }
 
 void ImportModel::WriteRecentlyPlayedItems() {
   static const TableDef kRecentlyPlayedItem = {"RecentlyPlayedItem",
-                                                SongTableSchema("RecentlyPlayedItem")};
+                                               SongTableSchema("RecentlyPlayedItem")};
   // Created even when nothing was played; SQLite numbers the rows.
-  WriteTable(m_music_db.get(), kRecentlyPlayedItem, m_recent_songs, EmptyList::kCreateTable,
-             [](const SongItem& song, RowBuilder* row) {
-               AppendSongColumns(song, MusicFilePlayableFromPath(song.MusicFilePath), row);
-               return true;
-             }, report());
+  WriteTable(
+      m_music_db.get(), kRecentlyPlayedItem, m_recent_songs, EmptyList::kCreateTable,
+      [](const SongItem& song, RowBuilder* row) {
+        AppendSongColumns(song, MusicFilePlayableFromPath(song.MusicFilePath), row);
+        return true;
+      },
+      report());
 }
 
 void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind) {
   const std::string name = SqlTableName(SongListTableName(id, kind));
   const TableDef definition = {name, SongTableSchema(name)};
   DatabaseHelper* db = kind == kGeneralList ? m_playlist_db.get() : m_music_db.get();
-  WriteTable(db, definition, songs, EmptyList::kCreateTable, [&](const SongItem& song, RowBuilder* row) {
-    int playable = MusicFilePlayableFromPath(song.MusicFilePath);
-    if (kind == kGeneralList) {
-      // The song tables keep a file by its path and hash, not by id: the
-      // new ids decide only whether the entry survives and how playable
-      // its file is. (The MV file is optional: an entry does not depend on
-      // its MV having been imported.)
-      int music_id = Lookup(m_music_id_map, song.music_file_id);
-      if (music_id == 0)
-        return RowFate::Drop(drop_reason::kListEntrySongMissing);
-      auto flag = m_file_flag_map.find(music_id);
-      if (flag != m_file_flag_map.end())
-        playable = !flag->second;
-    }
-    row->Int("SongID", song.SongID);
-    AppendSongColumns(song, playable, row);
-    return RowFate::Write();
-  }, report());
+  WriteTable(
+      db, definition, songs, EmptyList::kCreateTable,
+      [&](const SongItem& song, RowBuilder* row) {
+        int playable = MusicFilePlayableFromPath(song.MusicFilePath);
+        if (kind == kGeneralList) {
+          // The song tables keep a file by its path and hash, not by id: the
+          // new ids decide only whether the entry survives and how playable
+          // its file is. (The MV file is optional: an entry does not depend on
+          // its MV having been imported.)
+          int music_id = Lookup(m_music_id_map, song.music_file_id);
+          if (music_id == 0)
+            return RowFate::Drop(drop_reason::kListEntrySongMissing);
+          auto flag = m_file_flag_map.find(music_id);
+          if (flag != m_file_flag_map.end())
+            playable = !flag->second;
+        }
+        row->Int("SongID", song.SongID);
+        AppendSongColumns(song, playable, row);
+        return RowFate::Write();
+      },
+      report());
 }
 
 void ImportModel::FillFileFlagMap() {

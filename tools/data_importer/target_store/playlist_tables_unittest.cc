@@ -49,10 +49,10 @@ TEST_F(PlaylistWritersTest, SongListsTranslateAndDrop) {
     return song;
   };
   m_model.m_radio_songs[12] = {song_at(9, L"", 5), song_at(10, L"D:\\r.mp3", 0),
-                              song_at(11, kUnlinkedFileMark, 1)};
+                               song_at(11, kUnlinkedFileMark, 1)};
   m_model.m_radio_songs[13];
   m_model.m_recent_songs = {song_at(1, L"D:\\r.mp3", 0), song_at(2, kUnlinkedFileMark, 1),
-                           song_at(3, L"", 1)};
+                            song_at(3, L"", 1)};
 
   m_model.WriteShareFileItems();
   m_model.WriteGeneralListTable();
@@ -63,15 +63,17 @@ TEST_F(PlaylistWritersTest, SongListsTranslateAndDrop) {
     m_model.WriteSongList(id, songs, ImportModel::kRadioChannel);
 
   m_model.WriteRecentlyPlayedItems();
-  EXPECT_EQ((std::vector<std::string>{"1|song 1|1", "3|song 3|0", "5|song 5|0"}),
-            QueryRows(playlists(),
-                      "SELECT SongID, TitleName, MusicFilePlayable FROM \"GeneralList_-3\" ORDER BY 1"));
+  EXPECT_EQ(
+      (std::vector<std::string>{"1|song 1|1", "3|song 3|0", "5|song 5|0"}),
+      QueryRows(playlists(),
+                "SELECT SongID, TitleName, MusicFilePlayable FROM \"GeneralList_-3\" ORDER BY 1"));
   EXPECT_TRUE(playlists()->DoesTableExist("GeneralList_7"));
   EXPECT_TRUE(QueryRows(playlists(), "SELECT * FROM GeneralList_7").empty());
   EXPECT_EQ((std::vector<std::string>{"9|0", "10|1", "11|0"}),
             QueryRows(music(), "SELECT SongID, MusicFilePlayable FROM RadioChannel_12 ORDER BY 1"));
-  EXPECT_EQ((std::vector<std::string>{"1|1", "2|0", "3|0"}),
-            QueryRows(music(), "SELECT rowid, MusicFilePlayable FROM RecentlyPlayedItem ORDER BY 1"));
+  EXPECT_EQ(
+      (std::vector<std::string>{"1|1", "2|0", "3|0"}),
+      QueryRows(music(), "SELECT rowid, MusicFilePlayable FROM RecentlyPlayedItem ORDER BY 1"));
   EXPECT_TRUE(music()->DoesTableExist("RadioChannel_13"));
   EXPECT_FALSE(music()->DoesTableExist("GeneralList_-3"));
   EXPECT_TRUE(playlists()->DoesTableExist("GeneralList_-3"));
@@ -101,24 +103,26 @@ TEST_F(PlaylistWritersTest, DownloadsResolveAndFinish) {
   AddFile(&m_model, 1, L"clip.mkv", HashOf(9), 2);  // takes new id 1
   AddFile(&m_model, 1, L"a.mp3", HashOf(1));
   AddFile(&m_model, 2, L"b.mp3", zero);
-  AddDownload(&m_model, 10, 1, L"", 99, 0);          // by id, unfinished
+  AddDownload(&m_model, 10, 1, L"", 99, 0);            // by id, unfinished
   AddDownload(&m_model, 11, 500, HashOf(1), 100, 20);  // by hash, finished
-  AddDownload(&m_model, 12, 1, HashOf(1), 100, 1);   // finished but other type
-  AddDownload(&m_model, 13, 500, zero, 100, 0);      // only the all-zero hash
-  AddDownload(&m_model, 14, 2, zero, 100, 0);        // by id
-  m_model.m_downloads[1]->RelevanceMusicId = 2;       // names an imported file
-  m_model.m_downloads[4]->RelevanceMusicId = 77;      // names none
+  AddDownload(&m_model, 12, 1, HashOf(1), 100, 1);     // finished but other type
+  AddDownload(&m_model, 13, 500, zero, 100, 0);        // only the all-zero hash
+  AddDownload(&m_model, 14, 2, zero, 100, 0);          // by id
+  m_model.m_downloads[1]->RelevanceMusicId = 2;        // names an imported file
+  m_model.m_downloads[4]->RelevanceMusicId = 77;       // names none
   m_model.WriteShareFileItems();
   m_model.WriteDownloadItems();
   m_model.WriteDownloadHistoryItems();
 
   // FileID and RelevanceMusicId hold new ids: file 1 is now 2, file 2 is 3.
   EXPECT_EQ((std::vector<std::string>{"10|99|2|0", "11|100|2|3", "12|100|2|0", "14|100|3|0"}),
-            QueryRows(music(), "SELECT DownloadID, Percent, FileID, RelevanceMusicId "
-                               "FROM DownloadItem ORDER BY ID"));
+            QueryRows(music(),
+                      "SELECT DownloadID, Percent, FileID, RelevanceMusicId "
+                      "FROM DownloadItem ORDER BY ID"));
   EXPECT_EQ((std::vector<std::string>{"11|20|3", "14|0|0"}),
-            QueryRows(music(), "SELECT DownloadID, DownType, RelevanceMusicId "
-                               "FROM DownloadHistoryItem ORDER BY ID"));
+            QueryRows(music(),
+                      "SELECT DownloadID, DownType, RelevanceMusicId "
+                      "FROM DownloadHistoryItem ORDER BY ID"));
 }
 
 // The recently-played table exists even when empty; the other history
@@ -170,8 +174,9 @@ TEST_F(PlaylistWritersTest, EmptyListsAndRadioChannels) {
             QueryRows(music(), "SELECT Keyword FROM KeywordSearchHistory ORDER BY rowid"));
   // An untouched Pattern writes the column's default, 1.
   EXPECT_EQ((std::vector<std::string>{"user|\u00ff\u0001'x|1|1"}),
-            QueryRows(music(), "SELECT Username, EncodedPassword, AutoLogin, Pattern "
-                               "FROM UserLoginHistory"));
+            QueryRows(music(),
+                      "SELECT Username, EncodedPassword, AutoLogin, Pattern "
+                      "FROM UserLoginHistory"));
 }
 
 }  // namespace

@@ -41,27 +41,33 @@ const TableDef kPlayedNJRadioItem = {
 
 void ImportModel::WriteRadioChannelTable() {
   // FMStat is not carried over: the player recomputes it.
-  WriteTable(m_music_db.get(), kRadioChannelTable, m_radio_channels, EmptyList::kSkipTable,
-             [](const RadioChannelInfo& c, RowBuilder* row) {
-               AppendColumns(c, RadioChannelColumns(), row);
-               return true;
-             }, report());
+  WriteTable(
+      m_music_db.get(), kRadioChannelTable, m_radio_channels, EmptyList::kSkipTable,
+      [](const RadioChannelInfo& c, RowBuilder* row) {
+        AppendColumns(c, RadioChannelColumns(), row);
+        return true;
+      },
+      report());
 }
 
 void ImportModel::WriteDislikeRadioItems() {
-  WriteTable(m_music_db.get(), kDislikeRadioItem, m_dislike_radio, EmptyList::kSkipTable,
-             [](const DislikeRadioRecord& d, RowBuilder* row) {
-               AppendColumns(d, DislikeRadioColumns(), row);
-               return true;
-             }, report());
+  WriteTable(
+      m_music_db.get(), kDislikeRadioItem, m_dislike_radio, EmptyList::kSkipTable,
+      [](const DislikeRadioRecord& d, RowBuilder* row) {
+        AppendColumns(d, DislikeRadioColumns(), row);
+        return true;
+      },
+      report());
 }
 
 void ImportModel::WritePlayedRadioItems() {
-  WriteTable(m_music_db.get(), kPlayedNJRadioItem, m_played_radio, EmptyList::kSkipTable,
-             [](const PlayedRadioRecord& p, RowBuilder* row) {
-               AppendColumns(p, PlayedRadioColumns(), row);
-               return true;
-             }, report());
+  WriteTable(
+      m_music_db.get(), kPlayedNJRadioItem, m_played_radio, EmptyList::kSkipTable,
+      [](const PlayedRadioRecord& p, RowBuilder* row) {
+        AppendColumns(p, PlayedRadioColumns(), row);
+        return true;
+      },
+      report());
 }
 
 const ColumnList<RadioChannelInfo>& RadioChannelColumns() {

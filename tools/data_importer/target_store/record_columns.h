@@ -25,8 +25,12 @@ namespace data_importer {
 // which keeps a NULL and is written as NULL again.
 template <typename Record>
 struct RecordColumn {
-  using Field = std::variant<std::wstring Record::*, NullableText Record::*, int Record::*,
-                             int64_t Record::*, bool Record::*, double Record::*>;
+  using Field = std::variant<std::wstring Record::*,
+                             NullableText Record::*,
+                             int Record::*,
+                             int64_t Record::*,
+                             bool Record::*,
+                             double Record::*>;
   const char* name;
   Field field;
 };
@@ -45,10 +49,18 @@ inline void Append(RowBuilder* row, const char* name, const NullableText& value)
   else
     row->Text(name, value.text);
 }
-inline void Append(RowBuilder* row, const char* name, int value) { row->Int(name, value); }
-inline void Append(RowBuilder* row, const char* name, int64_t value) { row->Int(name, value); }
-inline void Append(RowBuilder* row, const char* name, bool value) { row->Bool(name, value); }
-inline void Append(RowBuilder* row, const char* name, double value) { row->Real(name, value); }
+inline void Append(RowBuilder* row, const char* name, int value) {
+  row->Int(name, value);
+}
+inline void Append(RowBuilder* row, const char* name, int64_t value) {
+  row->Int(name, value);
+}
+inline void Append(RowBuilder* row, const char* name, bool value) {
+  row->Bool(name, value);
+}
+inline void Append(RowBuilder* row, const char* name, double value) {
+  row->Real(name, value);
+}
 
 inline void Read(RowReaderInterface* row, const std::string& name, std::wstring* value) {
   *value = row->GetString16(name);
@@ -86,7 +98,8 @@ void AppendColumns(const Record& record, const ColumnList<Record>& columns, RowB
 // the value paired with it: columns whose written value the writer derives
 // rather than copies.
 template <typename Record, typename Value>
-void AppendColumnsReplacing(const Record& record, const ColumnList<Record>& columns,
+void AppendColumnsReplacing(const Record& record,
+                            const ColumnList<Record>& columns,
                             std::initializer_list<std::pair<Value Record::*, Value>> replaced,
                             RowBuilder* row) {
   for (const RecordColumn<Record>& column : columns) {
@@ -111,8 +124,9 @@ void AppendColumnsReplacing(const Record& record, const ColumnList<Record>& colu
 template <typename Record>
 void ReadColumns(RowReaderInterface* row, const ColumnList<Record>& columns, Record* record) {
   for (const RecordColumn<Record>& column : columns) {
-    std::visit([&](auto field) { record_columns_internal::Read(row, column.name, &(record->*field)); },
-               column.field);
+    std::visit(
+        [&](auto field) { record_columns_internal::Read(row, column.name, &(record->*field)); },
+        column.field);
   }
 }
 

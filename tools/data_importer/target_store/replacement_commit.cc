@@ -28,8 +28,7 @@ bool Replace(const base::FilePath& data_folder, const Replacement& pair) {
   if (base::ReplaceFile(from, to))
     return true;
   VLOG_AT(logging::LOG_FAILURE) << L"Replace file {" << to.value() << L"} with {" << from.value()
-                                << L"} FAILED, error code {" << base::GetLastSystemError()
-                                << L"}.";
+                                << L"} FAILED, error code {" << base::GetLastSystemError() << L"}.";
   return false;
 }
 
@@ -44,7 +43,8 @@ bool DeleteWithLog(const base::FilePath& path) {
 }  // namespace
 
 bool CommitReplacement(const base::FilePath& data_folder,
-                       const std::function<void(const char*)>& step_done, ReplacedFiles files) {
+                       const std::function<void(const char*)>& step_done,
+                       ReplacedFiles files) {
   auto done = [&](const char* step) {
     if (step_done)
       step_done(step);
@@ -62,9 +62,8 @@ bool CommitReplacement(const base::FilePath& data_folder,
               base::WideToUTF8(kPairs[i].final_name) + "\n";
   }
   if (!base::WriteFile(record_new, text) || !base::ReplaceFile(record_new, record)) {
-    VLOG_AT(logging::LOG_FAILURE) << L"Write file {" << record.value()
-                                  << L"} FAILED, error code {" << base::GetLastSystemError()
-                                  << L"}; no database is replaced.";
+    VLOG_AT(logging::LOG_FAILURE) << L"Write file {" << record.value() << L"} FAILED, error code {"
+                                  << base::GetLastSystemError() << L"}; no database is replaced.";
     (void)base::DeleteFile(record_new);  // clean-up after the failure logged above
     return false;
   }

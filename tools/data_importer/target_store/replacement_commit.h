@@ -36,10 +36,9 @@ struct ReplacedFiles {
 // each step ends (a rename left out is not told; tests stop the process
 // there). False when a step fails; the failure is logged, and a record that
 // could be written stays so that the next run completes the commit.
-[[nodiscard]] bool CommitReplacement(
-    const base::FilePath& data_folder,
-    const CommitStepCallback& step_done = nullptr,
-    ReplacedFiles files = {});
+[[nodiscard]] bool CommitReplacement(const base::FilePath& data_folder,
+                                     const CommitStepCallback& step_done = nullptr,
+                                     ReplacedFiles files = {});
 
 // Run at the start of every run, before the task decision. With a record:
 // renames whichever temporary file of the pair is still there over its final

@@ -50,8 +50,8 @@ class ReplacementCommitTest : public testing::Test {
 
 #endif  // !defined(_WIN32)
   void ExpectNoWorkFiles() {
-    for (const wchar_t* name : {L"VTMusicV2.db.tmp", L"playlist.db.tmp",
-                                L"DatabaseReplace.commit", L"DatabaseReplace.commit.new"})
+    for (const wchar_t* name : {L"VTMusicV2.db.tmp", L"playlist.db.tmp", L"DatabaseReplace.commit",
+                                L"DatabaseReplace.commit.new"})
       EXPECT_FALSE(base::PathExists(Path(name))) << base::FilePath(name).AsUTF8Unsafe();
   }
 

@@ -33,11 +33,11 @@ TEST(SettingsStepTest, RecordsWrittenInOrderAfterTheTables) {
 
   std::wstring volume_before, volume_after;
   ASSERT_TRUE(IsOk(BuildDatabases(&model, profile.data_folder(), [&](const char* stage) {
-              if (std::string(stage) == "KeywordSearchHistory")
-                volume_before = profile.Setting(L"Volume");
-              if (std::string(stage) == "Settings")
-                volume_after = profile.Setting(L"Volume");
-            })));
+    if (std::string(stage) == "KeywordSearchHistory")
+      volume_before = profile.Setting(L"Volume");
+    if (std::string(stage) == "Settings")
+      volume_after = profile.Setting(L"Volume");
+  })));
   EXPECT_EQ(L"#missing#", volume_before);
   EXPECT_EQ(L"70", volume_after);
   EXPECT_EQ(L"1", profile.Setting(L"ShowLyric"));

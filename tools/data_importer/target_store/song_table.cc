@@ -45,8 +45,8 @@ int MusicFilePlayableFromPath(const std::wstring& music_file_path) {
 }
 
 void AppendSongColumns(const SongItem& s, int music_file_playable, RowBuilder* row) {
-  AppendColumnsReplacing<SongItem, int>(
-      s, SongColumns(), {{&SongItem::MusicFilePlayable, music_file_playable}}, row);
+  AppendColumnsReplacing<SongItem, int>(s, SongColumns(),
+                                        {{&SongItem::MusicFilePlayable, music_file_playable}}, row);
 }
 
 const ColumnList<SongItem>& SongColumns() {

@@ -105,7 +105,8 @@ bool TableTransaction::InsertRow() {
   return inserted;
 }
 
-std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table,
+std::vector<int> InsertNumberedRows(DatabaseHelper* db,
+                                    const std::string& table,
                                     const std::string& key_column,
                                     const std::vector<std::string>& statements,
                                     std::vector<bool>* inserted) {

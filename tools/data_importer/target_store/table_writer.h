@@ -133,8 +133,12 @@ ImportReport::DropExample DropExampleOf(const Record& r) {
 }
 
 template <typename List, typename FillRow>
-void WriteTable(DatabaseHelper* db, const TableDef& definition, const List& records, EmptyList empty,
-                FillRow fill_row, ImportReport* report = nullptr) {
+void WriteTable(DatabaseHelper* db,
+                const TableDef& definition,
+                const List& records,
+                EmptyList empty,
+                FillRow fill_row,
+                ImportReport* report = nullptr) {
   if (empty == EmptyList::kSkipTable && records.empty())
     return;
   TableTransaction table(db, definition);
@@ -168,7 +172,8 @@ void WriteTable(DatabaseHelper* db, const TableDef& definition, const List& reco
 // the query fails), a transaction is opened, and every later row counts
 // on from there, whether or not its insert succeeded. The CREATE TABLE
 // text must have run already.
-std::vector<int> InsertNumberedRows(DatabaseHelper* db, const std::string& table,
+std::vector<int> InsertNumberedRows(DatabaseHelper* db,
+                                    const std::string& table,
                                     const std::string& key_column,
                                     const std::vector<std::string>& statements,
                                     std::vector<bool>* inserted = nullptr);

@@ -28,7 +28,8 @@ VerifiedDatabase CountTableRows(sql::Connection* connection) {
       tables.push_back(schema.ColumnString(0));
   }
   for (const std::string& table : tables) {
-    sql::Statement count(connection->GetUniqueStatement(("SELECT count(*) FROM " + SqlTableName(table)).c_str()));
+    sql::Statement count(
+        connection->GetUniqueStatement(("SELECT count(*) FROM " + SqlTableName(table)).c_str()));
     if (!count.Step()) {
       result.error = "table " + table + " unreadable: " + connection->GetErrorMessage();
       return result;

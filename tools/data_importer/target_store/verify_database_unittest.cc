@@ -19,10 +19,10 @@ using testing_support::WriteBytes;
 base::FilePath MakeDatabase(const base::FilePath& path, const std::wstring& key) {
   sql::Connection db;
   EXPECT_TRUE(key.empty() ? db.Open(path) : db.OpenWithKey(path, key, true));
-  EXPECT_TRUE(db.Execute(
-      "CREATE TABLE a(x); INSERT INTO a VALUES (1), (2), (3);"
-      "CREATE TABLE \"GeneralList_-3\"(y); INSERT INTO \"GeneralList_-3\" VALUES ('z');"
-      "CREATE TABLE empty(z)"));
+  EXPECT_TRUE(
+      db.Execute("CREATE TABLE a(x); INSERT INTO a VALUES (1), (2), (3);"
+                 "CREATE TABLE \"GeneralList_-3\"(y); INSERT INTO \"GeneralList_-3\" VALUES ('z');"
+                 "CREATE TABLE empty(z)"));
   return path;
 }
 

@@ -46,8 +46,10 @@ VerifiedDatabase CountPlainDatabase(const base::FilePath& path) {
   return CountTableRows(&db);
 }
 
-void ReportCopiedDatabase(ImportReport* report, const base::FilePath& source,
-                          const VerifiedDatabase& read, const base::FilePath& target,
+void ReportCopiedDatabase(ImportReport* report,
+                          const base::FilePath& source,
+                          const VerifiedDatabase& read,
+                          const base::FilePath& target,
                           CopyOutcome outcome) {
   if (outcome == CopyOutcome::kNoSource || outcome == CopyOutcome::kNotRun)
     return;
@@ -65,10 +67,9 @@ void ReportCopiedDatabase(ImportReport* report, const base::FilePath& source,
     }
   }
   if (!encrypted) {
-    const char* why =
-        outcome == CopyOutcome::kReplaceFailed || outcome == CopyOutcome::kWithheld
-            ? "not in place: "
-            : "no encrypted copy: ";
+    const char* why = outcome == CopyOutcome::kReplaceFailed || outcome == CopyOutcome::kWithheld
+                          ? "not in place: "
+                          : "no encrypted copy: ";
     report->SetCountedRows(FileName(target), {}, false, std::string(why) + OutcomeWord(outcome));
     return;
   }
@@ -77,7 +78,8 @@ void ReportCopiedDatabase(ImportReport* report, const base::FilePath& source,
                          written.error);
 }
 
-void ReportMovedTables(ImportReport* report, const base::FilePath& data_folder,
+void ReportMovedTables(ImportReport* report,
+                       const base::FilePath& data_folder,
                        const UpgradeResult& result) {
   // The music database is a source of this report only for what it gave.
   if (result.music_open != OpenOutcome::kOpened || result.moved_tables.empty())

@@ -27,13 +27,16 @@ VerifiedDatabase CountPlainDatabase(const base::FilePath& path);
 
 // Reports the copy of the plain database |source| (counted beforehand as
 // |read|) to the version-3 database |target|, which ended with |outcome|.
-void ReportCopiedDatabase(ImportReport* report, const base::FilePath& source,
-                          const VerifiedDatabase& read, const base::FilePath& target,
+void ReportCopiedDatabase(ImportReport* report,
+                          const base::FilePath& source,
+                          const VerifiedDatabase& read,
+                          const base::FilePath& target,
                           CopyOutcome outcome);
 
 // Reports the cloud tables the upgrade of the version-3 databases in
 // |data_folder| moved from "VTMusicV3.db" to "playlistV3.db".
-void ReportMovedTables(ImportReport* report, const base::FilePath& data_folder,
+void ReportMovedTables(ImportReport* report,
+                       const base::FilePath& data_folder,
                        const UpgradeResult& result);
 
 }  // namespace data_importer

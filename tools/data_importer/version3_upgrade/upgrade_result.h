@@ -26,42 +26,42 @@ namespace data_importer {
 
 // One file of the copy task.
 enum class CopyOutcome {
-  kNotRun,        // "not_run"
-  kEncrypted,     // "encrypted": copied, checked and encrypted
-  kLeftPlain,     // "left_plain": copied, failed the integrity check
-  kEncryptFailed, // "encrypt_failed": copied and checked, the encryption
-                  // failed; the copy is deleted
-  kNoSource,      // "no_source": the version-2 file does not exist
-  kCopyFailed,    // "copy_failed": the version-2 file could not be copied
-  kReplaceFailed, // "replace_failed": copied, but the copy could not be
-                  // renamed over its version-3 file; a commit record that
-                  // was written makes the next run finish the rename
-  kWithheld,      // "withheld": copied, but not put in place because the
-                  // other file could not be copied or encrypted; the next
-                  // run copies both again
+  kNotRun,         // "not_run"
+  kEncrypted,      // "encrypted": copied, checked and encrypted
+  kLeftPlain,      // "left_plain": copied, failed the integrity check
+  kEncryptFailed,  // "encrypt_failed": copied and checked, the encryption
+                   // failed; the copy is deleted
+  kNoSource,       // "no_source": the version-2 file does not exist
+  kCopyFailed,     // "copy_failed": the version-2 file could not be copied
+  kReplaceFailed,  // "replace_failed": copied, but the copy could not be
+                   // renamed over its version-3 file; a commit record that
+                   // was written makes the next run finish the rename
+  kWithheld,       // "withheld": copied, but not put in place because the
+                   // other file could not be copied or encrypted; the next
+                   // run copies both again
 };
 
 // The music database of the upgrade task.
 enum class OpenOutcome {
-  kNotRun,     // "not_run"
-  kOpened,     // "opened": opened with the key and sound
-  kMissing,    // "missing": no "VTMusicV3.db"
-  kKeyRefused, // "key_refused": does not open with the key (plain or foreign)
-  kCorrupt,    // "corrupt": opened, but failed the integrity check twice
+  kNotRun,      // "not_run"
+  kOpened,      // "opened": opened with the key and sound
+  kMissing,     // "missing": no "VTMusicV3.db"
+  kKeyRefused,  // "key_refused": does not open with the key (plain or foreign)
+  kCorrupt,     // "corrupt": opened, but failed the integrity check twice
 };
 
 // The cloud-list move of the upgrade task.
 enum class CloudListOutcome {
-  kNotRun,             // "not_run": the music database was not opened
-  kNoPlaylistDatabase, // "no_playlist_database": "playlistV3.db" missing,
-                       // not opened with the key, or corrupt
-  kAttachFailed,       // "attach_failed"
-  kAlreadyMoved,       // "already_moved": the playlist database already
-                       // holds "CloudListTable"
-  kNothingToMove,      // "nothing_to_move": no "CloudListTable" in the
-                       // music database
-  kCopyFailed,         // "copy_failed": a table copy failed; nothing moved
-  kMoved,              // "moved"
+  kNotRun,              // "not_run": the music database was not opened
+  kNoPlaylistDatabase,  // "no_playlist_database": "playlistV3.db" missing,
+                        // not opened with the key, or corrupt
+  kAttachFailed,        // "attach_failed"
+  kAlreadyMoved,        // "already_moved": the playlist database already
+                        // holds "CloudListTable"
+  kNothingToMove,       // "nothing_to_move": no "CloudListTable" in the
+                        // music database
+  kCopyFailed,          // "copy_failed": a table copy failed; nothing moved
+  kMoved,               // "moved"
 };
 
 // A cloud table the upgrade task copied into the playlist database, with

@@ -24,8 +24,10 @@ constexpr wchar_t kTag[] = L"[V8数据升级]";
 
 // Runs |step| on a fresh upgrader between "UpdateProgress" 10 and 100.
 template <typename Step>
-UpgradeResult RunWrapped(const base::FilePath& data_folder, ProgressRecord* record,
-                         const wchar_t* task, Step step) {
+UpgradeResult RunWrapped(const base::FilePath& data_folder,
+                         ProgressRecord* record,
+                         const wchar_t* task,
+                         Step step) {
   UpgradeResult result;
   result.task = task;
   record->SetUpdateProgress(10);
@@ -46,7 +48,8 @@ double Lap(std::chrono::steady_clock::time_point* start) {
 
 }  // namespace
 
-UpgradeResult RunVersion2Copy(const base::FilePath& folder, ProgressRecord* record,
+UpgradeResult RunVersion2Copy(const base::FilePath& folder,
+                              ProgressRecord* record,
                               const BuildStageCallback& stage_done) {
   ImportReport* report = record->report();
   auto start = std::chrono::steady_clock::now();
@@ -54,16 +57,16 @@ UpgradeResult RunVersion2Copy(const base::FilePath& folder, ProgressRecord* reco
   const base::FilePath playlist = folder.Append(importer_names::kPlaylistDatabaseV2);
   VerifiedDatabase music_read = CountPlainDatabase(music);
   VerifiedDatabase playlist_read = CountPlainDatabase(playlist);
-  UpgradeResult result = RunWrapped(
-      folder, record, kTaskCopyVersion2, [&](UpgradeTasks* upgrader, UpgradeResult* outcome) {
-        upgrader->CopyVersion2Databases(outcome, stage_done);
-      });
+  UpgradeResult result = RunWrapped(folder, record, kTaskCopyVersion2,
+                                    [&](UpgradeTasks* upgrader, UpgradeResult* outcome) {
+                                      upgrader->CopyVersion2Databases(outcome, stage_done);
+                                    });
   report->AddStage("Copy", Lap(&start));
   if (stage_done)
     stage_done("Copy");
   Lap(&start);
-  ReportCopiedDatabase(report, music, music_read,
-                       folder.Append(importer_names::kMusicDatabaseV3), result.music_copy);
+  ReportCopiedDatabase(report, music, music_read, folder.Append(importer_names::kMusicDatabaseV3),
+                       result.music_copy);
   ReportCopiedDatabase(report, playlist, playlist_read,
                        folder.Append(importer_names::kPlaylistDatabaseV3), result.playlist_copy);
   report->AddStage("Count", Lap(&start));
@@ -73,11 +76,10 @@ UpgradeResult RunVersion2Copy(const base::FilePath& folder, ProgressRecord* reco
 UpgradeResult RunVersion3Upgrade(const base::FilePath& data_folder, ProgressRecord* record) {
   ImportReport* report = record->report();
   auto start = std::chrono::steady_clock::now();
-  UpgradeResult result = RunWrapped(
-      data_folder, record, kTaskUpgradeVersion3,
-      [](UpgradeTasks* upgrader, UpgradeResult* outcome) {
-        upgrader->UpgradeVersion3Databases(outcome);
-      });
+  UpgradeResult result = RunWrapped(data_folder, record, kTaskUpgradeVersion3,
+                                    [](UpgradeTasks* upgrader, UpgradeResult* outcome) {
+                                      upgrader->UpgradeVersion3Databases(outcome);
+                                    });
   report->AddStage("Upgrade", Lap(&start));
   ReportMovedTables(report, data_folder, result);
   report->AddStage("Count", Lap(&start));
@@ -95,7 +97,7 @@ UpgradeTasks::~UpgradeTasks() {
 }
 
 void UpgradeTasks::CopyVersion2Databases(UpgradeResult* result,
-                                             const CommitStepCallback& step_done) {
+                                         const CommitStepCallback& step_done) {
   namespace names = importer_names;
   // Each copy is made and encrypted under the build's temporary name, and
   // the finished copies replace the version-3 files in one commit
@@ -151,8 +153,7 @@ void UpgradeTasks::CopyVersion2Databases(UpgradeResult* result,
     result->playlist_copy = CopyOutcome::kReplaceFailed;
 }
 
-bool UpgradeTasks::CopyVersion2File(const wchar_t* from, const wchar_t* to,
-                                        CopyOutcome* outcome) {
+bool UpgradeTasks::CopyVersion2File(const wchar_t* from, const wchar_t* to, CopyOutcome* outcome) {
   base::FilePath source = m_data_folder.Append(from);
   base::FilePath target = m_data_folder.Append(to);
   if (!base::PathExists(source)) {
@@ -216,9 +217,8 @@ void UpgradeTasks::UpgradeVersion3Databases(UpgradeResult* result) {
       result->moved_tables = m_cloud_list->moved_tables();
     }
   }
-  VLOG_AT(logging::LOG_PROGRESS) << kTag << L" Cloud lists: {"
-                                 << OutcomeWord(result->cloud_lists) << L"}, {"
-                                 << result->cloud_lists_moved << L"} moved.";
+  VLOG_AT(logging::LOG_PROGRESS) << kTag << L" Cloud lists: {" << OutcomeWord(result->cloud_lists)
+                                 << L"}, {" << result->cloud_lists_moved << L"} moved.";
 }
 
 }  // namespace data_importer

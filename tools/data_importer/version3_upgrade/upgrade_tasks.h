@@ -32,7 +32,8 @@ class ProgressRecord;
 // |stage_done| is told the steps of the commit that renames the copies into
 // place ("CommitRecord", "ReplaceMusic", ...; replacement_commit.h) and
 // "Copy" once the copies are in place and closed, before they are counted.
-UpgradeResult RunVersion2Copy(const base::FilePath& data_folder, ProgressRecord* record,
+UpgradeResult RunVersion2Copy(const base::FilePath& data_folder,
+                              ProgressRecord* record,
                               const BuildStageCallback& stage_done = nullptr);
 
 // "updatevantu8": the clean-ups each new release runs on the version-3
@@ -60,8 +61,7 @@ class UpgradeTasks {
   // A version-2 file that is missing or cannot be copied leaves its
   // version-3 file as it was: no empty database is made in its place, so a
   // later run can still copy it. |step_done| is told the commit's steps.
-  void CopyVersion2Databases(UpgradeResult* result,
-                             const CommitStepCallback& step_done = nullptr);
+  void CopyVersion2Databases(UpgradeResult* result, const CommitStepCallback& step_done = nullptr);
 
   // Opens an existing "VTMusicV3.db" with the key, checks it (one VACUUM to
   // repair), then runs the play-queue conversion and the cloud-list move on

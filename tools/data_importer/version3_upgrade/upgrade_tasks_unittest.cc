@@ -324,10 +324,11 @@ TEST_F(Version2TaskTest, KilledCopyIsCompletedOrRedoneByTheNextRun) {
     } else {
       EXPECT_TRUE(after == copied || after == upgraded) << where;
     }
-    for (const wchar_t* work : {L"VTMusicV2.db.tmp", L"playlist.db.tmp", L"VTMusicV2.db.tmp.enc",
-                                L"playlist.db.tmp.enc", L"VTMusicV2.db.tmp-journal",
-                                L"playlist.db.tmp-journal", L"DatabaseReplace.commit"})
-      EXPECT_FALSE(base::PathExists(Data(work))) << where << " " << base::FilePath(work).AsUTF8Unsafe();
+    for (const wchar_t* work :
+         {L"VTMusicV2.db.tmp", L"playlist.db.tmp", L"VTMusicV2.db.tmp.enc", L"playlist.db.tmp.enc",
+          L"VTMusicV2.db.tmp-journal", L"playlist.db.tmp-journal", L"DatabaseReplace.commit"})
+      EXPECT_FALSE(base::PathExists(Data(work)))
+          << where << " " << base::FilePath(work).AsUTF8Unsafe();
     EXPECT_EQ(music_v2, ReadBytes(Data(L"VTMusicV2.db"))) << where;
     EXPECT_EQ(playlist_v2, ReadBytes(Data(L"playlist.db"))) << where;
     if (HasFailure())
@@ -386,17 +387,18 @@ TEST_F(Version2TaskTest, UpgradeMovesCloudLists) {
                                        "CloudAccompanimentItemSet", "CloudOperation"};
   std::set<std::string> playlist = Content(Keyed(L"playlistV3.db").get());
   EXPECT_EQ(Only(before, moved), Only(playlist, moved));
-  EXPECT_EQ((std::set<std::string>{"CloudAccompanimentItemSet", "CloudListTable",
-                                   "CloudOperation", "GeneralListTable", "GeneralList_1",
-                                   "GeneralList_2", "NewCloudList_3", "NewCloudList_7"}),
+  EXPECT_EQ((std::set<std::string>{"CloudAccompanimentItemSet", "CloudListTable", "CloudOperation",
+                                   "GeneralListTable", "GeneralList_1", "GeneralList_2",
+                                   "NewCloudList_3", "NewCloudList_7"}),
             Tables(L"playlistV3.db"));
   const std::set<std::string> kept = {"ShareFileItems", "NewCloudList_0", "NewCloudList_-2",
                                       "CloudAccompanimentItemSet"};
   EXPECT_EQ(Only(before, kept), Content(Keyed(L"VTMusicV3.db").get()));
   EXPECT_LT(ReadBytes(Data(L"VTMusicV3.db")).size(), size_before);  // compacted
-  EXPECT_EQ("{\"cloud_lists\":\"moved\",\"cloud_lists_moved\":2,\"music\":\"opened\","
-            "\"task\":\"updatevantu8\"}",
-            Result());
+  EXPECT_EQ(
+      "{\"cloud_lists\":\"moved\",\"cloud_lists_moved\":2,\"music\":\"opened\","
+      "\"task\":\"updatevantu8\"}",
+      Result());
 }
 
 // With lists of ids 0 and below only, the list table moves, the playlist
@@ -410,10 +412,9 @@ TEST_F(Version2TaskTest, UpgradeWithoutListsAboveZero) {
   EXPECT_EQ((std::set<std::string>{"CloudAccompanimentItemSet", "CloudListTable",
                                    "GeneralListTable", "GeneralList_1", "GeneralList_2"}),
             Tables(L"playlistV3.db"));
-  EXPECT_EQ(
-      (std::set<std::string>{"CloudAccompanimentItemSet", "NewCloudList_-1", "NewCloudList_0",
-                             "ShareFileItems"}),
-      Tables(L"VTMusicV3.db"));
+  EXPECT_EQ((std::set<std::string>{"CloudAccompanimentItemSet", "NewCloudList_-1", "NewCloudList_0",
+                                   "ShareFileItems"}),
+            Tables(L"VTMusicV3.db"));
   EXPECT_NE(std::string::npos, Result().find("\"cloud_lists\":\"moved\",\"cloud_lists_moved\":0"));
 }
 
@@ -439,8 +440,7 @@ TEST_F(Version2TaskTest, UpgradeThatCannotMoveChangesNothing) {
       {"\"cloud_lists\":\"nothing_to_move\"",
        [&] { ASSERT_TRUE(without_lists.Write(Data(L"VTMusicV3.db"), key)); }, true, false},
       {"\"music\":\"key_refused\"",
-       [&] { ASSERT_TRUE(SampleMusicDatabase().Write(Data(L"VTMusicV3.db"), L"")); }, true,
-       false},
+       [&] { ASSERT_TRUE(SampleMusicDatabase().Write(Data(L"VTMusicV3.db"), L"")); }, true, false},
       {"\"cloud_lists\":\"no_playlist_database\"",
        [&] { ASSERT_TRUE(base::DeleteFile(Data(L"playlistV3.db"))); }, true, false},
       {"\"cloud_lists\":\"copy_failed\"",
@@ -480,8 +480,7 @@ TEST_F(Version2TaskTest, CleanupDetachesAndLeavesMusicOpen) {
     ASSERT_TRUE(music_db.OpenWithKey(Data(L"VTMusicV3.db"), key));
     CloudListCleanup cleanup(m_profile.data_folder());
     cleanup.SetUp(&music_db);
-    EXPECT_EQ(lists ? CloudListOutcome::kMoved : CloudListOutcome::kNothingToMove,
-              cleanup.Run());
+    EXPECT_EQ(lists ? CloudListOutcome::kMoved : CloudListOutcome::kNothingToMove, cleanup.Run());
     for (const std::string& row :
          QueryRows(cleanup.playlist_db()->connection(), "PRAGMA database_list"))
       EXPECT_EQ(std::string::npos, row.find("vantu_music_db")) << row;

@@ -173,8 +173,8 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
                                << kLibraryPattern << L"}.";
   std::vector<base::FilePath> copies = ListFiles(work, kLibraryPattern);
   if (!copies.empty()) {
-    V6LOG(logging::LOG_PROGRESS) << L"V6BakDB files exists, backup file count {"
-                                 << copies.size() << L"}.";
+    V6LOG(logging::LOG_PROGRESS) << L"V6BakDB files exists, backup file count {" << copies.size()
+                                 << L"}.";
     logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
     base::FilePath backup = GetDatedBackupFolder(m_context);
     // Copy failures are logged by CopyWithLog and do not stop the export.

@@ -19,7 +19,6 @@ struct DropReason;
 
 class RowReaderInterface;
 
-
 // The tag that starts every log line of this reader, and the macro that
 // writes such a line at |level|.
 inline constexpr wchar_t kV6LogTag[] = L"[V6数据导入] ";
@@ -127,8 +126,8 @@ class V6DataExporter : public DataExporter {
   base::FilePath m_work_db;    // our copy of it, the one that is read
 
   // Lookups of one export, emptied at its start and end.
-  std::set<int> m_list_ids;                          // lists already taken
-  std::map<int, MusicEntry> m_music_items;           // "V1" music item id
+  std::set<int> m_list_ids;                                  // lists already taken
+  std::map<int, MusicEntry> m_music_items;                   // "V1" music item id
   std::map<int, std::shared_ptr<ShareFileItem>> m_mv_items;  // "V1" MV id
   std::map<std::wstring, MusicEntry> m_v2_music_items;       // "ItemID_N"
 

@@ -37,13 +37,15 @@ V6V1Database SampleV1() {
   db.videos = {{7, L"D:\\MV\\clip.mkv", L"", Hash(700)}};
   db.music = {Music(1, L"\u7a3b\u9999"), Music(2, L"Don't Cry", 7), Music(3, L"Halo"),
               Music(4, L"Hopp\u00edpolla")};
-  db.music[3].hash.clear();  // no hash: the all-zero hash
+  db.music[3].hash.clear();                           // no hash: the all-zero hash
   db.lists = {{10, 3, L"Stored default name", 0, 5},  // default list, empty
               {11, 0, L"Road", 1234, 1},
               {12, 6, L"Mine", 0, 2},
               {13, 10, L"Gone", 0, 3},  // every item's music is missing
-              {14, 1, L"Cloud", 0, 4},  {15, 2, L"Radio", 0, 6},
-              {16, 4, L"Four", 0, 7},   {17, 11, L"Eleven", 0, 8}};
+              {14, 1, L"Cloud", 0, 4},
+              {15, 2, L"Radio", 0, 6},
+              {16, 4, L"Four", 0, 7},
+              {17, 11, L"Eleven", 0, 8}};
   db.items = {{1, 11, 1, 0, 5}, {2, 11, 2, 1, 0}, {3, 11, 99, 2, 0},  // 99: music gone
               {4, 12, 3, 0, 0}, {5, 12, 4, 1, 0}, {6, 13, 98, 0, 0},
               {7, 14, 1, 0, 0}, {8, 15, 1, 0, 0}};
@@ -56,7 +58,9 @@ V6V1Database SampleV1() {
 
 class V6DataExporterTest : public testing::Test {
  protected:
-  base::FilePath program() const { return m_profile.root().Append(L"Program Files").Append(L"VanTa6"); }
+  base::FilePath program() const {
+    return m_profile.root().Append(L"Program Files").Append(L"VanTa6");
+  }
 
   void Register() {
     EXPECT_TRUE(base::WriteFile(m_profile.root().Append(L"user.reg"), V6RegistryText(program())));
@@ -96,7 +100,8 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
   EXPECT_EQ(L"100", m_profile.DBCheck(L"ImportProgress"));
   EXPECT_EQ(L"10:0,11:2,12:2", m_profile.DBCheck(L"ImportPlayLists"));
-  EXPECT_TRUE(base::PathExists(m_profile.data_folder().Append(L"Lyric").Append(L"\u7a3b\u9999.krc")));
+  EXPECT_TRUE(
+      base::PathExists(m_profile.data_folder().Append(L"Lyric").Append(L"\u7a3b\u9999.krc")));
   EXPECT_FALSE(base::PathExists(m_profile.data_folder().Append(L"Lyric").Append(L"notes.txt")));
   EXPECT_TRUE(base::PathExists(m_profile.data_folder().Append(L"VT6Data.db")));
   EXPECT_TRUE(base::PathExists(m_profile.data_folder().Append(L"DataImporter.db")));
@@ -110,11 +115,13 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
                 "D:\\Music\\Don't Cry.mp3|0|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA2",
                 "D:\\Music\\Halo.mp3|0|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA3",
                 "D:\\Music\\Hopp\xC3\xADpolla.mp3|0|00000000000000000000000000000000"}),
-            QueryRows(music.get(), "SELECT FileName, ShareFileType, MD5 FROM ShareFileItems ORDER BY id"));
+            QueryRows(music.get(),
+                      "SELECT FileName, ShareFileType, MD5 FROM ShareFileItems ORDER BY id"));
   EXPECT_EQ((std::vector<std::string>{"10|\xE9\xBB\x98\xE8\xAE\xA4\xE5\x88\x97\xE8\xA1\xA8|0|0",
                                       "11|Road-1234|2|1", "12|Mine|2|2"}),
-            QueryRows(playlists.get(), "SELECT PlayListID, PlaylistName, PlaylistType, SortID "
-                                       "FROM GeneralListTable ORDER BY SortID"));
+            QueryRows(playlists.get(),
+                      "SELECT PlayListID, PlaylistName, PlaylistType, SortID "
+                      "FROM GeneralListTable ORDER BY SortID"));
   EXPECT_EQ((std::vector<std::string>{"1|\xE7\xA8\xBB\xE9\xA6\x99|5", "2|Don't Cry|0"}),
             QueryRows(playlists.get(),
                       "SELECT SongID, TitleName, PlayCount FROM GeneralList_11 ORDER BY SortID"));
@@ -123,9 +130,10 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
                 "1|||0|0|0|0",
                 "2|D:\\MV\\clip.mkv|AAAAAAAAAAAAAAAAAAAAAAAAAAAAA700|4000000|240000|1500|"
                 "1300000000"}),
-            QueryRows(playlists.get(), "SELECT SongID, MVFilePath, MVFileHash, MVFileSize, "
-                                       "MVFileDuration, MVFileBitrate, MVFileLastModifyTime "
-                                       "FROM GeneralList_11 ORDER BY SortID"));
+            QueryRows(playlists.get(),
+                      "SELECT SongID, MVFilePath, MVFileHash, MVFileSize, "
+                      "MVFileDuration, MVFileBitrate, MVFileLastModifyTime "
+                      "FROM GeneralList_11 ORDER BY SortID"));
   EXPECT_TRUE(playlists->DoesTableExist("GeneralList_10"));
   EXPECT_FALSE(playlists->DoesTableExist("GeneralList_13"));
   EXPECT_FALSE(playlists->DoesTableExist("GeneralList_14"));
@@ -133,9 +141,10 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   // so old and new ids differ); the priorities are the table's defaults.
   EXPECT_EQ((std::vector<std::string>{"Halo|0|D:\\Music\\Halo.mp3|2|1",
                                       "Don't Cry|100|D:\\Music\\Don't Cry.mp3|2|1"}),
-            QueryRows(music.get(), "SELECT d.FileName, Percent, s.FileName, OrderPriority, "
-                                   "SpeedPriority FROM DownloadItem d JOIN ShareFileItems s "
-                                   "ON s.id = d.FileID ORDER BY d.ID"));
+            QueryRows(music.get(),
+                      "SELECT d.FileName, Percent, s.FileName, OrderPriority, "
+                      "SpeedPriority FROM DownloadItem d JOIN ShareFileItems s "
+                      "ON s.id = d.FileID ORDER BY d.ID"));
   EXPECT_EQ((std::vector<std::string>{"Don't Cry"}),
             QueryRows(music.get(), "SELECT FileName FROM DownloadHistoryItem"));
 
@@ -144,15 +153,17 @@ TEST_F(V6DataExporterTest, V1ImportedEndToEndThroughTheRegistry) {
   sql::Connection work;
   ASSERT_TRUE(work.Open(m_profile.data_folder().Append(L"VT6Data.db")));
   std::vector<std::string> plan = QueryRows(
-      &work, "EXPLAIN QUERY PLAN SELECT * FROM PlayListItems WHERE PlayListID = 11 ORDER BY SortId");
+      &work,
+      "EXPLAIN QUERY PLAN SELECT * FROM PlayListItems WHERE PlayListID = 11 ORDER BY SortId");
   ASSERT_FALSE(plan.empty());
   EXPECT_NE(std::string::npos, plan[0].find("USING INDEX DataImporter_PlayListItems_PlayListID"))
       << plan[0];
 
   std::string log = Log();
   EXPECT_NE(std::string::npos, log.find("[V6数据导入] V6 DB version is {V1}."));
-  EXPECT_NE(std::string::npos,
-            log.find("[V6数据导入] There is no items under {TABLE: PlayListItems, PlayListID: 13}."));
+  EXPECT_NE(
+      std::string::npos,
+      log.find("[V6数据导入] There is no items under {TABLE: PlayListItems, PlayListID: 13}."));
   EXPECT_NE(std::string::npos,
             log.find("[V6数据导入]  Size of PlayListItems(ID=11) is {TOTAL:3, LOADED:2}."));
   EXPECT_NE(std::string::npos, log.find("[V6数据导入] Size of FileItems is {4}."));
@@ -220,8 +231,9 @@ TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
             QueryRows(music.get(), "SELECT FileName, MD5 FROM ShareFileItems ORDER BY FileName"));
   EXPECT_EQ((std::vector<std::string>{"1|\xE9\xBB\x98\xE8\xAE\xA4\xE5\x88\x97\xE8\xA1\xA8",
                                       "2|Road-77", "5|Second"}),
-            QueryRows(playlists.get(), "SELECT PlayListID, PlaylistName FROM GeneralListTable "
-                                       "ORDER BY PlayListID"));
+            QueryRows(playlists.get(),
+                      "SELECT PlayListID, PlaylistName FROM GeneralListTable "
+                      "ORDER BY PlayListID"));
   EXPECT_EQ((std::vector<std::string>{"b.mp3"}),
             QueryRows(playlists.get(), "SELECT TitleName FROM GeneralList_2"));
   EXPECT_EQ((std::vector<std::string>{"C"}),
@@ -239,9 +251,10 @@ TEST_F(V6DataExporterTest, V2ImportedFromTheSourceFolder) {
 TEST_F(V6DataExporterTest, V2ListsWithCollidingIdsAndDownloadsByHash) {
   V6V2Library first;
   first.lists = {{1, 3, L"", 0, 0}, {2, 0, L"Road", 0, 1}};
-  first.items = {{1, 1, L"E:\\", L"a.mp3", L"A", Hash(1)}, {2, 2, L"E:\\", L"b.mp3", L"B", Hash(2)}};
+  first.items = {{1, 1, L"E:\\", L"a.mp3", L"A", Hash(1)},
+                 {2, 2, L"E:\\", L"b.mp3", L"B", Hash(2)}};
   first.downloads = {{1, Hash(77), L"D:\\Down\\stray.mp3", false},  // item 1's id, no hash match
-                     {500, Hash(3), L"D:\\Down\\c.mp3", false}};   // c.mp3 of the second file
+                     {500, Hash(3), L"D:\\Down\\c.mp3", false}};    // c.mp3 of the second file
   ASSERT_TRUE(first.Write(program().Append(L"VTLibrary.db")));
   V6V2Library second;
   // Stored ids in another order than the lists' sort order.
@@ -266,9 +279,10 @@ TEST_F(V6DataExporterTest, V2ListsWithCollidingIdsAndDownloadsByHash) {
        QueryRows(playlists.get(), "SELECT PlayListID, PlaylistName FROM GeneralListTable")) {
     std::string id = row.substr(0, row.find('|'));
     std::string text = row.substr(row.find('|') + 1) + ":";
-    for (const std::string& title : QueryRows(playlists.get(), "SELECT TitleName FROM "
-                                                               "GeneralList_" + id +
-                                                               " ORDER BY TitleName"))
+    for (const std::string& title : QueryRows(playlists.get(),
+                                              "SELECT TitleName FROM "
+                                              "GeneralList_" +
+                                                  id + " ORDER BY TitleName"))
       text += title;
     contents.push_back(text);
   }
@@ -280,16 +294,17 @@ TEST_F(V6DataExporterTest, V2ListsWithCollidingIdsAndDownloadsByHash) {
   EXPECT_EQ((std::vector<std::string>{"3", "4"}),
             QueryRows(playlists.get(), "SELECT SongID FROM GeneralList_4 ORDER BY 1"));
   // The second file's lists keep their stored order, ids notwithstanding.
-  std::vector<std::string> names = QueryRows(
-      playlists.get(), "SELECT PlaylistName FROM GeneralListTable ORDER BY SortID");
+  std::vector<std::string> names =
+      QueryRows(playlists.get(), "SELECT PlaylistName FROM GeneralListTable ORDER BY SortID");
   auto at = [&names](const char* name) { return std::find(names.begin(), names.end(), name); };
   EXPECT_LT(at("Nine"), at("Other"));
   EXPECT_LT(at("Other"), at("Four"));
   EXPECT_NE(names.end(), at("Four"));
 
   EXPECT_EQ((std::vector<std::string>{"c|F:\\c.mp3"}),
-            QueryRows(music.get(), "SELECT d.FileName, s.FileName FROM DownloadItem d "
-                                   "JOIN ShareFileItems s ON s.id = d.FileID"));
+            QueryRows(music.get(),
+                      "SELECT d.FileName, s.FileName FROM DownloadItem d "
+                      "JOIN ShareFileItems s ON s.id = d.FileID"));
   EXPECT_EQ((std::vector<std::string>{"1"}),
             QueryRows(music.get(), "SELECT COUNT(*) FROM DownloadItem"));
 }
@@ -419,7 +434,7 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   const RunContext run_context = TestRunContext();
   V6DataExporter exporter(run_context, &model);
   EXPECT_EQ(ExportResult::kNothingExported, exporter.ExportData());  // nothing could be read
-  EXPECT_EQ(L"23", m_profile.DBCheck(L"ImportState"));  // 16 + 4 + 2, and 1
+  EXPECT_EQ(L"23", m_profile.DBCheck(L"ImportState"));               // 16 + 4 + 2, and 1
   EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));
   EXPECT_NE(std::wstring::npos, model.report()->failure().find(L"start again"));
 }

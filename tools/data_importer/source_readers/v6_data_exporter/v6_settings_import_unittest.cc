@@ -53,7 +53,9 @@ TEST_F(V6SettingsImportTest, UnusableSettingsFileLeavesNoSection) {
   EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
   EXPECT_EQ(L"#missing#", m_profile.Setting(L"Volume"));
-  EXPECT_TRUE(base::GetPrivateProfileKeys(L"Settings", m_profile.ini().value(), base::kCodePageSimplifiedChinese).empty());
+  EXPECT_TRUE(base::GetPrivateProfileKeys(L"Settings", m_profile.ini().value(),
+                                          base::kCodePageSimplifiedChinese)
+                  .empty());
 }
 
 }  // namespace

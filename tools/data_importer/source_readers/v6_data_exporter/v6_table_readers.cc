@@ -62,24 +62,26 @@ bool V6DataExporter::ReadMusicVideos() {
     return true;
   }
   RowQuery query{(boost::format("SELECT * FROM %s") % "MVItems").str(), "MVItems", L"MVItems"};
-  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
-    auto file = std::make_shared<ShareFileItem>();
-    file->old_id = row.GetInt("ID");  // the id music items refer to as MvItemID
-    file->ShareFileType = 2;
-    file->FileName = row.GetString16("FileName");
-    file->FileNamePure = BaseNameWithoutExtension(file->FileName);
-    file->MD5 = HashOrZero(row.GetString16("FileHash"));
-    file->FileSize = row.GetInt("FileSize");
-    file->Duration = row.GetInt("Duration");
-    file->BitRate = row.GetInt("BitRate");
-    file->FileHashUpdateTime = row.GetInt64("HashUpdateTime");
-    file->OwnerCount = row.GetInt("OwnerCount");
-    file->LastWriteTime = row.GetInt64("LastWriteTime");
-    m_mv_items[file->old_id] = file;
-    tally.Made(file.get());
-    m_model->m_share_files.push_back(file);
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [this](DbRowReader& row, SourceTableTally& tally) {
+                    auto file = std::make_shared<ShareFileItem>();
+                    file->old_id = row.GetInt("ID");  // the id music items refer to as MvItemID
+                    file->ShareFileType = 2;
+                    file->FileName = row.GetString16("FileName");
+                    file->FileNamePure = BaseNameWithoutExtension(file->FileName);
+                    file->MD5 = HashOrZero(row.GetString16("FileHash"));
+                    file->FileSize = row.GetInt("FileSize");
+                    file->Duration = row.GetInt("Duration");
+                    file->BitRate = row.GetInt("BitRate");
+                    file->FileHashUpdateTime = row.GetInt64("HashUpdateTime");
+                    file->OwnerCount = row.GetInt("OwnerCount");
+                    file->LastWriteTime = row.GetInt64("LastWriteTime");
+                    m_mv_items[file->old_id] = file;
+                    tally.Made(file.get());
+                    m_model->m_share_files.push_back(file);
+                    return true;
+                  })
+      .ok;
 }
 
 // "MusicItems" of the "V1" layout. "MusicType" (the audio format) has no
@@ -89,33 +91,35 @@ bool V6DataExporter::ReadMusicItems() {
   ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "MusicItems"));
   RowQuery query{(boost::format("SELECT * FROM %s") % "MusicItems").str(), "MusicItems",
                  L"FileItems", &ticker};
-  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
-    auto file = std::make_shared<ShareFileItem>();
-    file->old_id = row.GetInt("ID");
-    file->FileName = row.GetString16("FileName");
-    file->FileNamePure = row.GetString16("Title");
-    if (file->FileNamePure.empty())
-      file->FileNamePure = BaseNameWithoutExtension(file->FileName);
-    file->FileSize = row.GetInt("FileSize");
-    file->LastWriteTime = row.GetInt64("LastWriteTime");
-    file->Duration = row.GetInt("Duration");
-    file->BitRate = row.GetInt("BitRate");
-    file->FileHashUpdateTime = row.GetInt64("HashUpdateTime");
-    file->OwnerCount = row.GetInt("OwnerCount");
-    file->MpegOffset = row.GetInt("MPEGOffset");
-    file->MpegSize = row.GetInt("MPEGSize");
-    file->ReplayGain = row.GetDouble("ReplayGain");
-    file->MD5 = HashOrZero(row.GetString16("FileHash"));
-    // The hash the online catalogue knows the file by.
-    file->MpegMD5 = HashOrZero(row.GetString16("InetHash"));
-    MusicEntry& entry = m_music_items[file->old_id];
-    entry.file = file;
-    entry.mv_id = row.GetInt("MvItemID");
-    entry.start_time = row.GetInt64("StartTime");
-    tally.Made(file.get());
-    m_model->m_share_files.push_back(file);
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [this](DbRowReader& row, SourceTableTally& tally) {
+                    auto file = std::make_shared<ShareFileItem>();
+                    file->old_id = row.GetInt("ID");
+                    file->FileName = row.GetString16("FileName");
+                    file->FileNamePure = row.GetString16("Title");
+                    if (file->FileNamePure.empty())
+                      file->FileNamePure = BaseNameWithoutExtension(file->FileName);
+                    file->FileSize = row.GetInt("FileSize");
+                    file->LastWriteTime = row.GetInt64("LastWriteTime");
+                    file->Duration = row.GetInt("Duration");
+                    file->BitRate = row.GetInt("BitRate");
+                    file->FileHashUpdateTime = row.GetInt64("HashUpdateTime");
+                    file->OwnerCount = row.GetInt("OwnerCount");
+                    file->MpegOffset = row.GetInt("MPEGOffset");
+                    file->MpegSize = row.GetInt("MPEGSize");
+                    file->ReplayGain = row.GetDouble("ReplayGain");
+                    file->MD5 = HashOrZero(row.GetString16("FileHash"));
+                    // The hash the online catalogue knows the file by.
+                    file->MpegMD5 = HashOrZero(row.GetString16("InetHash"));
+                    MusicEntry& entry = m_music_items[file->old_id];
+                    entry.file = file;
+                    entry.mv_id = row.GetInt("MvItemID");
+                    entry.start_time = row.GetInt64("StartTime");
+                    tally.Made(file.get());
+                    m_model->m_share_files.push_back(file);
+                    return true;
+                  })
+      .ok;
 }
 
 // "PlayListItems" of one "V2" library file: every row is a music item,
@@ -124,26 +128,29 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
   ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "PlayListItems"));
   RowQuery query{(boost::format("SELECT * FROM %s") % "PlayListItems").str(), kV2MusicItemsTable,
                  L"FileItemsV2", &ticker};
-  return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
-    auto file = std::make_shared<ShareFileItem>();
-    file->old_id = m_next_v2_file_id++;
-    std::wstring folder = row.GetString16("Path");
-    std::wstring name = row.GetString16("FileName");
-    if (!folder.empty() && folder.back() != L'\\' && folder.back() != L'/')
-      folder += L'\\';
-    file->FileName = folder + name;
-    file->FileNamePure = BaseNameWithoutExtension(name);
-    file->FileSize = row.GetInt("FileSize");
-    file->Duration = row.GetInt("Duration");
-    file->BitRate = row.GetInt("BitRate");
-    file->MD5 = HashOrZero(row.GetString16("Hash"));
-    file->ReplayGain = row.GetDouble("ReplayGain");
-    std::wstring key = std::to_wstring(row.GetInt("ItemID")) + L"_" + std::to_wstring(library_number);
-    m_v2_music_items[key].file = file;
-    tally.Made(file.get());
-    m_model->m_share_files.push_back(file);
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [&](DbRowReader& row, SourceTableTally& tally) {
+                    auto file = std::make_shared<ShareFileItem>();
+                    file->old_id = m_next_v2_file_id++;
+                    std::wstring folder = row.GetString16("Path");
+                    std::wstring name = row.GetString16("FileName");
+                    if (!folder.empty() && folder.back() != L'\\' && folder.back() != L'/')
+                      folder += L'\\';
+                    file->FileName = folder + name;
+                    file->FileNamePure = BaseNameWithoutExtension(name);
+                    file->FileSize = row.GetInt("FileSize");
+                    file->Duration = row.GetInt("Duration");
+                    file->BitRate = row.GetInt("BitRate");
+                    file->MD5 = HashOrZero(row.GetString16("Hash"));
+                    file->ReplayGain = row.GetDouble("ReplayGain");
+                    std::wstring key = std::to_wstring(row.GetInt("ItemID")) + L"_" +
+                                       std::to_wstring(library_number);
+                    m_v2_music_items[key].file = file;
+                    tally.Made(file.get());
+                    m_model->m_share_files.push_back(file);
+                    return true;
+                  })
+      .ok;
 }
 
 bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
@@ -173,8 +180,8 @@ bool V6DataExporter::ReadPlayLists(bool v2, int library_number) {
                    .str();
       DbRowReader count(db, count_query);
       if (!count.Step() || count.GetInt("ListItemCount") < 1) {
-        V6LOG(logging::LOG_PROGRESS) << L"There is no items under {TABLE: PlayListItems, PlayListID: "
-                                     << source_id << L"}.";
+        V6LOG(logging::LOG_PROGRESS)
+            << L"There is no items under {TABLE: PlayListItems, PlayListID: " << source_id << L"}.";
         // Its entries, if any, name songs that are not in the library.
         int64_t entries = DropListEntries(source_id, v2, drop_reason::kListEntrySongMissing);
         tally.Dropped("GeneralListTable", drop_reason::kListWithoutEntries, source_id,
@@ -297,8 +304,7 @@ bool V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
     if (!music) {
       std::wstring title = v2 ? row.GetString16("Title") : std::wstring();
       if (title.empty())
-        title = v2 ? row.GetString16("FileName")
-                   : MusicItemName(row.GetInt("MusicItemID"));
+        title = v2 ? row.GetString16("FileName") : MusicItemName(row.GetInt("MusicItemID"));
       tally.Dropped(target, drop_reason::kListEntrySongMissing, row.GetInt("ItemID"), title);
       return false;
     }
@@ -332,8 +338,8 @@ bool V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
                                  << L", LOADED:" << entries.kept << L"}.";
   } else {
     V6LOG(logging::LOG_PROGRESS) << L" Size of PlayListItems(ID=" << list.source_id
-                                 << L") is {TOTAL:" << entries.read << L", LOADED:"
-                                 << entries.kept << L"}.";
+                                 << L") is {TOTAL:" << entries.read << L", LOADED:" << entries.kept
+                                 << L"}.";
   }
   return entries.ok;
 }
@@ -344,39 +350,43 @@ bool V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
 // file, and is found by its hash or not at all.
 bool V6DataExporter::ReadUnfinishedDownloads(bool v2) {
   RowQuery query{"Select * From Downing", "Downing", L"DownFile"};
-  return ReadRows(query, [this, v2](DbRowReader& row, SourceTableTally& tally) {
-    auto download = std::make_shared<DownloadRecord>();
-    download->file_id = v2 ? 0 : row.GetInt("MusicID");
-    download->MD5 = HashOrZero(row.GetString16("FileHash"));
-    download->DestFileName = row.GetString16("DestFileName");
-    download->TempFileName = row.GetString16("TempFileName");
-    download->FileSize = row.GetInt("FileSize");
-    download->DownType = row.GetInt("DownType");
-    download->FileName = BaseNameWithoutExtension(download->DestFileName);
-    tally.Made(download.get());
-    m_model->m_downloads.push_back(download);
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [this, v2](DbRowReader& row, SourceTableTally& tally) {
+                    auto download = std::make_shared<DownloadRecord>();
+                    download->file_id = v2 ? 0 : row.GetInt("MusicID");
+                    download->MD5 = HashOrZero(row.GetString16("FileHash"));
+                    download->DestFileName = row.GetString16("DestFileName");
+                    download->TempFileName = row.GetString16("TempFileName");
+                    download->FileSize = row.GetInt("FileSize");
+                    download->DownType = row.GetInt("DownType");
+                    download->FileName = BaseNameWithoutExtension(download->DestFileName);
+                    tally.Made(download.get());
+                    m_model->m_downloads.push_back(download);
+                    return true;
+                  })
+      .ok;
 }
 
 // "DownHistory": finished downloads, found again by their hash.
 bool V6DataExporter::ReadFinishedDownloads() {
   RowQuery query{"Select * From DownHistory", "DownHistory", L"DownHistroy"};
-  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
-    auto download = std::make_shared<DownloadRecord>();
-    download->DestFileName = row.GetString16("FileName");
-    download->FileName = BaseNameWithoutExtension(download->DestFileName);
-    download->FileSize = row.GetInt("FileSize");
-    download->Method = row.GetInt("Method");
-    download->StartTime = row.GetInt64("StartTime");
-    download->CompleteTime = row.GetInt64("CompleteTime");
-    download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
-    download->MD5 = HashOrZero(row.GetString16("FileHash"));
-    download->Percent = 100;
-    tally.Made(download.get());
-    m_model->m_downloads.push_back(download);
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [this](DbRowReader& row, SourceTableTally& tally) {
+                    auto download = std::make_shared<DownloadRecord>();
+                    download->DestFileName = row.GetString16("FileName");
+                    download->FileName = BaseNameWithoutExtension(download->DestFileName);
+                    download->FileSize = row.GetInt("FileSize");
+                    download->Method = row.GetInt("Method");
+                    download->StartTime = row.GetInt64("StartTime");
+                    download->CompleteTime = row.GetInt64("CompleteTime");
+                    download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
+                    download->MD5 = HashOrZero(row.GetString16("FileHash"));
+                    download->Percent = 100;
+                    tally.Made(download.get());
+                    m_model->m_downloads.push_back(download);
+                    return true;
+                  })
+      .ok;
 }
 
 }  // namespace data_importer

@@ -61,7 +61,8 @@ bool V7DataExporter::CopyDatabase() {
   if (work.empty())
     return false;
   m_work_db = work.Append(kWorkCopy);
-  WorkCopy copy = ObtainWorkCopy(m_work_db, [this] { return GetDatabasePath(); }, kWorkCopy);
+  WorkCopy copy = ObtainWorkCopy(
+      m_work_db, [this] { return GetDatabasePath(); }, kWorkCopy);
   if (copy == WorkCopy::kNoSource || copy == WorkCopy::kCopyFailed)
     return false;
 
@@ -99,8 +100,7 @@ ExportResult V7DataExporter::ExportData() {
   // import here, before an empty library could be put in place of a later
   // run's chance to import it.
   if (!OpenSourceWithRepair(m_work_db) || NothingSalvaged()) {
-    V7LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_work_db.value()
-                                << L"}.";
+    V7LOG(logging::LOG_FAILURE) << L"Failed to open database file {" << m_work_db.value() << L"}.";
     m_db->Close();
     ReportState(ProgressRecord::kStateNotStarted);
     Report()->SetFailure(UnreadableSourceWords(GetDatabasePath()));
@@ -163,7 +163,8 @@ ExportResult V7DataExporter::ExportData() {
 void V7DataExporter::ReadLastPlayed() {}
 
 void V7DataExporter::MigrateSettings() {
-  std::optional<ImportedSettings> settings = MigrateV7Settings(Generation7Folder(), m_model->m_ansi_code_page);
+  std::optional<ImportedSettings> settings =
+      MigrateV7Settings(Generation7Folder(), m_model->m_ansi_code_page);
   if (!settings)
     return;
   m_model->AddSettings(*settings);

@@ -33,7 +33,6 @@ namespace data_importer {
 class DbRowReader;
 class SourceTableTally;
 
-
 // The tag that starts every log line of this reader, and the macro that
 // writes such a line at |level|.
 inline constexpr wchar_t kV7LogTag[] = L"[V7数据导入] ";

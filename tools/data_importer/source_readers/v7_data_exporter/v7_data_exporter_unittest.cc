@@ -130,15 +130,17 @@ TEST_F(V7DataExporterTest, ImportedEndToEnd) {
                 "D:\\Music\\Don't Cry.mp3|0|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA2",
                 std::string(kMark) + "|0|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA3",
                 "D:\\Music\\Halo.mp3|0|" + std::string(kZero)}),
-            QueryRows(music.get(), "SELECT FileName, ShareFileType, MD5 FROM ShareFileItems ORDER BY id"));
+            QueryRows(music.get(),
+                      "SELECT FileName, ShareFileType, MD5 FROM ShareFileItems ORDER BY id"));
   EXPECT_EQ((std::vector<std::string>{"10|" + std::string(kDefaultName) + "|0|0", "11|Road|2|1",
                                       "15|It's mine \xF0\x9F\x8E\xB5|2|5"}),
-            QueryRows(lists.get(), "SELECT PlayListID, PlaylistName, PlaylistType, SortID "
-                                   "FROM GeneralListTable ORDER BY PlayListID"));
-  EXPECT_EQ((std::vector<std::string>{"2|\xE7\xA8\xBB\xE9\xA6\x99|0|1",
-                                      "1|Don't Cry|6|2"}),
             QueryRows(lists.get(),
-                      "SELECT SongID, TitleName, PlayCount, SortID FROM GeneralList_11 ORDER BY SortID"));
+                      "SELECT PlayListID, PlaylistName, PlaylistType, SortID "
+                      "FROM GeneralListTable ORDER BY PlayListID"));
+  EXPECT_EQ(
+      (std::vector<std::string>{"2|\xE7\xA8\xBB\xE9\xA6\x99|0|1", "1|Don't Cry|6|2"}),
+      QueryRows(lists.get(),
+                "SELECT SongID, TitleName, PlayCount, SortID FROM GeneralList_11 ORDER BY SortID"));
   // The unlinked entry stays, without a path.
   EXPECT_EQ((std::vector<std::string>{"\xF0\x9D\x84\x9E Clef|"}),
             QueryRows(lists.get(), "SELECT TitleName, MusicFilePath FROM GeneralList_15"));
@@ -150,7 +152,8 @@ TEST_F(V7DataExporterTest, ImportedEndToEnd) {
             QueryRows(music.get(), "SELECT TitleName, MusicFilePath FROM RecentlyPlayedItem"));
 
   EXPECT_EQ((std::vector<std::string>{"Halo|40|D:\\Down\\Halo.mp3.tmp", "Don't Cry|100|"}),
-            QueryRows(music.get(), "SELECT FileName, Percent, TempFileName FROM DownloadItem ORDER BY ID"));
+            QueryRows(music.get(),
+                      "SELECT FileName, Percent, TempFileName FROM DownloadItem ORDER BY ID"));
   EXPECT_EQ((std::vector<std::string>{"Don't Cry|AAAAAAAAAAAAAAAAAAAAAAAAAAAAA202"}),
             QueryRows(music.get(), "SELECT FileName, RelevanceFileHash FROM DownloadHistoryItem"));
 
@@ -158,16 +161,19 @@ TEST_F(V7DataExporterTest, ImportedEndToEnd) {
             QueryRows(music.get(), "SELECT Path, AddType FROM ShareFolders"));
   EXPECT_EQ((std::vector<std::string>{"D:\\Music\\\xE7\xA8\xBB\xE9\xA6\x99.mp3|D:\\Music|"
                                       "\xE5\x91\xA8\xE6\x9D\xB0\xE5\x80\xAB|Z|Zt"}),
-            QueryRows(music.get(), "SELECT FilePath, FolderPath, Artist, FullLetterByArtist, "
-                                   "FullLetterByTitle FROM LocalFiles"));
+            QueryRows(music.get(),
+                      "SELECT FilePath, FolderPath, Artist, FullLetterByArtist, "
+                      "FullLetterByTitle FROM LocalFiles"));
 
   EXPECT_EQ((std::vector<std::string>{"1|fm'1|First|0|2|10", "2|fm2|Second|1|1|20"}),
-            QueryRows(music.get(), "SELECT ID, FMID, FMName, FMType, SortID, Heat "
-                                   "FROM RadioChannelTable ORDER BY ID"));
+            QueryRows(music.get(),
+                      "SELECT ID, FMID, FMName, FMType, SortID, Heat "
+                      "FROM RadioChannelTable ORDER BY ID"));
   EXPECT_EQ((std::vector<std::string>{"1|R one|AAAAAAAAAAAAAAAAAAAAAAAAAAAAA301|31",
                                       "2|R two|AAAAAAAAAAAAAAAAAAAAAAAAAAAAA302|32"}),
-            QueryRows(music.get(), "SELECT SongID, TitleName, MusicFileHash, ServerFileID "
-                                   "FROM RadioChannel_1 ORDER BY SongID"));
+            QueryRows(music.get(),
+                      "SELECT SongID, TitleName, MusicFileHash, ServerFileID "
+                      "FROM RadioChannel_1 ORDER BY SongID"));
   EXPECT_EQ((std::vector<std::string>{"R three"}),
             QueryRows(music.get(), "SELECT TitleName FROM RadioChannel_2"));
   EXPECT_EQ((std::vector<std::string>{"AAAAAAAAAAAAAAAAAAAAAAAAAAAAA401"}),
@@ -224,16 +230,19 @@ TEST_F(V7DataExporterTest, DownloadsVideosAndUnlinkedFiles) {
   auto music = OpenFinal(L"VTMusicV3.db");
   auto lists = OpenFinal(L"playlistV3.db");
   EXPECT_EQ((std::vector<std::string>{"Moved (1)|1", "Elsewhere|2", "With video|2"}),
-            QueryRows(music.get(), "SELECT h.FileName, d.FileID FROM DownloadHistoryItem h "
-                                   "JOIN DownloadItem d ON d.ID = h.ID ORDER BY h.ID"));
+            QueryRows(music.get(),
+                      "SELECT h.FileName, d.FileID FROM DownloadHistoryItem h "
+                      "JOIN DownloadItem d ON d.ID = h.ID ORDER BY h.ID"));
   EXPECT_EQ((std::vector<std::string>{
                 "With video|D:\\Video\\The video.mkv|AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA3|180000|1",
                 "Gone one|||0|0"}),
-            QueryRows(lists.get(), "SELECT TitleName, MVFilePath, MVFileHash, MVFileDuration, "
-                                   "MusicFilePlayable FROM GeneralList_10 ORDER BY SortID"));
+            QueryRows(lists.get(),
+                      "SELECT TitleName, MVFilePath, MVFileHash, MVFileDuration, "
+                      "MusicFilePlayable FROM GeneralList_10 ORDER BY SortID"));
   EXPECT_EQ((std::vector<std::string>{"Moved|1", "Gone one|0"}),
-            QueryRows(music.get(), "SELECT TitleName, MusicFilePlayable FROM RecentlyPlayedItem "
-                                   "ORDER BY SongID"));
+            QueryRows(music.get(),
+                      "SELECT TitleName, MusicFilePlayable FROM RecentlyPlayedItem "
+                      "ORDER BY SongID"));
   EXPECT_EQ((std::vector<std::string>{"D:\\Music\\Moved.mp3"}),
             QueryRows(music.get(), "SELECT FilePath FROM LocalFiles"));
 
@@ -376,8 +385,9 @@ void LoseFreePages(const base::FilePath& path) {
     sql::Connection db;
     ASSERT_TRUE(db.Open(path));
     ASSERT_TRUE(db.Execute("CREATE TABLE Junk(x text)"));
-    ASSERT_TRUE(db.Execute("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
-                           "WHERE i < 2000) INSERT INTO Junk SELECT printf('%0400d', i) FROM n"));
+    ASSERT_TRUE(
+        db.Execute("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                   "WHERE i < 2000) INSERT INTO Junk SELECT printf('%0400d', i) FROM n"));
     ASSERT_TRUE(db.Execute("DROP TABLE Junk"));
   }
   std::string bytes = testing_support::ReadBytes(path);
@@ -405,8 +415,8 @@ TEST_F(V7DataExporterTest, RepairedAndUnrepairableSources) {
   {
     sql::Connection db;
     ASSERT_TRUE(db.Open(source));
-    sql::Statement root(db.GetUniqueStatement(
-        "SELECT rootpage FROM sqlite_master WHERE name = 'FileItems'"));
+    sql::Statement root(
+        db.GetUniqueStatement("SELECT rootpage FROM sqlite_master WHERE name = 'FileItems'"));
     ASSERT_TRUE(root.Step());
     int page = root.ColumnInt(0);
     db.Close();
@@ -447,10 +457,9 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
   {
     sql::Connection raw;
     ASSERT_TRUE(raw.Open(source));
-    for (const char* table :
-         {"FileItems", "PlayLists", "PlayListItems", "Downing", "DownHistory", "ShareFolders",
-          "FolderItems", "RadioListNJPlayedItems", "RadioList", "RadioListSongs",
-          "RadioListDislikeSongs"}) {
+    for (const char* table : {"FileItems", "PlayLists", "PlayListItems", "Downing", "DownHistory",
+                              "ShareFolders", "FolderItems", "RadioListNJPlayedItems", "RadioList",
+                              "RadioListSongs", "RadioListDislikeSongs"}) {
       ASSERT_TRUE(raw.Execute(("INSERT INTO " + std::string(table) + " DEFAULT VALUES").c_str()))
           << table;
     }

@@ -55,8 +55,8 @@ class V7SettingsImportTest : public testing::Test {
 // The settings step alone, as the exporter runs it after the table readers.
 class SettingsStep : public V7DataExporter {
  public:
-  using V7DataExporter::V7DataExporter;
   using V7DataExporter::MigrateSettings;
+  using V7DataExporter::V7DataExporter;
 };
 
 // The settings file adds one record and exactly one progress step; without

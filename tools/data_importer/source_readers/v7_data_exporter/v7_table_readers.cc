@@ -84,39 +84,41 @@ bool V7DataExporter::ReadMusicItems() {
 
   ReadProgressTicker ticker(this, CountRows(db, "FileItems"));
   RowQuery query{"select * from FileItems", "FileItems", L"FileItems", &ticker};
-  return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
-    auto file = std::make_shared<ShareFileItem>();
-    file->old_id = row.GetInt("FileItemID");
-    auto kind = kinds.find(file->old_id);
-    file->ShareFileType = kind == kinds.end() ? 0 : kind->second;
-    file->FileName = MarkUnlinked(row.GetString16("FileName"));
-    file->FileNamePure = MarkUnlinked(row.GetString16("Title"));
-    if (file->FileNamePure.empty())
-      file->FileNamePure = BaseNameWithoutExtension(file->FileName);
-    file->FileSize = row.GetInt("FileSize");
-    file->LastWriteTime = row.GetInt64("LastWriteTime");
-    file->Duration = row.GetInt("Duration");
-    file->BitRate = row.GetInt("BitRate");
-    file->MD5 = HashOrZero(row.GetString16("FileHash"));
-    file->FileHashUpdateTime = row.GetInt64("HashUpdateTime");
-    file->OwnerCount = row.GetInt("OwnerCount");
-    file->MpegOffset = row.GetInt("MPEGOffset");
-    file->MpegSize = row.GetInt("MPEGSize");
-    file->LyricFile = MarkUnlinked(row.GetString16("LyricFile"));
-    file->ReplayGain = row.GetDouble("ReplayGain");
-    file->CDNFlag = row.GetInt("CloudServer");
-    file->FileSource = MarkUnlinked(row.GetString16("FileSource"));
-    // The hash the online catalogue knows the file by.
-    file->MpegMD5 = HashOrZero(row.GetString16("InetHash"));
-    MusicEntry& entry = m_music_items[file->old_id];
-    entry.file = file;
-    entry.mv_id = row.GetInt("MVItemID");
-    entry.play_count = row.GetInt("PlayCount");
-    entry.start_time = row.GetInt64("StartTime");
-    tally.Made(file.get());
-    m_model->m_share_files.push_back(std::move(file));
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [&](DbRowReader& row, SourceTableTally& tally) {
+                    auto file = std::make_shared<ShareFileItem>();
+                    file->old_id = row.GetInt("FileItemID");
+                    auto kind = kinds.find(file->old_id);
+                    file->ShareFileType = kind == kinds.end() ? 0 : kind->second;
+                    file->FileName = MarkUnlinked(row.GetString16("FileName"));
+                    file->FileNamePure = MarkUnlinked(row.GetString16("Title"));
+                    if (file->FileNamePure.empty())
+                      file->FileNamePure = BaseNameWithoutExtension(file->FileName);
+                    file->FileSize = row.GetInt("FileSize");
+                    file->LastWriteTime = row.GetInt64("LastWriteTime");
+                    file->Duration = row.GetInt("Duration");
+                    file->BitRate = row.GetInt("BitRate");
+                    file->MD5 = HashOrZero(row.GetString16("FileHash"));
+                    file->FileHashUpdateTime = row.GetInt64("HashUpdateTime");
+                    file->OwnerCount = row.GetInt("OwnerCount");
+                    file->MpegOffset = row.GetInt("MPEGOffset");
+                    file->MpegSize = row.GetInt("MPEGSize");
+                    file->LyricFile = MarkUnlinked(row.GetString16("LyricFile"));
+                    file->ReplayGain = row.GetDouble("ReplayGain");
+                    file->CDNFlag = row.GetInt("CloudServer");
+                    file->FileSource = MarkUnlinked(row.GetString16("FileSource"));
+                    // The hash the online catalogue knows the file by.
+                    file->MpegMD5 = HashOrZero(row.GetString16("InetHash"));
+                    MusicEntry& entry = m_music_items[file->old_id];
+                    entry.file = file;
+                    entry.mv_id = row.GetInt("MVItemID");
+                    entry.play_count = row.GetInt("PlayCount");
+                    entry.start_time = row.GetInt64("StartTime");
+                    tally.Made(file.get());
+                    m_model->m_share_files.push_back(std::move(file));
+                    return true;
+                  })
+      .ok;
 }
 
 // An entry refers to its music item by "FileItemID"; entries of items that
@@ -229,8 +231,7 @@ void V7DataExporter::DropListsLeftOut() {
 
 bool V7DataExporter::ReadListItems(int list_id) {
   RowQuery query{
-      (boost::format("select * from PlayListItems where playListID = %d order by SortId") %
-       list_id)
+      (boost::format("select * from PlayListItems where playListID = %d order by SortId") % list_id)
           .str(),
       kListEntriesTable};
   SongList& songs = m_model->m_list_songs[list_id];
@@ -258,15 +259,17 @@ bool V7DataExporter::ReadType5ListItems() {
       "select * from PlayListItems where PlayListID in (select PlayListId from "
       "PlayLists where PlayListType=5) order by PlayListId, SortId",
       kRecentEntriesTable, L"RecentPlayListItems"};
-  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
-    if (auto song = MakeListEntry(row)) {
-      tally.Made(song.get());
-      m_model->m_recent_songs.push_back(std::move(song));
-      return true;
-    }
-    DropEntry(&tally, "RecentlyPlayedItem", row);
-    return false;
-  }).ok;
+  return ReadRows(query,
+                  [this](DbRowReader& row, SourceTableTally& tally) {
+                    if (auto song = MakeListEntry(row)) {
+                      tally.Made(song.get());
+                      m_model->m_recent_songs.push_back(std::move(song));
+                      return true;
+                    }
+                    DropEntry(&tally, "RecentlyPlayedItem", row);
+                    return false;
+                  })
+      .ok;
 }
 
 // "Downing": downloads not finished yet. "MusicID" is the music item's id.
@@ -274,27 +277,29 @@ bool V7DataExporter::ReadType5ListItems() {
 // name of "DestFileName" without extension.
 bool V7DataExporter::ReadUnfinishedDownloads() {
   RowQuery query{"select * from Downing", "Downing", L"DownFile"};
-  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
-    auto download = std::make_shared<DownloadRecord>();
-    download->file_id = row.GetInt("MusicID");
-    download->FileID = download->file_id;
-    download->DestFileName = row.GetString16("DestFileName");
-    download->FileName = row.GetString16("FileName");
-    if (download->FileName.empty())
-      download->FileName = BaseNameWithoutExtension(download->DestFileName);
-    download->FileSize = row.GetInt("FileSize");
-    download->MD5 = HashOrZero(row.GetString16("FileHash"));
-    download->Method = row.GetInt("Method");
-    download->StartTime = row.GetInt64("StartTime");
-    download->DownType = row.GetInt("DownType");
-    download->DestFileNameSaveAs = row.GetString16("DestFileNameEx");
-    download->TempFileName = row.GetString16("TempFileName");
-    download->Percent = row.GetInt("Percent");
-    download->DownFailed = row.GetInt("DownFailed") != 0;
-    tally.Made(download.get());
-    m_model->m_downloads.push_back(std::move(download));
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [this](DbRowReader& row, SourceTableTally& tally) {
+                    auto download = std::make_shared<DownloadRecord>();
+                    download->file_id = row.GetInt("MusicID");
+                    download->FileID = download->file_id;
+                    download->DestFileName = row.GetString16("DestFileName");
+                    download->FileName = row.GetString16("FileName");
+                    if (download->FileName.empty())
+                      download->FileName = BaseNameWithoutExtension(download->DestFileName);
+                    download->FileSize = row.GetInt("FileSize");
+                    download->MD5 = HashOrZero(row.GetString16("FileHash"));
+                    download->Method = row.GetInt("Method");
+                    download->StartTime = row.GetInt64("StartTime");
+                    download->DownType = row.GetInt("DownType");
+                    download->DestFileNameSaveAs = row.GetString16("DestFileNameEx");
+                    download->TempFileName = row.GetString16("TempFileName");
+                    download->Percent = row.GetInt("Percent");
+                    download->DownFailed = row.GetInt("DownFailed") != 0;
+                    tally.Made(download.get());
+                    m_model->m_downloads.push_back(std::move(download));
+                    return true;
+                  })
+      .ok;
 }
 
 // "DownHistory": finished downloads. The row supplies no file hash (the
@@ -323,42 +328,46 @@ bool V7DataExporter::ReadFinishedDownloads() {
     return found == map.end() ? 0 : found->second;
   };
   RowQuery query{"select * from DownHistory", "DownHistory", L"DownHistroy"};
-  return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
-    auto download = std::make_shared<DownloadRecord>();
-    download->DestFileName = row.GetString16("FileName");
-    download->FileName = BaseNameWithoutExtension(download->DestFileName);
-    download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
-    int file_id = find(file_by_path, download->DestFileName);
-    if (file_id == 0)
-      file_id = find(file_by_hash, download->RelevanceFileHash.text);
-    download->file_id = file_id;
-    download->FileID = file_id;
-    download->FileSize = row.GetInt("FileSize");
-    download->MD5 = kNoFileHash;
-    download->Method = row.GetInt("Method");
-    download->StartTime = row.GetInt64("StartTime");
-    download->CompleteTime = row.GetInt64("CompleteTime");
-    download->Percent = 100;
-    tally.Made(download.get());
-    m_model->m_downloads.push_back(std::move(download));
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [&](DbRowReader& row, SourceTableTally& tally) {
+                    auto download = std::make_shared<DownloadRecord>();
+                    download->DestFileName = row.GetString16("FileName");
+                    download->FileName = BaseNameWithoutExtension(download->DestFileName);
+                    download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
+                    int file_id = find(file_by_path, download->DestFileName);
+                    if (file_id == 0)
+                      file_id = find(file_by_hash, download->RelevanceFileHash.text);
+                    download->file_id = file_id;
+                    download->FileID = file_id;
+                    download->FileSize = row.GetInt("FileSize");
+                    download->MD5 = kNoFileHash;
+                    download->Method = row.GetInt("Method");
+                    download->StartTime = row.GetInt64("StartTime");
+                    download->CompleteTime = row.GetInt64("CompleteTime");
+                    download->Percent = 100;
+                    tally.Made(download.get());
+                    m_model->m_downloads.push_back(std::move(download));
+                    return true;
+                  })
+      .ok;
 }
 
 // "ShareFolders": the folders the library watches.
 bool V7DataExporter::ReadShareFolders() {
   RowQuery query{"select * from ShareFolders", "ShareFolders", L"ShareFolders"};
-  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
-    auto folder = std::make_shared<ShareFolderItem>();
-    folder->old_id = row.GetInt("ShareFolderID");
-    folder->Path = row.GetString16("FolderPath");
-    folder->LastModifyTime = row.GetInt64("LastModifyTime");
-    folder->AddType = row.GetInt("AddType");
-    m_share_folders.emplace(folder->old_id, folder);
-    tally.Made(folder.get());
-    m_model->m_share_folders.push_back(std::move(folder));
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [this](DbRowReader& row, SourceTableTally& tally) {
+                    auto folder = std::make_shared<ShareFolderItem>();
+                    folder->old_id = row.GetInt("ShareFolderID");
+                    folder->Path = row.GetString16("FolderPath");
+                    folder->LastModifyTime = row.GetInt64("LastModifyTime");
+                    folder->AddType = row.GetInt("AddType");
+                    m_share_folders.emplace(folder->old_id, folder);
+                    tally.Made(folder.get());
+                    m_model->m_share_folders.push_back(std::move(folder));
+                    return true;
+                  })
+      .ok;
 }
 
 // "FolderItems": the files found in the watched folders with their sort
@@ -373,38 +382,41 @@ bool V7DataExporter::ReadFolderItems() {
     return false;
   }
   RowQuery query{"select * from FolderItems", "FolderItems", L"FolderItems"};
-  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
-    auto music = m_music_items.find(row.GetInt("FileItemID"));
-    if (music == m_music_items.end()) {
-      tally.Dropped("LocalFiles", drop_reason::kFolderFileMissing, row.GetInt("FileItemID"),
-                    MusicItemName(row.GetInt("FileItemID")));
-      return false;
-    }
-    ShareFileItem& file = *music->second.file;
-    auto local = std::make_shared<LocalFileInfo>();
-    local->old_file_id = file.old_id;
-    local->old_folder_id = row.GetInt("ShareFolderID");
-    auto folder = m_share_folders.find(local->old_folder_id);
-    if (folder != m_share_folders.end())
-      local->FolderPath = folder->second->Path;
-    local->FilePath = file.FileName;
-    local->FileSize = file.FileSize;
-    local->LastWriteTime = file.LastWriteTime;
-    local->Artist = row.GetString16("Artist");
-    local->Album = row.GetString16("Album");
-    local->SimpLetterByArtist = row.GetString16("SimpLetterByArtist");
-    local->FullLetterByArtist = row.GetString16("FullLetterByArtist");
-    local->SimpLetterByTitle = row.GetString16("SimpLetterByTitle");
-    local->FullLetterByTitle = row.GetString16("FullLetterByTitle");
-    local->SimpTitle = row.GetString16("SimpTitle");
-    if (file.Artist.empty())
-      file.Artist = local->Artist;
-    if (file.Album.empty())
-      file.Album = local->Album;
-    tally.Made(local.get());
-    m_model->m_local_files.push_back(std::move(local));
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [this](DbRowReader& row, SourceTableTally& tally) {
+                    auto music = m_music_items.find(row.GetInt("FileItemID"));
+                    if (music == m_music_items.end()) {
+                      tally.Dropped("LocalFiles", drop_reason::kFolderFileMissing,
+                                    row.GetInt("FileItemID"),
+                                    MusicItemName(row.GetInt("FileItemID")));
+                      return false;
+                    }
+                    ShareFileItem& file = *music->second.file;
+                    auto local = std::make_shared<LocalFileInfo>();
+                    local->old_file_id = file.old_id;
+                    local->old_folder_id = row.GetInt("ShareFolderID");
+                    auto folder = m_share_folders.find(local->old_folder_id);
+                    if (folder != m_share_folders.end())
+                      local->FolderPath = folder->second->Path;
+                    local->FilePath = file.FileName;
+                    local->FileSize = file.FileSize;
+                    local->LastWriteTime = file.LastWriteTime;
+                    local->Artist = row.GetString16("Artist");
+                    local->Album = row.GetString16("Album");
+                    local->SimpLetterByArtist = row.GetString16("SimpLetterByArtist");
+                    local->FullLetterByArtist = row.GetString16("FullLetterByArtist");
+                    local->SimpLetterByTitle = row.GetString16("SimpLetterByTitle");
+                    local->FullLetterByTitle = row.GetString16("FullLetterByTitle");
+                    local->SimpTitle = row.GetString16("SimpTitle");
+                    if (file.Artist.empty())
+                      file.Artist = local->Artist;
+                    if (file.Album.empty())
+                      file.Album = local->Album;
+                    tally.Made(local.get());
+                    m_model->m_local_files.push_back(std::move(local));
+                    return true;
+                  })
+      .ok;
 }
 
 // "RadioListNJPlayedItems": hashes of the radio songs already played.
@@ -414,13 +426,15 @@ bool V7DataExporter::ReadPlayedRadioSongs() {
     return false;
   RowQuery query{"select * from RadioListNJPlayedItems", "RadioListNJPlayedItems",
                  L"RadioListNJPlayedItems"};
-  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
-    auto played = std::make_shared<PlayedRadioRecord>();
-    played->Hash = HashOrZero(row.GetString16("filehash"));
-    tally.Made(played.get());
-    m_model->m_played_radio.push_back(std::move(played));
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [this](DbRowReader& row, SourceTableTally& tally) {
+                    auto played = std::make_shared<PlayedRadioRecord>();
+                    played->Hash = HashOrZero(row.GetString16("filehash"));
+                    tally.Made(played.get());
+                    m_model->m_played_radio.push_back(std::move(played));
+                    return true;
+                  })
+      .ok;
 }
 
 // "RadioList": the channels. A channel's source row has no number of its
@@ -505,21 +519,23 @@ bool V7DataExporter::ReadRadioSongs(const std::string& fm_id, int fm_type, int c
                      .str(),
                  "RadioListSongs"};
   SongList& songs = m_model->m_radio_songs[channel_id];
-  return ReadRows(query, [&songs](DbRowReader& row, SourceTableTally& tally) {
-    auto song = std::make_shared<SongItem>();
-    song->SongID = static_cast<int>(songs.size()) + 1;
-    song->SortID = song->SongID;
-    song->MusicFileHash = HashOrZero(row.GetString16("filehash"));
-    song->MusicFileSize = row.GetInt("filesize");
-    song->MusicFileDuration = row.GetInt("filetime");
-    song->MusicFileBitrate = row.GetInt("filebitrate");
-    song->TitleName = row.GetString16("filename");
-    song->ServerFileID = row.GetInt("fileid");
-    song->ImageURL = row.GetString16("imgurl80");
-    tally.Made(song.get());
-    songs.push_back(std::move(song));
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [&songs](DbRowReader& row, SourceTableTally& tally) {
+                    auto song = std::make_shared<SongItem>();
+                    song->SongID = static_cast<int>(songs.size()) + 1;
+                    song->SortID = song->SongID;
+                    song->MusicFileHash = HashOrZero(row.GetString16("filehash"));
+                    song->MusicFileSize = row.GetInt("filesize");
+                    song->MusicFileDuration = row.GetInt("filetime");
+                    song->MusicFileBitrate = row.GetInt("filebitrate");
+                    song->TitleName = row.GetString16("filename");
+                    song->ServerFileID = row.GetInt("fileid");
+                    song->ImageURL = row.GetString16("imgurl80");
+                    tally.Made(song.get());
+                    songs.push_back(std::move(song));
+                    return true;
+                  })
+      .ok;
 }
 
 // "RadioListDislikeSongs": songs the user asked never to hear again;
@@ -530,14 +546,16 @@ bool V7DataExporter::ReadDislikedRadioSongs() {
     return false;
   RowQuery query{"select * from RadioListDislikeSongs", "RadioListDislikeSongs",
                  L"RadioListDislikeSongs"};
-  return ReadRows(query, [this](DbRowReader& row, SourceTableTally& tally) {
-    auto dislike = std::make_shared<DislikeRadioRecord>();
-    dislike->Hash = HashOrZero(row.GetString16("FileHash"));
-    dislike->DislikeType = row.GetInt("filetype");
-    tally.Made(dislike.get());
-    m_model->m_dislike_radio.push_back(std::move(dislike));
-    return true;
-  }).ok;
+  return ReadRows(query,
+                  [this](DbRowReader& row, SourceTableTally& tally) {
+                    auto dislike = std::make_shared<DislikeRadioRecord>();
+                    dislike->Hash = HashOrZero(row.GetString16("FileHash"));
+                    dislike->DislikeType = row.GetInt("filetype");
+                    tally.Made(dislike.get());
+                    m_model->m_dislike_radio.push_back(std::move(dislike));
+                    return true;
+                  })
+      .ok;
 }
 
 }  // namespace data_importer

@@ -31,8 +31,8 @@ int64_t ParseV7TimeText(std::string_view text) {
   }
 
   int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-  int fields = std::sscanf(terminated.c_str(), pattern, &year, &month, &day, &hour, &minute,
-                           &second);
+  int fields =
+      std::sscanf(terminated.c_str(), pattern, &year, &month, &day, &hour, &minute, &second);
   if (fields < 3)
     return 0;
   // tm_year counts from 1900; a year near INT_MIN would overflow it.

@@ -58,9 +58,9 @@ TEST(V7TimeTextTest, PatternsAndOpenCases) {
       {"2024-03-15 10:11:12", k20240315 + k101112},
       {"2024-3-5 1:2:3", k20240315 - 10 * kDay + 3723},
       {"2024/03/15 10:11:12", k20240315 + k101112},
-      {"20240315 101112", k20240315 + k101112},   // exactly 15, no separator
+      {"20240315 101112", k20240315 + k101112},               // exactly 15, no separator
       {"2024-03-15 10:11", k20240315 + 10 * 3600 + 11 * 60},  // missing second reads 0
-      {"2024-03/15 10:11:12", 0},                  // "-" wins: "/" stops the scan early
+      {"2024-03/15 10:11:12", 0},                             // "-" wins: "/" stops the scan early
       // Short forms (1 to 10 characters).
       {"2024-03-15", k20240315},
       {"2024/3/15", k20240315},
@@ -68,13 +68,13 @@ TEST(V7TimeTextTest, PatternsAndOpenCases) {
       {"2024-02-30", k20240315 - 14 * kDay},  // normalised like mktime does: March 1st
       // Nothing to take.
       {"", 0},
-      {"2024-03-15 10:11:12.5", 0},     // 21 characters
-      {"202403151011", 0},              // 12 characters, no separator, not 15
-      {"20240315 1011125", 0},          // 16 characters
+      {"2024-03-15 10:11:12.5", 0},  // 21 characters
+      {"202403151011", 0},           // 12 characters, no separator, not 15
+      {"20240315 1011125", 0},       // 16 characters
       {"yesterday", 0},
       {"2024-", 0},
-      {"-2147483648-1-1 0:0:0", 0},     // 21 characters
-      {"-2147483648-1-1", 0},           // year far out of range
+      {"-2147483648-1-1 0:0:0", 0},  // 21 characters
+      {"-2147483648-1-1", 0},        // year far out of range
   };
   for (const Case& c : cases)
     EXPECT_EQ(c.expected, ParseV7TimeText(c.text)) << '"' << c.text << '"';

@@ -34,7 +34,8 @@ class ReimportSampleTest : public testing::Test {
   base::FilePath Data(const wchar_t* name) const { return m_profile.data_folder().Append(name); }
 
   // The values of |column| in row order, NULL told apart from text.
-  static std::vector<std::string> Column(sql::Connection* db, const std::string& table,
+  static std::vector<std::string> Column(sql::Connection* db,
+                                         const std::string& table,
                                          const std::string& column) {
     return QueryRows(db, "SELECT quote(" + column + ") FROM \"" + table + "\" ORDER BY rowid");
   }
@@ -52,25 +53,27 @@ TEST_F(ReimportSampleTest, DownloadsAreNeitherDoubledNorMoved) {
   EXPECT_EQ(L"", m_profile.DBCheck(L"ImportState"));
   EXPECT_EQ((std::vector<std::string>{"11|0|100|1500000011", "12|0|100|1500000012",
                                       "13|20|100|1500000013", "14|0|40|1500000014"}),
-            QueryRows(&m_music, "SELECT DownloadID, DownType, Percent, AccessTime FROM "
-                               "DownloadItem ORDER BY ID"));
+            QueryRows(&m_music,
+                      "SELECT DownloadID, DownType, Percent, AccessTime FROM "
+                      "DownloadItem ORDER BY ID"));
   EXPECT_EQ((std::vector<std::string>{"11|0|1600000011", "12|0|1600000012", "13|20|1600000013",
                                       "15|1|1500000015", "16|0|1500000016"}),
-            QueryRows(&m_music, "SELECT DownloadID, DownType, AccessTime FROM "
-                               "DownloadHistoryItem ORDER BY ID"));
+            QueryRows(&m_music,
+                      "SELECT DownloadID, DownType, AccessTime FROM "
+                      "DownloadHistoryItem ORDER BY ID"));
   EXPECT_EQ(std::vector<std::string>{"4"},
-            QueryRows(&m_music, "SELECT count(*) FROM DownloadItem d JOIN ShareFileItems f ON "
-                               "f.id = d.FileID AND f.FileName = d.DestFileName"));
+            QueryRows(&m_music,
+                      "SELECT count(*) FROM DownloadItem d JOIN ShareFileItems f ON "
+                      "f.id = d.FileID AND f.FileName = d.DestFileName"));
 }
 
 // Folder paths Windows takes for a library folder name that folder; one
 // that names none is kept and counted.
 TEST_F(ReimportSampleTest, LocalFilesKeepTheirFolder) {
-  EXPECT_EQ((std::vector<std::string>{"D:\\Music\\Song 1.mp3|D:\\Music",
-                                      "D:\\Music\\Song 2.mp3|D:\\Music",
-                                      "D:\\Music\\Song 3.mp3|D:\\Music",
-                                      "E:\\Downloads\\Fresh.mp3|E:\\Downloads",
-                                      "F:\\Elsewhere\\Old.mp3|F:\\Elsewhere"}),
+  EXPECT_EQ((std::vector<std::string>{
+                "D:\\Music\\Song 1.mp3|D:\\Music", "D:\\Music\\Song 2.mp3|D:\\Music",
+                "D:\\Music\\Song 3.mp3|D:\\Music", "E:\\Downloads\\Fresh.mp3|E:\\Downloads",
+                "F:\\Elsewhere\\Old.mp3|F:\\Elsewhere"}),
             QueryRows(&m_music, "SELECT FilePath, FolderPath FROM LocalFiles ORDER BY FilePath"));
   base::Value report = ReadImportReport(m_profile.data_folder());
   EXPECT_EQ(1, report["kept_unlinked"]["local_file_folder_not_in_library"]);
@@ -95,9 +98,11 @@ TEST_F(ReimportSampleTest, CloudListsMoveToThePlaylistFile) {
   EXPECT_FALSE(m_music.DoesTableExist("CloudList_Sync"));
 
   base::Value report = ReadImportReport(m_profile.data_folder());
-  for (const auto& [table, rows] : std::vector<std::pair<std::string, int64_t>>{
-           {"CloudListTable", 2}, {"NewCloudList_3", 4}, {"CloudOperation", 3},
-           {"CloudAccompanimentItemSet", 2}}) {
+  for (const auto& [table, rows] :
+       std::vector<std::pair<std::string, int64_t>>{{"CloudListTable", 2},
+                                                    {"NewCloudList_3", 4},
+                                                    {"CloudOperation", 3},
+                                                    {"CloudAccompanimentItemSet", 2}}) {
     SCOPED_TRACE(table);
     const base::Value* source = FindEntry(report["source_tables"], "table", table);
     ASSERT_TRUE(source);
@@ -143,11 +148,16 @@ TEST_F(ReimportSampleTest, EveryTableIsCounted) {
 // row for row; the sample has NULLs in each.
 TEST_F(ReimportSampleTest, NullComesBackAsNull) {
   const std::vector<std::pair<std::string, std::string>> music_columns = {
-      {"ShareFileItems", "MD5"},           {"ShareFileItems", "MpegMD5"},
-      {"DownloadItem", "MD5"},             {"DownloadItem", "RelevanceFileHash"},
-      {"DownloadHistoryItem", "MD5"},      {"DownloadHistoryItem", "RelevanceFileHash"},
-      {"RecentlyPlayedItem", "MusicFileHash"}, {"RecentlyPlayedItem", "MVFileHash"},
-      {"DislikeRadioItem", "Hash"},        {"PlayedNJRadioItem", "Hash"},
+      {"ShareFileItems", "MD5"},
+      {"ShareFileItems", "MpegMD5"},
+      {"DownloadItem", "MD5"},
+      {"DownloadItem", "RelevanceFileHash"},
+      {"DownloadHistoryItem", "MD5"},
+      {"DownloadHistoryItem", "RelevanceFileHash"},
+      {"RecentlyPlayedItem", "MusicFileHash"},
+      {"RecentlyPlayedItem", "MVFileHash"},
+      {"DislikeRadioItem", "Hash"},
+      {"PlayedNJRadioItem", "Hash"},
       {"AppTools", "Path"}};
   for (const auto& [table, column] : music_columns) {
     SCOPED_TRACE(table + "." + column);

@@ -42,10 +42,10 @@ class RoundTripTest : public testing::TestWithParam<uint32_t> {
     ASSERT_TRUE(base::CreateDirectory(First(L"")));
     for (const wchar_t* name : {L"VTMusicV3.db", L"playlistV3.db"})
       ASSERT_TRUE(base::ReplaceFile(Data(name), First(name)));
-    ASSERT_TRUE(ExportPlainDatabase(First(L"VTMusicV3.db"), kVersion3DatabaseKey,
-                                    Data(L"VTMusic.db")));
-    ASSERT_TRUE(ExportPlainDatabase(First(L"playlistV3.db"), kVersion3DatabaseKey,
-                                    Data(L"vantu.db")));
+    ASSERT_TRUE(
+        ExportPlainDatabase(First(L"VTMusicV3.db"), kVersion3DatabaseKey, Data(L"VTMusic.db")));
+    ASSERT_TRUE(
+        ExportPlainDatabase(First(L"playlistV3.db"), kVersion3DatabaseKey, Data(L"vantu.db")));
     ASSERT_TRUE(base::DeleteFile(m_profile.ini()));
   }
 

@@ -58,7 +58,8 @@ bool V8DataExporter::PrepareWorkCopy(const wchar_t* original, const base::FilePa
   base::FilePath source = m_context.m_data_folder.Append(original);
   // A copy left by an interrupted run is complete (files are copied under
   // a temporary name first) and is read again.
-  WorkCopy copy = ObtainWorkCopy(work_copy, [&source] { return source; }, original);
+  WorkCopy copy = ObtainWorkCopy(
+      work_copy, [&source] { return source; }, original);
   switch (copy) {
     case WorkCopy::kReused:
       V8LOG(logging::LOG_PROGRESS) << L"Work copy {" << work_copy.value() << L"} read again.";

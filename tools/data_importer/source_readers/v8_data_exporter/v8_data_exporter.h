@@ -18,7 +18,6 @@ namespace data_importer {
 
 class DbRowReader;
 
-
 // The tag that starts every log line of this reader, and the macro that
 // writes such a line at |level|.
 inline constexpr wchar_t kV8LogTag[] = L"[V8数据导入] ";
@@ -96,10 +95,13 @@ class V8DataExporter : public DataExporter {
   // Every row of |table|, in row order, into a new record of |list| through
   // |columns|; |finish| completes each record from the row.
   template <typename Record, typename Finish>
-  bool ReadTable(const std::string& table, const ColumnList<Record>& columns,
-                 RecordList<Record>* list, Finish finish);
+  bool ReadTable(const std::string& table,
+                 const ColumnList<Record>& columns,
+                 RecordList<Record>* list,
+                 Finish finish);
   template <typename Record>
-  bool ReadTable(const std::string& table, const ColumnList<Record>& columns,
+  bool ReadTable(const std::string& table,
+                 const ColumnList<Record>& columns,
                  RecordList<Record>* list);
   bool ReadShareFileItems();
   bool ReadShareFolders();

@@ -189,8 +189,8 @@ TEST_F(V8DataExporterTest, ProgressMovesWhileReading) {
       "CREATE TABLE GeneralList_1(SongID integer PRIMARY KEY, MusicFilePath text)",
       "CREATE TABLE GeneralList_2(SongID integer PRIMARY KEY, MusicFilePath text)"};
   for (int song = 1; song <= 20; ++song)
-    lists.push_back("INSERT INTO GeneralList_" + std::to_string(song % 2 + 1) +
-                    " VALUES (" + std::to_string(song) + ", 'C:\\s.mp3')");
+    lists.push_back("INSERT INTO GeneralList_" + std::to_string(song % 2 + 1) + " VALUES (" +
+                    std::to_string(song) + ", 'C:\\s.mp3')");
   MakeDatabase(Data(L"VANTU.db"), lists);
   m_record.SetProgress(10);
   {
@@ -262,11 +262,13 @@ TEST_F(V8DataExporterTest, DownloadsAndFoldersComeBackAsTheyWere) {
   EXPECT_EQ(L"4", m_profile.DBCheck(L"ImportEnd"));
   sql::Connection built;
   ASSERT_TRUE(built.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
-  EXPECT_EQ((std::vector<std::string>{"5|1|111", "6|2|0"}),
-            QueryRows(&built, "SELECT DownloadID, FileID, AccessTime FROM DownloadItem ORDER BY ID"));
+  EXPECT_EQ(
+      (std::vector<std::string>{"5|1|111", "6|2|0"}),
+      QueryRows(&built, "SELECT DownloadID, FileID, AccessTime FROM DownloadItem ORDER BY ID"));
   EXPECT_EQ((std::vector<std::string>{"5|0|222", "7|1|0", "8|0|0"}),
-            QueryRows(&built, "SELECT DownloadID, DownType, AccessTime FROM DownloadHistoryItem "
-                              "ORDER BY ID"));
+            QueryRows(&built,
+                      "SELECT DownloadID, DownType, AccessTime FROM DownloadHistoryItem "
+                      "ORDER BY ID"));
   EXPECT_EQ((std::vector<std::string>{"D:\\Music\\a.mp3|D:\\Music", "D:\\Music\\b.mp3|D:\\Music",
                                       "E:\\c.mp3|E:\\Elsewhere"}),
             QueryRows(&built, "SELECT FilePath, FolderPath FROM LocalFiles ORDER BY FilePath"));
@@ -292,8 +294,7 @@ TEST_F(V8DataExporterTest, CloudListsAreCarried) {
        "INSERT INTO CloudListTable VALUES (3, 'Mine'), (0, 'Zero')",
        "CREATE TABLE NewCloudList_3(SongID integer, TitleName text)",
        "INSERT INTO NewCloudList_3 VALUES (1, 'It''s one'), (2, 'two')",
-       "CREATE TABLE NewCloudList_0(SongID integer)",
-       "INSERT INTO NewCloudList_0 VALUES (1)",
+       "CREATE TABLE NewCloudList_0(SongID integer)", "INSERT INTO NewCloudList_0 VALUES (1)",
        "CREATE TABLE CloudOperation(ID integer)", "INSERT INTO CloudOperation VALUES (1), (2)",
        "CREATE TABLE CloudAccompanimentItemSet(ID integer)",
        "INSERT INTO CloudAccompanimentItemSet VALUES (7)",
@@ -316,7 +317,8 @@ TEST_F(V8DataExporterTest, CloudListsAreCarried) {
             QueryRows(&lists, "SELECT SongID, TitleName FROM NewCloudList_3 ORDER BY SongID"));
   EXPECT_FALSE(lists.DoesTableExist("NewCloudList_0"));
   EXPECT_FALSE(lists.DoesTableExist("CloudList_Sync"));
-  EXPECT_EQ(std::vector<std::string>{"2"}, QueryRows(&lists, "SELECT count(*) FROM CloudOperation"));
+  EXPECT_EQ(std::vector<std::string>{"2"},
+            QueryRows(&lists, "SELECT count(*) FROM CloudOperation"));
   EXPECT_EQ(std::vector<std::string>{"7"},
             QueryRows(&lists, "SELECT ID FROM CloudAccompanimentItemSet"));
   sql::Connection music;
@@ -328,11 +330,12 @@ TEST_F(V8DataExporterTest, CloudListsAreCarried) {
 // stays as it was, damage included.
 TEST_F(V8DataExporterTest, RepairableLibraryImportedEndToEnd) {
   std::vector<std::string> statements = {
-      "CREATE TABLE ShareFileItems(id integer PRIMARY KEY, FileName text, MD5 char(32))",
-      "BEGIN"};
+      "CREATE TABLE ShareFileItems(id integer PRIMARY KEY, FileName text, MD5 char(32))", "BEGIN"};
   for (int i = 1; i <= 3000; ++i) {
-    statements.push_back("INSERT INTO ShareFileItems(FileName) VALUES ('D:\\Music\\a fairly long "
-                         "file name number " + std::to_string(i) + ".mp3')");
+    statements.push_back(
+        "INSERT INTO ShareFileItems(FileName) VALUES ('D:\\Music\\a fairly long "
+        "file name number " +
+        std::to_string(i) + ".mp3')");
   }
   statements.push_back("COMMIT");
   statements.push_back("DELETE FROM ShareFileItems WHERE id > 2000");
@@ -353,7 +356,8 @@ TEST_F(V8DataExporterTest, RepairableLibraryImportedEndToEnd) {
   EXPECT_EQ(L"1:1", m_profile.DBCheck(L"ImportPlayLists"));  // the deleted file's entry is gone
   sql::Connection built;
   ASSERT_TRUE(built.OpenWithKey(Data(L"VTMusicV3.db"), kVersion3DatabaseKey));
-  EXPECT_EQ(std::vector<std::string>{"2000"}, QueryRows(&built, "SELECT count(*) FROM ShareFileItems"));
+  EXPECT_EQ(std::vector<std::string>{"2000"},
+            QueryRows(&built, "SELECT count(*) FROM ShareFileItems"));
   EXPECT_EQ(music, ReadBytes(Data(L"VTMusic.db")));
   EXPECT_EQ(lists, ReadBytes(Data(L"vantu.db")));
   // The dated backup holds the originals under their own names.

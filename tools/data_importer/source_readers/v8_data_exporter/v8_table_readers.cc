@@ -37,8 +37,7 @@ bool ParseTableId(const std::string& name, const char* prefix, int32_t* id) {
   }
   rest.remove_prefix(length);
   auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), *id);
-  return error == std::errc() && end == rest.data() + rest.size() &&
-         std::to_string(*id) == rest;
+  return error == std::errc() && end == rest.data() + rest.size() && std::to_string(*id) == rest;
 }
 
 // A file's key for the path and hash lookups; the first file with a key
@@ -63,7 +62,8 @@ int V8DataExporter::Find(const std::unordered_map<std::wstring, int>& map,
   return found == map.end() ? 0 : found->second;
 }
 
-int V8DataExporter::FindFile(const FileLookup& files, const std::wstring& path,
+int V8DataExporter::FindFile(const FileLookup& files,
+                             const std::wstring& path,
                              const NullableText& hash) {
   if (int id = Find(files.by_path_and_hash, PathAndHash(path, hash)))
     return id;
@@ -88,25 +88,29 @@ std::optional<std::string> V8DataExporter::TableQuery(const std::string& table) 
 }
 
 template <typename Record, typename Finish>
-bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record>& columns,
-                               RecordList<Record>* list, Finish finish) {
+bool V8DataExporter::ReadTable(const std::string& table,
+                               const ColumnList<Record>& columns,
+                               RecordList<Record>* list,
+                               Finish finish) {
   std::optional<std::string> select = TableQuery(table);
   if (!select)
     return true;  // an absent table is no failure
   RowQuery query{*select, table, base::UTF8ToWide(table)};
-  return ReadRows(query, [&](DbRowReader& row, SourceTableTally& tally) {
-           auto record = std::make_shared<Record>();
-           ReadColumns(&row, columns, record.get());
-           finish(&row, record.get());
-           tally.Made(record.get());
-           list->push_back(record);
-           return true;
-         })
+  return ReadRows(query,
+                  [&](DbRowReader& row, SourceTableTally& tally) {
+                    auto record = std::make_shared<Record>();
+                    ReadColumns(&row, columns, record.get());
+                    finish(&row, record.get());
+                    tally.Made(record.get());
+                    list->push_back(record);
+                    return true;
+                  })
       .ok;
 }
 
 template <typename Record>
-bool V8DataExporter::ReadTable(const std::string& table, const ColumnList<Record>& columns,
+bool V8DataExporter::ReadTable(const std::string& table,
+                               const ColumnList<Record>& columns,
                                RecordList<Record>* list) {
   return ReadTable(table, columns, list, [](DbRowReader*, Record*) {});
 }
@@ -143,8 +147,7 @@ bool V8DataExporter::ReadMusicDatabase() {
       [&] { return ReadDownloads(); },
       [&] { return ReadTable("UserLoginHistory", LoginColumns(), &model.m_login_history); },
       [&] {
-        return ReadTable("KeywordSearchHistory", SearchKeywordColumns(),
-                         &model.m_search_keywords);
+        return ReadTable("KeywordSearchHistory", SearchKeywordColumns(), &model.m_search_keywords);
       },
       [&] { return ReadSongTables("RadioChannel_", &model.m_radio_songs); },
   };
@@ -216,14 +219,13 @@ bool V8DataExporter::ReadShareFileItems() {
 bool V8DataExporter::ReadShareFolders() {
   int next_id = 1;
   std::set<int> ids;
-  bool ok = ReadTable("ShareFolders", ShareFolderColumns(), &m_model->m_share_folders,
-                      [&](DbRowReader* row, ShareFolderItem* folder) {
-                        folder->old_id =
-                            row->GetColumnIndex("id") >= 0 ? row->GetInt("id") : next_id++;
-                        Remember(&m_folder_by_path, base::WindowsPathKey(folder->Path),
-                                 folder->old_id);
-                        ids.insert(folder->old_id);
-                      });
+  bool ok =
+      ReadTable("ShareFolders", ShareFolderColumns(), &m_model->m_share_folders,
+                [&](DbRowReader* row, ShareFolderItem* folder) {
+                  folder->old_id = row->GetColumnIndex("id") >= 0 ? row->GetInt("id") : next_id++;
+                  Remember(&m_folder_by_path, base::WindowsPathKey(folder->Path), folder->old_id);
+                  ids.insert(folder->old_id);
+                });
   // An id below every folder's stands for "no folder" (0 unless taken).
   m_no_folder_id = ids.empty() || *ids.begin() > 0 ? 0 : *ids.begin() - 1;
   return ok;
@@ -251,7 +253,8 @@ bool V8DataExporter::ReadLocalFiles() {
 }
 
 // A song-table row's files are found in the library read before.
-bool V8DataExporter::ReadSongTable(const std::string& table, SongList* songs,
+bool V8DataExporter::ReadSongTable(const std::string& table,
+                                   SongList* songs,
                                    ReadProgressTicker* ticker) {
   return ReadTable(table, SongColumns(), songs, [&](DbRowReader* row, SongItem* song) {
     song->SongID = row->GetInt("SongID");

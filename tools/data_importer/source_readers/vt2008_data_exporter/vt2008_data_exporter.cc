@@ -11,7 +11,8 @@ VT2008DataExporter::VT2008DataExporter(const RunContext& context, ImportModel* m
 VT2008DataExporter::~VT2008DataExporter() = default;
 
 ExportResult VT2008DataExporter::ExportData() {
-  VLOG_AT(logging::LOG_FAILURE) << L"[VT2008数据导入] The 2008 edition is detected but not imported.";
+  VLOG_AT(logging::LOG_FAILURE)
+      << L"[VT2008数据导入] The 2008 edition is detected but not imported.";
   ReportState(ProgressRecord::kStateNotStarted);
   return ExportResult::kNothingExported;
 }
