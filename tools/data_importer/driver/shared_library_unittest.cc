@@ -33,10 +33,14 @@ TEST(SharedLibraryTest, LoadedAtRunTimeItImports) {
   entry();
   EXPECT_TRUE(FreeLibrary(library));
 #else
-  void* library = dlopen(VANTU_IMPORTER_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  // Kept loaded after dlclose: the library's function-local statics (a
+  // locale, a table) live for the process, as they do in the player, and a
+  // leak checker would report them once the library was unmapped.
+  void* library = dlopen(VANTU_IMPORTER_LIBRARY, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   ASSERT_NE(nullptr, library) << dlerror();
-  // The core's own functions stay inside the library.
-  EXPECT_EQ(nullptr, dlsym(library, "_Z15RunDataImporterRK10RunContext"));
+  // The core's own functions stay inside the library (the name is that of
+  // data_importer::RunDataImporter(const RunContext&), which the host links).
+  EXPECT_EQ(nullptr, dlsym(library, "_ZN13data_importer15RunDataImporterERKNS_10RunContextE"));
   auto entry = reinterpret_cast<void (*)()>(dlsym(library, "DataImporterMain"));
   ASSERT_NE(nullptr, entry);
   entry();
