@@ -140,6 +140,31 @@ bool ReadHiveKey(const FilePath& file,
   return ReadStrings(opened.get(), values);
 }
 
+bool ReadHiveDword(const FilePath& file,
+                   const std::wstring& subkey,
+                   const std::wstring& name,
+                   uint32_t* value) {
+  HiveCopy copy(file);
+  if (copy.path().empty())
+    return false;
+  ScopedKey root = LoadHive(copy.path(), nullptr);
+  if (!root)
+    return false;
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(root.get(), subkey.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
+    return false;
+  ScopedKey opened(key);
+  DWORD type = 0;
+  DWORD data = 0;
+  DWORD size = sizeof(data);
+  if (RegQueryValueExW(opened.get(), name.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&data),
+                       &size) != ERROR_SUCCESS ||
+      type != REG_DWORD || size != sizeof(data))
+    return false;
+  *value = data;
+  return true;
+}
+
 bool ReadCurrentUserKey(const std::wstring& subkey, RegistryStrings* values) {
   values->clear();
   HKEY key = nullptr;

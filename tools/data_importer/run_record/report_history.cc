@@ -76,7 +76,11 @@ std::vector<HistoryEntry> ListHistory(const base::FilePath& folder) {
 std::string UtcTimeStamp(double seconds) {
   time_t t = static_cast<time_t>(seconds);
   struct tm utc = {};
+#if defined(_WIN32)
+  gmtime_s(&utc, &t);
+#else
   gmtime_r(&t, &utc);
+#endif
   char buffer[32];
   if (strftime(buffer, sizeof(buffer), "%Y%m%dT%H%M%SZ", &utc) != kStampLength)
     return "19700101T000000Z";
