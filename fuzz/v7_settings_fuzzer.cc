@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "base/environment.h"
 #include "base/file_util.h"
 #include "fuzz/fuzz_scratch.h"
 #include "tools/data_importer/settings/v7_settings_migration.h"
@@ -17,7 +18,7 @@ base::FilePath g_folder;
 }
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  setenv("VANTU_LOG_LEVEL", "5", 1);
+  (void)base::SetEnvironmentString("VANTU_LOG_LEVEL", L"5");  // fails only without memory
   g_folder = FuzzScratchPath("vantu-v7-settings-fuzz");
   if (!base::CreateDirectory(g_folder))
     std::abort();

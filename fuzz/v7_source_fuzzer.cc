@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "base/environment.h"
 #include "base/file_util.h"
 #include "fuzz/fuzz_scratch.h"
 #include "tools/data_importer/environment/run_context.h"
@@ -23,7 +24,7 @@ RunContext g_context;
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  setenv("VANTU_LOG_LEVEL", "5", 1);
+  (void)base::SetEnvironmentString("VANTU_LOG_LEVEL", L"5");  // fails only without memory
   g_root = FuzzScratchPath("vantu-v7-fuzz");
   SetLocalAppData(g_root.Append(L"local"), &g_context);
   g_context.m_roaming_app_data = g_root.Append(L"roaming");
