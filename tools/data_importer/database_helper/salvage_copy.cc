@@ -7,9 +7,11 @@
 #include <cctype>
 #include <limits>
 #include <optional>
+#include <set>
 #include <string_view>
 
 #include "base/file_util.h"
+#include "tools/data_importer/database_helper/index_witness.h"
 #include "sql/connection.h"
 #include "sql/statement.h"
 
@@ -23,6 +25,16 @@ namespace data_importer {
 // damage is met once, here, table by table. The SQLite inside the page
 // encryption library we build on has no recovery extension, so the walk
 // past a damaged page is done with row-id ranges.
+//
+// Which rows were lost is told by the damaged file's indexes: an index
+// entry names a row that existed when the old player last wrote the file,
+// and a row the old player deleted has no entry. The indexes are read by
+// our own page reader (index_witness.h), never by the engine, which is not
+// safe on a damaged index page. An index entry is itself only as sound as
+// its page, so its row counts as lost only when it is not in the copy and
+// either the index is proven (read without a damaged page, and it lists
+// every row the copy holds, so no entry of it was damaged into another id)
+// or the row id lies in a range the walk of the table had to skip.
 
 namespace {
 
@@ -61,16 +73,17 @@ struct SchemaEntry {
   std::string name;
   std::string table;
   std::string sql;
+  int64_t root_page = 0;
 };
 
 // As much of the damaged file's schema as can be read.
 std::vector<SchemaEntry> ReadSchema(sql::Connection* db) {
   std::vector<SchemaEntry> entries;
   sql::Statement schema(db->GetUniqueStatement(
-      "SELECT type, name, tbl_name, sql FROM damaged.sqlite_master ORDER BY rowid"));
+      "SELECT type, name, tbl_name, sql, rootpage FROM damaged.sqlite_master ORDER BY rowid"));
   while (schema.Step()) {
     entries.push_back({schema.ColumnString(0), schema.ColumnString(1), schema.ColumnString(2),
-                       schema.ColumnString(3)});
+                       schema.ColumnString(3), schema.ColumnInt64(4)});
   }
   return entries;
 }
@@ -110,7 +123,11 @@ class TableSalvage {
     m_target = "main." + Quoted(name);
   }
 
-  SalvagedTable Run(bool without_rowid) {
+  // |indexes| are the root pages of the table's indexes in the damaged
+  // file, whose bytes are |file|.
+  SalvagedTable Run(bool without_rowid,
+                    const std::vector<int64_t>& indexes,
+                    std::string_view file) {
     SalvagedTable result;
     result.name = m_name;
     if (!ReadColumns()) {
@@ -125,11 +142,13 @@ class TableSalvage {
     } else if (!m_db->Execute((Insert() + " ORDER BY " + m_rowid).c_str())) {
       result.complete = false;
       Walk();
-      // The indexes of a damaged file are not read for the rows they name:
-      // the engine we build on crashed walking a damaged index page
-      // (found by fuzzing), so only the table's own pages are walked.
     }
     m_budget->Arm(false);
+    // A table copied whole may still have lost rows without an error: a
+    // page of another part of the table in place of one of its own hands
+    // back rows twice and hides the rows it replaced.
+    if (!without_rowid && !m_rowid.empty())
+      result.lost_rowids = RowsIndexesName(indexes, file);
     sql::Statement count(m_db->GetUniqueStatement(("SELECT COUNT(*) FROM " + m_target).c_str()));
     result.rows_copied = count.Step() ? count.ColumnInt64(0) : 0;
     m_budget->Arm(true);
@@ -170,6 +189,44 @@ class TableSalvage {
            " >= " + std::to_string(from) + " ORDER BY " + m_rowid;
   }
 
+  // The row ids the copy holds, in order.
+  std::vector<int64_t> CopiedRowIds() {
+    std::vector<int64_t> ids;
+    sql::Statement rows(m_db->GetUniqueStatement(
+        ("SELECT " + m_rowid + " FROM " + m_target + " ORDER BY " + m_rowid).c_str()));
+    while (rows.Step())
+      ids.push_back(rows.ColumnInt64(0));
+    return ids;
+  }
+
+  bool InSkippedRange(int64_t id) const {
+    return std::any_of(m_skipped.begin(), m_skipped.end(),
+                       [id](const auto& range) { return range.first <= id && id <= range.second; });
+  }
+
+  // Rows the indexes at |roots| name that the copy does not hold, in
+  // row-id order: those of an index that is proven (read without a damaged
+  // page and naming every copied row), else only those in a skipped range.
+  std::vector<int64_t> RowsIndexesName(const std::vector<int64_t>& roots, std::string_view file) {
+    if (roots.empty() || file.empty())
+      return {};
+    const std::vector<int64_t> copied = CopiedRowIds();
+    std::set<int64_t> lost;
+    for (int64_t root : roots) {
+      if (root <= 0 || root > std::numeric_limits<uint32_t>::max())
+        continue;
+      IndexRowIds index = ReadIndexRowIds(file, static_cast<uint32_t>(root));
+      std::sort(index.rowids.begin(), index.rowids.end());
+      const bool proven = index.complete && std::includes(index.rowids.begin(), index.rowids.end(),
+                                                          copied.begin(), copied.end());
+      for (int64_t id : index.rowids) {
+        if (!std::binary_search(copied.begin(), copied.end(), id) && (proven || InSkippedRange(id)))
+          lost.insert(id);
+      }
+    }
+    return std::vector<int64_t>(lost.begin(), lost.end());
+  }
+
   enum class Probe { kRow, kEnd, kDamaged };
   // Whether a walk starting at row id |from| reads its first row.
   Probe ProbeFrom(int64_t from) {
@@ -179,8 +236,23 @@ class TableSalvage {
     return probe.Succeeded() ? Probe::kEnd : Probe::kDamaged;
   }
 
-  // The rows of the table in row-id order, past every damaged part.
+  // The rows of the table in row-id order, past every damaged part. Each
+  // range of row ids the walk had to skip is kept in m_skipped.
   void Walk() {
+    WalkRanges();
+    if (m_skip_from)
+      m_skipped.emplace_back(*m_skip_from, kMaxRowId);
+  }
+
+  // A row |id| was read: it closes the range skipped before it, if any.
+  void RowRead(int64_t id) {
+    if (m_skip_from && id > *m_skip_from)
+      m_skipped.emplace_back(*m_skip_from, id - 1);
+    m_skip_from.reset();
+    m_read_max = m_read_max ? std::max(*m_read_max, id) : id;
+  }
+
+  void WalkRanges() {
     bool first = true;
     int64_t from = kMinRowId;
     for (int part = 0; part < kMaxDamagedParts && !m_budget->Spent(); ++part) {
@@ -193,6 +265,7 @@ class TableSalvage {
       // Damage can hand back row ids out of order; the walk goes on past
       // the largest one read, so it always moves forward.
       while (walk.Step()) {
+        RowRead(walk.ColumnInt64(0));
         last = std::max(last, walk.ColumnInt64(0));
         ++rows;
       }
@@ -210,6 +283,12 @@ class TableSalvage {
       }
       if (ended || last == kMaxRowId)
         return;
+      // Rows after the last one read are skipped until the next one read.
+      if (!m_skip_from) {
+        if (m_read_max == kMaxRowId)
+          return;
+        m_skip_from = m_read_max ? *m_read_max + 1 : kMinRowId;
+      }
       // The walk stopped at damage after |last| (or at |from| itself when
       // it read nothing): find the first row id past it that reads again.
       // A walk that could not even begin looks from row id 1 upward, where
@@ -269,6 +348,11 @@ class TableSalvage {
   std::string m_target;
   std::string m_columns;
   std::string m_rowid;
+  // Inclusive ranges of row ids the walk skipped, and the start of the
+  // range it is skipping now.
+  std::vector<std::pair<int64_t, int64_t>> m_skipped;
+  std::optional<int64_t> m_skip_from;
+  std::optional<int64_t> m_read_max;
 };
 
 }  // namespace
@@ -278,10 +362,11 @@ class TableSalvage {
 // end. Padded with empty pages to the size it claims, every page it still
 // holds can be read again. Answers the padded copy's path beside |fresh|,
 // or |damaged| itself when it needs no padding or cannot be padded.
+// |bytes| are the damaged file's.
 static base::FilePath PaddedWhenTruncated(const base::FilePath& damaged,
+                                          std::string bytes,
                                           const base::FilePath& fresh) {
-  std::string bytes;
-  if (!base::ReadFileToString(damaged, &bytes) || bytes.size() < 100)
+  if (bytes.size() < 100)
     return damaged;
   auto byte = [&bytes](size_t at) { return static_cast<unsigned char>(bytes[at]); };
   uint64_t page_size = (byte(16) << 8) | byte(17);
@@ -297,7 +382,10 @@ static base::FilePath PaddedWhenTruncated(const base::FilePath& damaged,
   return base::WriteFile(padded, bytes) ? padded : damaged;
 }
 
-static SalvageResult SalvageReadable(const base::FilePath& damaged, const base::FilePath& fresh) {
+// |bytes| are the damaged file's, where its indexes are read.
+static SalvageResult SalvageReadable(const base::FilePath& damaged,
+                                     std::string_view bytes,
+                                     const base::FilePath& fresh) {
   SalvageResult result;
   sql::Connection db;
   if (!db.Open(fresh) || !db.AttachDatabase(damaged, kDamaged))
@@ -314,9 +402,15 @@ static SalvageResult SalvageReadable(const base::FilePath& damaged, const base::
       result.tables.push_back({entry.name, 0, {}, false});
       continue;
     }
+    std::vector<int64_t> indexes;
+    for (const SchemaEntry& index : schema) {
+      if (index.type == "index" && EqualsIgnoringCase(index.table, entry.name))
+        indexes.push_back(index.root_page);
+    }
     TableSalvage table(&db, entry.name, &budget);
     budget.Arm(true);
-    result.tables.push_back(table.Run(ContainsIgnoringCase(entry.sql, "without rowid")));
+    result.tables.push_back(
+        table.Run(ContainsIgnoringCase(entry.sql, "without rowid"), indexes, bytes));
     budget.Arm(false);
   }
   // The indexes are built anew from the copied rows; one that the rows no
@@ -335,8 +429,13 @@ SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& f
   SalvageResult result;
   if (!base::PathExists(damaged) || !base::DeleteFile(fresh))
     return result;
-  const base::FilePath readable = PaddedWhenTruncated(damaged, fresh);
-  result = SalvageReadable(readable, fresh);
+  // Without its bytes the file is still salvaged; only its lost rows are
+  // not named then.
+  std::string bytes;
+  if (!base::ReadFileToString(damaged, &bytes))
+    bytes.clear();
+  const base::FilePath readable = PaddedWhenTruncated(damaged, bytes, fresh);
+  result = SalvageReadable(readable, bytes, fresh);
   if (readable != damaged && !base::DeleteFile(readable))
     result.ok = false;  // a work file left behind: the caller must not trust the copy
   return result;

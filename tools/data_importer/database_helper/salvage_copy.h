@@ -13,11 +13,11 @@ namespace data_importer {
 struct SalvagedTable {
   std::string name;
   int64_t rows_copied = 0;
-  // Row ids known to be lost. None are found today: the only witness, an
-  // index of the damaged table, is not read (see SalvageCopy).
+  // Row ids known to be lost, in order: rows an index of the damaged file
+  // names that the copy does not hold (see SalvageCopy).
   std::vector<int64_t> lost_rowids;
   // False when the walk met a damaged part of the table: rows there are
-  // lost without a trace.
+  // lost, by id where an index names them.
   bool complete = true;
 
   bool lost_rows() const { return !complete || !lost_rowids.empty(); }
@@ -40,10 +40,15 @@ struct SalvageResult {
 // walk then looks for the first row id past the damage from which a seek
 // reads again (doubling the distance, then halving back to the boundary) and
 // goes on from there. So a damaged page costs the rows it holds, not the
-// rest of the table. Only table pages are walked: the engine crashed
-// reading a damaged index page, so the damaged file's indexes are never
-// read (the copy's are built anew from its rows). Triggers and views are not copied: a copy made to
-// be read needs neither, and a trigger would fire on every copied row.
+// rest of the table. The damaged file's indexes are never read by the
+// engine, which is not safe on a damaged index page; the copy's indexes are
+// built anew from its rows. The rows the damaged file's indexes name that
+// the copy lacks are the rows known lost: an index is read by our own page
+// reader, and its entries count only where they can be trusted (a proven
+// index, or the row-id ranges the walk skipped), so a row the old player
+// deleted is never called lost. Triggers and views are not copied: a copy
+// made to be read needs neither, and a trigger would fire on every copied
+// row.
 [[nodiscard]] SalvageResult SalvageCopy(const base::FilePath& damaged, const base::FilePath& fresh);
 
 }  // namespace data_importer

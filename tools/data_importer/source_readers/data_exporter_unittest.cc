@@ -94,9 +94,9 @@ TEST(DataExporterTest, WorkCopyReusedCopiedOrMissing) {
 }
 
 // A source no compaction repairs is read from its salvage copy: the rows
-// past the damaged page come through ReadRows, the report lists the table
-// as salvaged and incomplete, and the copy goes with the exporter. A query
-// that cannot be prepared fails its reader.
+// past the damaged page come through ReadRows, the rows the index names but
+// the table lost are counted as read and dropped (by id), and the copy goes
+// with the exporter. A query that cannot be prepared fails its reader.
 TEST(DataExporterTest, SalvagedSourceIsReadAndItsLossesCounted) {
   testing_support::ScopedTempDir dir;
   base::FilePath work = dir.path().Append(L"work.db");
@@ -138,9 +138,12 @@ TEST(DataExporterTest, SalvagedSourceIsReadAndItsLossesCounted) {
     ASSERT_NE(nullptr, salvaged);
     EXPECT_EQ(static_cast<int64_t>(rows.read), (*salvaged)["rows_salvaged"]);
     EXPECT_EQ(false, (*salvaged)["complete"]);
+    EXPECT_EQ(2000 - static_cast<int64_t>(rows.read), (*salvaged)["rows_known_lost"]);
     const base::Value* table = FindEntry(report["source_tables"], "table", "T");
     ASSERT_NE(nullptr, table);
-    EXPECT_EQ(static_cast<int64_t>(rows.read), (*table)["rows_read"]);
+    EXPECT_EQ(2000, (*table)["rows_read"]);  // the lost rows are counted too
+    EXPECT_EQ(2000 - static_cast<int64_t>(rows.read),
+              exporter.Report()->DropCount(drop_reason::kSourceRowsUnreadable));
   }
   EXPECT_FALSE(base::PathExists(salvage));
   EXPECT_EQ(bytes, testing_support::ReadBytes(work));
