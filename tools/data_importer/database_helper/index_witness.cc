@@ -105,7 +105,8 @@ class IndexReader {
 
  private:
   bool ReadHeader() {
-    if (m_file.size() < kFileHeader || m_file.substr(0, 16) != std::string_view("SQLite format 3\0", 16))
+    if (m_file.size() < kFileHeader ||
+        m_file.substr(0, 16) != std::string_view("SQLite format 3\0", 16))
       return false;
     m_page_size = BigEndian(m_file, 16, 2);
     if (m_page_size == 1)
