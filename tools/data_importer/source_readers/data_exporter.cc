@@ -79,7 +79,8 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
     const base::FilePath& work_copy,
     const std::function<base::FilePath()>& find_source,
     const std::wstring& backup_name,
-    const std::string& layout) {
+    const std::string& layout,
+    bool intermediate) {
   // A work copy of an earlier run is read again only while it still
   // reflects its source: the user may have put a good backup in place of a
   // damaged file since, or the old player may have written more. So the
@@ -143,7 +144,8 @@ DataExporter::WorkCopy DataExporter::ObtainWorkCopy(
   // Both copies are only for safekeeping and inspection: the export goes on
   // without them, CopyWithLog has logged the failure.
   (void)CopyWithLog(work_copy, GetDatedBackupFolder(m_context).Append(backup_name));
-  (void)CopyWithLog(work_copy, m_context.m_data_folder.Append(L"DataImporter.db"));
+  if (intermediate)
+    (void)CopyWithLog(work_copy, m_context.m_data_folder.Append(L"DataImporter.db"));
   return result;
 }
 

@@ -89,15 +89,17 @@ class DataExporter {
   // source is copied again, with its journal. An empty or missing source
   // and no copy ends with kNoSource, a failed copy with kCopyFailed
   // (nothing more is copied then). In the two good cases the work copy is
-  // then copied into the dated backup folder as |backup_name| and to the
-  // intermediate copy "DataImporter.db" of the data folder; failures of
-  // these two copies are logged and do not change the answer. The import
+  // then copied into the dated backup folder as |backup_name| and, with
+  // |intermediate|, to the intermediate copy "DataImporter.db" of the data
+  // folder; failures of these two copies are logged and do not change the
+  // answer. The import
   // report records the source under |layout| (reused, copied, or unreadable
   // when the copy failed) and why the copy was reused or made.
   [[nodiscard]] WorkCopy ObtainWorkCopy(const base::FilePath& work_copy,
                                         const std::function<base::FilePath()>& find_source,
                                         const std::wstring& backup_name,
-                                        const std::string& layout = std::string());
+                                        const std::string& layout = std::string(),
+                                        bool intermediate = true);
 
   // Opens |path| into a fresh m_db with the integrity check and one repair
   // (DatabaseHelper::OpenAndCheck). A file that stays unsound is not given

@@ -1,5 +1,6 @@
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <exception>
 #include <filesystem>
@@ -176,13 +177,6 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
     V6LOG(logging::LOG_PROGRESS) << L"V6BakDB files exists, backup file count {" << copies.size()
                                  << L"}.";
     logging::OutputDebugStringW(L"v6bak DBv2 exist!!!");
-    base::FilePath backup = GetDatedBackupFolder(m_context);
-    // Copy failures are logged by CopyWithLog and do not stop the export.
-    for (const base::FilePath& copy : copies) {
-      Report()->AddSource(copy, copy, "V2", ImportReport::kReusedCopy);
-      (void)CopyWithLog(copy, backup.Append(copy.BaseName().value()));
-    }
-    return true;
   }
   base::FilePath program = LocateInstallation();
   std::vector<base::FilePath> sources;
@@ -195,20 +189,30 @@ bool V6DataExporter::CopyV2DatabasesUnguarded() {
       ReportState(LibraryFileBits(entry));
     }
   }
-  if (sources.empty()) {
+  if (sources.empty() && copies.empty()) {
     V6LOG(logging::LOG_FAILURE) << L"V6DB files do not exists.";
     logging::OutputDebugStringW(L"v6 DBv2 is not exist!!!");
     return false;
   }
-  base::FilePath backup = GetDatedBackupFolder(m_context);
-  for (const base::FilePath& source : sources) {
-    std::wstring name = source.BaseName().value();
-    bool copied = CopyDatabaseWithLog(source, work.Append(name));  // logged there
-    if (!copied)
-      ReportState(LibraryFileBits(source));
-    Report()->AddSource(source, work.Append(name), "V2",
-                        copied ? ImportReport::kCopied : ImportReport::kUnreadable);
-    (void)CopyWithLog(source, backup.Append(name));  // the backup only: logged
+  // Copies an earlier run left are read again only while they reflect their
+  // source files, as the "V1" copy is (ObtainWorkCopy): a library file the
+  // old player changed since, or a good backup the user put in place of a
+  // damaged one, is copied again; a copy whose source is gone is kept. A
+  // library file without a copy yet is copied.
+  std::vector<std::wstring> names;
+  for (const auto* list : {&copies, &sources}) {
+    for (const base::FilePath& file : *list) {
+      std::wstring name = file.BaseName().value();
+      if (std::find(names.begin(), names.end(), name) == names.end())
+        names.push_back(name);
+    }
+  }
+  for (const std::wstring& name : names) {
+    base::FilePath source = program.empty() ? base::FilePath() : program.Append(name);
+    WorkCopy copy = ObtainWorkCopy(
+        work.Append(name), [&source] { return source; }, name, "V2", /*intermediate=*/false);
+    if (copy == WorkCopy::kCopyFailed)
+      ReportState(LibraryFileBits(source));  // logged by the copy
   }
   return true;
 }
@@ -272,30 +276,6 @@ ExportResult V6DataExporter::ReadV2Layout() {
   }
 
   bool any_read = false;
-  // The downloads live in the first library file only.
-  for (const base::FilePath& library : libraries) {
-    if (library.BaseName().value() != L"VTLibrary.db")
-      continue;
-    V6LOG(logging::LOG_PROGRESS) << L"Loading {VTLibrary.db}.";
-    if (base::PathExists(library)) {
-      if (OpenSourceWithRepair(library)) {
-        if (!ReadUnfinishedDownloads(true))
-          ReportState(ProgressRecord::kStateTableFailed);
-        TableRead();
-        if (!ReadFinishedDownloads())
-          ReportState(ProgressRecord::kStateTableFailed);
-        TableRead();
-        // The file's other tables are read again below; its losses are
-        // reported there.
-      } else {
-        V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
-        ReportState(ProgressRecord::kStateTableFailed);
-      }
-    } else {
-      V6LOG(logging::LOG_FAILURE) << L"File {" << library.value() << L"} not found.";
-    }
-  }
-
   for (const base::FilePath& library : libraries) {
     int number = 0;
     std::swscanf(library.BaseName().value().c_str(), L"VTLibrary%d.db", &number);
@@ -304,12 +284,25 @@ ExportResult V6DataExporter::ReadV2Layout() {
       ReportState(ProgressRecord::kStateNotStarted);
       continue;
     }
-    // An unsound file leaves m_db closed: both readers then fail and report
-    // their bits.
+    // An unsound file leaves m_db closed: every reader then fails and
+    // reports its bits. Each file is opened (and, when damaged, salvaged)
+    // once: the downloads, which live in "VTLibrary.db" only, are read from
+    // it before its music items.
+    const bool downloads = library.BaseName().value() == L"VTLibrary.db";
+    if (downloads)
+      V6LOG(logging::LOG_PROGRESS) << L"Loading {VTLibrary.db}.";
     if (OpenSourceWithRepair(library) && !NothingSalvaged())
       any_read = true;
     else
       V6LOG(logging::LOG_FAILURE) << L"Database {" << library.value() << L"} does not open.";
+    if (downloads) {
+      if (!ReadUnfinishedDownloads(true))
+        ReportState(ProgressRecord::kStateTableFailed);
+      TableRead();
+      if (!ReadFinishedDownloads())
+        ReportState(ProgressRecord::kStateTableFailed);
+      TableRead();
+    }
     if (!ReadMusicItemsV2(number))
       ReportState(ProgressRecord::kStateMusicFailed);
     TableRead();

@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
+#include <tuple>
 #include <string>
 
 #include "base/file_util.h"
+#include "base/json_file.h"
 #include "base/utf_string_conversions.h"
 #include "sql/connection.h"
 #include "testing/fixtures/generation6_fixture.h"
@@ -437,6 +440,81 @@ TEST_F(V6DataExporterTest, UnreadableLibraryFilesAreReported) {
   EXPECT_EQ(L"23", m_profile.DBCheck(L"ImportState"));               // 16 + 4 + 2, and 1
   EXPECT_NE(std::string::npos, Log().find("VTLibrary.db} does not open."));
   EXPECT_NE(std::wstring::npos, model.report()->failure().find(L"start again"));
+}
+
+// The "V2" copies an earlier run left are read again only while their
+// source files are unchanged: a library file changed since is copied again
+// and its new rows come across, an unchanged one is reused. A damaged
+// "VTLibrary.db" is salvaged once, though both its downloads and its
+// library are read from it.
+TEST_F(V6DataExporterTest, V2CopiesFollowTheirSourcesAndAreSalvagedOnce) {
+  V6V2Library first;
+  first.lists = {{1, 3, L"", 0, 0}};
+  for (int i = 1; i <= 300; ++i) {
+    first.items.push_back({i, 1, L"E:\\Music\\A long folder name to fill the pages",
+                           L"song " + std::to_wstring(i) + L".mp3", L"Song", Hash(i)});
+  }
+  first.downloads = {{0, Hash(1), L"E:\\Music\\a.mp3", true}};
+  ASSERT_TRUE(first.Write(program().Append(L"VTLibrary.db")));
+  V6V2Library second;
+  second.lists = {{5, 10, L"Second", 0, 0}};
+  second.items = {{1, 5, L"F:\\", L"c.mp3", L"C", Hash(1000)}};
+  ASSERT_TRUE(second.Write(program().Append(L"VTLibrary2.db")));
+  Register();
+  auto run = [this](const char* when) {
+    ProgressRecord record;
+    record.Initialise(TestDataFolder());
+    ImportModel model(&record);
+    const RunContext run_context = TestRunContext();
+    V6DataExporter exporter(run_context, &model);
+    EXPECT_EQ(ExportResult::kExported, exporter.ExportData()) << when;
+    // Why each work copy was made or reused, by its name.
+    std::map<std::string, std::string> why;
+    const base::Value report = model.report()->ToJson();
+    for (const base::Value& source : report["sources"]) {
+      const std::string path = source["read_from"].get<std::string>();
+      why[path.substr(path.rfind('/') + 1)] = source["work_copy"].get<std::string>();
+    }
+    return std::make_pair(model.m_share_files.size(), why);
+  };
+  const std::string copy1 = "VTLibrary.db";
+  const std::string copy2 = "VTLibrary2.db";
+
+  auto [songs, why] = run("first run");
+  EXPECT_EQ(301u, songs);
+  EXPECT_EQ("copied", why[copy2]);
+
+  std::tie(songs, why) = run("unchanged");
+  EXPECT_EQ(301u, songs);
+  EXPECT_EQ("reused: the source is unchanged since the copy", why[copy1]);
+  EXPECT_EQ("reused: the source is unchanged since the copy", why[copy2]);
+
+  second.items.push_back({2, 5, L"F:\\", L"d.mp3", L"D", Hash(1001)});
+  ASSERT_TRUE(second.Write(program().Append(L"VTLibrary2.db")));
+  std::tie(songs, why) = run("changed");
+  EXPECT_EQ(302u, songs);
+  EXPECT_EQ("reused: the source is unchanged since the copy", why[copy1]);
+  EXPECT_EQ("copied again: the source changed since the copy", why[copy2]);
+
+  // A leaf of "PlayListItems" in the middle of the file zeroed.
+  std::string bytes = testing_support::ReadBytes(program().Append(L"VTLibrary.db"));
+  const size_t page = bytes.size() / 4096 / 2;
+  bytes.replace(page * 4096, 4096, 4096, '\0');
+  testing_support::WriteBytes(program().Append(L"VTLibrary.db"), bytes);
+  auto salvages = [this] {
+    std::string log = Log();
+    size_t count = 0;
+    for (size_t at = log.find("Salvaged {PlayListItems}"); at != std::string::npos;
+         at = log.find("Salvaged {PlayListItems}", at + 1))
+      ++count;
+    return count;
+  };
+  const size_t before = salvages();
+  std::tie(songs, why) = run("damaged");
+  EXPECT_EQ("copied again: the source changed since the copy", why[copy1]);
+  EXPECT_GT(songs, 250u);
+  EXPECT_LT(songs, 302u);
+  EXPECT_EQ(before + 1, salvages());
 }
 
 }  // namespace
