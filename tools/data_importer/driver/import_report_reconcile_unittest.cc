@@ -19,6 +19,7 @@
 #include "tools/data_importer/data_importer_main.h"
 #include "tools/data_importer/run_record/import_report.h"
 #include "testing/importer_test_util.h"
+#include "testing/test_support.h"
 #include "tools/data_importer/run_record/progress_record.h"
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -162,6 +163,56 @@ TEST_F(ImportReportReconcileTest, Generation7EveryRowAccountedFor) {
   EXPECT_EQ(1, (*recent)["dropped_by_reason"]["list_entry_song_missing"]);
   EXPECT_EQ(CountQuery(&src, expected.at("PlayListItems (recently played)")) - 1,
             (*recent)["written"]);
+}
+
+// A damaged generation-7 library whose index on the songs survives: the
+// songs on the damaged page are counted as read and dropped by id
+// ("source_rows_unreadable"), never one the old player deleted, and the
+// report still adds up.
+TEST_F(ImportReportReconcileTest, Generation7LostSongsCountedByIdFromTheirIndex) {
+  V7SampleSize size;
+  size.songs = 600;
+  ASSERT_TRUE(WriteSampleV7Installation(m_profile.roaming(), size));
+  base::FilePath source = Generation7Folder(m_profile.roaming()).Append(L"VTData.db");
+  std::set<int64_t> live;
+  std::string name;
+  {
+    sql::Connection db;
+    ASSERT_TRUE(db.Open(source));
+    ASSERT_TRUE(
+        db.Execute("DELETE FROM FileItems WHERE FileItemID % 13 = 0;"
+                   "CREATE INDEX FileItemsByHash ON FileItems(FileHash);"));
+    sql::Statement ids(db.GetUniqueStatement("SELECT FileItemID FROM FileItems"));
+    while (ids.Step())
+      live.insert(ids.ColumnInt64(0));
+    name = FirstText(&db, "SELECT FileName FROM FileItems WHERE FileItemID = 300");
+  }
+  // The page of the song table that holds song 300, zeroed.
+  std::string bytes = testing_support::ReadBytes(source);
+  const size_t at = bytes.find(name);
+  ASSERT_FALSE(name.empty());
+  ASSERT_NE(std::string::npos, at);
+  bytes.replace(at / 4096 * 4096, 4096, 4096, '\0');
+  testing_support::WriteBytes(source, bytes);
+
+  DataImporterMain();
+  base::Value report = ReadReport();
+  ASSERT_TRUE(report.is_object());
+  const base::Value* salvaged = FindEntry(report["salvage"], "table", "FileItems");
+  ASSERT_NE(nullptr, salvaged);
+  const int64_t lost = (*salvaged)["rows_known_lost"].get<int64_t>();
+  EXPECT_LT(0, lost);
+  EXPECT_EQ(static_cast<int64_t>(live.size()), (*salvaged)["rows_salvaged"].get<int64_t>() + lost);
+  EXPECT_EQ(static_cast<int64_t>(live.size()), SourceTables(report)["FileItems"].first);
+  EXPECT_EQ(lost, Dropped(report, "source_rows_unreadable"));
+  const base::Value* drop = FindEntry(report["dropped"], "reason", "source_rows_unreadable");
+  ASSERT_NE(nullptr, drop);
+  ASSERT_FALSE((*drop)["examples"].empty());
+  for (const base::Value& example : (*drop)["examples"]) {
+    EXPECT_EQ("FileItems", example["table"]);
+    EXPECT_EQ(1u, live.count(example["old_id"].get<int64_t>())) << example.dump();
+  }
+  ExpectReportReconciles(report, m_profile.data_folder());
 }
 
 // Plain databases an earlier release left: a list entry and a download whose
