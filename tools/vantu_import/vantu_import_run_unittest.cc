@@ -13,6 +13,7 @@
 #include "base/json_file.h"
 #include "base/md5.h"
 #include "sql/connection.h"
+#include "sql/statement.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/program_runner.h"
@@ -334,6 +335,31 @@ TEST_F(HostRunTest, SettingsCountedAsReadFromTheSource) {
       << m_output;
   EXPECT_NE(std::string::npos, m_output.find(" and 2 settings")) << m_output;
   EXPECT_NE(std::string::npos, m_output.find("Settings: 2 read from the source; ")) << m_output;
+}
+
+// A user named in Chinese: every path of the run holds characters that no
+// Western code page has, and names beyond the basic plane come through
+// into the encrypted library and back.
+TEST_F(HostRunTest, ProfileUnderAChineseUserName) {
+  const base::FilePath user = root().Append(L"Users").Append(L"\u5f20\u4f1f");
+  ASSERT_TRUE(base::CreateDirectory(user.Append(L"AppData").Append(L"Local")));
+  V7SampleSize size;
+  size.songs = 40;
+  ASSERT_TRUE(WriteSampleV7Installation(user.Append(L"AppData").Append(L"Roaming"), size));
+  EXPECT_EQ(0, Run("--quiet --profile " + testing_support::QuoteArgument(user))) << m_output;
+
+  const base::FilePath data = user.Append(L"AppData").Append(L"Local").Append(L"VanTu8");
+  sql::Connection music;
+  ASSERT_TRUE(music.OpenWithKey(data.Append(importer_names::kMusicDatabaseV3),
+                                L"3C5A0F1E9D2B47A6B8E1C4D7F0A29B63"))
+      << m_output;
+  sql::Statement count(music.GetUniqueStatement(
+      "SELECT count(*) FROM LocalFiles WHERE Artist = '\xF0\x9D\x84\x9E Ensemble'"));
+  ASSERT_TRUE(count.Step());
+  EXPECT_EQ(size.songs / 5, count.ColumnInt(0));
+  EXPECT_EQ(
+      0u,
+      testing_support::ReadBytes(data.Append(importer_names::kSettingsFileName)).find("\xFF\xFE"));
 }
 
 // Ctrl-C stops the run at once with exit status 130, says in which state it
