@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include "base/code_page.h"
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"

@@ -20,6 +20,12 @@
 namespace base {
 
 bool IsTextUnicode(const void* buffer, int length, int* flags) {
+  // The system reads through a null buffer; nothing is no text.
+  if (!buffer || length < 2) {
+    if (flags)
+      *flags = 0;
+    return false;
+  }
   return ::IsTextUnicode(buffer, length, flags) != FALSE;
 }
 

@@ -56,7 +56,7 @@ function(vantu_discover_tests)
   if(A_PLAYER_PATH)
     list(JOIN A_PLAYER_PATH ":" player_path)
     gtest_discover_tests(${A_TARGET} ${common} TEST_FILTER "${player_path}"
-                         PROPERTIES LABELS "end-to-end;player-path" RUN_SERIAL TRUE TIMEOUT 600)
+                         PROPERTIES LABELS player-path RUN_SERIAL TRUE TIMEOUT 600)
     set(others ":${player_path}")
   endif()
   if(NOT A_END_TO_END)

@@ -245,8 +245,9 @@ TEST_F(WindowsProfileTest, SourceFolderSwitchWithAWindowsPath) {
   library.items = {{1, 3, L"E:\\Music", L"a.mp3", L"A", std::wstring(32, L'B')}};
   library.downloads = {{0, std::wstring(32, L'B'), L"E:\\Down\\a.mp3", true}};
   ASSERT_TRUE(library.Write(drive_e.Append(L"Old Player").Append(L"VTLibrary.db")));
-  EXPECT_EQ(0, Run("--profile " + testing_support::QuoteArgument(m_profile) + " --drive E=" +
-                   testing_support::QuoteArgument(drive_e) + " '--i=E:\\Old Player'"))
+  EXPECT_EQ(0, Run("--profile " + testing_support::QuoteArgument(m_profile) +
+                   " --drive E=" + testing_support::QuoteArgument(drive_e) + " " +
+                   testing_support::QuoteArgument(std::string("--i=E:\\Old Player"))))
       << m_output;
   EXPECT_TRUE(Imported()) << m_output;
 }
