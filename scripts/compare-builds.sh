@@ -4,7 +4,9 @@
 # host and with the Windows host under Wine, then compares what each wrote:
 # both target databases, every table, row and column (the sqlcipher tool's
 # dump with the importer's key), the "Settings" section of Vantu.ini value by
-# value, and the settings file's encoding mark.
+# value, and the settings file's encoding mark. Then each build runs the
+# upgrade of the version-3 databases on the other build's profile: each
+# engine opens the other's encrypted files with the key.
 #
 #   scripts/compare-builds.sh [linux build folder] [windows build folder]
 #
@@ -84,7 +86,21 @@ for demo in 6 7 v1 v2; do
     status=1
   fi
   # The kept demo profiles (the data folder's grandparent's parent).
-  rm -rf "$(dirname "$(dirname "$(dirname "$linux_folder")")")" \
-         "$(dirname "$(dirname "$(dirname "$windows_folder")")")"
+  linux_profile=$(dirname "$(dirname "$(dirname "$linux_folder")")")
+  windows_profile=$(dirname "$(dirname "$(dirname "$windows_folder")")")
+  crossed=$("$wine" "$windows" --profile "$(winepath -w "$linux_profile")" </dev/null 2>&1 |
+            tr -d '\r') || true
+  if ! grep -q '^Ran the upgrade' <<<"$crossed"; then
+    echo "demo $demo: the Windows build could not upgrade the Linux build's files:" >&2
+    printf '%s\n' "$crossed" >&2
+    status=1
+  fi
+  crossed=$("$linux" --profile "$windows_profile" </dev/null 2>&1) || true
+  if ! grep -q '^Ran the upgrade' <<<"$crossed"; then
+    echo "demo $demo: the Linux build could not upgrade the Windows build's files:" >&2
+    printf '%s\n' "$crossed" >&2
+    status=1
+  fi
+  rm -rf "$linux_profile" "$windows_profile"
 done
 exit $status
