@@ -16,6 +16,8 @@
 #include "testing/fixtures/generation7_fixture.h"
 #include "testing/test_support.h"
 #include "tools/data_importer/data_importer_main.h"
+#include "tools/data_importer/environment/installation_lookup.h"
+#include "tools/data_importer/environment/run_context.h"
 
 namespace data_importer {
 
@@ -79,7 +81,9 @@ TEST_F(PlayerPathTest, Generation7FromTheShellsRoamingFolder) {
   EXPECT_EQ(0u, testing_support::ReadBytes(data_folder().Append(L"Vantu.ini")).find("\xFF\xFE"));
 }
 
-// Generation 6 is found through the program path in the user's registry.
+// Generation 6 is found through the program path in the user's registry;
+// a copied profile without a registry file of its own reads none, not that
+// of the user who runs the copy.
 TEST_F(PlayerPathTest, Generation6NamedInTheUsersRegistry) {
   ASSERT_TRUE(WriteSampleV6Installation(m_program.path(), 5));
   HKEY key = nullptr;
@@ -91,6 +95,12 @@ TEST_F(PlayerPathTest, Generation6NamedInTheUsersRegistry) {
                      static_cast<DWORD>((program.size() + 1) * sizeof(wchar_t)));
   RegCloseKey(key);
   ASSERT_EQ(ERROR_SUCCESS, status);
+  RunContext copied;
+  copied.m_own_registry = false;
+  EXPECT_FALSE(LookUpRegistryPath(copied, L"Software\\VanTa6", L"AppFileName").value_found);
+  RunContext own;
+  EXPECT_EQ(program, LookUpRegistryPath(own, L"Software\\VanTa6", L"AppFileName").text);
+
   DataImporterMain();
   EXPECT_EQ(L"4", DBCheck(L"ImportEnd"));
   EXPECT_TRUE(base::PathExists(data_folder().Append(L"VTMusicV3.db")));
