@@ -1,6 +1,8 @@
 #include "base/text_encoding.h"
 
+#include <climits>
 #include <cstdint>
+#include <cstring>
 
 namespace base {
 
@@ -21,6 +23,10 @@ bool IsControlUnit(uint16_t unit) {
 
 bool IsReverseControlUnit(uint16_t unit) {
   return unit == 0x0D00 || unit == 0x0A00 || unit == 0x0900 || unit == 0x2000;
+}
+
+bool IsContinuation(unsigned char byte) {
+  return byte >= 0x80 && byte <= 0xBF;
 }
 
 }  // namespace
@@ -95,6 +101,77 @@ bool IsTextUnicode(const void* buffer, int length, int* flags) {
   if (found & kNotAsciiMask)
     return true;
   return (found & kUnicodeMask) != 0;
+}
+
+// Follows the recorded conversion, which Windows' own tests confirm for every
+// kind of bad sequence inside the text. A sequence cut short by the end of the
+// input becomes one U+FFFD and takes the rest of the input with it; that part
+// was recorded only on the reference implementation.
+std::u16string DecodeUTF8AsWindows(const char* input, int length) {
+  std::u16string out;
+  if (!input || length == 0)
+    return out;
+  const auto* bytes = reinterpret_cast<const unsigned char*>(input);
+  size_t size = length < 0 ? std::strlen(input) + 1 : static_cast<size_t>(length);
+  out.reserve(size);
+  size_t i = 0;
+  while (i < size) {
+    const unsigned char lead = bytes[i];
+    if (lead < 0x80) {
+      out.push_back(lead);
+      ++i;
+      continue;
+    }
+    size_t needed;
+    uint32_t value;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+      needed = 2;
+      value = lead & 0x1F;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+      needed = 3;
+      value = lead & 0x0F;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+      needed = 4;
+      value = lead & 0x07;
+    } else {
+      out.push_back(0xFFFD);
+      ++i;
+      continue;
+    }
+    if (size - i < needed) {
+      out.push_back(0xFFFD);
+      break;
+    }
+    // The second byte may rule out overlong forms, surrogates and values
+    // beyond U+10FFFF: then the two bytes make one replacement.
+    const unsigned char second = bytes[i + 1];
+    if ((lead == 0xE0 && second >= 0x80 && second <= 0x9F) ||
+        (lead == 0xED && second >= 0xA0 && second <= 0xBF) ||
+        (lead == 0xF0 && second >= 0x80 && second <= 0x8F) ||
+        (lead == 0xF4 && second >= 0x90 && second <= 0xBF)) {
+      out.push_back(0xFFFD);
+      i += 2;
+      continue;
+    }
+    size_t taken = 1;
+    while (taken < needed && IsContinuation(bytes[i + taken])) {
+      value = (value << 6) | (bytes[i + taken] & 0x3F);
+      ++taken;
+    }
+    i += taken;
+    if (taken < needed) {
+      out.push_back(0xFFFD);
+      continue;
+    }
+    if (value >= 0x10000) {
+      value -= 0x10000;
+      out.push_back(static_cast<char16_t>(0xD800 + (value >> 10)));
+      out.push_back(static_cast<char16_t>(0xDC00 + (value & 0x3FF)));
+    } else {
+      out.push_back(static_cast<char16_t>(value));
+    }
+  }
+  return out;
 }
 
 }  // namespace base

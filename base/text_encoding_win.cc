@@ -29,4 +29,16 @@ bool IsTextUnicode(const void* buffer, int length, int* flags) {
   return ::IsTextUnicode(buffer, length, flags) != FALSE;
 }
 
+std::u16string DecodeUTF8AsWindows(const char* bytes, int length) {
+  if (!bytes || length == 0)
+    return std::u16string();
+  int units = MultiByteToWideChar(CP_UTF8, 0, bytes, length, nullptr, 0);
+  if (units <= 0)
+    return std::u16string();
+  std::wstring text(static_cast<size_t>(units), L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, bytes, length, text.data(), units);
+  // wchar_t is a UTF-16 unit here.
+  return std::u16string(text.begin(), text.end());
+}
+
 }  // namespace base
