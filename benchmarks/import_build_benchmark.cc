@@ -26,6 +26,7 @@
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/environment/run_context.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
@@ -338,7 +339,9 @@ void BM_Generation6Import(benchmark::State& state) {
   int run = 0;
   auto fresh_data_folder = [&] {
     base::FilePath local = profile.path().Append(L"local" + std::to_wstring(run++));
-    if (!base::CreateDirectory(local))
+    // The data folder itself too: the driver makes it before the exporter
+    // runs, and the read below has no driver.
+    if (!base::CreateDirectory(local.Append(importer_names::kDataFolderName)))
       state.SkipWithError("the data folder cannot be created");
     env.Set("LOCALAPPDATA", local.AsUTF8Unsafe());
   };
