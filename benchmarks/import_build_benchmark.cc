@@ -294,6 +294,45 @@ int RunImportChild(const char* peak_file) {
              : 1;
 }
 
+// A generation-6 installation under |profile|: the program folder "VanTa6"
+// with a database of |items| music items and 300,000 list entries in
+// |lists| lists, and the registry file "user.reg" that names it.
+bool WriteGeneration6Profile(const base::FilePath& profile, int items, int lists) {
+  base::FilePath program = profile.Append(L"VanTa6");
+  V6V1Database source;
+  for (int i = 1; i <= items; ++i) {
+    V6Music music;
+    music.id = i;
+    music.title = L"\u5468\u6770\u502b - Don't stop \u7a3b\u9999 " + std::to_wstring(i);
+    music.file_name = L"D:\\Music\\" + music.title + L".mp3";
+    wchar_t hash[40];
+    std::swprintf(hash, 40, L"%08X%024X", 0xC0FFEE, i);
+    music.hash = hash;
+    source.music.push_back(music);
+  }
+  for (int l = 1; l <= lists; ++l)
+    source.lists.push_back({l, l == 1 ? 3 : 0, L"List " + std::to_wstring(l), 0, l});
+  for (int item = 1; item <= 300000; ++item)
+    source.items.push_back({item, 1 + item % lists, 1 + item * 7 % items, item, item % 5});
+  return source.Write(program.Append(L"VTData.db")) &&
+         base::WriteFile(program.Append(L"VanTa6.exe"), "") &&
+         base::WriteFile(profile.Append(L"user.reg"), V6RegistryText(program));
+}
+
+// A generation-7 installation of |songs| music items under |profile|/roaming:
+// 500 lists with 3 |songs| entries, |songs|/5 downloads and 50 radio
+// channels.
+bool WriteGeneration7Profile(const base::FilePath& profile, int songs) {
+  V7SampleSize size;
+  size.songs = songs;
+  size.lists = 494;  // besides the sample's six lists of every type
+  // The sample's own lists hold about 1.2 N entries; the rest make 3 N.
+  size.list_entries = 3 * songs - (songs + songs / 10 + songs / 11);
+  size.downloads = songs / 5;
+  size.channels = 50;
+  return WriteSampleV7Installation(profile.Append(L"roaming"), size);
+}
+
 // The whole run of DataImporterMain on a generation-6 installation of
 // 100,000 music items and 300,000 list entries in as many lists as the
 // argument says: copy, read, build, encrypt. Then, untimed: the read alone
@@ -302,33 +341,9 @@ int RunImportChild(const char* peak_file) {
 void BM_Generation6Import(benchmark::State& state) {
   const int lists = static_cast<int>(state.range(0));
   testing_support::ScopedTempDir profile;
-  base::FilePath program = profile.path().Append(L"VanTa6");
   // Built in a child process, so that the source's records leave nothing in
   // this process's memory.
-  auto write_source = [&] {
-    V6V1Database source;
-    for (int i = 1; i <= kFiles; ++i) {
-      V6Music music;
-      music.id = i;
-      music.title = L"\u5468\u6770\u502b - Don't stop \u7a3b\u9999 " + std::to_wstring(i);
-      music.file_name = L"D:\\Music\\" + music.title + L".mp3";
-      wchar_t hash[40];
-      std::swprintf(hash, 40, L"%08X%024X", 0xC0FFEE, i);
-      music.hash = hash;
-      source.music.push_back(music);
-    }
-    for (int l = 1; l <= lists; ++l)
-      source.lists.push_back({l, l == 1 ? 3 : 0, L"List " + std::to_wstring(l), 0, l});
-    for (int item = 1; item <= 300000; ++item)
-      source.items.push_back({item, 1 + item % lists, 1 + item * 7 % kFiles, item, item % 5});
-    return source.Write(program.Append(L"VTData.db"));
-  };
-  if (!RunInChild(write_source)) {
-    state.SkipWithError("cannot write the generation-6 source");
-    return;
-  }
-  if (!base::WriteFile(program.Append(L"VanTa6.exe"), "") ||
-      !base::WriteFile(profile.path().Append(L"user.reg"), V6RegistryText(program))) {
+  if (!RunInChild([&] { return WriteGeneration6Profile(profile.path(), kFiles, lists); })) {
     state.SkipWithError("cannot write the generation-6 installation");
     return;
   }
@@ -388,21 +403,13 @@ BENCHMARK(BM_Generation6Import)
 void BM_Generation7Import(benchmark::State& state) {
   const int songs = static_cast<int>(state.range(0));
   testing_support::ScopedTempDir profile;
-  base::FilePath roaming = profile.path().Append(L"roaming");
-  V7SampleSize size;
-  size.songs = songs;
-  size.lists = 494;  // besides the sample's six lists of every type
-  // The sample's own lists hold about 1.2 N entries; the rest make 3 N.
-  size.list_entries = 3 * songs - (songs + songs / 10 + songs / 11);
-  size.downloads = songs / 5;
-  size.channels = 50;
-  if (!RunInChild([&] { return WriteSampleV7Installation(roaming, size); })) {
+  if (!RunInChild([&] { return WriteGeneration7Profile(profile.path(), songs); })) {
     state.SkipWithError("cannot write the generation-7 source");
     return;
   }
   testing_support::ScopedEnv env;
   env.Set("VANTU_REGISTRY_FILE", profile.path().Append(L"none.reg").AsUTF8Unsafe());
-  env.Set("APPDATA", roaming.AsUTF8Unsafe());
+  env.Set("APPDATA", profile.path().Append(L"roaming").AsUTF8Unsafe());
 
   int run = 0;
   for (auto _ : state) {
@@ -452,11 +459,47 @@ BENCHMARK(BM_Generation7Import)
     ->Iterations(1)
     ->UseManualTime();
 
+// For running one import under a profiler: writes the installation a
+// benchmark case imports into |folder| (made beforehand) and prints the
+// environment that lets kImportChildSwitch import it, e.g.
+//   import_build_benchmark --write-profile 7 /tmp/p 20000
+//   env $(cat /tmp/p/env) valgrind --tool=callgrind import_build_benchmark
+//       --import-child /tmp/p/peak
+int WriteProfile(int argc, char** argv) {
+  if (argc < 5 || argc > 6) {
+    std::fprintf(stderr, "usage: %s --write-profile 6|7 FOLDER ITEMS [LISTS]\n", argv[0]);
+    return 2;
+  }
+  const std::string generation = argv[2];
+  const base::FilePath folder = base::FilePath::FromUTF8Unsafe(argv[3]);
+  const int items = std::atoi(argv[4]);
+  const int lists = argc == 6 ? std::atoi(argv[5]) : 500;
+  if ((generation != "6" && generation != "7") || items < 1 || lists < 1) {
+    std::fprintf(stderr, "--write-profile: generation 6 or 7, items and lists above 0\n");
+    return 2;
+  }
+  bool written = generation == "6" ? WriteGeneration6Profile(folder, items, lists)
+                                   : WriteGeneration7Profile(folder, items);
+  base::FilePath local = folder.Append(L"local");
+  std::string env = "VANTU_REGISTRY_FILE=" +
+                    folder.Append(generation == "6" ? L"user.reg" : L"none.reg").AsUTF8Unsafe() +
+                    "\nAPPDATA=" + folder.Append(L"roaming").AsUTF8Unsafe() +
+                    "\nLOCALAPPDATA=" + local.AsUTF8Unsafe() + "\n";
+  if (!written || !base::CreateDirectory(local) || !base::WriteFile(folder.Append(L"env"), env)) {
+    std::fprintf(stderr, "--write-profile: cannot write the installation\n");
+    return 1;
+  }
+  std::fputs(env.c_str(), stdout);
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc == 3 && std::string(argv[1]) == kImportChildSwitch)
     return RunImportChild(argv[2]);
+  if (argc >= 2 && std::string(argv[1]) == "--write-profile")
+    return WriteProfile(argc, argv);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv))
     return 1;
