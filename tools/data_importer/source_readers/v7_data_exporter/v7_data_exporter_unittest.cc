@@ -504,7 +504,7 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
   const ShareFileItem& file = *model.m_share_files[0];
   EXPECT_EQ(L"", file.FileName);
   EXPECT_EQ(0, file.ShareFileType);
-  EXPECT_EQ(kZero, std::string(file.MD5.text.begin(), file.MD5.text.end()));
+  EXPECT_EQ(kZero, std::string(file.MD5.text.str().begin(), file.MD5.text.str().end()));
   ASSERT_EQ(1u, model.m_play_lists.size());
   EXPECT_EQ(L"\u9ed8\u8ba4\u5217\u8868", model.m_play_lists[0]->PlaylistName);
   ASSERT_EQ(2u, model.m_downloads.size());

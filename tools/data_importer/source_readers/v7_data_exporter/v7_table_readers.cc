@@ -324,10 +324,10 @@ bool V7DataExporter::ReadFinishedDownloads() {
   file_by_path.reserve(m_music_items.size());
   for (const auto& [id, music] : m_music_items) {
     if (!music.file->FileName.empty() && music.file->FileName != kUnlinkedFileMark)
-      keep_lowest(&file_by_path, music.file->FileName, id);
+      keep_lowest(&file_by_path, music.file->FileName.view(), id);
     for (const NullableText* hash : {&music.file->MpegMD5, &music.file->MD5}) {
       if (IsFileHash(*hash))
-        keep_lowest(&file_by_hash, hash->text, id);
+        keep_lowest(&file_by_hash, hash->text.view(), id);
     }
   }
   auto find = [](const std::unordered_map<std::wstring_view, int>& map, std::wstring_view key) {
@@ -343,7 +343,7 @@ bool V7DataExporter::ReadFinishedDownloads() {
                     download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
                     int file_id = find(file_by_path, download->DestFileName);
                     if (file_id == 0)
-                      file_id = find(file_by_hash, download->RelevanceFileHash.text);
+                      file_id = find(file_by_hash, download->RelevanceFileHash.text.view());
                     download->file_id = file_id;
                     download->FileID = file_id;
                     download->FileSize = row.GetInt("FileSize");
