@@ -242,6 +242,9 @@ void BM_WholeBuild(benchmark::State& state) {
       state.SkipWithError("the build failed");
     state.PauseTiming();
     // Peak memory of the model and the build, before the recording below.
+    // The figure is the process's high-water mark: it holds for the first
+    // run of a process only (benchmarks/run.sh runs each in a process of
+    // its own).
     state.counters["peak_MB"] = PeakMemoryMegabytes();
 
     Baseline baseline = MeasureBaseline(&model);

@@ -67,7 +67,7 @@ void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind
   WriteTable(
       db, definition, songs, EmptyList::kCreateTable,
       [&](const SongItem& song, RowBuilder* row) {
-        int playable = MusicFilePlayableFromPath(song.MusicFilePath);
+        int playable = -1;  // by the entry's own path, unless its file decides
         if (kind == kGeneralList) {
           // The song tables keep a file by its path and hash, not by id: the
           // new ids decide only whether the entry survives and how playable
@@ -80,6 +80,8 @@ void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind
           if (flag != m_file_flag_map.end())
             playable = !flag->second;
         }
+        if (playable < 0)
+          playable = MusicFilePlayableFromPath(song.MusicFilePath);
         row->Int("SongID", song.SongID);
         AppendSongColumns(song, playable, row);
         return RowFate::Write();
