@@ -1,9 +1,14 @@
 #include "base/environment.h"
 
 #include <stdlib.h>
+#include <wchar.h>
+
+#include <string_view>
 
 #if defined(_WIN32)
 #include "base/windows_headers.h"
+#else
+extern char** environ;
 #endif
 
 #include "base/utf_string_conversions.h"
@@ -41,6 +46,23 @@ bool UnsetEnvironmentString(const std::string& name) {
   return ok;
 }
 
+std::vector<std::pair<std::wstring, std::wstring>> EnvironmentVariables() {
+  std::vector<std::pair<std::wstring, std::wstring>> variables;
+  wchar_t* block = GetEnvironmentStringsW();
+  if (!block)
+    return variables;
+  for (const wchar_t* entry = block; *entry; entry += wcslen(entry) + 1) {
+    std::wstring_view pair(entry);
+    size_t equals = pair.find(L'=');
+    if (equals == std::wstring_view::npos || equals == 0)
+      continue;
+    variables.emplace_back(pair.substr(0, equals), pair.substr(equals + 1));
+  }
+  // The copy is ours; freeing it cannot fail in a way that matters here.
+  (void)FreeEnvironmentStringsW(block);
+  return variables;
+}
+
 #else
 
 bool GetEnvironmentString(const std::string& name, std::wstring* value) {
@@ -58,6 +80,18 @@ bool SetEnvironmentString(const std::string& name, const std::wstring& value) {
 
 bool UnsetEnvironmentString(const std::string& name) {
   return unsetenv(name.c_str()) == 0;
+}
+
+std::vector<std::pair<std::wstring, std::wstring>> EnvironmentVariables() {
+  std::vector<std::pair<std::wstring, std::wstring>> variables;
+  for (char** entry = environ; entry && *entry; ++entry) {
+    std::string_view pair(*entry);
+    size_t equals = pair.find('=');
+    if (equals == std::string_view::npos || equals == 0)
+      continue;
+    variables.emplace_back(UTF8ToWide(pair.substr(0, equals)), UTF8ToWide(pair.substr(equals + 1)));
+  }
+  return variables;
 }
 
 #endif

@@ -2,6 +2,8 @@
 #define BASE_ENVIRONMENT_H_
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace base {
 
@@ -16,6 +18,10 @@ namespace base {
 
 // Removes |name|; true when it is not set afterwards.
 [[nodiscard]] bool UnsetEnvironmentString(const std::string& name);
+
+// Every variable of the process, name and value, in the system's order.
+// Windows' hidden per-drive entries ("=C:") are left out.
+std::vector<std::pair<std::wstring, std::wstring>> EnvironmentVariables();
 
 }  // namespace base
 

@@ -67,6 +67,12 @@ FILE* OpenFile(const FilePath& path, const char* mode);
 // Writes |data| as the whole file (binary), creating or truncating it.
 [[nodiscard]] bool WriteFile(const FilePath& path, const std::string& data);
 
+// Creates |path| holding |data| only when nothing exists under that name
+// (checked and created in one step, so a file another process has just made
+// is never truncated). False when it exists or cannot be written; a file
+// this call could not finish is removed.
+[[nodiscard]] bool WriteNewFile(const FilePath& path, const std::string& data);
+
 // The error code of the last failed file operation on this thread (errno on
 // POSIX, GetLastError on Windows), for log lines.
 [[nodiscard]] int GetLastSystemError();

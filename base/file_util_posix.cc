@@ -294,6 +294,26 @@ bool WriteFile(const FilePath& path, const std::string& data) {
   return true;
 }
 
+bool WriteNewFile(const FilePath& path, const std::string& data) {
+  std::string native = NativePath(path);
+  int fd = open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+  if (fd < 0)
+    return Fail();
+  bool ok = true;
+  for (size_t done = 0; ok && done < data.size();) {
+    ssize_t n = write(fd, data.data() + done, data.size() - done);
+    if (n <= 0)
+      ok = Fail();
+    else
+      done += static_cast<size_t>(n);
+  }
+  if (close(fd) != 0 && ok)
+    ok = Fail();
+  if (!ok)
+    (void)unlink(native.c_str());  // the failure is what the caller hears of
+  return ok;
+}
+
 int GetLastSystemError() {
   return g_last_error;
 }

@@ -319,6 +319,25 @@ bool WriteFile(const FilePath& path, const std::string& data) {
   return ok;
 }
 
+bool WriteNewFile(const FilePath& path, const std::string& data) {
+  const std::wstring native = NativePath(path);
+  HANDLE file = CreateFileW(native.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                            FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE)
+    return Fail();
+  DWORD written = 0;
+  bool ok = true;
+  if (!data.empty() &&
+      (!::WriteFile(file, data.data(), static_cast<DWORD>(data.size()), &written, nullptr) ||
+       written != data.size()))
+    ok = Fail();
+  if (!CloseHandle(file) && ok)
+    ok = Fail();
+  if (!ok)
+    (void)DeleteFileW(native.c_str());  // the failure is what the caller hears of
+  return ok;
+}
+
 int GetLastSystemError() {
   return g_last_error;
 }

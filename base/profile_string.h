@@ -7,7 +7,9 @@
 
 namespace base {
 
-// The Windows profile functions on INI files, with Windows' behaviour.
+// The Windows profile functions on INI files. The Windows build makes the
+// system's calls (the code page arguments then are the system's own); the
+// other builds reproduce them:
 //
 // WritePrivateProfileStringW(section, key, value, file) loads the file,
 // changes it and saves it within the call, as a separate process would, so
@@ -51,6 +53,16 @@ std::vector<std::wstring> GetPrivateProfileKeys(const std::wstring& section,
                                                 uint32_t ansi_code_page);
 std::vector<std::wstring> GetPrivateProfileSections(const std::wstring& file,
                                                     uint32_t ansi_code_page);
+
+// What CreateUnicodeProfileFile did.
+enum class ProfileFileCreation { kCreated, kExisted, kFailed };
+
+// Creates |file| holding only the UTF-16LE byte-order mark when nothing
+// exists under its name yet. The profile functions keep a file's encoding,
+// so every character written to it later survives; a file they create
+// themselves is 8-bit text in the ANSI code page, where a character the
+// code page lacks becomes '?'. An existing file is left as it is.
+[[nodiscard]] ProfileFileCreation CreateUnicodeProfileFile(const std::wstring& file);
 
 }  // namespace base
 

@@ -4,6 +4,10 @@
 #include <stdlib.h>
 #include <wctype.h>
 
+#if defined(_WIN32)
+#include "base/windows_headers.h"
+#endif
+
 #include "base/environment.h"
 #include "base/utf_string_conversions.h"
 
@@ -24,12 +28,13 @@ std::wstring WithSeparators(std::wstring path) {
 }
 
 // Upper case of one character by the simple Unicode mapping; ASCII alone
-// when the C library has no Unicode character table.
+// when the C library has no Unicode character table. (Windows builds fold
+// the whole key at once, below.)
 wchar_t ToUpper(wchar_t c) {
   if (c < 0x80)
     return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
 #if defined(_WIN32)
-  return static_cast<wchar_t>(towupper(static_cast<wint_t>(c)));
+  return c;
 #else
   static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
   return unicode ? static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), unicode)) : c;
@@ -45,6 +50,18 @@ std::wstring WindowsPathKey(std::wstring_view path) {
     key.push_back(c == L'/' ? L'\\' : ToUpper(c));
   while (!key.empty() && key.back() == L'\\')
     key.pop_back();
+#if defined(_WIN32)
+  // The C runtime of MinGW folds ASCII only; the system's invariant upper
+  // case folds every script, as the file system compares names.
+  if (!key.empty()) {
+    std::wstring folded(key.size(), L'\0');
+    int n = LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, key.data(),
+                          static_cast<int>(key.size()), folded.data(),
+                          static_cast<int>(folded.size()), nullptr, nullptr, 0);
+    if (n == static_cast<int>(key.size()))
+      key = folded;
+  }
+#endif
   return key;
 }
 

@@ -5,6 +5,7 @@
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,6 +27,7 @@
 #include "tools/data_importer/target_store/build_sequence.h"
 #include "tools/data_importer/database_helper/database_helper.h"
 #include "tools/data_importer/environment/run_context.h"
+#include "tools/data_importer/run_record/importer_names.h"
 #include "tools/data_importer/target_store/import_model.h"
 #include "tools/data_importer/source_readers/v6_data_exporter/v6_data_exporter.h"
 #include "tools/data_importer/source_readers/v7_data_exporter/v7_data_exporter.h"
@@ -38,6 +40,19 @@ using Clock = std::chrono::steady_clock;
 
 double Seconds(Clock::time_point since) {
   return std::chrono::duration<double>(Clock::now() - since).count();
+}
+
+double CpuSeconds(const rusage& usage) {
+  return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+         static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+// Processor time this process has used so far. On a machine others use too,
+// a case's processor time against its baseline's holds better than the
+// times on the clock, which count the waits for a processor.
+double CpuSeconds() {
+  rusage usage{};
+  return getrusage(RUSAGE_SELF, &usage) == 0 ? CpuSeconds(usage) : 0;
 }
 
 // Statement texts as SQLite runs them, per connection.
@@ -100,6 +115,7 @@ void ClearIdMaps(ImportModel* model) {
 struct Baseline {
   double statements_s = 0;
   double export_s = 0;
+  double cpu_s = 0;  // processor time of both
   size_t statements = 0;
   bool failed = false;  // the encryption failed: the figures mean nothing
 
@@ -129,6 +145,7 @@ Baseline MeasureBaseline(ImportModel* model) {
   }
   Baseline baseline;
   testing_support::ScopedTempDir baseline_dir;
+  double cpu_start = CpuSeconds();
   auto start = Clock::now();
   auto music = OpenTarget(baseline_dir.path().Append(L"music.db"));
   auto playlists = OpenTarget(baseline_dir.path().Append(L"playlist.db"));
@@ -140,6 +157,7 @@ Baseline MeasureBaseline(ImportModel* model) {
       !music->connection()->DbEncrypt(kVersion3DatabaseKey))
     baseline.failed = true;
   baseline.export_s = Seconds(start);
+  baseline.cpu_s = CpuSeconds() - cpu_start;
   baseline.statements = music_statements.statements.size() + playlist_statements.statements.size();
   return baseline;
 }
@@ -213,15 +231,20 @@ void BM_WholeBuild(benchmark::State& state) {
     std::map<std::string, double> stages;
     auto last = Clock::now();
     auto start = last;
+    double cpu_start = CpuSeconds();
     base::Status built = BuildDatabases(&model, dir.path(), [&](const char* stage) {
       stages[stage] = Seconds(last);
       last = Clock::now();
     });
     double build = Seconds(start);
+    double build_cpu = CpuSeconds() - cpu_start;
     if (!built.ok())
       state.SkipWithError("the build failed");
     state.PauseTiming();
     // Peak memory of the model and the build, before the recording below.
+    // The figure is the process's high-water mark: it holds for the first
+    // run of a process only (benchmarks/run.sh runs each in a process of
+    // its own).
     state.counters["peak_MB"] = PeakMemoryMegabytes();
 
     Baseline baseline = MeasureBaseline(&model);
@@ -232,6 +255,7 @@ void BM_WholeBuild(benchmark::State& state) {
     baseline.Report(&state);
     state.counters["build_s"] = build;
     state.counters["ratio_to_baseline"] = build / baseline.seconds();
+    state.counters["cpu_ratio_to_baseline"] = build_cpu / baseline.cpu_s;
   }
 }
 BENCHMARK(BM_WholeBuild)->Unit(benchmark::kSecond)->Iterations(1)->UseRealTime();
@@ -254,11 +278,13 @@ constexpr char kImportChildSwitch[] = "--import-child";
 
 // One timed run of DataImporterMain in a fresh process (this program again,
 // started with kImportChildSwitch): its time becomes the iteration's, its
-// peak memory goes to |*peak_mb|. A forked child alone would not do: it
-// starts with the parent's resident pages (the model and the baseline of an
-// earlier run) and its peak would count them. False (the benchmark skipped
-// with an error) when the run failed.
-bool TimedImportInChild(benchmark::State* state, double* seconds, double* peak_mb) {
+// processor time goes to |*cpu_seconds|, its peak memory to |*peak_mb|. A forked child alone would
+// not do: it starts with the parent's resident pages (the model and the baseline of an earlier run)
+// and its peak would count them. False (the benchmark skipped with an error) when the run failed.
+bool TimedImportInChild(benchmark::State* state,
+                        double* seconds,
+                        double* cpu_seconds,
+                        double* peak_mb) {
   testing_support::ScopedTempDir scratch;
   const std::string peak_file = scratch.path().Append(L"peak").AsUTF8Unsafe();
   std::fflush(nullptr);
@@ -270,9 +296,11 @@ bool TimedImportInChild(benchmark::State* state, double* seconds, double* peak_m
     _exit(127);
   }
   int status = 0;
-  bool ok = child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) &&
+  rusage usage{};
+  bool ok = child > 0 && wait4(child, &status, 0, &usage) == child && WIFEXITED(status) &&
             WEXITSTATUS(status) == 0;
   *seconds = Seconds(start);
+  *cpu_seconds = CpuSeconds(usage);
   std::string peak;
   *peak_mb = ok && base::ReadFileToString(base::FilePath::FromUTF8Unsafe(peak_file), &peak)
                  ? std::strtod(peak.c_str(), nullptr)
@@ -293,6 +321,45 @@ int RunImportChild(const char* peak_file) {
              : 1;
 }
 
+// A generation-6 installation under |profile|: the program folder "VanTa6"
+// with a database of |items| music items and 300,000 list entries in
+// |lists| lists, and the registry file "user.reg" that names it.
+bool WriteGeneration6Profile(const base::FilePath& profile, int items, int lists) {
+  base::FilePath program = profile.Append(L"VanTa6");
+  V6V1Database source;
+  for (int i = 1; i <= items; ++i) {
+    V6Music music;
+    music.id = i;
+    music.title = L"\u5468\u6770\u502b - Don't stop \u7a3b\u9999 " + std::to_wstring(i);
+    music.file_name = L"D:\\Music\\" + music.title + L".mp3";
+    wchar_t hash[40];
+    std::swprintf(hash, 40, L"%08X%024X", 0xC0FFEE, i);
+    music.hash = hash;
+    source.music.push_back(music);
+  }
+  for (int l = 1; l <= lists; ++l)
+    source.lists.push_back({l, l == 1 ? 3 : 0, L"List " + std::to_wstring(l), 0, l});
+  for (int item = 1; item <= 300000; ++item)
+    source.items.push_back({item, 1 + item % lists, 1 + item * 7 % items, item, item % 5});
+  return source.Write(program.Append(L"VTData.db")) &&
+         base::WriteFile(program.Append(L"VanTa6.exe"), "") &&
+         base::WriteFile(profile.Append(L"user.reg"), V6RegistryText(program));
+}
+
+// A generation-7 installation of |songs| music items under |profile|/roaming:
+// 500 lists with 3 |songs| entries, |songs|/5 downloads and 50 radio
+// channels.
+bool WriteGeneration7Profile(const base::FilePath& profile, int songs) {
+  V7SampleSize size;
+  size.songs = songs;
+  size.lists = 494;  // besides the sample's six lists of every type
+  // The sample's own lists hold about 1.2 N entries; the rest make 3 N.
+  size.list_entries = 3 * songs - (songs + songs / 10 + songs / 11);
+  size.downloads = songs / 5;
+  size.channels = 50;
+  return WriteSampleV7Installation(profile.Append(L"roaming"), size);
+}
+
 // The whole run of DataImporterMain on a generation-6 installation of
 // 100,000 music items and 300,000 list entries in as many lists as the
 // argument says: copy, read, build, encrypt. Then, untimed: the read alone
@@ -301,33 +368,9 @@ int RunImportChild(const char* peak_file) {
 void BM_Generation6Import(benchmark::State& state) {
   const int lists = static_cast<int>(state.range(0));
   testing_support::ScopedTempDir profile;
-  base::FilePath program = profile.path().Append(L"VanTa6");
   // Built in a child process, so that the source's records leave nothing in
   // this process's memory.
-  auto write_source = [&] {
-    V6V1Database source;
-    for (int i = 1; i <= kFiles; ++i) {
-      V6Music music;
-      music.id = i;
-      music.title = L"\u5468\u6770\u502b - Don't stop \u7a3b\u9999 " + std::to_wstring(i);
-      music.file_name = L"D:\\Music\\" + music.title + L".mp3";
-      wchar_t hash[40];
-      std::swprintf(hash, 40, L"%08X%024X", 0xC0FFEE, i);
-      music.hash = hash;
-      source.music.push_back(music);
-    }
-    for (int l = 1; l <= lists; ++l)
-      source.lists.push_back({l, l == 1 ? 3 : 0, L"List " + std::to_wstring(l), 0, l});
-    for (int item = 1; item <= 300000; ++item)
-      source.items.push_back({item, 1 + item % lists, 1 + item * 7 % kFiles, item, item % 5});
-    return source.Write(program.Append(L"VTData.db"));
-  };
-  if (!RunInChild(write_source)) {
-    state.SkipWithError("cannot write the generation-6 source");
-    return;
-  }
-  if (!base::WriteFile(program.Append(L"VanTa6.exe"), "") ||
-      !base::WriteFile(profile.path().Append(L"user.reg"), V6RegistryText(program))) {
+  if (!RunInChild([&] { return WriteGeneration6Profile(profile.path(), kFiles, lists); })) {
     state.SkipWithError("cannot write the generation-6 installation");
     return;
   }
@@ -338,7 +381,9 @@ void BM_Generation6Import(benchmark::State& state) {
   int run = 0;
   auto fresh_data_folder = [&] {
     base::FilePath local = profile.path().Append(L"local" + std::to_wstring(run++));
-    if (!base::CreateDirectory(local))
+    // The data folder itself too: the driver makes it before the exporter
+    // runs, and the read below has no driver.
+    if (!base::CreateDirectory(local.Append(importer_names::kDataFolderName)))
       state.SkipWithError("the data folder cannot be created");
     env.Set("LOCALAPPDATA", local.AsUTF8Unsafe());
   };
@@ -348,7 +393,8 @@ void BM_Generation6Import(benchmark::State& state) {
     // memory.
     double peak_mb = 0;
     double end_to_end = 0;
-    if (!TimedImportInChild(&state, &end_to_end, &peak_mb))
+    double end_to_end_cpu = 0;
+    if (!TimedImportInChild(&state, &end_to_end, &end_to_end_cpu, &peak_mb))
       return;
     state.counters["end_to_end_s"] = end_to_end;
     state.counters["peak_MB"] = peak_mb;
@@ -368,6 +414,7 @@ void BM_Generation6Import(benchmark::State& state) {
     Baseline baseline = MeasureBaseline(&model);
     baseline.Report(&state);
     state.counters["ratio_to_baseline"] = end_to_end / baseline.seconds();
+    state.counters["cpu_ratio_to_baseline"] = end_to_end_cpu / baseline.cpu_s;
   }
 }
 BENCHMARK(BM_Generation6Import)
@@ -385,21 +432,13 @@ BENCHMARK(BM_Generation6Import)
 void BM_Generation7Import(benchmark::State& state) {
   const int songs = static_cast<int>(state.range(0));
   testing_support::ScopedTempDir profile;
-  base::FilePath roaming = profile.path().Append(L"roaming");
-  V7SampleSize size;
-  size.songs = songs;
-  size.lists = 494;  // besides the sample's six lists of every type
-  // The sample's own lists hold about 1.2 N entries; the rest make 3 N.
-  size.list_entries = 3 * songs - (songs + songs / 10 + songs / 11);
-  size.downloads = songs / 5;
-  size.channels = 50;
-  if (!RunInChild([&] { return WriteSampleV7Installation(roaming, size); })) {
+  if (!RunInChild([&] { return WriteGeneration7Profile(profile.path(), songs); })) {
     state.SkipWithError("cannot write the generation-7 source");
     return;
   }
   testing_support::ScopedEnv env;
   env.Set("VANTU_REGISTRY_FILE", profile.path().Append(L"none.reg").AsUTF8Unsafe());
-  env.Set("APPDATA", roaming.AsUTF8Unsafe());
+  env.Set("APPDATA", profile.path().Append(L"roaming").AsUTF8Unsafe());
 
   int run = 0;
   for (auto _ : state) {
@@ -411,7 +450,8 @@ void BM_Generation7Import(benchmark::State& state) {
     env.Set("LOCALAPPDATA", local.AsUTF8Unsafe());
     double peak_mb = 0;
     double import_s = 0;
-    if (!TimedImportInChild(&state, &import_s, &peak_mb))
+    double import_cpu = 0;
+    if (!TimedImportInChild(&state, &import_s, &import_cpu, &peak_mb))
       return;
 
     // What the run read, read again from its work copy, built at the
@@ -430,6 +470,7 @@ void BM_Generation7Import(benchmark::State& state) {
     state.counters["read_s"] = read_s;
     state.counters["baseline_s"] = baseline.seconds();
     state.counters["ratio_to_baseline"] = import_s / baseline.seconds();
+    state.counters["cpu_ratio_to_baseline"] = import_cpu / baseline.cpu_s;
     state.counters["import_peak_MB"] = peak_mb;
     state.counters["music_items"] = static_cast<double>(model.m_share_files.size());
     size_t entries = 0;
@@ -449,11 +490,47 @@ BENCHMARK(BM_Generation7Import)
     ->Iterations(1)
     ->UseManualTime();
 
+// For running one import under a profiler: writes the installation a
+// benchmark case imports into |folder| (made beforehand) and prints the
+// environment that lets kImportChildSwitch import it, e.g.
+//   import_build_benchmark --write-profile 7 /tmp/p 20000
+//   env $(cat /tmp/p/env) valgrind --tool=callgrind import_build_benchmark
+//       --import-child /tmp/p/peak
+int WriteProfile(int argc, char** argv) {
+  if (argc < 5 || argc > 6) {
+    std::fprintf(stderr, "usage: %s --write-profile 6|7 FOLDER ITEMS [LISTS]\n", argv[0]);
+    return 2;
+  }
+  const std::string generation = argv[2];
+  const base::FilePath folder = base::FilePath::FromUTF8Unsafe(argv[3]);
+  const int items = std::atoi(argv[4]);
+  const int lists = argc == 6 ? std::atoi(argv[5]) : 500;
+  if ((generation != "6" && generation != "7") || items < 1 || lists < 1) {
+    std::fprintf(stderr, "--write-profile: generation 6 or 7, items and lists above 0\n");
+    return 2;
+  }
+  bool written = generation == "6" ? WriteGeneration6Profile(folder, items, lists)
+                                   : WriteGeneration7Profile(folder, items);
+  base::FilePath local = folder.Append(L"local");
+  std::string env = "VANTU_REGISTRY_FILE=" +
+                    folder.Append(generation == "6" ? L"user.reg" : L"none.reg").AsUTF8Unsafe() +
+                    "\nAPPDATA=" + folder.Append(L"roaming").AsUTF8Unsafe() +
+                    "\nLOCALAPPDATA=" + local.AsUTF8Unsafe() + "\n";
+  if (!written || !base::CreateDirectory(local) || !base::WriteFile(folder.Append(L"env"), env)) {
+    std::fprintf(stderr, "--write-profile: cannot write the installation\n");
+    return 1;
+  }
+  std::fputs(env.c_str(), stdout);
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc == 3 && std::string(argv[1]) == kImportChildSwitch)
     return RunImportChild(argv[2]);
+  if (argc >= 2 && std::string(argv[1]) == "--write-profile")
+    return WriteProfile(argc, argv);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv))
     return 1;

@@ -41,7 +41,7 @@ void FillSampleLibrary(ImportModel* model, int files, int lists, int entries, in
     while (title.size() < 24)
       title += std::wstring(kWords[random() % 10]) + L" ";
     file->FileNamePure = artist + L" - " + title + std::to_wstring(i);
-    file->FileName = L"D:\\Music\\" + artist + L"\\" + file->FileNamePure +
+    file->FileName = L"D:\\Music\\" + artist + L"\\" + file->FileNamePure.str() +
                      (file->ShareFileType == 2 ? L".mkv" : L".mp3");
     file->Artist = artist;
     file->Album = L"Album " + std::to_wstring(i % 700);
@@ -87,7 +87,7 @@ void FillSampleLibrary(ImportModel* model, int files, int lists, int entries, in
     download->DownloadID = d;
     download->file_id = d % 10 == 0 ? -1 : file.old_id;  // some found by hash
     download->MD5 = file.MD5;
-    download->FileName = file.FileNamePure + L".mp3";
+    download->FileName = file.FileNamePure.str() + L".mp3";
     download->DestFileName = file.FileName;
     download->Percent = d % 3 == 0 ? 40 : 100;
     download->DownType = d % 2 == 0 ? 0 : 20;

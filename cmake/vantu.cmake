@@ -38,7 +38,8 @@ function(vantu_library)
   target_link_libraries(${A_NAME} PUBLIC ${A_DEPS})
 endfunction()
 
-# vantu_discover_tests(TARGET program [END_TO_END patterns...]): registers
+# vantu_discover_tests(TARGET program [END_TO_END patterns...]
+#                      [PLAYER_PATH patterns...]): registers
 # each test of a GoogleTest program with CTest on its own ("Suite.Name"),
 # run in a process of its own with a time limit. Tests matching one of the
 # END_TO_END GoogleTest filter patterns (those that run DataImporterMain or
@@ -47,27 +48,45 @@ endfunction()
 # listed when ctest starts (not at build time), so a build never runs a
 # program, and a sanitizer's start-up cost only slows the listing.
 function(vantu_discover_tests)
-  cmake_parse_arguments(A "" "TARGET" "END_TO_END" ${ARGN})
+  cmake_parse_arguments(A "" "TARGET" "END_TO_END;PLAYER_PATH" ${ARGN})
   set(common DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+  # Tests that run as the player does, on the real user's folders and
+  # registry: labelled "player-path", one at a time.
+  set(others "")
+  if(A_PLAYER_PATH)
+    list(JOIN A_PLAYER_PATH ":" player_path)
+    gtest_discover_tests(${A_TARGET} ${common} TEST_FILTER "${player_path}"
+                         PROPERTIES LABELS player-path RUN_SERIAL TRUE TIMEOUT 600)
+    set(others ":${player_path}")
+  endif()
   if(NOT A_END_TO_END)
-    gtest_discover_tests(${A_TARGET} ${common} PROPERTIES LABELS unit TIMEOUT 600)
+    if(others)
+      gtest_discover_tests(${A_TARGET} ${common} TEST_FILTER "-${player_path}"
+                           PROPERTIES LABELS unit TIMEOUT 600)
+    else()
+      gtest_discover_tests(${A_TARGET} ${common} PROPERTIES LABELS unit TIMEOUT 600)
+    endif()
     return()
   endif()
   list(JOIN A_END_TO_END ":" end_to_end)
+  if(end_to_end STREQUAL "*")
+    gtest_discover_tests(${A_TARGET} ${common} TEST_FILTER "*-${player_path}"
+                         PROPERTIES LABELS end-to-end TIMEOUT 600)
+    return()
+  endif()
   gtest_discover_tests(${A_TARGET} ${common} TEST_FILTER "${end_to_end}"
                        PROPERTIES LABELS end-to-end TIMEOUT 600)
-  if(NOT end_to_end STREQUAL "*")
-    gtest_discover_tests(${A_TARGET} ${common} TEST_FILTER "-${end_to_end}"
-                         PROPERTIES LABELS unit TIMEOUT 600)
-  endif()
+  gtest_discover_tests(${A_TARGET} ${common} TEST_FILTER "-${end_to_end}${others}"
+                       PROPERTIES LABELS unit TIMEOUT 600)
 endfunction()
 
-# vantu_tests(NAME name DEPS libs... [END_TO_END patterns...]): one test
+# vantu_tests(NAME name DEPS libs... [END_TO_END patterns...]
+#             [PLAYER_PATH patterns...]): one test
 # program from the folder's *_unittest.cc files, its tests registered by
 # vantu_discover_tests. Test helpers (*_test_util.cc) are libraries of their
 # own, declared where they live. Nothing is built when BUILD_TESTING is off.
 function(vantu_tests)
-  cmake_parse_arguments(A "" "NAME" "DEPS;END_TO_END" ${ARGN})
+  cmake_parse_arguments(A "" "NAME" "DEPS;END_TO_END;PLAYER_PATH" ${ARGN})
   if(NOT BUILD_TESTING)
     return()
   endif()
@@ -86,5 +105,5 @@ function(vantu_tests)
   target_compile_definitions(${A_NAME} PRIVATE
       VANTU_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
       VANTU_BINARY_DIR="${PROJECT_BINARY_DIR}")
-  vantu_discover_tests(TARGET ${A_NAME} END_TO_END ${A_END_TO_END})
+  vantu_discover_tests(TARGET ${A_NAME} END_TO_END ${A_END_TO_END} PLAYER_PATH ${A_PLAYER_PATH})
 endfunction()

@@ -41,7 +41,9 @@ CC
 mkdir -p "$work/home" "$work/local" "$work/roaming"
 env -u VANTU_REGISTRY_FILE -u USERPROFILE -u VANTU_LOG_STDERR HOME="$work/home" \
     LOCALAPPDATA="$work/local" APPDATA="$work/roaming" "$work/user"
-grep -q '^BeforceImportEmpty=-1' "$work/local/VanTu8/Vantu.ini" \
+# (The run makes the file as UTF-16.)
+settings=$(iconv -f UTF-16 -t UTF-8 "$work/local/VanTu8/Vantu.ini" | tr -d '\r')
+grep -q '^BeforceImportEmpty=-1' <<<"$settings" \
     || fail "the program's run left no DBCheck record"
 # A run that imports nothing keeps its report in the history of runs only.
 compgen -G "$work/local/VanTu8/reports/*-nothing-1.json" >/dev/null \

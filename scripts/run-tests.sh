@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs the whole test suite.
+# Installs what is missing, builds, and runs the whole test suite. Extra
+# arguments go to ctest (e.g. -L unit, -LE seeded, -R Markup).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh"
@@ -9,4 +10,4 @@ cd "$build"
 # VANTU_SEEDED is set.
 skip=(-LE seeded)
 [ -n "${VANTU_SEEDED:-}" ] && skip=()
-ctest --output-on-failure -j "$(nproc)" "${skip[@]}"
+ctest --output-on-failure -j "$(nproc)" "${skip[@]}" "$@"

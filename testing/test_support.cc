@@ -72,6 +72,12 @@ void ScopedEnv::Set(const std::string& name, const std::optional<std::string>& v
     Set(base::kFoldersFromEnvironment, std::string("1"));
 }
 
+std::wstring NativePath(std::wstring path) {
+  for (wchar_t& c : path)
+    c = c == L'/' ? base::FilePath::kSeparator : c;
+  return path;
+}
+
 bool RunningUnderWine() {
 #if defined(_WIN32)
   HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");

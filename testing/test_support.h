@@ -43,11 +43,13 @@ class ScopedEnv {
   std::map<std::string, std::optional<std::string>> m_saved;
 };
 
-// Runs a shell command, feeding |input| on its standard input; returns its
-// exit status and stores its standard output in |*output| when given.
 // Whether this Windows program runs under Wine rather than Windows (false on
 // other systems). Tests of calls that Wine does not implement skip there.
 bool RunningUnderWine();
+
+// |path| written with this system's separator: the form in which the
+// importer gives back folders it has resolved.
+std::wstring NativePath(std::wstring path);
 
 // The reason a test of a binary registry hive skips under Wine.
 inline constexpr char kWineHiveSkip[] =
@@ -61,6 +63,8 @@ int GoneProcessId();
 // Takes write access away from a file (read-only attribute on Windows).
 void MakeReadOnly(const base::FilePath& path);
 
+// Runs a shell command, feeding |input| on its standard input; returns its
+// exit status and stores its standard output in |*output| when given.
 int RunCommand(const std::string& command, const std::string& input, std::string* output);
 
 // Reads or writes a whole file as bytes (test fixtures).

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/file_path.h"
+#include "testing/program_runner.h"
 #include "testing/test_support.h"
 
 namespace {
@@ -82,7 +83,11 @@ Rows ReadmeTable(const std::string& readme, const std::string& header) {
 
 TEST(HostHelpTest, ReadmeTablesAreWhatHelpPrints) {
   std::string help;
-  ASSERT_EQ(0, testing_support::RunCommand(VANTU_BINARY_DIR "/vantu-import --help", "", &help));
+  testing_support::ProgramEnvironment environment;
+  environment.with_errors = false;
+  ASSERT_EQ(0, testing_support::RunProgram(
+                   base::FilePath::FromUTF8Unsafe(VANTU_BINARY_DIR "/vantu-import"), "--help",
+                   environment, &help));
   Rows options, statuses;
   ParseHelp(help, &options, &statuses);
   ASSERT_GE(options.size(), 10u) << help;

@@ -420,6 +420,10 @@ RunContext HostRunContext(const HostOptions& options) {
     context.m_roaming_app_data = base::FilePath::FromUTF8Unsafe(options.roaming_appdata);
   if (!options.registry.empty())
     context.m_registry_file = base::FilePath::FromUTF8Unsafe(options.registry);
+  // A copied profile or folder: only a registry file given for it counts.
+  if (!options.profile.empty() || !options.local_appdata.empty() ||
+      !options.roaming_appdata.empty() || !options.drives.empty())
+    context.m_own_registry = false;
   if (!options.source.empty())
     context.m_source_folder =
         base::MapWindowsPath(base::UTF8ToWide(options.source), context.m_drives);

@@ -13,8 +13,10 @@
 #include "base/json_file.h"
 #include "base/md5.h"
 #include "sql/connection.h"
+#include "sql/statement.h"
 #include "testing/fixtures/generation6_fixture.h"
 #include "testing/fixtures/generation7_fixture.h"
+#include "testing/program_runner.h"
 #include "testing/test_support.h"
 #include "tools/data_importer/run_record/importer_names.h"
 
@@ -22,9 +24,16 @@ using namespace data_importer;  // the importer under use
 
 namespace {
 
-std::string Quote(const base::FilePath& path) {
-  return "'" + path.AsUTF8Unsafe() + "'";
-}
+constexpr char kHost[] = VANTU_BINARY_DIR "/vantu-import";
+
+// The system's words for a missing file and a missing folder.
+#if defined(_WIN32)
+constexpr char kNoSuchFile[] = "File not found";
+constexpr char kNoSuchFolder[] = "Path not found";
+#else
+constexpr char kNoSuchFile[] = "No such file or directory";
+constexpr char kNoSuchFolder[] = "No such file or directory";
+#endif
 
 // Every file and folder under |root| with the MD5 of its bytes.
 std::string Fingerprint(const base::FilePath& root) {
@@ -58,32 +67,16 @@ std::wstring Hash(int n) {
 class HostRunTest : public testing::Test {
  protected:
   void SetUp() override {
-#if defined(_WIN32)
-    GTEST_SKIP() << "these tests run the host through a POSIX shell (env -u, single quotes, "
-                    "/dev/null); scripts/run-windows-tests.sh runs the Windows host's demo";
-#endif
     ASSERT_TRUE(base::CreateDirectory(local()));
     ASSERT_TRUE(base::CreateDirectory(profile().Append(L"AppData").Append(L"Roaming")));
   }
 
-  base::FilePath root() const {
-    return m_dir.path();
-  }
-  base::FilePath profile() const {
-    return root().Append(L"profile");
-  }
-  base::FilePath local() const {
-    return profile().Append(L"AppData").Append(L"Local");
-  }
-  base::FilePath data_folder() const {
-    return local().Append(L"VanTu8");
-  }
-  base::FilePath program() const {
-    return root().Append(L"Program Files").Append(L"VanTa6");
-  }
-  base::FilePath registry() const {
-    return root().Append(L"user.reg");
-  }
+  base::FilePath root() const { return m_dir.path(); }
+  base::FilePath profile() const { return root().Append(L"profile"); }
+  base::FilePath local() const { return profile().Append(L"AppData").Append(L"Local"); }
+  base::FilePath data_folder() const { return local().Append(L"VanTu8"); }
+  base::FilePath program() const { return root().Append(L"Program Files").Append(L"VanTa6"); }
+  base::FilePath registry() const { return root().Append(L"user.reg"); }
 
   // A generation-6 installation with one list entry whose song is gone.
   void WriteInstallation() {
@@ -107,16 +100,18 @@ class HostRunTest : public testing::Test {
   // folder; answers its exit status and keeps its standard output (and its
   // standard error too when |with_errors|).
   int Run(const std::string& args, bool with_errors = true) {
-    std::string command =
-        "env -u VANTU_REGISTRY_FILE -u LOCALAPPDATA -u APPDATA -u USERPROFILE "
-        "-u VANTU_LOG_STDERR HOME=" +
-        Quote(root()) + " " VANTU_BINARY_DIR "/vantu-import " + args +
-        (with_errors ? " 2>&1" : " 2>/dev/null");
-    return testing_support::RunCommand(command, "", &m_output);
+    testing_support::ProgramEnvironment environment;
+    environment.unset = {"VANTU_REGISTRY_FILE", "LOCALAPPDATA", "APPDATA", "USERPROFILE",
+                         "VANTU_LOG_STDERR"};
+    environment.set["HOME"] = root().AsUTF8Unsafe();
+    environment.with_errors = with_errors;
+    return testing_support::RunProgram(base::FilePath::FromUTF8Unsafe(kHost), args, environment,
+                                       &m_output);
   }
 
   std::string ProfileArgs() const {
-    return "--profile " + Quote(profile()) + " --registry " + Quote(registry());
+    return "--profile " + testing_support::QuoteArgument(profile()) + " --registry " +
+           testing_support::QuoteArgument(registry());
   }
 
   testing_support::ScopedTempDir m_dir;
@@ -134,20 +129,28 @@ TEST_F(HostRunTest, BadUsageIsAnErrorThatCreatesNothing) {
     std::string args;
     std::string expected;
   } kCases[] = {
-      {"--profile " + Quote(absent),
-       "--profile " + absent.AsUTF8Unsafe() + ": No such file or directory"},
-      {"--profile " + Quote(file), "--profile " + file.AsUTF8Unsafe() + ": Not a directory"},
-      {"--profile " + Quote(root()),
-       "--profile " + root().AsUTF8Unsafe() + "/AppData/Local: No such file or directory"},
-      {"--local-appdata " + Quote(absent), "--local-appdata " + absent.AsUTF8Unsafe() + ": "},
-      {"--roaming-appdata=" + Quote(file),
+      {"--profile " + testing_support::QuoteArgument(absent),
+       "--profile " + absent.AsUTF8Unsafe() + ": " + kNoSuchFile},
+      {"--profile " + testing_support::QuoteArgument(file),
+       "--profile " + file.AsUTF8Unsafe() + ": Not a directory"},
+      {"--profile " + testing_support::QuoteArgument(root()),
+       "--profile " + root().Append(L"AppData").Append(L"Local").AsUTF8Unsafe() + ": " +
+           kNoSuchFolder},
+      {"--local-appdata " + testing_support::QuoteArgument(absent),
+       "--local-appdata " + absent.AsUTF8Unsafe() + ": "},
+      {"--roaming-appdata=" + testing_support::QuoteArgument(file),
        "--roaming-appdata " + file.AsUTF8Unsafe() + ": Not a directory"},
-      {"--i " + Quote(absent), "--i " + absent.AsUTF8Unsafe() + ": No such file"},
-      {"--i=" + Quote(file), "--i " + file.AsUTF8Unsafe() + ": Not a directory"},
-      {"--registry " + Quote(absent), "--registry " + absent.AsUTF8Unsafe() + ": No such file"},
-      {"--registry " + Quote(local()), "--registry " + local().AsUTF8Unsafe() + ": Is a directory"},
+      {"--i " + testing_support::QuoteArgument(absent),
+       "--i " + absent.AsUTF8Unsafe() + ": " + kNoSuchFile},
+      {"--i=" + testing_support::QuoteArgument(file),
+       "--i " + file.AsUTF8Unsafe() + ": Not a directory"},
+      {"--registry " + testing_support::QuoteArgument(absent),
+       "--registry " + absent.AsUTF8Unsafe() + ": " + kNoSuchFile},
+      {"--registry " + testing_support::QuoteArgument(local()),
+       "--registry " + local().AsUTF8Unsafe() + ": Is a directory"},
       {"--local-appdata=", "option --local-appdata: empty value"},
-      {"--profile ''", "option --profile: empty value"},
+      {"--profile " + testing_support::QuoteArgument(std::string()),
+       "option --profile: empty value"},
   };
   std::string before = Fingerprint(root());
   for (const auto& c : kCases) {
@@ -171,8 +174,9 @@ TEST_F(HostRunTest, UnusableDataFolderIsAFailure) {
   ASSERT_TRUE(base::DeleteFile(data_folder()));
   ASSERT_TRUE(base::CreateDirectory(data_folder().Append(L"vantu.ini")));
   EXPECT_EQ(1, Run(ProfileArgs())) << m_output;
-  EXPECT_NE(std::string::npos, m_output.find("settings file " + data_folder().AsUTF8Unsafe() +
-                                             "/vantu.ini: Is a directory"))
+  EXPECT_NE(std::string::npos,
+            m_output.find("settings file " + data_folder().Append(L"vantu.ini").AsUTF8Unsafe() +
+                          ": Is a directory"))
       << m_output;
   EXPECT_FALSE(base::PathExists(data_folder().Append(L"VTMusicV3.db")));
 }
@@ -264,13 +268,13 @@ TEST_F(HostRunTest, LaterRunsKeepTheImportsReportAndNameIt) {
   // of the import is still there.
   ASSERT_TRUE(base::DeleteFile(data_folder().Append(importer_names::kMusicDatabaseV3)));
   ASSERT_TRUE(base::DeleteFile(data_folder().Append(importer_names::kPlaylistDatabaseV3)));
-  EXPECT_EQ(0, Run("--profile " + Quote(profile()))) << m_output;
+  EXPECT_EQ(0, Run("--profile " + testing_support::QuoteArgument(profile()))) << m_output;
   EXPECT_EQ(0u,
             m_output.find("Nothing to import: no earlier installation of the player was found." +
                           follows))
       << m_output;
   EXPECT_NE(std::string::npos,
-            m_output.find("\nReport:        " + data_folder().AsUTF8Unsafe() + "/reports/"))
+            m_output.find("\nReport:        " + data_folder().Append(L"reports").AsUTF8Unsafe()))
       << m_output;
   EXPECT_NE(std::string::npos, m_output.find("-nothing-")) << m_output;
 
@@ -293,7 +297,8 @@ TEST_F(HostRunTest, LaterRunsKeepTheImportsReportAndNameIt) {
 TEST_F(HostRunTest, VerboseNamesTheDroppedRecords) {
   base::FilePath roaming = profile().Append(L"AppData").Append(L"Roaming");
   ASSERT_TRUE(WriteSampleV7Installation(roaming, V7SampleSize()));
-  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << m_output;
+  EXPECT_EQ(0, Run("--verbose --profile " + testing_support::QuoteArgument(profile()), false))
+      << m_output;
   size_t heading = m_output.find("\nDropped records, by reason:\n");
   ASSERT_NE(std::string::npos, heading) << m_output;
   size_t cloud = m_output.find("\n  skipped list 'Cloud list' (", heading);
@@ -319,26 +324,56 @@ TEST_F(HostRunTest, SettingsCountedAsReadFromTheSource) {
   size.list_entries = 2;
   ASSERT_TRUE(WriteSampleV7Installation(roaming, size));
   testing_support::WriteBytes(settings, "");
-  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()))) << m_output;
+  EXPECT_EQ(0, Run("--quiet --profile " + testing_support::QuoteArgument(profile()))) << m_output;
   EXPECT_EQ(0u, m_output.find("Imported 4 songs")) << m_output;
   EXPECT_EQ(std::string::npos, m_output.find("setting")) << m_output;
 
   ASSERT_TRUE(base::DeleteFile(data_folder(), true));
   testing_support::WriteBytes(settings,
                               "[Player]\r\nVolume=35\r\n[NetConfig]\r\nDownloadPort=9100\r\n");
-  EXPECT_EQ(0, Run("--verbose --profile " + Quote(profile()), false)) << m_output;
+  EXPECT_EQ(0, Run("--verbose --profile " + testing_support::QuoteArgument(profile()), false))
+      << m_output;
   EXPECT_NE(std::string::npos, m_output.find(" and 2 settings")) << m_output;
   EXPECT_NE(std::string::npos, m_output.find("Settings: 2 read from the source; ")) << m_output;
+}
+
+// A user named in Chinese: every path of the run holds characters that no
+// Western code page has, and names beyond the basic plane come through
+// into the encrypted library and back.
+TEST_F(HostRunTest, ProfileUnderAChineseUserName) {
+  const base::FilePath user = root().Append(L"Users").Append(L"\u5f20\u4f1f");
+  ASSERT_TRUE(base::CreateDirectory(user.Append(L"AppData").Append(L"Local")));
+  V7SampleSize size;
+  size.songs = 40;
+  ASSERT_TRUE(WriteSampleV7Installation(user.Append(L"AppData").Append(L"Roaming"), size));
+  EXPECT_EQ(0, Run("--quiet --profile " + testing_support::QuoteArgument(user))) << m_output;
+
+  const base::FilePath data = user.Append(L"AppData").Append(L"Local").Append(L"VanTu8");
+  sql::Connection music;
+  ASSERT_TRUE(music.OpenWithKey(data.Append(importer_names::kMusicDatabaseV3),
+                                L"3C5A0F1E9D2B47A6B8E1C4D7F0A29B63"))
+      << m_output;
+  sql::Statement artist(
+      music.GetUniqueStatement("SELECT Artist FROM LocalFiles WHERE Artist LIKE '%Ensemble'"));
+  ASSERT_TRUE(artist.Step());
+  EXPECT_EQ(L"\U0001D11E Ensemble", artist.ColumnString16(0));
+  EXPECT_EQ(
+      0u,
+      testing_support::ReadBytes(data.Append(importer_names::kSettingsFileName)).find("\xFF\xFE"));
 }
 
 // Ctrl-C stops the run at once with exit status 130, says in which state it
 // left the data folder, and removes the demo's temporary profile.
 TEST_F(HostRunTest, InterruptSaysWhatStateItLeft) {
+#if defined(_WIN32)
+  GTEST_SKIP() << "the interrupt is sent by a POSIX shell (kill -INT); a Windows console's "
+                  "Ctrl-C reaches only processes that share the console";
+#endif
   // The interrupt goes as soon as the run has begun writing its data folder
   // (the demo is made under a temporary folder of this attempt's own); a run
   // quick enough to finish first is tried again, up to five times.
   std::string command =
-      "cd " + Quote(root()) +
+      "cd " + testing_support::QuoteArgument(root()) +
       " && for attempt in 1 2 3 4 5; do mkdir -p tmp.$attempt; "
       "TMPDIR=$PWD/tmp.$attempt " VANTU_BINARY_DIR
       "/vantu-import --demo >out.$attempt 2>&1 & pid=$!; "
@@ -359,7 +394,9 @@ TEST_F(HostRunTest, InterruptSaysWhatStateItLeft) {
 TEST_F(HostRunTest, SourceFolderCarriesSettingsAndLyrics) {
   base::FilePath old = root().Append(L"Old Player");
   ASSERT_TRUE(WriteSampleV6Installation(old, 5));
-  EXPECT_EQ(0, Run("--quiet --profile " + Quote(profile()) + " --i " + Quote(old))) << m_output;
+  EXPECT_EQ(0, Run("--quiet --profile " + testing_support::QuoteArgument(profile()) + " --i " +
+                   testing_support::QuoteArgument(old)))
+      << m_output;
   EXPECT_EQ(0u, m_output.find("Imported 5 songs")) << m_output;
   EXPECT_NE(std::string::npos, m_output.find(" settings")) << m_output;
   int lyrics = 0;
@@ -416,7 +453,8 @@ TEST_F(HostRunTest, SourceFolderOptionAndDemoCleanUp) {
   library.downloads = {{0, Hash(1), L"E:\\a.mp3", true}};
   ASSERT_TRUE(library.Write(source.Append(L"VTLibrary.db")));
   testing_support::WriteBytes(registry(), "Windows Registry Editor Version 5.00\r\n");
-  EXPECT_EQ(0, Run("--quiet " + ProfileArgs() + " --i " + Quote(source))) << m_output;
+  EXPECT_EQ(0, Run("--quiet " + ProfileArgs() + " --i " + testing_support::QuoteArgument(source)))
+      << m_output;
   EXPECT_EQ("Imported 1 song, 1 list with 1 entry and 1 download.\n", m_output);
 
   EXPECT_EQ(0, Run("--demo=6")) << m_output;

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "testing/test_support.h"
 #include "tools/vantu_import/host_options.h"
 #include "tools/vantu_import/run_outcome.h"
 
@@ -124,13 +125,17 @@ TEST(HostOptionsTest, ContextFromOptions) {
                      "e=/mnt/e", "--i", "E:\\Old Player", "--registry", "/r.reg", "--verbose"},
                     &options, &error));
   RunContext context = HostRunContext(options);
-  EXPECT_EQ(L"/copy/Users/ann/AppData/Local", context.m_local_app_data.value());
-  EXPECT_EQ(L"/copy/Users/ann/AppData/Local/VanTu8", context.m_data_folder.value());
-  EXPECT_EQ(L"/copy/Users/ann/AppData/Local/VanTu8/DataImporter.log", context.m_log_file.value());
+  EXPECT_EQ(testing_support::NativePath(L"/copy/Users/ann/AppData/Local"),
+            context.m_local_app_data.value());
+  EXPECT_EQ(testing_support::NativePath(L"/copy/Users/ann/AppData/Local/VanTu8"),
+            context.m_data_folder.value());
+  EXPECT_EQ(testing_support::NativePath(L"/copy/Users/ann/AppData/Local/VanTu8/DataImporter.log"),
+            context.m_log_file.value());
   EXPECT_EQ(L"/elsewhere", context.m_roaming_app_data.value());
   EXPECT_EQ(L"/copy/Users/ann", context.m_user_profile.value());
   EXPECT_EQ(L"/r.reg", context.m_registry_file.value());
-  EXPECT_EQ(L"/mnt/e/Old Player", context.m_source_folder.value());
+  EXPECT_EQ(base::FilePath(L"/mnt/e").Append(L"Old Player").value(),
+            context.m_source_folder.value());
   EXPECT_TRUE(context.m_log_to_stderr);
   // The machine's own variables are not the copied user's.
   EXPECT_TRUE(context.m_variables.empty());

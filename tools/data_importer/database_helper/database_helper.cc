@@ -135,15 +135,23 @@ std::string BuildInsertStatement(const std::string& table,
                                  const std::string& columns,
                                  const std::string& values) {
   std::string sql;
-  sql.reserve(table.size() + columns.size() + values.size() + 24);
-  sql += "Insert Into ";
-  sql += table;
-  sql += "(";
-  sql += columns;
-  sql += ") values (";
-  sql += values;
-  sql += ")";
+  BuildInsertStatement(table, columns, values, &sql);
   return sql;
+}
+
+void BuildInsertStatement(std::string_view table,
+                          std::string_view columns,
+                          std::string_view values,
+                          std::string* out) {
+  out->clear();
+  out->reserve(table.size() + columns.size() + values.size() + 24);
+  *out += "Insert Into ";
+  *out += table;
+  *out += "(";
+  *out += columns;
+  *out += ") values (";
+  *out += values;
+  *out += ")";
 }
 
 std::string SqlTableName(const std::string& name) {

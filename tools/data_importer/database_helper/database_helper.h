@@ -104,6 +104,12 @@ class DatabaseHelper {
 std::string BuildInsertStatement(const std::string& table,
                                  const std::string& columns,
                                  const std::string& values);
+// The same text, written into |out| (emptied first): a caller inserting row
+// after row keeps one buffer instead of a new string per row.
+void BuildInsertStatement(std::string_view table,
+                          std::string_view columns,
+                          std::string_view values,
+                          std::string* out);
 
 // |name| as it can stand in a statement: unchanged when it is a plain
 // identifier (letters, digits, "_"), else in double quotes. A list's table

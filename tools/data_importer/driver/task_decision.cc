@@ -135,11 +135,20 @@ const char* GenerationOfTask(const std::wstring& task) {
   return nullptr;
 }
 
+// Windows has a registry of the process's user; other systems none.
+#if defined(_WIN32)
+constexpr bool kSystemHasRegistry = true;
+#else
+constexpr bool kSystemHasRegistry = false;
+#endif
+
 }  // namespace
 
 base::Value DescribeTaskSearch(const RunContext& context, const TaskSearch& search) {
   base::Value lines = base::Value::array();
-  if (search.registry_file.empty())
+  if (search.registry_file.empty() && RegistryKnown(context) && kSystemHasRegistry)
+    lines.push_back("registry: HKEY_CURRENT_USER of the user running the import");
+  else if (search.registry_file.empty())
     lines.push_back("registry: none given");
   else if (!search.registry_readable)
     lines.push_back("registry: " + U8(search.registry_file) +

@@ -73,6 +73,10 @@ std::wstring ExpandWindowsVariables(const RunContext& context, const std::wstrin
       });
 }
 
+bool RegistryKnown(const RunContext& context) {
+  return !context.m_registry_file.empty() || context.m_own_registry;
+}
+
 RegistryPathLookup LookUpRegistryPath(const RunContext& context,
                                       const std::wstring& subkey,
                                       const std::wstring& value_name) {
@@ -80,8 +84,8 @@ RegistryPathLookup LookUpRegistryPath(const RunContext& context,
   lookup.key = subkey;
   lookup.value_name = value_name;
   base::RegKey key;
-  if (!key.Open(context.m_registry_file, subkey) || !key.ReadValue(value_name, &lookup.text) ||
-      lookup.text.empty()) {
+  if (!RegistryKnown(context) || !key.Open(context.m_registry_file, subkey) ||
+      !key.ReadValue(value_name, &lookup.text) || lookup.text.empty()) {
     return lookup;
   }
   lookup.value_found = true;
@@ -108,7 +112,8 @@ std::wstring ReadRegistryString(const RunContext& context,
                                 const std::wstring& value_name) {
   base::RegKey key;
   std::wstring value;
-  if (!key.Open(context.m_registry_file, subkey) || !key.ReadValue(value_name, &value))
+  if (!RegistryKnown(context) || !key.Open(context.m_registry_file, subkey) ||
+      !key.ReadValue(value_name, &value))
     return std::wstring();
   return value;
 }

@@ -26,6 +26,10 @@ struct RegistryPathLookup {
   bool exists = false;
 };
 
+// Whether the run has a registry to read: a registry file, or the process's
+// own when it is the user's (RunContext::m_own_registry).
+[[nodiscard]] bool RegistryKnown(const RunContext& context);
+
 // Looks up the path in string value |value_name| of key |subkey|: expands
 // its references (ExpandWindowsVariables), maps
 // the drive letter, and checks that the path exists. A path under

@@ -4,18 +4,15 @@
 #include <windows.h>
 #endif
 
-#include <stdlib.h>
-
 #include <string>
 
+#include "base/environment.h"
 #include "base/file_util.h"
 #include "base/path_service.h"
 #include "base/utf_string_conversions.h"
 #include "logging/logging.h"
 #include "tools/data_importer/environment/ansi_code_page.h"
 #include "tools/data_importer/run_record/importer_names.h"
-
-extern char** environ;
 
 namespace data_importer {
 
@@ -39,19 +36,13 @@ RunContext RunContextFromEnvironment() {
   SetLocalAppData(local_app_data, &context);
   context.m_roaming_app_data = base::GetRoamingAppDataFolder();
 
-  for (char** entry = environ; entry && *entry; ++entry) {
-    std::string pair = *entry;
-    size_t equals = pair.find('=');
-    if (equals == std::string::npos || equals == 0)
-      continue;
-    std::string name = pair.substr(0, equals);
-    std::string value = pair.substr(equals + 1);
-    if (name == "USERPROFILE")
-      context.m_user_profile = base::FilePath::FromUTF8Unsafe(value);
-    else if (name == "VANTU_REGISTRY_FILE")
-      context.m_registry_file = base::FilePath::FromUTF8Unsafe(value);
+  for (const auto& [name, value] : base::EnvironmentVariables()) {
+    if (name == L"USERPROFILE")
+      context.m_user_profile = base::FilePath(value);
+    else if (name == L"VANTU_REGISTRY_FILE")
+      context.m_registry_file = base::FilePath(value);
     else
-      context.m_variables[base::UTF8ToWide(name)] = base::UTF8ToWide(value);
+      context.m_variables[name] = value;
   }
   context.m_drives = base::DriveMapFromEnvironment();
 #if defined(_WIN32)

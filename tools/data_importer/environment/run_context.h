@@ -30,6 +30,10 @@ struct RunContext {
   // The file standing for the current user's registry (a binary hive or a
   // ".reg" export); empty for the process's own registry.
   base::FilePath m_registry_file;
+  // Whether, without a registry file, the process's own registry is the
+  // user's (the player's run). False for a copied profile: the registry of
+  // whoever runs the copy is not the copied user's.
+  bool m_own_registry = true;
   // Windows drive letters ('C') to the folders standing for them.
   base::DriveMap m_drives;
   // Further variables of the user's Windows environment that a registry

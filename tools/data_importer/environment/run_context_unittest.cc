@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/path_service.h"
 #include "testing/test_support.h"
 #include "tools/data_importer/environment/installation_lookup.h"
 
@@ -21,10 +22,13 @@ TEST(RunContextTest, FromTheEnvironment) {
   env.Set("VANTU_LOG_LEVEL", "3");
   env.Set("VANTU_LOG_STDERR", "1");
   env.Set("ProgramFiles", "D:\\Apps");
+  // Windows sets it; here the usual folder stands in for it.
+  env.Set("SystemRoot", std::nullopt);
   RunContext context = RunContextFromEnvironment();
   EXPECT_EQ(L"/u/local", context.m_local_app_data.value());
-  EXPECT_EQ(L"/u/local/VanTu8", context.m_data_folder.value());
-  EXPECT_EQ(L"/u/local/VanTu8/DataImporter.log", context.m_log_file.value());
+  EXPECT_EQ(testing_support::NativePath(L"/u/local/VanTu8"), context.m_data_folder.value());
+  EXPECT_EQ(testing_support::NativePath(L"/u/local/VanTu8/DataImporter.log"),
+            context.m_log_file.value());
   EXPECT_EQ(L"/u/roaming", context.m_roaming_app_data.value());
   EXPECT_EQ(L"/u", context.m_user_profile.value());
   EXPECT_EQ(L"/u/NTUSER.DAT", context.m_registry_file.value());
@@ -43,10 +47,18 @@ TEST(RunContextTest, FromTheEnvironment) {
        {"LOCALAPPDATA", "APPDATA", "USERPROFILE", "VANTU_REGISTRY_FILE", "VANTU_DRIVE_D",
         "VANTU_LOG_LEVEL", "VANTU_LOG_STDERR", "XDG_DATA_HOME", "XDG_CONFIG_HOME"})
     env.Set(name, std::nullopt);
+#if defined(_WIN32)
+  // On Windows the shell knows the user's folders.
+  env.Set(base::kFoldersFromEnvironment, std::nullopt);
+  context = RunContextFromEnvironment();
+  EXPECT_EQ(L"VanTu8", context.m_data_folder.BaseName().value());
+  EXPECT_FALSE(context.m_roaming_app_data.empty());
+#else
   env.Set("HOME", "/h");
   context = RunContextFromEnvironment();
   EXPECT_EQ(L"/h/.local/share/VanTu8", context.m_data_folder.value());
   EXPECT_EQ(L"/h/.config", context.m_roaming_app_data.value());
+#endif
   EXPECT_TRUE(context.m_user_profile.empty());
   EXPECT_TRUE(context.m_registry_file.empty());
   EXPECT_TRUE(context.m_drives.empty());

@@ -41,8 +41,13 @@ void ProgressRecord::WriteKey(const wchar_t* key, const std::wstring& value) {
 }
 
 void ProgressRecord::Initialise(const base::FilePath& folder) {
-  if (!folder.empty())
+  if (!folder.empty()) {
     m_ini_path = base::ResolvePathCase(folder.Append(kSettingsFileName)).value();
+    // A new settings file is UTF-16: the player's settings hold folder
+    // names and titles in any script. A file that cannot be made shows in
+    // the writes below, which are ignored the same way.
+    (void)base::CreateUnicodeProfileFile(m_ini_path);
+  }
   WriteKey(kKeyImportProgress, L"");
   WriteKey(kKeyImportState, L"");
   WriteKey(kKeyUpdateProgress, L"");

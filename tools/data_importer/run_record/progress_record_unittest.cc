@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/profile_string.h"
+#include "testing/test_support.h"
 #include "tools/data_importer/environment/data_folder.h"
 #include "testing/importer_test_util.h"
 
@@ -19,6 +21,28 @@ TEST(ProgressRecordTest, InitialiseResetsTheSection) {
     EXPECT_EQ(L"", profile.DBCheck(key)) << key;
   EXPECT_EQ(L"-1", profile.DBCheck(L"BeforceImportEmpty"));
   EXPECT_EQ(L"#missing#", profile.DBCheck(L"ImportEnd"));
+}
+
+// A settings file the run makes is UTF-16LE with its mark, so a value in
+// any script survives; one the player made keeps its encoding.
+TEST(ProgressRecordTest, NewSettingsFileIsUnicodeAndAnOldOneKeepsItsEncoding) {
+  TestProfile profile;
+  ProgressRecord record;
+  record.Initialise(TestDataFolder());
+  std::string bytes = testing_support::ReadBytes(profile.ini());
+  ASSERT_GE(bytes.size(), 2u);
+  EXPECT_EQ(std::string("\xFF\xFE", 2), bytes.substr(0, 2));
+  const std::wstring title = L"\u4e2d\u6587\u6b4c\u66f2 \U0001F3B5";
+  ASSERT_TRUE(base::WritePrivateProfileStringW(L"Settings", L"LastTitle", title.c_str(),
+                                               profile.ini().value().c_str(), 1252));
+  EXPECT_EQ(title, profile.Setting(L"LastTitle"));
+
+  testing_support::WriteBytes(profile.ini(), "[DBCheck]\r\nImportEnd=1\r\n");
+  ProgressRecord again;
+  again.Initialise(TestDataFolder());
+  bytes = testing_support::ReadBytes(profile.ini());
+  EXPECT_EQ(0u, bytes.find("[DBCheck]\r\n")) << bytes;
+  EXPECT_EQ(L"1", profile.DBCheck(L"ImportEnd"));
 }
 
 TEST(ProgressRecordTest, AdvanceClampsToFloorAndNinetyNine) {

@@ -144,6 +144,10 @@ bool WriteImportedSettings(const std::vector<ImportedSettings>& records,
                            const base::FilePath& ini_path,
                            uint32_t ansi_code_page) {
   bool all_written = true;
+  // UTF-16 when new, so that no character of a setting is lost (see
+  // CreateUnicodeProfileFile); a failure here shows in the writes.
+  if (!records.empty())
+    (void)base::CreateUnicodeProfileFile(ini_path.value());
   for (const ImportedSettings& record : records) {
     for (const auto& [key, value] : SettingsEntries(record)) {
       if (!base::WritePrivateProfileStringW(importer_names::kSettingsSection, key.c_str(),

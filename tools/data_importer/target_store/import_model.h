@@ -118,16 +118,17 @@ class ImportModel {
   RecordList<LoginRecord> m_login_history;
   RecordList<SearchKeywordRecord> m_search_keywords;
   std::map<int32_t, SongList> m_radio_songs;
-  std::map<int32_t, uint8_t> m_file_flag_map;
+  // The id maps below are looked up once per row written and never walked
+  // in order.
+  std::unordered_map<int32_t, uint8_t> m_file_flag_map;
   RecordList<AppToolRecord> m_app_tools;
   // Settings taken from older generations, in the order they were read;
   // the settings writer writes them in this order, so a later record
   // overwrites an earlier one key by key.
   std::vector<ImportedSettings> m_settings;
-  std::map<int, int> m_music_id_map;
-  std::map<int, int> m_mv_id_map;
-  std::map<int, int> m_folder_id_map;
-  // Looked up by hash only, never walked in order.
+  std::unordered_map<int, int> m_music_id_map;
+  std::unordered_map<int, int> m_mv_id_map;
+  std::unordered_map<int, int> m_folder_id_map;
   std::unordered_map<std::wstring, int> m_hash_id_map;
   std::unique_ptr<DatabaseHelper> m_music_db;
   std::unique_ptr<DatabaseHelper> m_playlist_db;

@@ -145,6 +145,7 @@ class ValueSource {
 
  private:
   void Set(std::wstring* value) { *value = Text(); }
+  void Set(SharedText* value) { *value = Text(); }
   void Set(NullableText* value) {
     value->text = Text();
     value->is_null = value->text.empty() && Chance(50);
@@ -175,7 +176,7 @@ std::shared_ptr<SongItem> GenerateSong(ValueSource* values,
   song->MusicFilePath = file.FileName;
   song->MusicFileHash = file.MD5;
   song->mv_file_id = video ? video->old_id : 0;
-  song->MVFilePath = video ? video->FileName : std::wstring();
+  song->MVFilePath = video ? video->FileName : SharedText();
   song->MVFileHash = video ? video->MD5 : NullableText();
   return song;
 }

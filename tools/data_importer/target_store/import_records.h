@@ -5,11 +5,14 @@
 #include <string>
 #include <utility>
 
+#include "tools/data_importer/target_store/shared_text.h"
+
 namespace data_importer {
 
 // The plain records through which every source reader hands its data to the
-// database writers. Text fields are wide strings; numbers default to 0, texts
-// to empty. A field named like a column of the new databases is written to
+// database writers. Text fields are wide strings (SharedText in the library
+// files and the list entries, which copy one another's texts); numbers
+// default to 0, texts to empty. A field named like a column of the new databases is written to
 // that column; the lower-case fields are old ids that the writers translate.
 // A field whose column declares another default starts at that default, so a
 // reader that has no value for a column produces what the table would.
@@ -32,6 +35,7 @@ struct NullableText {
   NullableText() = default;
   NullableText(std::wstring value) : text(std::move(value)) {}  // NOLINT: a text is no NULL
   NullableText(const wchar_t* value) : text(value) {}           // NOLINT: as above
+  NullableText(SharedText value) : text(std::move(value)) {}    // NOLINT: as above
   bool operator==(const NullableText&) const = default;
 
   static NullableText Null() {
@@ -40,7 +44,7 @@ struct NullableText {
     return null;
   }
 
-  std::wstring text;
+  SharedText text;
   bool is_null = false;
 };
 
@@ -59,12 +63,12 @@ struct ShareFileItem {
   // a database of our own format held NULL.
   NullableText MD5;
   NullableText MpegMD5;
-  std::wstring FileName;
-  std::wstring FileNamePure;
-  std::wstring Artist;
-  std::wstring Album;
-  std::wstring LyricFile;
-  std::wstring FileSource;
+  SharedText FileName;
+  SharedText FileNamePure;
+  SharedText Artist;
+  SharedText Album;
+  SharedText LyricFile;
+  SharedText FileSource;
   int FileSize = 0;
   int CDNFlag = 0;
   int MpegOffset = 0;
@@ -118,12 +122,12 @@ struct SongItem {
   int MandatoryBitrate = 0;
   int DownloadState = 0;
   int NetworkFailure = 0;
-  std::wstring TitleName;
-  std::wstring ImageURL;
-  std::wstring LyricFileName;
-  std::wstring Singer;
-  std::wstring SongFileSource;
-  std::wstring Genre;
+  SharedText TitleName;
+  SharedText ImageURL;
+  SharedText LyricFileName;
+  SharedText Singer;
+  SharedText SongFileSource;
+  SharedText Genre;
   int64_t CreationTime = 0;
   int64_t LastPlayTime = 0;
   int64_t LastMatchMVTime = 0;
@@ -131,11 +135,11 @@ struct SongItem {
   int64_t CueEndTime = 0;
   int64_t LastGenreDownloadTime = 0;
   // The music-file half.
-  std::wstring MusicFilePath;
+  SharedText MusicFilePath;
   NullableText MusicFileHash;
-  std::wstring MusicFileSource;
-  std::wstring MusicFileArtist;
-  std::wstring MusicFileAlbum;
+  SharedText MusicFileSource;
+  SharedText MusicFileArtist;
+  SharedText MusicFileAlbum;
   int MusicFileSize = 0;
   int MusicFileCDNFlag = 0;
   int MusicFileDuration = 0;
@@ -143,9 +147,9 @@ struct SongItem {
   int MusicFilePlayable = 0;
   int64_t MusicFileLastModifyTime = 0;
   // The MV half.
-  std::wstring MVFilePath;
+  SharedText MVFilePath;
   NullableText MVFileHash;
-  std::wstring MVFileSource;
+  SharedText MVFileSource;
   int MVFileSize = 0;
   int MVFileCDNFlag = 0;
   int MVFileDuration = 0;

@@ -95,6 +95,7 @@ void ImportModel::WriteShareFileItems() {
   std::vector<int> ids = WriteNumberedTable(m_music_db.get(), kShareFileItems, m_share_files,
                                             FillShareFileRow, report(), &inserted);
   m_hash_id_map.reserve(m_hash_id_map.size() + m_share_files.size());
+  m_music_id_map.reserve(m_music_id_map.size() + m_share_files.size());
   int64_t videos = 0;
   for (size_t i = 0; i < m_share_files.size(); ++i) {
     const ShareFileItem& file = *m_share_files[i];

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <limits>
 #include <string>
+#include <unordered_map>
 
 #include "base/file_util.h"
 #include "base/utf_string_conversions.h"
@@ -45,8 +46,9 @@ TEST_F(MusicLibraryWritersTest, ShareFileIdsAndMaps) {
   EXPECT_EQ((std::vector<std::string>{"41|old", "42|a.mp3", "43|a.mkv", "44|b.mp3", "45|c.mp3",
                                       "46|d.mp3"}),
             QueryRows(music(), "SELECT id, FileName FROM ShareFileItems ORDER BY id"));
-  EXPECT_EQ((std::map<int, int>{{5, 42}, {6, 44}, {7, 45}, {8, 46}}), m_model.m_music_id_map);
-  EXPECT_EQ((std::map<int, int>{{5, 43}}), m_model.m_mv_id_map);
+  EXPECT_EQ((std::unordered_map<int, int>{{5, 42}, {6, 44}, {7, 45}, {8, 46}}),
+            m_model.m_music_id_map);
+  EXPECT_EQ((std::unordered_map<int, int>{{5, 43}}), m_model.m_mv_id_map);
   EXPECT_EQ((std::unordered_map<std::wstring, int>{{HashOf(1), 45}, {HashOf(2), 43}}),
             m_model.m_hash_id_map);
 }
@@ -144,7 +146,7 @@ TEST_F(MusicLibraryWritersTest, FoldersLocalFilesAndTools) {
   m_model.WriteLocalFiles();
   m_model.WriteAppTools();
 
-  EXPECT_EQ((std::map<int, int>{{10, 2}, {30, 3}}), m_model.m_folder_id_map);
+  EXPECT_EQ((std::unordered_map<int, int>{{10, 2}, {30, 3}}), m_model.m_folder_id_map);
   EXPECT_EQ((std::vector<std::string>{"D:\\a.mp3|D:\\Music\\10's|0", "D:\\b.mp3|D:\\Music\\30's|1",
                                       "D:\\c.mp3||3"}),
             QueryRows(music(), "SELECT FilePath, FolderPath, FileSize FROM LocalFiles ORDER BY 1"));

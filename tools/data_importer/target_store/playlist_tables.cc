@@ -6,6 +6,7 @@
 // one schema of song_table.h.
 
 #include <string>
+#include <unordered_map>
 
 #include "tools/data_importer/database_helper/db_row_reader.h"
 #include "tools/data_importer/target_store/import_model.h"
@@ -29,7 +30,7 @@ std::string SongListTableName(int id, ImportModel::SongListKind kind) {
          std::to_string(id);
 }
 
-int Lookup(const std::map<int, int>& map, int key) {
+int Lookup(const std::unordered_map<int, int>& map, int key) {
   auto found = map.find(key);
   return found == map.end() ? 0 : found->second;
 }
@@ -66,7 +67,7 @@ void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind
   WriteTable(
       db, definition, songs, EmptyList::kCreateTable,
       [&](const SongItem& song, RowBuilder* row) {
-        int playable = MusicFilePlayableFromPath(song.MusicFilePath);
+        int playable = -1;  // by the entry's own path, unless its file decides
         if (kind == kGeneralList) {
           // The song tables keep a file by its path and hash, not by id: the
           // new ids decide only whether the entry survives and how playable
@@ -79,6 +80,8 @@ void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind
           if (flag != m_file_flag_map.end())
             playable = !flag->second;
         }
+        if (playable < 0)
+          playable = MusicFilePlayableFromPath(song.MusicFilePath);
         row->Int("SongID", song.SongID);
         AppendSongColumns(song, playable, row);
         return RowFate::Write();
@@ -88,6 +91,7 @@ void ImportModel::WriteSongList(int id, const SongList& songs, SongListKind kind
 
 void ImportModel::FillFileFlagMap() {
   m_file_flag_map.clear();
+  m_file_flag_map.reserve(m_music_id_map.size());
   for (const auto& file : m_share_files) {
     if (file->ShareFileType == 2)
       continue;

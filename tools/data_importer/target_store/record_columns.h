@@ -26,6 +26,7 @@ namespace data_importer {
 template <typename Record>
 struct RecordColumn {
   using Field = std::variant<std::wstring Record::*,
+                             SharedText Record::*,
                              NullableText Record::*,
                              int Record::*,
                              int64_t Record::*,
@@ -43,11 +44,14 @@ namespace record_columns_internal {
 inline void Append(RowBuilder* row, const char* name, const std::wstring& value) {
   row->Text(name, value);
 }
+inline void Append(RowBuilder* row, const char* name, const SharedText& value) {
+  row->Text(name, value.view());
+}
 inline void Append(RowBuilder* row, const char* name, const NullableText& value) {
   if (value.is_null)
     row->Null(name);
   else
-    row->Text(name, value.text);
+    row->Text(name, value.text.view());
 }
 inline void Append(RowBuilder* row, const char* name, int value) {
   row->Int(name, value);
@@ -63,6 +67,9 @@ inline void Append(RowBuilder* row, const char* name, double value) {
 }
 
 inline void Read(RowReaderInterface* row, const std::string& name, std::wstring* value) {
+  *value = row->GetString16(name);
+}
+inline void Read(RowReaderInterface* row, const std::string& name, SharedText* value) {
   *value = row->GetString16(name);
 }
 inline void Read(RowReaderInterface* row, const std::string& name, NullableText* value) {

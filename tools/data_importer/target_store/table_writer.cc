@@ -58,6 +58,10 @@ std::string RowBuilder::Statement(const std::string& table) const {
   return BuildInsertStatement(table, m_columns, m_values);
 }
 
+void RowBuilder::Statement(const std::string& table, std::string* out) const {
+  BuildInsertStatement(table, m_columns, m_values, out);
+}
+
 void RowBuilder::Clear() {
   m_columns.clear();
   m_values.clear();
@@ -100,7 +104,8 @@ bool TableTransaction::Execute(const std::string& statement) {
 }
 
 bool TableTransaction::InsertRow() {
-  bool inserted = Execute(m_row.Statement(m_definition.name));
+  m_row.Statement(m_definition.name, &m_statement);
+  bool inserted = Execute(m_statement);
   m_row.Clear();
   return inserted;
 }

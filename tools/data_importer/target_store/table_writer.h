@@ -51,6 +51,8 @@ class RowBuilder {
 
   // The insert statement of the row built so far.
   std::string Statement(const std::string& table) const;
+  // The same, written into |out| (emptied first).
+  void Statement(const std::string& table, std::string* out) const;
   void Clear();
 
  private:
@@ -96,6 +98,7 @@ class TableTransaction {
   DatabaseHelper* m_db;
   const TableDef& m_definition;
   RowBuilder m_row;
+  std::string m_statement;  // the last row's insert, its buffer kept
   bool m_open = false;
 };
 

@@ -2,7 +2,6 @@
 #define TOOLS_DATA_IMPORTER_SOURCE_READERS_V6_DATA_EXPORTER_V6_DATA_EXPORTER_H_
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -11,6 +10,7 @@
 #include "base/file_path.h"
 #include "logging/logging.h"
 #include "tools/data_importer/source_readers/data_exporter.h"
+#include "tools/data_importer/source_readers/lookup_map.h"
 #include "tools/data_importer/target_store/import_records.h"
 
 namespace data_importer {
@@ -118,6 +118,12 @@ class V6DataExporter : public DataExporter {
   // free id above the largest taken.
   int TakeListId(int source_id);
 
+  // The key of a "V2" music item: its "ItemID" within library file |N|.
+  static int64_t V2ItemKey(int item_id, int library_number) {
+    return static_cast<int64_t>(static_cast<uint32_t>(item_id)) << 32 |
+           static_cast<uint32_t>(library_number);
+  }
+
   // Fills the music-file half of |song| from the music item it refers to,
   // and its MV half from the item's MV when that was imported.
   void FillFromMusic(const MusicEntry& music, SongItem* song) const;
@@ -126,10 +132,10 @@ class V6DataExporter : public DataExporter {
   base::FilePath m_work_db;    // our copy of it, the one that is read
 
   // Lookups of one export, emptied at its start and end.
-  std::set<int> m_list_ids;                                  // lists already taken
-  std::map<int, MusicEntry> m_music_items;                   // "V1" music item id
-  std::map<int, std::shared_ptr<ShareFileItem>> m_mv_items;  // "V1" MV id
-  std::map<std::wstring, MusicEntry> m_v2_music_items;       // "ItemID_N"
+  std::set<int> m_list_ids;                                   // lists already taken
+  LookupMap<int, MusicEntry> m_music_items;                   // "V1" music item id
+  LookupMap<int, std::shared_ptr<ShareFileItem>> m_mv_items;  // "V1" MV id
+  LookupMap<int64_t, MusicEntry> m_v2_music_items;            // see V2ItemKey
 
   int32_t m_next_list_sort = 1;  // sort position of the next ordinary list
   // Whether the settings and login readers run at the end of a layout;

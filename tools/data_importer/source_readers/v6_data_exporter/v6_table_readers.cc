@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <limits>
-#include <set>
+#include <memory_resource>
+#include <optional>
+#include <unordered_set>
 
 #include <boost/format.hpp>
 
@@ -123,7 +125,7 @@ bool V6DataExporter::ReadMusicItems() {
 }
 
 // "PlayListItems" of one "V2" library file: every row is a music item,
-// remembered under "<ItemID>_<N>" for the list reader.
+// remembered by its "ItemID" and library file N for the list reader.
 bool V6DataExporter::ReadMusicItemsV2(int library_number) {
   ReadProgressTicker ticker(this, CountRows(*m_db->connection(), "PlayListItems"));
   RowQuery query{(boost::format("SELECT * FROM %s") % "PlayListItems").str(), kV2MusicItemsTable,
@@ -143,9 +145,7 @@ bool V6DataExporter::ReadMusicItemsV2(int library_number) {
                     file->BitRate = row.GetInt("BitRate");
                     file->MD5 = HashOrZero(row.GetString16("Hash"));
                     file->ReplayGain = row.GetDouble("ReplayGain");
-                    std::wstring key = std::to_wstring(row.GetInt("ItemID")) + L"_" +
-                                       std::to_wstring(library_number);
-                    m_v2_music_items[key].file = file;
+                    m_v2_music_items[V2ItemKey(row.GetInt("ItemID"), library_number)].file = file;
                     tally.Made(file.get());
                     m_model->m_share_files.push_back(file);
                     return true;
@@ -285,17 +285,23 @@ bool V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
                .str();
   SongList& songs = m_model->m_list_songs[list.id];
   // SongID is the key of the list's table: a repeated one takes the next
-  // free number above the largest, so the entry is not lost.
-  std::set<int> song_ids;
+  // free number above the largest, so the entry is not lost. The ids are
+  // kept apart from the entries (see LookupMap).
+  std::pmr::monotonic_buffer_resource ids_memory;
+  std::pmr::unordered_set<int> song_ids(&ids_memory);
+  std::optional<int> largest_id;
+  auto take_id = [&](int id) {
+    song_ids.insert(id);
+    largest_id = largest_id ? std::max(*largest_id, id) : id;
+  };
   for (const auto& song : songs)
-    song_ids.insert(song->SongID);
+    take_id(song->SongID);
   const std::string target = "GeneralList_" + std::to_string(list.id);
   RowQuery entries_query{query, v2 ? kV2ListEntriesTable : "PlayListItems"};
   RowsRead entries = ReadRows(entries_query, [&](DbRowReader& row, SourceTableTally& tally) {
     const MusicEntry* music = nullptr;
     if (v2) {
-      auto found = m_v2_music_items.find(std::to_wstring(row.GetInt("ItemID")) + L"_" +
-                                         std::to_wstring(library_number));
+      auto found = m_v2_music_items.find(V2ItemKey(row.GetInt("ItemID"), library_number));
       music = found == m_v2_music_items.end() ? nullptr : &found->second;
     } else {
       auto found = m_music_items.find(row.GetInt("MusicItemID"));
@@ -311,11 +317,9 @@ bool V6DataExporter::ReadListItems(const ListRef& list, bool v2, int library_num
     auto song = std::make_shared<SongItem>();
     FillFromMusic(*music, song.get());
     song->SongID = row.GetInt("ItemID");
-    if (!song_ids.insert(song->SongID).second &&
-        *song_ids.rbegin() < std::numeric_limits<int>::max()) {
-      song->SongID = *song_ids.rbegin() + 1;
-      song_ids.insert(song->SongID);
-    }
+    if (song_ids.count(song->SongID) && *largest_id < std::numeric_limits<int>::max())
+      song->SongID = *largest_id + 1;
+    take_id(song->SongID);
     song->PlayCount = row.GetInt("PlayCount");
     song->SortID = row.GetInt("SortID");
     song->CreationTime = row.GetInt64("CreationTime");

@@ -2,13 +2,13 @@
 #define TOOLS_DATA_IMPORTER_SOURCE_READERS_V7_DATA_EXPORTER_V7_DATA_EXPORTER_H_
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 
 #include "base/file_path.h"
 #include "logging/logging.h"
 #include "tools/data_importer/source_readers/data_exporter.h"
+#include "tools/data_importer/source_readers/lookup_map.h"
 #include "tools/data_importer/target_store/import_records.h"
 
 namespace data_importer {
@@ -118,9 +118,9 @@ class V7DataExporter : public DataExporter {
 
   base::FilePath m_work_db;  // "VT7Data.db" in the data folder
   // Music items by "FileItemID", filled by the music-item reader.
-  std::map<int, MusicEntry> m_music_items;
+  LookupMap<int, MusicEntry> m_music_items;
   // Watched folders by "ShareFolderID", for the folder-item reader.
-  std::map<int, std::shared_ptr<ShareFolderItem>> m_share_folders;
+  LookupMap<int, std::shared_ptr<ShareFolderItem>> m_share_folders;
   int32_t m_next_radio_channel_id = 0;  // last id given to a radio channel
   int32_t m_last_played_list = -1;      // from the settings file; -1 none
   int32_t m_last_played_position = 0;   // entry index in that list

@@ -259,6 +259,34 @@ TEST_F(V7DataExporterTest, DownloadsVideosAndUnlinkedFiles) {
   ExpectReportReconciles(report, m_profile.data_folder());
 }
 
+// Where several library items share a finished download's path or hash,
+// the lowest item id wins, in whatever order the items were stored.
+TEST_F(V7DataExporterTest, FinishedDownloadTakesTheLowestItemId) {
+  V7Database db;
+  db.music = {Music(9, L"Twice"), Music(3, L"Twice"), Music(8, L"Eight"), Music(4, L"Four"),
+              Music(6, L"Six")};
+  db.music[2].inet_hash = Hash(77);
+  db.music[3].inet_hash = Hash(77);
+  db.music[4].inet_hash = Hash(77);
+  db.lists = {{10, 1, L"Default", 0}};
+  db.items = {{1, 10, 9, 0, 1}};
+  V7Download by_path;
+  by_path.finished = true;
+  by_path.file_name = L"D:\\Music\\Twice.mp3";
+  V7Download by_hash;
+  by_hash.finished = true;
+  by_hash.file_name = L"D:\\Down\\Moved.mp3";
+  by_hash.inet_hash = Hash(77);
+  db.downloads = {by_path, by_hash};
+  ASSERT_TRUE(db.Write(v7().Append(L"VTData.db")));
+
+  ImportModel model;
+  ASSERT_EQ(ExportResult::kExported, Export(&model));
+  ASSERT_EQ(2u, model.m_downloads.size());
+  EXPECT_EQ(3, model.m_downloads[0]->file_id);
+  EXPECT_EQ(4, model.m_downloads[1]->file_id);
+}
+
 // "ImportProgress" moves by tenths of the music items and of the lists and
 // by 5 after each reader, each value in "DBCheck" while the read goes on, and
 // stops at 49 although readers are left.
@@ -476,7 +504,7 @@ TEST_F(V7DataExporterTest, NullsInEveryColumn) {
   const ShareFileItem& file = *model.m_share_files[0];
   EXPECT_EQ(L"", file.FileName);
   EXPECT_EQ(0, file.ShareFileType);
-  EXPECT_EQ(kZero, std::string(file.MD5.text.begin(), file.MD5.text.end()));
+  EXPECT_EQ(kZero, std::string(file.MD5.text.str().begin(), file.MD5.text.str().end()));
   ASSERT_EQ(1u, model.m_play_lists.size());
   EXPECT_EQ(L"\u9ed8\u8ba4\u5217\u8868", model.m_play_lists[0]->PlaylistName);
   ASSERT_EQ(2u, model.m_downloads.size());

@@ -4,6 +4,7 @@
 // Columns that have no field in the new databases are named where they are
 // read and not carried.
 
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -310,20 +311,26 @@ bool V7DataExporter::ReadUnfinishedDownloads() {
 // row's (a downloaded file's catalogue hash is its content hash). A row
 // that neither finds keeps no file and is dropped by the writer, reported.
 bool V7DataExporter::ReadFinishedDownloads() {
-  // Items are visited in id order: the lowest id wins where several share a
-  // path or a hash.
-  std::unordered_map<std::wstring, int> file_by_path;
-  std::unordered_map<std::wstring, int> file_by_hash;
+  // The lowest id wins where several items share a path or a hash. The keys
+  // are the items' own texts, which the model keeps beyond this reader.
+  std::unordered_map<std::wstring_view, int> file_by_path;
+  std::unordered_map<std::wstring_view, int> file_by_hash;
+  auto keep_lowest = [](std::unordered_map<std::wstring_view, int>* map, std::wstring_view key,
+                        int id) {
+    auto [entry, added] = map->emplace(key, id);
+    if (!added && id < entry->second)
+      entry->second = id;
+  };
   file_by_path.reserve(m_music_items.size());
   for (const auto& [id, music] : m_music_items) {
     if (!music.file->FileName.empty() && music.file->FileName != kUnlinkedFileMark)
-      file_by_path.emplace(music.file->FileName, id);
+      keep_lowest(&file_by_path, music.file->FileName.view(), id);
     for (const NullableText* hash : {&music.file->MpegMD5, &music.file->MD5}) {
       if (IsFileHash(*hash))
-        file_by_hash.emplace(hash->text, id);
+        keep_lowest(&file_by_hash, hash->text.view(), id);
     }
   }
-  auto find = [](const std::unordered_map<std::wstring, int>& map, const std::wstring& key) {
+  auto find = [](const std::unordered_map<std::wstring_view, int>& map, std::wstring_view key) {
     auto found = map.find(key);
     return found == map.end() ? 0 : found->second;
   };
@@ -336,7 +343,7 @@ bool V7DataExporter::ReadFinishedDownloads() {
                     download->RelevanceFileHash = HashOrZero(row.GetString16("InetHash"));
                     int file_id = find(file_by_path, download->DestFileName);
                     if (file_id == 0)
-                      file_id = find(file_by_hash, download->RelevanceFileHash.text);
+                      file_id = find(file_by_hash, download->RelevanceFileHash.text.view());
                     download->file_id = file_id;
                     download->FileID = file_id;
                     download->FileSize = row.GetInt("FileSize");

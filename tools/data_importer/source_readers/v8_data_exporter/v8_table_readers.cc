@@ -51,7 +51,7 @@ void Remember(std::unordered_map<std::wstring, int>* map, const std::wstring& ke
 // separator, a control character. A NULL hash and an empty one are one
 // key: the entries of a file without a hash wrote either.
 std::wstring PathAndHash(const std::wstring& path, const NullableText& hash) {
-  return path + L'\x01' + hash.text;
+  return path + L'\x01' + hash.text.str();
 }
 
 }  // namespace
