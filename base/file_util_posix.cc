@@ -364,26 +364,7 @@ FilePath FileEnumerator::Next() {
 }
 
 bool FileEnumerator::MatchPattern(const std::wstring& name, const std::wstring& pattern) {
-  // Iterative wildcard match with backtracking to the last '*'.
-  size_t n = 0, p = 0, star = std::wstring::npos, resume = 0;
-  auto same = [](wchar_t a, wchar_t b) { return a == b || FoldCase(a) == FoldCase(b); };
-  while (n < name.size()) {
-    if (p < pattern.size() && (pattern[p] == L'?' || same(pattern[p], name[n]))) {
-      ++n;
-      ++p;
-    } else if (p < pattern.size() && pattern[p] == L'*') {
-      star = p++;
-      resume = n;
-    } else if (star != std::wstring::npos) {
-      p = star + 1;
-      n = ++resume;
-    } else {
-      return false;
-    }
-  }
-  while (p < pattern.size() && pattern[p] == L'*')
-    ++p;
-  return p == pattern.size();
+  return MatchWildcardPattern(name, pattern, &FoldCase);
 }
 
 }  // namespace base

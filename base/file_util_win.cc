@@ -401,6 +401,17 @@ FileEnumerator::FileEnumerator(const FilePath& folder, const std::wstring& patte
   FindClose(find);
 }
 
+namespace {
+
+// The system's own lower case of one character, as the file system folds
+// names.
+wchar_t LowerForMatch(wchar_t c) {
+  return static_cast<wchar_t>(
+      reinterpret_cast<ULONG_PTR>(CharLowerW(reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(c)))));
+}
+
+}  // namespace
+
 FilePath FileEnumerator::Next() {
   if (m_next >= m_matches.size())
     return FilePath();
@@ -408,28 +419,7 @@ FilePath FileEnumerator::Next() {
 }
 
 bool FileEnumerator::MatchPattern(const std::wstring& name, const std::wstring& pattern) {
-  size_t n = 0, p = 0, star = std::wstring::npos, resume = 0;
-  auto same = [](wchar_t a, wchar_t b) {
-    return a == b || CharLowerW(reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(a))) ==
-                         CharLowerW(reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(b)));
-  };
-  while (n < name.size()) {
-    if (p < pattern.size() && (pattern[p] == L'?' || same(pattern[p], name[n]))) {
-      ++n;
-      ++p;
-    } else if (p < pattern.size() && pattern[p] == L'*') {
-      star = p++;
-      resume = n;
-    } else if (star != std::wstring::npos) {
-      p = star + 1;
-      n = ++resume;
-    } else {
-      return false;
-    }
-  }
-  while (p < pattern.size() && pattern[p] == L'*')
-    ++p;
-  return p == pattern.size();
+  return MatchWildcardPattern(name, pattern, &LowerForMatch);
 }
 
 }  // namespace base

@@ -32,4 +32,29 @@ bool EqualsCaseInsensitiveASCII(std::string_view a, std::string_view b) {
   return EqualsFolded(a, b);
 }
 
+bool MatchWildcardPattern(std::wstring_view name,
+                          std::wstring_view pattern,
+                          wchar_t (*fold)(wchar_t)) {
+  // Iterative match with backtracking to the last '*'.
+  size_t n = 0, p = 0, star = std::wstring_view::npos, resume = 0;
+  auto same = [fold](wchar_t a, wchar_t b) { return a == b || fold(a) == fold(b); };
+  while (n < name.size()) {
+    if (p < pattern.size() && (pattern[p] == L'?' || same(pattern[p], name[n]))) {
+      ++n;
+      ++p;
+    } else if (p < pattern.size() && pattern[p] == L'*') {
+      star = p++;
+      resume = n;
+    } else if (star != std::wstring_view::npos) {
+      p = star + 1;
+      n = ++resume;
+    } else {
+      return false;
+    }
+  }
+  while (p < pattern.size() && pattern[p] == L'*')
+    ++p;
+  return p == pattern.size();
+}
+
 }  // namespace base

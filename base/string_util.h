@@ -22,6 +22,13 @@ std::wstring ToLowerASCII(std::wstring_view text);
 [[nodiscard]] bool EqualsCaseInsensitiveASCII(std::wstring_view a, std::wstring_view b);
 [[nodiscard]] bool EqualsCaseInsensitiveASCII(std::string_view a, std::string_view b);
 
+// Whether |name| matches the file-name |pattern|, where '*' stands for any
+// run of characters and '?' for any one character; two characters are the
+// same when |fold| maps them to the same one (the file system's folding).
+[[nodiscard]] bool MatchWildcardPattern(std::wstring_view name,
+                                        std::wstring_view pattern,
+                                        wchar_t (*fold)(wchar_t));
+
 }  // namespace base
 
 #endif  // BASE_STRING_UTIL_H_

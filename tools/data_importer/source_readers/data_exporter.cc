@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cctype>
 #include <string_view>
-#include <fstream>
+#include <cstdio>
+#include <memory>
 #include <optional>
 #include <sstream>
 
@@ -292,14 +293,20 @@ std::optional<std::string> SourceFingerprint(const base::FilePath& source) {
   base::FileInfo info;
   if (!base::GetFileInfo(source, &info) || info.is_directory)
     return std::nullopt;
-  std::ifstream file(base::ResolvePathCase(source).AsUTF8Unsafe(), std::ios::binary);
+  // Opened by its wide path: a user's folder may be named in any script.
+  std::unique_ptr<FILE, int (*)(FILE*)> file(base::OpenFile(base::ResolvePathCase(source), "rb"),
+                                             &fclose);
   if (!file)
     return std::nullopt;
   constexpr int64_t kPage = 4096;
   auto page_digest = [&file](int64_t offset, int64_t length) -> std::optional<std::string> {
     std::string bytes(static_cast<size_t>(length), '\0');
-    file.seekg(offset);
-    if (!file.read(bytes.data(), length))
+#if defined(_WIN32)
+    const int seek = _fseeki64(file.get(), offset, SEEK_SET);
+#else
+    const int seek = fseeko(file.get(), static_cast<off_t>(offset), SEEK_SET);
+#endif
+    if (seek != 0 || fread(bytes.data(), 1, bytes.size(), file.get()) != bytes.size())
       return std::nullopt;
     return base::MD5String(bytes);
   };
