@@ -473,7 +473,8 @@ TEST_F(V6DataExporterTest, V2CopiesFollowTheirSourcesAndAreSalvagedOnce) {
     const base::Value report = model.report()->ToJson();
     for (const base::Value& source : report["sources"]) {
       const std::string path = source["read_from"].get<std::string>();
-      why[path.substr(path.rfind('/') + 1)] = source["work_copy"].get<std::string>();
+      why[base::FilePath::FromUTF8Unsafe(path).BaseName().AsUTF8Unsafe()] =
+          source["work_copy"].get<std::string>();
     }
     return std::make_pair(model.m_share_files.size(), why);
   };
